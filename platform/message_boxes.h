@@ -1,0 +1,17 @@
+// The plain message boxes.
+#pragma once
+
+#include "platform/text.h"
+
+class MessageBoxes
+{
+public:
+    enum class Icon { none, critical, exclamation };
+    enum class Buttons { ok, okCancel, yesNo };
+    enum class Answer { ok, cancel, yes, no };
+
+    virtual ~MessageBoxes() = default;
+
+    // Modal; returns when answered. Closing the box is Cancel, where it has one. Timers go on behind it.
+    virtual Answer show(const Text& text, const Text& title, Icon icon, Buttons buttons) = 0;
+};

@@ -1,0 +1,69 @@
+// A window. Its controls are members of the class that derives from it; its handlers are wired to its events.
+#pragma once
+
+#include "platform/event.h"
+#include "platform/text.h"
+#include "platform/toolkit/container.h"
+#include "platform/toolkit/twips.h"
+
+#include <cstdint>
+#include <memory>
+
+class FormWidget;
+class Toolkit;
+
+class Form : public ctl::Container
+{
+public:
+    enum class Border { none, fixed };
+    enum State : std::int16_t { normal = 0, minimized = 1 };
+
+    // `name` is the window's name in the program and that of its background picture in the skin, if there is one.
+    Form(Toolkit& toolkit, const char* name, Border border, Extent client);
+    virtual ~Form();
+
+    Form(const Form&) = delete;
+    Form& operator=(const Form&) = delete;
+
+    Event<> Load;       // before anything else happens with the window
+    Event<> Activate;   // the window became the one that the user works in
+    Event<> Deactivate; // another window did
+    Event<> Unload;
+    Event<> Terminate;
+
+    Text Caption() const;
+    void setCaption(const Text& caption);
+
+    // Windows stand on whole pixels: what is set is rounded, and reads back so at once.
+    Twips Left() const;
+    Twips Top() const;
+    void setLeft(Twips left);
+    void setTop(Twips top);
+    Twips Width() const;
+    Twips Height() const;
+
+    // What is set reads back at once. It never shows a hidden window, raises it or gives it the focus.
+    State WindowState() const;
+    void setWindowState(State state);
+
+    bool Visible() const;
+    void Show(); // raises a window that is visible already
+    void Hide();
+
+    // The window follows the pointer until the button is released.
+    void dragWithPointer();
+
+    Toolkit& toolkit() const { return toolkit_; }
+    Form& form() override { return *this; }
+    QWidget* page() override;
+
+protected:
+    // The window manager asks the window to close.
+    virtual void closeRequested() { Hide(); }
+
+private:
+    friend class FormWidget;
+
+    Toolkit& toolkit_;
+    std::unique_ptr<FormWidget> widget_;
+};

@@ -1,0 +1,40 @@
+// Runs the test cases that the arguments choose; choosing none at all is a failure.
+#define DOCTEST_CONFIG_IMPLEMENT
+#include <doctest/doctest.h>
+
+#include <iostream>
+
+namespace
+{
+
+struct Counter : doctest::IReporter {
+    explicit Counter(const doctest::ContextOptions&) {}
+    inline static unsigned ran = 0;
+
+    void test_case_start(const doctest::TestCaseData&) override { ++ran; }
+    void report_query(const doctest::QueryData&) override {}
+    void test_run_start() override {}
+    void test_run_end(const doctest::TestRunStats&) override {}
+    void test_case_reenter(const doctest::TestCaseData&) override {}
+    void test_case_end(const doctest::CurrentTestCaseStats&) override {}
+    void test_case_exception(const doctest::TestCaseException&) override {}
+    void subcase_start(const doctest::SubcaseSignature&) override {}
+    void subcase_end() override {}
+    void log_assert(const doctest::AssertData&) override {}
+    void log_message(const doctest::MessageData&) override {}
+    void test_case_skipped(const doctest::TestCaseData&) override {}
+};
+
+}
+
+DOCTEST_REGISTER_LISTENER("counter", 1, Counter);
+
+int main(int argc, char** argv)
+{
+    doctest::Context context(argc, argv);
+    const int result = context.run();
+    if (context.shouldExit() || Counter::ran > 0)
+        return result;
+    std::cerr << "No test case was run.\n";
+    return 1;
+}
