@@ -12,7 +12,10 @@ inline constexpr std::string_view driveRoot = "/";
 inline constexpr std::string_view defaultDrive = "/";
 inline constexpr std::string_view defaultDriveWithoutSeparator = "/";
 
-inline bool endsInSeparator(std::string_view path) { return path.ends_with(pathSeparator); }
+inline bool endsInSeparator(std::string_view path)
+{
+    return path.ends_with(pathSeparator);
+}
 
 // `folder`, a separator unless it ends in one, and `name`.
 inline Text joined(std::string_view folder, std::string_view name)
@@ -24,4 +27,7 @@ inline Text joined(std::string_view folder, std::string_view name)
 }
 
 // What follows the last separator.
-inline std::string_view fileTitle(std::string_view path) { return path.substr(path.rfind(pathSeparator) + 1); }
+inline std::string_view fileTitle(std::string_view path)
+{
+    return path.substr(path.rfind(pathSeparator) + 1);
+}

@@ -1,4 +1,5 @@
-// Plain text files, read and written whole. A file that is being written keeps its old content until `finish`.
+// Plain text files, read and written whole. A file that is being written keeps its old content until
+// `finish`.
 #pragma once
 
 #include "platform/text.h"

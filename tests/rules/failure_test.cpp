@@ -7,7 +7,10 @@
 namespace
 {
 
-void fail(int number) { throw failure(number); }
+void fail(int number)
+{
+    throw failure(number);
+}
 
 }
 
