@@ -25,40 +25,19 @@ Window& Program::touched(std::unique_ptr<Window>& window)
     return *window;
 }
 
-StartUp& Program::startUp()
-{
-    return touched(startUp_);
-}
+StartUp& Program::startUp() { return touched(startUp_); }
 
-PlayListEditor& Program::playListEditor()
-{
-    return touched(playListEditor_);
-}
+PlayListEditor& Program::playListEditor() { return touched(playListEditor_); }
 
-Mp3Encoder& Program::mp3Encoder()
-{
-    return touched(mp3Encoder_);
-}
+Mp3Encoder& Program::mp3Encoder() { return touched(mp3Encoder_); }
 
-Settings& Program::settings()
-{
-    return touched(settings_);
-}
+Settings& Program::settings() { return touched(settings_); }
 
-editfileinfoform& Program::editFileInfoForm()
-{
-    return touched(editFileInfoForm_);
-}
+editfileinfoform& Program::editFileInfoForm() { return touched(editFileInfoForm_); }
 
-AboutFrame& Program::aboutFrame()
-{
-    return touched(aboutFrame_);
-}
+AboutFrame& Program::aboutFrame() { return touched(aboutFrame_); }
 
-Error& Program::error()
-{
-    return touched(error_);
-}
+Error& Program::error() { return touched(error_); }
 
 void Program::unloadAboutFrame()
 {

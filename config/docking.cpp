@@ -6,21 +6,12 @@
 namespace
 {
 
-Twips right(const Place& place)
-{
-    return place.left + place.width;
-}
+Twips right(const Place& place) { return place.left + place.width; }
 
-Twips bottom(const Place& place)
-{
-    return place.top + place.height;
-}
+Twips bottom(const Place& place) { return place.top + place.height; }
 
 // The reach is tested from either side by itself: sums of single numbers need not be symmetric.
-bool reaches(Twips edge, Twips other)
-{
-    return edge <= other + snapDistance && edge >= other - snapDistance;
-}
+bool reaches(Twips edge, Twips other) { return edge <= other + snapDistance && edge >= other - snapDistance; }
 
 bool overlapsAcross(const Place& main, const Place& list)
 {

@@ -7,10 +7,7 @@
 namespace
 {
 
-Place placeOf(const Form& window)
-{
-    return {window.Left(), window.Top(), window.Width(), window.Height()};
-}
+Place placeOf(const Form& window) { return {window.Left(), window.Top(), window.Width(), window.Height()}; }
 
 }
 

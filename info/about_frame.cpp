@@ -47,20 +47,11 @@ void AboutFrame::showUpdates()
     updatesandbugfixes.setText(program_.platform().textFiles().readWhole(path));
 }
 
-void AboutFrame::cmdOK_Click()
-{
-    closeRequested();
-}
+void AboutFrame::cmdOK_Click() { closeRequested(); }
 
-void AboutFrame::closeRequested()
-{
-    program_.unloadAboutFrame();
-}
+void AboutFrame::closeRequested() { program_.unloadAboutFrame(); }
 
-void AboutFrame::cmdSysInfo_Click()
-{
-    StartSysInfo();
-}
+void AboutFrame::cmdSysInfo_Click() { StartSysInfo(); }
 
 void AboutFrame::StartSysInfo()
 {

@@ -22,15 +22,9 @@ editfileinfoform::editfileinfoform(Program& program) :
     butCancel.Click.calls(*this, &editfileinfoform::butCancel_Click);
 }
 
-void editfileinfoform::Form_Unload()
-{
-    emptyBoxes();
-}
+void editfileinfoform::Form_Unload() { emptyBoxes(); }
 
-void editfileinfoform::Form_Terminate()
-{
-    emptyBoxes();
-}
+void editfileinfoform::Form_Terminate() { emptyBoxes(); }
 
 void editfileinfoform::emptyBoxes()
 {
@@ -38,10 +32,7 @@ void editfileinfoform::emptyBoxes()
         box->setText("");
 }
 
-void editfileinfoform::butCancel_Click()
-{
-    Hide();
-}
+void editfileinfoform::butCancel_Click() { Hide(); }
 
 void editfileinfoform::butSave_Click()
 {

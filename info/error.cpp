@@ -11,7 +11,4 @@ Error::Error(Program& program) :
     okbutton.Click.calls(*this, &Error::okbutton_Click);
 }
 
-void Error::okbutton_Click()
-{
-    Hide();
-}
+void Error::okbutton_Click() { Hide(); }

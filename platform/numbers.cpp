@@ -49,20 +49,11 @@ Integer rounded(double number)
 
 }
 
-Text textOf(float number)
-{
-    return plainDecimal(number);
-}
+Text textOf(float number) { return plainDecimal(number); }
 
-Text textOf(double number)
-{
-    return plainDecimal(number);
-}
+Text textOf(double number) { return plainDecimal(number); }
 
-Text textOf(std::int32_t number)
-{
-    return std::to_string(number);
-}
+Text textOf(std::int32_t number) { return std::to_string(number); }
 
 double toDouble(std::string_view text)
 {
@@ -93,22 +84,10 @@ float toSingle(std::string_view text)
     return static_cast<float>(value);
 }
 
-std::int16_t toInteger16(std::string_view text)
-{
-    return rounded<std::int16_t>(toDouble(text));
-}
+std::int16_t toInteger16(std::string_view text) { return rounded<std::int16_t>(toDouble(text)); }
 
-std::int32_t toInteger32(std::string_view text)
-{
-    return rounded<std::int32_t>(toDouble(text));
-}
+std::int32_t toInteger32(std::string_view text) { return rounded<std::int32_t>(toDouble(text)); }
 
-std::int16_t roundToInteger16(double number)
-{
-    return rounded<std::int16_t>(number);
-}
+std::int16_t roundToInteger16(double number) { return rounded<std::int16_t>(number); }
 
-std::int32_t roundToInteger32(double number)
-{
-    return rounded<std::int32_t>(number);
-}
+std::int32_t roundToInteger32(double number) { return rounded<std::int32_t>(number); }

@@ -12,10 +12,7 @@ inline constexpr std::string_view driveRoot = "/";
 inline constexpr std::string_view defaultDrive = "/";
 inline constexpr std::string_view defaultDriveWithoutSeparator = "/";
 
-inline bool endsInSeparator(std::string_view path)
-{
-    return path.ends_with(pathSeparator);
-}
+inline bool endsInSeparator(std::string_view path) { return path.ends_with(pathSeparator); }
 
 // `folder`, a separator unless it ends in one, and `name`.
 inline Text joined(std::string_view folder, std::string_view name)

@@ -58,10 +58,7 @@ void StartUp::CreateMenus()
     cP->Store(menuName);
 }
 
-void StartUp::imgMenu_Click()
-{
-    showMenuBelow(*cP, imgMenu, menuName);
-}
+void StartUp::imgMenu_Click() { showMenuBelow(*cP, imgMenu, menuName); }
 
 void StartUp::cP_Click(std::int32_t& item)
 {

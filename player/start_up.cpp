@@ -123,30 +123,15 @@ void StartUp::readLevels()
                         balanceHalf);
 }
 
-void StartUp::Form_Activate()
-{
-    window_active = true;
-}
+void StartUp::Form_Activate() { window_active = true; }
 
-void StartUp::Form_Deactivate()
-{
-    window_active = false;
-}
+void StartUp::Form_Deactivate() { window_active = false; }
 
-void StartUp::form_active_ok_sub()
-{
-    window_active = true;
-}
+void StartUp::form_active_ok_sub() { window_active = true; }
 
-void StartUp::Form_Unload()
-{
-    closeEnginesAndEnd();
-}
+void StartUp::Form_Unload() { closeEnginesAndEnd(); }
 
-void StartUp::Form_Terminate()
-{
-    closeEnginesAndEnd();
-}
+void StartUp::Form_Terminate() { closeEnginesAndEnd(); }
 
 void StartUp::closeEnginesAndEnd()
 {
@@ -157,15 +142,9 @@ void StartUp::closeEnginesAndEnd()
 }
 
 // No engine is stopped and nothing is saved: the clock has saved everything already.
-void StartUp::closeVLMimg_Click()
-{
-    program_.platform().endProgram();
-}
+void StartUp::closeVLMimg_Click() { program_.platform().endProgram(); }
 
-void StartUp::TitleBarImg_MouseDown(ctl::Button, std::int16_t, Twips, Twips)
-{
-    dragWithPointer();
-}
+void StartUp::TitleBarImg_MouseDown(ctl::Button, std::int16_t, Twips, Twips) { dragWithPointer(); }
 
 void StartUp::Minimizeimg_Click()
 {

@@ -2,10 +2,7 @@
 
 #include "platform/numbers.h"
 
-Text wholeMinutes(std::int32_t milliseconds)
-{
-    return textOf(milliseconds / 60000);
-}
+Text wholeMinutes(std::int32_t milliseconds) { return textOf(milliseconds / 60000); }
 
 Text twoDigitSeconds(std::int32_t milliseconds)
 {

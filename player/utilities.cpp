@@ -23,10 +23,7 @@ bool scanFinds(DirectoryScan& scan, DirectoryScan::Handle handle, FoundFile foun
 
 }
 
-Text StartUp::StripTerminator(const Text& text)
-{
-    return text.substr(0, text.find('\0'));
-}
+Text StartUp::StripTerminator(const Text& text) { return text.substr(0, text.find('\0')); }
 
 bool StartUp::FileOrDirExists(const Text& name, const Text& folder)
 {

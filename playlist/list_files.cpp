@@ -51,10 +51,7 @@ void PlayListEditor::GoDoNew()
     PlayListLB.Clear();
 }
 
-void PlayListEditor::GoDoClose()
-{
-    GoDoNew();
-}
+void PlayListEditor::GoDoClose() { GoDoNew(); }
 
 void PlayListEditor::SplitListText(const Text& text, const Text& delimiter)
 {

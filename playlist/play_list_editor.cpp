@@ -86,10 +86,7 @@ void PlayListEditor::loadStoredList()
         readListFile(storedList());
 }
 
-void PlayListEditor::Form_Activate()
-{
-    program_.startUp().get_plss_pos_pi();
-}
+void PlayListEditor::Form_Activate() { program_.startUp().get_plss_pos_pi(); }
 
 void PlayListEditor::Form_Deactivate()
 {
@@ -97,15 +94,9 @@ void PlayListEditor::Form_Deactivate()
     program_.startUp().form_active_ok_sub();
 }
 
-void PlayListEditor::PLETitleBarImg_MouseDown(ctl::Button, std::int16_t, Twips, Twips)
-{
-    dragWithPointer();
-}
+void PlayListEditor::PLETitleBarImg_MouseDown(ctl::Button, std::int16_t, Twips, Twips) { dragWithPointer(); }
 
-void PlayListEditor::closeVLMimg_Click()
-{
-    Hide();
-}
+void PlayListEditor::closeVLMimg_Click() { Hide(); }
 
 // Keeps the list alive, whatever happens to the program: on each tick its rows and the way back to them are
 // on the disk.

@@ -53,10 +53,7 @@ void PlayListEditor::CreateMenus()
     cP->Store(menuName);
 }
 
-void PlayListEditor::imgMenu_Click()
-{
-    showMenuBelow(*cP, imgMenu, menuName);
-}
+void PlayListEditor::imgMenu_Click() { showMenuBelow(*cP, imgMenu, menuName); }
 
 void PlayListEditor::cP_Click(std::int32_t& item)
 {

@@ -27,20 +27,14 @@ std::optional<std::vector<Text>> splitListText(std::string_view text, std::strin
     return lines;
 }
 
-bool isRow(std::string_view line)
-{
-    return !line.starts_with('#');
-}
+bool isRow(std::string_view line) { return !line.starts_with('#'); }
 
 Text m3uInformationLine(std::int32_t length, const Text& artist, const Text& title)
 {
     return "#EXTINF:" + textOf(length / 1000 - 1) + "," + artist + " - " + title;
 }
 
-bool isM3uName(std::string_view name)
-{
-    return endsInLetters(name, "m3u");
-}
+bool isM3uName(std::string_view name) { return endsInLetters(name, "m3u"); }
 
 Text listFileName(const Text& name, std::int16_t filter)
 {

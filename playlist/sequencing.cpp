@@ -71,20 +71,11 @@ void PlayListEditor::stop_pl_first()
     player.Image3.setEnabled(false);
 }
 
-void PlayListEditor::GoDoStop()
-{
-    stop_pl_first();
-}
+void PlayListEditor::GoDoStop() { stop_pl_first(); }
 
-void PlayListEditor::Stopimg1_Click()
-{
-    stop_pl_first();
-}
+void PlayListEditor::Stopimg1_Click() { stop_pl_first(); }
 
-void PlayListEditor::startFromFirst()
-{
-    go_play_the_list(0);
-}
+void PlayListEditor::startFromFirst() { go_play_the_list(0); }
 
 void PlayListEditor::GoDoPlayFromSelected()
 {
@@ -92,10 +83,7 @@ void PlayListEditor::GoDoPlayFromSelected()
     go_play_the_list(PlayListLB.ListIndex() == -1 ? 0 : PlayListLB.ListIndex());
 }
 
-void PlayListEditor::Playimg1_Click()
-{
-    GoDoPlayFromSelected();
-}
+void PlayListEditor::Playimg1_Click() { GoDoPlayFromSelected(); }
 
 void PlayListEditor::GoDoNext()
 {
@@ -104,10 +92,7 @@ void PlayListEditor::GoDoNext()
         go_play_the_list(PlayIndex + 1);
 }
 
-void PlayListEditor::Nextimg1_Click()
-{
-    GoDoNext();
-}
+void PlayListEditor::Nextimg1_Click() { GoDoNext(); }
 
 void PlayListEditor::Previmg1_Click()
 {

@@ -94,20 +94,11 @@ Text Settings::titleOf(std::int16_t track)
     return chkCDDB.Value() == 1 && !title.empty() ? titles.DiscArtist() + " - " + title : "";
 }
 
-void Settings::CDDrives_Click()
-{
-    SetCDtoWAVApp.setEnabled(true);
-}
+void Settings::CDDrives_Click() { SetCDtoWAVApp.setEnabled(true); }
 
-void Settings::SetCDtoWavTB_Change()
-{
-    SetCDtoWAVApp.setEnabled(true);
-}
+void Settings::SetCDtoWavTB_Change() { SetCDtoWAVApp.setEnabled(true); }
 
-void Settings::Dir3_Change()
-{
-    SetCDtoWAVApp.setEnabled(true);
-}
+void Settings::Dir3_Change() { SetCDtoWAVApp.setEnabled(true); }
 
 void Settings::Drive3_Change()
 {
@@ -156,7 +147,4 @@ void Settings::SetCDtoWAVOK_Click()
     Hide();
 }
 
-void Settings::SetCDtoWAVCan_Click()
-{
-    Hide();
-}
+void Settings::SetCDtoWAVCan_Click() { Hide(); }

@@ -17,10 +17,7 @@ void Settings::Drive2_Change()
     SetDecApp.setEnabled(true);
 }
 
-void Settings::Dir2_Change()
-{
-    SetDecApp.setEnabled(true);
-}
+void Settings::Dir2_Change() { SetDecApp.setEnabled(true); }
 
 void Settings::storeDecoderTab()
 {
@@ -43,7 +40,4 @@ void Settings::SetDecOK_Click()
     Hide();
 }
 
-void Settings::SetDecCan_Click()
-{
-    Hide();
-}
+void Settings::SetDecCan_Click() { Hide(); }

@@ -39,10 +39,7 @@ void Settings::Drive1_Change()
     SetEncApp.setEnabled(true);
 }
 
-void Settings::Dir1_Change()
-{
-    SetEncApp.setEnabled(true);
-}
+void Settings::Dir1_Change() { SetEncApp.setEnabled(true); }
 
 void Settings::storeEncoderTab()
 {
@@ -70,7 +67,4 @@ void Settings::SetEncOK_Click()
     Hide();
 }
 
-void Settings::SetEncCan_Click()
-{
-    Hide();
-}
+void Settings::SetEncCan_Click() { Hide(); }

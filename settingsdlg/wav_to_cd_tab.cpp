@@ -11,10 +11,7 @@ namespace
 using Icon = MessageBoxes::Icon;
 using Buttons = MessageBoxes::Buttons;
 
-bool isKnownType(std::int16_t type)
-{
-    return type >= 1 && type < 100;
-}
+bool isKnownType(std::int16_t type) { return type >= 1 && type < 100; }
 
 }
 
@@ -136,20 +133,11 @@ void Settings::SetWAVtoCDcdwrSetwrtype_Click()
     SetWAVtoCDwritertype.setEnabled(false);
 }
 
-void Settings::SetWAVtoCDcdwriter_Change()
-{
-    SetWAVtoCDApp.setEnabled(true);
-}
+void Settings::SetWAVtoCDcdwriter_Change() { SetWAVtoCDApp.setEnabled(true); }
 
-void Settings::SetWAVtoCDwritertype_Change()
-{
-    SetWAVtoCDApp.setEnabled(true);
-}
+void Settings::SetWAVtoCDwritertype_Change() { SetWAVtoCDApp.setEnabled(true); }
 
-void Settings::SetWAVtoCDautoeject_Click()
-{
-    SetWAVtoCDApp.setEnabled(true);
-}
+void Settings::SetWAVtoCDautoeject_Click() { SetWAVtoCDApp.setEnabled(true); }
 
 // Closing a disc and simulating keep each other out.
 void Settings::SetWAVtoCDclosedisc_Click()
@@ -206,7 +194,4 @@ void Settings::SetWAVtoCDOK_Click()
     Hide();
 }
 
-void Settings::SetWAVtoCDCan_Click()
-{
-    Hide();
-}
+void Settings::SetWAVtoCDCan_Click() { Hide(); }

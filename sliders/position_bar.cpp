@@ -45,25 +45,13 @@ void StartUp::seek_to_bar_value()
 }
 
 // The clock is held while the user has the bar in hand, or it would pull the number back.
-void StartUp::posbar_img2_MouseDown(ctl::Button, std::int16_t, Twips, Twips)
-{
-    Timer.setEnabled(false);
-}
+void StartUp::posbar_img2_MouseDown(ctl::Button, std::int16_t, Twips, Twips) { Timer.setEnabled(false); }
 
-void StartUp::posbar_img2_MouseUp(ctl::Button, std::int16_t, Twips, Twips)
-{
-    resumeClock();
-}
+void StartUp::posbar_img2_MouseUp(ctl::Button, std::int16_t, Twips, Twips) { resumeClock(); }
 
-void StartUp::pbar_MouseDown()
-{
-    Timer.setEnabled(false);
-}
+void StartUp::pbar_MouseDown() { Timer.setEnabled(false); }
 
-void StartUp::pbar_MouseUp()
-{
-    resumeClock();
-}
+void StartUp::pbar_MouseUp() { resumeClock(); }
 
 void StartUp::pbar_KeyDown(std::int16_t keyCode)
 {
@@ -71,15 +59,9 @@ void StartUp::pbar_KeyDown(std::int16_t keyCode)
         Timer.setEnabled(false);
 }
 
-void StartUp::pbar_KeyUp(std::int16_t)
-{
-    resumeClock();
-}
+void StartUp::pbar_KeyUp(std::int16_t) { resumeClock(); }
 
-void StartUp::pbar_Scroll()
-{
-    seek_to_bar_value();
-}
+void StartUp::pbar_Scroll() { seek_to_bar_value(); }
 
 void StartUp::resumeClock()
 {

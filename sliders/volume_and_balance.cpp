@@ -9,10 +9,7 @@
 namespace
 {
 
-Twips travelOf(const ctl::Image& track, const ctl::Image& thumb)
-{
-    return track.Width() - thumb.Width();
-}
+Twips travelOf(const ctl::Image& track, const ctl::Image& thumb) { return track.Width() - thumb.Width(); }
 
 bool fits(Twips left, const ctl::Image& track, const ctl::Image& thumb)
 {
@@ -66,10 +63,7 @@ void StartUp::apply_balance()
     });
 }
 
-void StartUp::balslider_Scroll()
-{
-    apply_balance();
-}
+void StartUp::balslider_Scroll() { apply_balance(); }
 
 void StartUp::vslider_bg_DragDrop(ctl::Image&, Twips X, Twips)
 {
@@ -125,7 +119,4 @@ void StartUp::vslider_tim1_Timer()
         program_.playListEditor().setWindowState(normal);
 }
 
-void StartUp::balbar_tim1_Timer()
-{
-    balbar_img2.setToolTipText("Balance: " + textOf(balslider.Value()));
-}
+void StartUp::balbar_tim1_Timer() { balbar_img2.setToolTipText("Balance: " + textOf(balslider.Value())); }

@@ -57,25 +57,13 @@ void Mp3Encoder::Form_Load()
     trackReadFinished = true;
 }
 
-void Mp3Encoder::Drive1_Change()
-{
-    Dir1.setPath(Drive1.Drive());
-}
+void Mp3Encoder::Drive1_Change() { Dir1.setPath(Drive1.Drive()); }
 
-void Mp3Encoder::Dir1_Change()
-{
-    File1.setPath(Dir1.Path());
-}
+void Mp3Encoder::Dir1_Change() { File1.setPath(Dir1.Path()); }
 
-void Mp3Encoder::Drive2_Change()
-{
-    Dir2.setPath(Drive2.Drive());
-}
+void Mp3Encoder::Drive2_Change() { Dir2.setPath(Drive2.Drive()); }
 
-void Mp3Encoder::Dir2_Change()
-{
-    File2.setPath(Dir2.Path());
-}
+void Mp3Encoder::Dir2_Change() { File2.setPath(Dir2.Path()); }
 
 // The loaders mark the tab as changed; its Apply is cleared after them, so that the dialog opens clean.
 void Mp3Encoder::openSettings(int tab)
@@ -87,43 +75,19 @@ void Mp3Encoder::openSettings(int tab)
     settings.Show();
 }
 
-void Mp3Encoder::EncSettings_Click()
-{
-    openSettings(0);
-}
+void Mp3Encoder::EncSettings_Click() { openSettings(0); }
 
-void Mp3Encoder::Command2_Click()
-{
-    openSettings(1);
-}
+void Mp3Encoder::Command2_Click() { openSettings(1); }
 
-void Mp3Encoder::EncCDtoWAVSet_Click()
-{
-    openSettings(2);
-}
+void Mp3Encoder::EncCDtoWAVSet_Click() { openSettings(2); }
 
-void Mp3Encoder::EncWAVtoCDsettings_Click()
-{
-    openSettings(3);
-}
+void Mp3Encoder::EncWAVtoCDsettings_Click() { openSettings(3); }
 
 // A run goes on behind the hidden window.
-void Mp3Encoder::ExitEnc_Click()
-{
-    Hide();
-}
+void Mp3Encoder::ExitEnc_Click() { Hide(); }
 
-void Mp3Encoder::Command1_Click()
-{
-    Hide();
-}
+void Mp3Encoder::Command1_Click() { Hide(); }
 
-void Mp3Encoder::EncCDtoWAVExit_Click()
-{
-    Hide();
-}
+void Mp3Encoder::EncCDtoWAVExit_Click() { Hide(); }
 
-void Mp3Encoder::EncWAVtoCDExit_Click()
-{
-    Hide();
-}
+void Mp3Encoder::EncWAVtoCDExit_Click() { Hide(); }

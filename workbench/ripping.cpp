@@ -64,10 +64,7 @@ void Mp3Encoder::readTrack(std::int16_t track, const Text& path)
         program_.platform().pump().turn();
 }
 
-void Mp3Encoder::EncCDtoWAVStop_Click()
-{
-    CDtoWAV->Stop();
-}
+void Mp3Encoder::EncCDtoWAVStop_Click() { CDtoWAV->Stop(); }
 
 void Mp3Encoder::CDtoWAV_Progress(std::int32_t position)
 {
@@ -78,7 +75,4 @@ void Mp3Encoder::CDtoWAV_Progress(std::int32_t position)
                            (tracksStartedCount - 1) * share));
 }
 
-void Mp3Encoder::CDtoWAV_Done()
-{
-    trackReadFinished = true;
-}
+void Mp3Encoder::CDtoWAV_Done() { trackReadFinished = true; }

@@ -5,13 +5,7 @@ struct DecodeJobs::Parts {
 
 DecodeJobs::DecodeJobs(Post&, Shell&, Events) {}
 DecodeJobs::~DecodeJobs() = default;
-std::int16_t DecodeJobs::open(const Text&, const Text&)
-{
-    return 1;
-}
+std::int16_t DecodeJobs::open(const Text&, const Text&) { return 1; }
 void DecodeJobs::start() {}
 void DecodeJobs::close() {}
-std::int32_t DecodeJobs::length() const
-{
-    return 0;
-}
+std::int32_t DecodeJobs::length() const { return 0; }

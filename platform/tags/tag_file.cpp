@@ -1,11 +1,5 @@
 #include "platform/tags/tag_file.h"
 
-Tag readTag(const Text&)
-{
-    return {};
-}
+Tag readTag(const Text&) { return {}; }
 
-Text writeTag(const Text&, const Tag&)
-{
-    return "This file's tag cannot be written.";
-}
+Text writeTag(const Text&, const Tag&) { return "This file's tag cannot be written."; }

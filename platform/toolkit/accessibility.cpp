@@ -41,7 +41,4 @@ QAccessibleInterface* imageInterface(const QString&, QObject* object)
 
 }
 
-void makeImagesAccessible()
-{
-    QAccessible::installFactory(imageInterface);
-}
+void makeImagesAccessible() { QAccessible::installFactory(imageInterface); }

@@ -34,10 +34,7 @@ OptionButton::OptionButton(Container& container, const char* name, Place place, 
     });
 }
 
-bool OptionButton::Value() const
-{
-    return static_cast<QRadioButton*>(widget_)->isChecked();
-}
+bool OptionButton::Value() const { return static_cast<QRadioButton*>(widget_)->isChecked(); }
 
 void OptionButton::setValue(bool value)
 {
@@ -62,10 +59,7 @@ CheckBox::CheckBox(Container& container, const char* name, Place place, const Te
                      [this] { fromOutside([this] { Click.raise(); }); });
 }
 
-std::int16_t CheckBox::Value() const
-{
-    return static_cast<QCheckBox*>(widget_)->isChecked() ? 1 : 0;
-}
+std::int16_t CheckBox::Value() const { return static_cast<QCheckBox*>(widget_)->isChecked() ? 1 : 0; }
 
 void CheckBox::setValue(std::int16_t value)
 {

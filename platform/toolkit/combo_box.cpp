@@ -26,15 +26,9 @@ void ComboBox::AddItem(const Text& text)
     box->setCurrentIndex(before);
 }
 
-std::int32_t ComboBox::ListCount() const
-{
-    return static_cast<QComboBox*>(widget_)->count();
-}
+std::int32_t ComboBox::ListCount() const { return static_cast<QComboBox*>(widget_)->count(); }
 
-std::int32_t ComboBox::ListIndex() const
-{
-    return static_cast<QComboBox*>(widget_)->currentIndex();
-}
+std::int32_t ComboBox::ListIndex() const { return static_cast<QComboBox*>(widget_)->currentIndex(); }
 
 void ComboBox::setListIndex(std::int32_t index)
 {

@@ -56,14 +56,8 @@ void Control::setToolTipText(const Text& toolTip)
     }
 }
 
-Toolkit& Control::toolkit() const
-{
-    return form_.toolkit();
-}
+Toolkit& Control::toolkit() const { return form_.toolkit(); }
 
-void Control::enter(const std::function<void()>& call) const
-{
-    toolkit().outermost(call);
-}
+void Control::enter(const std::function<void()>& call) const { toolkit().outermost(call); }
 
 }

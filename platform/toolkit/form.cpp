@@ -9,55 +9,25 @@ Form::Form(Toolkit& toolkit, const char* name, Border border, Extent client) :
 {
 }
 
-Form::~Form()
-{
-    toolkit_.closed(*this);
-}
+Form::~Form() { toolkit_.closed(*this); }
 
-Text Form::Caption() const
-{
-    return bytesOf(widget_->windowTitle());
-}
+Text Form::Caption() const { return bytesOf(widget_->windowTitle()); }
 
-void Form::setCaption(const Text& caption)
-{
-    widget_->setWindowTitle(shown(caption));
-}
+void Form::setCaption(const Text& caption) { widget_->setWindowTitle(shown(caption)); }
 
-Twips Form::Left() const
-{
-    return twipsOf(widget_->place().x());
-}
+Twips Form::Left() const { return twipsOf(widget_->place().x()); }
 
-Twips Form::Top() const
-{
-    return twipsOf(widget_->place().y());
-}
+Twips Form::Top() const { return twipsOf(widget_->place().y()); }
 
-void Form::setLeft(Twips left)
-{
-    widget_->setPlace({pixelsOf(left), widget_->place().y()});
-}
+void Form::setLeft(Twips left) { widget_->setPlace({pixelsOf(left), widget_->place().y()}); }
 
-void Form::setTop(Twips top)
-{
-    widget_->setPlace({widget_->place().x(), pixelsOf(top)});
-}
+void Form::setTop(Twips top) { widget_->setPlace({widget_->place().x(), pixelsOf(top)}); }
 
-Twips Form::Width() const
-{
-    return twipsOf(widget_->frameSize().width());
-}
+Twips Form::Width() const { return twipsOf(widget_->frameSize().width()); }
 
-Twips Form::Height() const
-{
-    return twipsOf(widget_->frameSize().height());
-}
+Twips Form::Height() const { return twipsOf(widget_->frameSize().height()); }
 
-Form::State Form::WindowState() const
-{
-    return widget_->state();
-}
+Form::State Form::WindowState() const { return widget_->state(); }
 
 void Form::setWindowState(State state)
 {
@@ -65,10 +35,7 @@ void Form::setWindowState(State state)
         widget_->setState(state);
 }
 
-bool Form::Visible() const
-{
-    return widget_->isVisible();
-}
+bool Form::Visible() const { return widget_->isVisible(); }
 
 void Form::Show()
 {
@@ -82,12 +49,6 @@ void Form::Hide()
     toolkit_.deactivated(*this);
 }
 
-void Form::dragWithPointer()
-{
-    widget_->follow();
-}
+void Form::dragWithPointer() { widget_->follow(); }
 
-QWidget* Form::page()
-{
-    return widget_.get();
-}
+QWidget* Form::page() { return widget_.get(); }

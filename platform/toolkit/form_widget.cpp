@@ -25,10 +25,7 @@ Qt::WindowFlags flagsFor(Form::Border border)
            Qt::WindowMinimizeButtonHint;
 }
 
-bool placesItself()
-{
-    return QGuiApplication::platformName() != "wayland";
-}
+bool placesItself() { return QGuiApplication::platformName() != "wayland"; }
 
 }
 

@@ -38,14 +38,8 @@ TabControl::TabControl(Container& container, const char* name, Place place,
     }
 }
 
-int TabControl::Tab() const
-{
-    return static_cast<QTabWidget*>(widget_)->currentIndex();
-}
+int TabControl::Tab() const { return static_cast<QTabWidget*>(widget_)->currentIndex(); }
 
-void TabControl::setTab(int index)
-{
-    static_cast<QTabWidget*>(widget_)->setCurrentIndex(index);
-}
+void TabControl::setTab(int index) { static_cast<QTabWidget*>(widget_)->setCurrentIndex(index); }
 
 }

@@ -52,10 +52,7 @@ Button buttonOf(const QMouseEvent& event)
     return event.button() == Qt::MiddleButton ? Button::middle : Button::left;
 }
 
-Twips twipsAt(qreal pixels)
-{
-    return static_cast<Twips>(pixels) * twipsPerPixel;
-}
+Twips twipsAt(qreal pixels) { return static_cast<Twips>(pixels) * twipsPerPixel; }
 
 Qt::CursorShape pointerFor(Image::Use use)
 {
@@ -64,10 +61,7 @@ Qt::CursorShape pointerFor(Image::Use use)
 
 }
 
-ImageWidget::ImageWidget(Image& image, Image::Use use) : image_(image)
-{
-    setCursor(pointerFor(use));
-}
+ImageWidget::ImageWidget(Image& image, Image::Use use) : image_(image) { setCursor(pointerFor(use)); }
 
 ImageWidget::~ImageWidget() = default;
 
@@ -76,10 +70,7 @@ void ImageWidget::act()
     image_.fromOutside([this] { image_.Click.raise(); });
 }
 
-QRect ImageWidget::dropZone() const
-{
-    return geometry().adjusted(0, -kindness, 0, kindness);
-}
+QRect ImageWidget::dropZone() const { return geometry().adjusted(0, -kindness, 0, kindness); }
 
 bool ImageWidget::event(QEvent* event)
 {

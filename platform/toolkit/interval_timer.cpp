@@ -17,10 +17,7 @@ IntervalTimer::IntervalTimer(Container& container, const char* name, std::chrono
     toolkit_.add(*this);
 }
 
-IntervalTimer::~IntervalTimer()
-{
-    toolkit_.remove(*this);
-}
+IntervalTimer::~IntervalTimer() { toolkit_.remove(*this); }
 
 void IntervalTimer::setEnabled(bool enabled)
 {

@@ -30,10 +30,7 @@ protected:
 };
 
 // 20 twips to the point of type.
-int typePixels(int points)
-{
-    return pixelsOf(static_cast<Twips>(points) * 20);
-}
+int typePixels(int points) { return pixelsOf(static_cast<Twips>(points) * 20); }
 
 }
 

@@ -32,10 +32,7 @@ ListBox::~ListBox()
         view_->setModel(nullptr);
 }
 
-void ListBox::AddItem(const ::Text& text)
-{
-    AddItem(text, ListCount());
-}
+void ListBox::AddItem(const ::Text& text) { AddItem(text, ListCount()); }
 
 void ListBox::AddItem(const ::Text& text, std::int32_t index)
 {
@@ -72,20 +69,11 @@ void ListBox::change(Change&& change, std::int32_t selected)
         view_->showSelection(selected);
 }
 
-std::int32_t ListBox::ListCount() const
-{
-    return rows_->count();
-}
+std::int32_t ListBox::ListCount() const { return rows_->count(); }
 
-::Text ListBox::List(std::int32_t index) const
-{
-    return holds(index) ? rows_->text(index) : ::Text();
-}
+::Text ListBox::List(std::int32_t index) const { return holds(index) ? rows_->text(index) : ::Text(); }
 
-::Text ListBox::Text() const
-{
-    return List(listIndex_);
-}
+::Text ListBox::Text() const { return List(listIndex_); }
 
 void ListBox::setListIndex(std::int32_t index)
 {
@@ -130,9 +118,6 @@ void ListBox::acceptFiles()
     view_->setDragDropMode(QAbstractItemView::DropOnly);
 }
 
-std::uint64_t ListBox::revision() const
-{
-    return rows_->revision();
-}
+std::uint64_t ListBox::revision() const { return rows_->revision(); }
 
 }

@@ -42,10 +42,7 @@ void ListRows::changed()
     revision_ = ++last;
 }
 
-int ListRows::rowCount(const QModelIndex& parent) const
-{
-    return parent.isValid() ? 0 : count();
-}
+int ListRows::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count(); }
 
 QVariant ListRows::data(const QModelIndex& index, int role) const
 {

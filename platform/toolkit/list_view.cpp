@@ -96,10 +96,7 @@ void ListView::focusInEvent(QFocusEvent* event)
     showSelection(list_.ListIndex());
 }
 
-void ListView::dragEnterEvent(QDragEnterEvent* event)
-{
-    dragMoveEvent(event);
-}
+void ListView::dragEnterEvent(QDragEnterEvent* event) { dragMoveEvent(event); }
 
 // As copies, whatever the other program offers first: a move would delete its files.
 void ListView::dragMoveEvent(QDragMoveEvent* event)

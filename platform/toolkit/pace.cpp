@@ -52,10 +52,7 @@ void Pace::add(ctl::IntervalTimer& timer)
     timer.setPace(slow_ ? slowRate : fullRate);
 }
 
-void Pace::remove(ctl::IntervalTimer& timer)
-{
-    std::erase(timers_, &timer);
-}
+void Pace::remove(ctl::IntervalTimer& timer) { std::erase(timers_, &timer); }
 
 void Pace::stop()
 {
@@ -79,10 +76,7 @@ void Pace::begin()
         this, [this] { wake(); }, Qt::QueuedConnection);
 }
 
-void Pace::end()
-{
-    --sounding_;
-}
+void Pace::end() { --sounding_; }
 
 void Pace::wake()
 {

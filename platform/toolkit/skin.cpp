@@ -10,10 +10,7 @@ namespace
 
 constexpr std::array groups{"normal", "hover", "pressed", "disabled"};
 
-QString fileOf(const QString& name)
-{
-    return ":/skin/" + name + ".svg";
-}
+QString fileOf(const QString& name) { return ":/skin/" + name + ".svg"; }
 
 QString groupOf(const QSvgRenderer& art, Skin::State state)
 {
@@ -26,10 +23,7 @@ QString groupOf(const QSvgRenderer& art, Skin::State state)
 Skin::Skin() = default;
 Skin::~Skin() = default;
 
-bool Skin::has(const char* name) const
-{
-    return QFile::exists(fileOf(name));
-}
+bool Skin::has(const char* name) const { return QFile::exists(fileOf(name)); }
 
 void Skin::draw(QPainter& painter, const char* name, State state, const QRect& rect)
 {

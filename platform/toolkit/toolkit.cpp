@@ -68,10 +68,7 @@ void Toolkit::outermost(const std::function<void()>& call)
     }
 }
 
-void Toolkit::stopTimers()
-{
-    parts_->pace.stop();
-}
+void Toolkit::stopTimers() { parts_->pace.stop(); }
 
 Extent Toolkit::screen() const
 {
@@ -79,30 +76,15 @@ Extent Toolkit::screen() const
     return {twipsOf(size.width()), twipsOf(size.height())};
 }
 
-Activity& Toolkit::activity()
-{
-    return parts_->pace;
-}
+Activity& Toolkit::activity() { return parts_->pace; }
 
-Post& Toolkit::post()
-{
-    return *parts_;
-}
+Post& Toolkit::post() { return *parts_; }
 
-Skin& Toolkit::skin()
-{
-    return parts_->skin;
-}
+Skin& Toolkit::skin() { return parts_->skin; }
 
-void Toolkit::add(ctl::IntervalTimer& timer)
-{
-    parts_->pace.add(timer);
-}
+void Toolkit::add(ctl::IntervalTimer& timer) { parts_->pace.add(timer); }
 
-void Toolkit::remove(ctl::IntervalTimer& timer)
-{
-    parts_->pace.remove(timer);
-}
+void Toolkit::remove(ctl::IntervalTimer& timer) { parts_->pace.remove(timer); }
 
 void Toolkit::activated(Form& form)
 {

@@ -7,21 +7,12 @@ using Twips = float;
 
 inline constexpr Twips twipsPerPixel = 15;
 
-constexpr Twips operator""_tw(unsigned long long twips)
-{
-    return static_cast<Twips>(twips);
-}
+constexpr Twips operator""_tw(unsigned long long twips) { return static_cast<Twips>(twips); }
 
 // The nearest whole pixel.
-inline int pixelsOf(Twips twips)
-{
-    return static_cast<int>(std::lround(twips / twipsPerPixel));
-}
+inline int pixelsOf(Twips twips) { return static_cast<int>(std::lround(twips / twipsPerPixel)); }
 
-inline Twips twipsOf(int pixels)
-{
-    return static_cast<Twips>(pixels) * twipsPerPixel;
-}
+inline Twips twipsOf(int pixels) { return static_cast<Twips>(pixels) * twipsPerPixel; }
 
 struct Place {
     Twips left = 0;

@@ -7,10 +7,7 @@
 namespace
 {
 
-void fail(int number)
-{
-    throw failure(number);
-}
+void fail(int number) { throw failure(number); }
 
 }
 

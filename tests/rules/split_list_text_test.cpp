@@ -36,10 +36,7 @@ TEST_CASE("A list's text falls into these lines")
     }
 }
 
-TEST_CASE("An empty text has no lines at all")
-{
-    CHECK_FALSE(splitListText("", lineEnd).has_value());
-}
+TEST_CASE("An empty text has no lines at all") { CHECK_FALSE(splitListText("", lineEnd).has_value()); }
 
 TEST_CASE("A line that begins with # is no row; an empty line is")
 {
