@@ -16,6 +16,7 @@
 struct Toolkit::Parts final : QObject, Post {
     Parts(Toolkit& owner, Timers timers) : toolkit(owner), pace(timers == Timers::run)
     {
+        Q_INIT_RESOURCE(skin);
         QCoreApplication::instance()->installEventFilter(this);
         makeImagesAccessible();
     }

@@ -1,0 +1,116 @@
+#include "platform/system/qt_open_save_dialog.h"
+
+#include "platform/failure.h"
+#include "platform/paths.h"
+#include "platform/system/dialog_filter.h"
+#include "platform/toolkit/qt_bridge.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QStandardPaths>
+
+namespace
+{
+
+// Patterns match without regard to case, in desktops' own dialogs too: "*.mp3" becomes "*.[mM][pP]3".
+QString anyCase(const Text& pattern)
+{
+    QString result;
+    for (const QChar character : shown(pattern)) {
+        if (character.isLetter())
+            result += '[' + character.toLower() + character.toUpper() + ']';
+        else
+            result += character;
+    }
+    return result == "*.*" ? "*" : result;
+}
+
+QStringList nameFilters(const std::vector<DialogFilter>& filters)
+{
+    QStringList names;
+    for (const auto& filter : filters)
+        names << shown(filter.name) + " (" + anyCase(filter.pattern) + ")";
+    return names;
+}
+
+// Where the first dialog begins.
+QString firstFolder()
+{
+    const QString music = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
+    return QDir(music).exists() ? music : QDir::homePath();
+}
+
+// A list is lines: a name that holds a line's end would break it.
+bool holdsLineEnd(const QStringList& paths)
+{
+    return std::any_of(paths.begin(), paths.end(),
+                       [](const QString& path) { return path.contains('\n') || path.contains('\r'); });
+}
+
+}
+
+void QtOpenSaveDialog::ShowOpen()
+{
+    QFileDialog dialog(QApplication::activeWindow());
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    if (flags_ & severalFiles)
+        dialog.setFileMode(QFileDialog::ExistingFiles);
+    else
+        dialog.setFileMode(flags_ & fileMustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    show(dialog);
+}
+
+void QtOpenSaveDialog::ShowSave()
+{
+    QFileDialog dialog(QApplication::activeWindow());
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, (flags_ & askBeforeOverwriting) == 0);
+    show(dialog);
+}
+
+void QtOpenSaveDialog::show(QFileDialog& dialog)
+{
+    const QStringList names = nameFilters(dialogFilters(filter_));
+    dialog.setWindowTitle(shown(title_));
+    dialog.setNameFilters(names);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
+    if (filterIndex_ >= 1 && filterIndex_ <= names.size())
+        dialog.selectNameFilter(names[filterIndex_ - 1]);
+    dialog.setDirectory(folder_.empty() ? firstFolder() : shown(folder_));
+    if (!initialName_.empty())
+        dialog.selectFile(shown(initialName_));
+    dialog.setWindowModality(Qt::ApplicationModal);
+
+    paths_.clear();
+    bool accepted = dialog.exec() == QDialog::Accepted;
+    while (accepted && holdsLineEnd(dialog.selectedFiles()))
+        accepted = dialog.exec() == QDialog::Accepted;
+    if (accepted)
+        take(dialog);
+    else if (cancelError_)
+        throw failure(32755);
+}
+
+void QtOpenSaveDialog::take(QFileDialog& dialog)
+{
+    for (const auto& path : dialog.selectedFiles())
+        paths_.push_back(bytesOf(path));
+    const auto chosen = dialog.nameFilters().indexOf(dialog.selectedNameFilter());
+    filterIndex_ = static_cast<std::int16_t>(std::max<qsizetype>(chosen, 0) + 1);
+    const Text& first = paths_.front();
+    folder_ = first.substr(0, first.size() - fileTitle(first).size());
+}
+
+Text QtOpenSaveDialog::FileName() const { return paths_.empty() ? Text() : paths_.front(); }
+
+Text QtOpenSaveDialog::FileTitle() const { return Text(fileTitle(FileName())); }
+
+void QtOpenSaveDialog::GetFileList(Text& folder, std::vector<Text>& names, std::int32_t& count) const
+{
+    folder = folder_;
+    names.assign(1, Text());
+    for (const auto& path : paths_)
+        names.emplace_back(fileTitle(path));
+    count = static_cast<std::int32_t>(paths_.size());
+}
