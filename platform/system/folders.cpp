@@ -28,22 +28,13 @@ Text linkTarget(const Text& path)
     return length > 0 ? Text(target, static_cast<std::size_t>(length)) : Text();
 }
 
-Text folderPart(const Text& path)
-{
-    return path.substr(0, path.rfind(pathSeparator) + 1);
-}
-
 }
 
 bool makeFolders(const Text& folder)
 {
     if (folder.empty() || isFolder(folder))
         return !folder.empty();
-    const std::size_t end = folder.find_last_not_of(pathSeparator);
-    const std::size_t above = folder.rfind(pathSeparator, end);
-    if (above != Text::npos && above > 0 && !makeFolders(folder.substr(0, above)))
-        return false;
-    return mkdir(folder.c_str(), 0700) == 0 || isFolder(folder);
+    return makeFolders(folderOf(folder)) && (mkdir(folder.c_str(), 0700) == 0 || isFolder(folder));
 }
 
 bool isFolder(const Text& path)
@@ -59,6 +50,19 @@ bool isExecutable(const Text& path)
     return isFile(path) && access(path.c_str(), X_OK) == 0;
 }
 
+Text withoutSeparatorBehind(Text path)
+{
+    while (path.size() > driveRoot.size() && endsInSeparator(path))
+        path.pop_back();
+    return path;
+}
+
+Text folderOf(const Text& path)
+{
+    const std::size_t end = path.rfind(pathSeparator);
+    return end == Text::npos ? "." : withoutSeparatorBehind(path.substr(0, end + 1));
+}
+
 Text resolvedLinks(const Text& path)
 {
     Text place = path;
@@ -66,7 +70,7 @@ Text resolvedLinks(const Text& path)
         const Text target = linkTarget(place);
         if (target.empty())
             return place;
-        place = target.front() == pathSeparator ? target : folderPart(place) + target;
+        place = target.front() == pathSeparator ? target : joined(folderOf(place), target);
     }
     return {};
 }

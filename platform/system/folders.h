@@ -12,6 +12,12 @@ bool isFolder(const Text& path);
 bool isFile(const Text& path);       // a regular one, links followed
 bool isExecutable(const Text& path); // a file that this user may run
 
+// Without separators at its end; a drive root stays.
+Text withoutSeparatorBehind(Text path);
+
+// What a path's last name lies in; "." for a name alone.
+Text folderOf(const Text& path);
+
 // The path itself, or what it leads to when it is a link; also when that does not exist yet. "" for links in
 // a ring.
 Text resolvedLinks(const Text& path);

@@ -1,6 +1,5 @@
 #include "platform/system/sqlite_store.h"
 
-#include "platform/paths.h"
 #include "platform/system/folders.h"
 
 namespace
@@ -8,11 +7,6 @@ namespace
 
 // A try may cost the window thread fifty milliseconds when another process holds the file.
 constexpr std::chrono::seconds betweenTries{1};
-
-Text folderOf(const Text& path)
-{
-    return path.substr(0, path.rfind(pathSeparator));
-}
 
 }
 

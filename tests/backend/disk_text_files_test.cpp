@@ -500,8 +500,10 @@ TEST_CASE("A kill at any instant leaves a whole list, and the next start clears 
         int number = 0;
         for (int i = 0; i < 1 + round * 2; ++i)
             REQUIRE(read(pipes[0], &number, sizeof number) == sizeof number);
-        close(pipes[0]);
+        for (int i = 0; i < 1000 && namesInFolder(desk.lists).size() < 2; ++i)
+            continue;
         writer.kill();
+        close(pipes[0]);
         const Text found = fileBytes(desk.list);
         CHECK(found == rows(static_cast<int>(found.size() / 3001)));
         leftovers += namesInFolder(desk.lists).size() > 1;

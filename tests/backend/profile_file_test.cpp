@@ -299,8 +299,8 @@ TEST_CASE("A kill while writing leaves the old value or the new one, and every o
         char told = 0;
         for (int i = 0; i <= round; ++i)
             REQUIRE(read(pipes[0], &told, 1) == 1);
-        close(pipes[0]);
         writer.kill();
+        close(pipes[0]);
         CHECK(fileBytes(profile.path) == mine + profile.read("PlayList") + "\n");
         CHECK(std::stoi("0" + profile.read("PlayList")) > round);
     }
