@@ -15,6 +15,8 @@ Program::Program(Platform& platform) : platform_(platform), settingsStore_(platf
 
 Program::~Program() = default;
 
+void Program::start() { startUp().Show(); }
+
 template <typename Window>
 Window& Program::touched(std::unique_ptr<Window>& window)
 {

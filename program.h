@@ -22,6 +22,9 @@ public:
     explicit Program(Platform& platform);
     ~Program();
 
+    // Loading the main window is starting the program.
+    void start();
+
     // A window's load runs at its first touch, when the window is registered already: what the load touches
     // finds it.
     StartUp& startUp();

@@ -34,7 +34,19 @@ StartUp::StartUp(Program& program) :
     OpenSaveDialog1(program.platform().makeOpenSaveDialog()), program_(program)
 {
     Image3.setEnabled(false);
+    setTones();
     wire();
+}
+
+void StartUp::setTones()
+{
+    for (auto* caption : {&lblTitle, &lblArits, &lblAlbum, &lblGenre, &lblLength, &lblBitrate, &lblSampleFreq,
+                          &lblkbps, &lblkHz})
+        caption->setTone(ctl::Label::Tone::quiet);
+    for (auto* lit : {&Label1, &fileinfofield}) {
+        lit->setTone(ctl::Label::Tone::lit);
+        lit->setCentered();
+    }
 }
 
 void StartUp::wire()

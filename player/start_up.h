@@ -161,6 +161,7 @@ public:
     void pbar_Scroll();
 
 private:
+    void setTones();
     void wire();
     void closeRequested() override { Unload.raise(); }
 

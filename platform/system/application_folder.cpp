@@ -18,10 +18,7 @@ Text installedFolder(const Environment& environment)
     return joined(folderOf(environment.executable), "../share/velmora");
 }
 
-bool isInstalled(const Environment& environment)
-{
-    return isFolder(installedFolder(environment));
-}
+bool isInstalled(const Environment& environment) { return isFolder(installedFolder(environment)); }
 
 void put(TextFiles& files, const Text& path, const Text& bytes)
 {

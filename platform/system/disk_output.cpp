@@ -13,10 +13,7 @@ namespace
 
 constexpr std::size_t pieceBytes = 1 << 16;
 
-[[noreturn]] void fail(int systemError)
-{
-    throw fileFailure(systemError);
-}
+[[noreturn]] void fail(int systemError) { throw fileFailure(systemError); }
 
 void writeAll(const Descriptor& file, std::string_view bytes)
 {

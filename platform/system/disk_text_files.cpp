@@ -19,10 +19,7 @@ constexpr off_t largestText = off_t{512} << 20;
 // Nothing waits at a pipe that nobody serves.
 constexpr int openFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-[[noreturn]] void fail(int systemError)
-{
-    throw fileFailure(systemError);
-}
+[[noreturn]] void fail(int systemError) { throw fileFailure(systemError); }
 
 // Where the bytes go. A name that no file can have, links in a ring, and a NUL, behind which the system sees
 // nothing, are refused.

@@ -40,10 +40,7 @@ std::size_t coveredBy(std::string_view pattern, std::string_view name)
     return at;
 }
 
-bool isDots(std::string_view name)
-{
-    return name == "." || name == "..";
-}
+bool isDots(std::string_view name) { return name == "." || name == ".."; }
 
 }
 
@@ -106,10 +103,7 @@ bool FolderScan::FindNextFile(Handle scan, FoundFile& found)
     return walk != walks_.end() && walk->second->next(found);
 }
 
-void FolderScan::FindClose(Handle scan)
-{
-    walks_.erase(scan);
-}
+void FolderScan::FindClose(Handle scan) { walks_.erase(scan); }
 
 bool matchesPattern(std::string_view name, std::string_view pattern)
 {

@@ -37,18 +37,9 @@ bool makeFolders(const Text& folder)
     return makeFolders(folderOf(folder)) && (mkdir(folder.c_str(), 0700) == 0 || isFolder(folder));
 }
 
-bool isFolder(const Text& path)
-{
-    return hasType(path, S_IFDIR);
-}
-bool isFile(const Text& path)
-{
-    return hasType(path, S_IFREG);
-}
-bool isExecutable(const Text& path)
-{
-    return isFile(path) && access(path.c_str(), X_OK) == 0;
-}
+bool isFolder(const Text& path) { return hasType(path, S_IFDIR); }
+bool isFile(const Text& path) { return hasType(path, S_IFREG); }
+bool isExecutable(const Text& path) { return isFile(path) && access(path.c_str(), X_OK) == 0; }
 
 Text withoutSeparatorBehind(Text path)
 {

@@ -17,10 +17,7 @@ namespace
 
 constexpr const char* ownName = "Velmora";
 
-bool isAbsolute(std::string_view path)
-{
-    return path.starts_with(pathSeparator);
-}
+bool isAbsolute(std::string_view path) { return path.starts_with(pathSeparator); }
 
 // A relative value is to be ignored, say the rules.
 Text baseFolder(const Text& set, const Environment& environment, const char* usual)
@@ -112,10 +109,7 @@ Text homeFolder(const Environment& environment)
     return Text(driveRoot);
 }
 
-Text configFolder(const Environment& environment)
-{
-    return joined(configHome(environment), ownName);
-}
+Text configFolder(const Environment& environment) { return joined(configHome(environment), ownName); }
 
 Text dataFolder(const Environment& environment)
 {

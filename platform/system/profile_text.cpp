@@ -33,15 +33,9 @@ std::optional<std::string_view> sectionName(std::string_view line)
     return trimmed(header.substr(1, end - 1));
 }
 
-bool isComment(std::string_view line)
-{
-    return trimmed(line).starts_with(';');
-}
+bool isComment(std::string_view line) { return trimmed(line).starts_with(';'); }
 
-std::string_view keyName(std::string_view line)
-{
-    return trimmed(line.substr(0, line.find('=')));
-}
+std::string_view keyName(std::string_view line) { return trimmed(line.substr(0, line.find('='))); }
 
 // What stands behind the equals sign, as far as a reader sees it.
 std::optional<std::string_view> rawValue(std::string_view line)

@@ -80,14 +80,8 @@ Text column(sqlite3_stmt* statement)
 
 }
 
-void SettingsDatabase::Close::operator()(sqlite3* connection) const
-{
-    sqlite3_close(connection);
-}
-void SettingsDatabase::Close::operator()(sqlite3_stmt* statement) const
-{
-    sqlite3_finalize(statement);
-}
+void SettingsDatabase::Close::operator()(sqlite3* connection) const { sqlite3_close(connection); }
+void SettingsDatabase::Close::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
 SettingsDatabase::SettingsDatabase(const Text& path) : path_(path), outcome_(open()) {}
 

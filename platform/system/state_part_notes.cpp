@@ -14,10 +14,7 @@ namespace
 
 constexpr std::string_view partEnding = ".part";
 
-Text notesFolder(const Text& stateFolder)
-{
-    return joined(stateFolder, "parts");
-}
+Text notesFolder(const Text& stateFolder) { return joined(stateFolder, "parts"); }
 
 bool isLinked(const Descriptor& file)
 {
@@ -25,10 +22,7 @@ bool isLinked(const Descriptor& file)
     return fstat(file.number(), &status) == 0 && status.st_nlink > 0;
 }
 
-bool lock(const Descriptor& file, int how)
-{
-    return file && flock(file.number(), LOCK_EX | how) == 0;
-}
+bool lock(const Descriptor& file, int how) { return file && flock(file.number(), LOCK_EX | how) == 0; }
 
 Text content(const Descriptor& file)
 {

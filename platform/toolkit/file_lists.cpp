@@ -24,7 +24,7 @@ Text trimmed(Text path)
 
 Text existingFolder(const Text& path)
 {
-    if (!isFolder(path))
+    if (!listing::isFolder(path))
         throw failure(76);
     return trimmed(path);
 }
@@ -98,7 +98,7 @@ void DriveListBox::setDrive(const Text& drive)
 }
 
 DirListBox::DirListBox(Container& container, const char* name, Place place) :
-    Control(container, name, place, new FolderView), path_(homeFolder())
+    Control(container, name, place, new FolderView), path_(listing::homeFolder())
 {
     auto* view = static_cast<QListWidget*>(widget_);
     QObject::connect(view, &QListWidget::itemDoubleClicked, [this, view](QListWidgetItem* item) {
@@ -122,9 +122,9 @@ void DirListBox::fill()
 {
     auto* view = static_cast<QListWidget*>(widget_);
     view->clear();
-    rows_ = pathDownTo(path_);
+    rows_ = listing::pathDownTo(path_);
     const auto depth = rows_.size();
-    for (const auto& name : foldersIn(path_))
+    for (const auto& name : listing::foldersIn(path_))
         rows_.push_back(joined(path_, name));
     for (std::size_t row = 0; row < rows_.size(); ++row) {
         const Text name = row == 0 ? rows_[0] : Text(fileTitle(rows_[row]));
@@ -138,14 +138,14 @@ void DirListBox::fill()
 void DirListBox::goTo(int row)
 {
     const Text folder = rows_[static_cast<std::size_t>(row)];
-    if (isFolder(folder))
+    if (listing::isFolder(folder))
         setPath(folder);
     else
         fill();
 }
 
 FileListBox::FileListBox(Container& container, const char* name, Place place, const Text& pattern) :
-    Control(container, name, place, new QListWidget), path_(homeFolder()), pattern_(pattern)
+    Control(container, name, place, new QListWidget), path_(listing::homeFolder()), pattern_(pattern)
 {
     static_cast<QListWidget*>(widget_)->setSelectionMode(QAbstractItemView::ExtendedSelection);
     fill();
@@ -161,7 +161,7 @@ void FileListBox::fill()
 {
     auto* view = static_cast<QListWidget*>(widget_);
     view->clear();
-    files_ = filesIn(path_, pattern_);
+    files_ = listing::filesIn(path_, pattern_);
     for (const auto& file : files_)
         view->addItem(shown(file));
 }

@@ -9,6 +9,9 @@
 
 namespace fs = std::filesystem;
 
+namespace listing
+{
+
 namespace
 {
 
@@ -67,4 +70,6 @@ Text homeFolder()
 {
     const char* home = std::getenv("HOME");
     return home && isFolder(home) ? Text(home) : Text(driveRoot);
+}
+
 }

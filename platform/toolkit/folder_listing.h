@@ -5,6 +5,9 @@
 
 #include <vector>
 
+namespace listing
+{
+
 bool isFolder(const Text& path);
 
 // Sorted, without "." and "..", and without hidden folders. Nothing for a folder that cannot be read.
@@ -18,3 +21,5 @@ std::vector<Text> filesIn(const Text& folder, const Text& pattern);
 std::vector<Text> pathDownTo(const Text& path);
 
 Text homeFolder();
+
+}

@@ -5,11 +5,25 @@
 #include <QFontMetrics>
 #include <QLabel>
 #include <QPainter>
+#include <algorithm>
 
 namespace
 {
 
-// A caption that does not fit ends in an ellipsis.
+// How far type may be narrowed before a caption loses its end.
+constexpr int narrowest = 85; // per cent
+
+QFont fitted(const QFont& font, const QString& text, int width)
+{
+    const int wanted = QFontMetrics(font).horizontalAdvance(text);
+    if (wanted <= width)
+        return font;
+    QFont narrow = font;
+    narrow.setStretch(std::max(narrowest, width * 100 / wanted));
+    return narrow;
+}
+
+// A caption that does not fit is narrowed a little, and then ends in an ellipsis.
 class LabelWidget final : public QLabel
 {
 public:
@@ -24,8 +38,9 @@ protected:
         }
         QPainter painter(this);
         painter.setPen(palette().color(foregroundRole()));
+        painter.setFont(fitted(font(), text(), width()));
         painter.drawText(rect(), static_cast<int>(alignment()),
-                         fontMetrics().elidedText(text(), Qt::ElideRight, width()));
+                         painter.fontMetrics().elidedText(text(), Qt::ElideRight, width()));
     }
 };
 
@@ -54,6 +69,15 @@ void Label::setCaption(const Text& caption)
     if (auto* label = static_cast<QLabel*>(widget_))
         label->setText(shown(caption));
 }
+
+void Label::setTone(Tone tone)
+{
+    static_cast<QLabel*>(widget_)->setForegroundRole(tone == Tone::lit     ? QPalette::Link
+                                                     : tone == Tone::quiet ? QPalette::PlaceholderText
+                                                                           : QPalette::WindowText);
+}
+
+void Label::setCentered() { static_cast<QLabel*>(widget_)->setAlignment(Qt::AlignCenter); }
 
 void Label::setFontSize(int points)
 {
