@@ -63,7 +63,7 @@ public:
     ctl::Label  lblBitrate   {*this, "lblBitrate",    {1920_tw, 1680_tw,  780_tw,  255_tw}, "Bitrate:"};
     ctl::Label  sbitrate     {*this, "sbitrate",      {2760_tw, 1680_tw,  495_tw,  255_tw}};
     ctl::Label  lblkbps      {*this, "lblkbps",       {3270_tw, 1680_tw,  495_tw,  255_tw}, "kbps"};
-    ctl::Label  lblSampleFreq{*this, "lblSampleFreq", {1920_tw, 1920_tw,  840_tw,  255_tw}, "Frequency:"};
+    ctl::Label  lblSampleFreq{*this, "lblSampleFreq", {1920_tw, 1920_tw,  780_tw,  255_tw}, "Frequency:"};
     ctl::Label  sfrequency   {*this, "sfrequency",    {2760_tw, 1920_tw,  495_tw,  255_tw}};
     ctl::Label  lblkHz       {*this, "lblkHz",        {3270_tw, 1920_tw,  495_tw,  255_tw}, "kHz"};
 

@@ -4,7 +4,6 @@
 #include <QFont>
 #include <QIcon>
 #include <QPalette>
-#include <QStyleFactory>
 #include <cstdlib>
 #include <iostream>
 
@@ -61,7 +60,7 @@ void dressApplication()
     QApplication::setApplicationName("Velmora");
     QApplication::setDesktopFileName("velmora");
     QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QApplication::setStyle("Fusion");
     QApplication::setPalette(darkPalette());
     QFont font({"Inter", "Noto Sans", "Cantarell", "DejaVu Sans"});
     font.setPixelSize(11);

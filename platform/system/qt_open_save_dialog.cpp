@@ -5,9 +5,12 @@
 #include "platform/system/dialog_filter.h"
 #include "platform/toolkit/qt_bridge.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QFileDialog>
+#include <QLineEdit>
 #include <QStandardPaths>
+#include <algorithm>
 
 namespace
 {
@@ -33,6 +36,15 @@ QStringList nameFilters(const std::vector<DialogFilter>& filters)
     return names;
 }
 
+// Counted from 1. The dialog tells the filter's name, with or without its pattern.
+std::int16_t chosenFilter(const std::vector<DialogFilter>& filters, const QString& chosen)
+{
+    const auto found = std::find_if(filters.begin(), filters.end(), [&](const DialogFilter& filter) {
+        return chosen == shown(filter.name) || chosen.startsWith(shown(filter.name) + " (");
+    });
+    return static_cast<std::int16_t>(found == filters.end() ? 1 : found - filters.begin() + 1);
+}
+
 // Where the first dialog begins.
 QString firstFolder()
 {
@@ -47,11 +59,35 @@ bool holdsLineEnd(const QStringList& paths)
                        [](const QString& path) { return path.contains('\n') || path.contains('\r'); });
 }
 
+// What is typed counts. While a path is typed, the dialog selects the folders on the way, and then takes
+// those for the answer (Qt 6.4).
+class FileDialog final : public QFileDialog
+{
+public:
+    FileDialog() : QFileDialog(QApplication::activeWindow()) {}
+
+    void accept() override
+    {
+        const auto* name = findChild<QLineEdit*>("fileNameEdit");
+        if (name && !name->text().isEmpty())
+            for (const char* view : {"listView", "treeView"})
+                forgetSelection(findChild<QAbstractItemView*>(view));
+        QFileDialog::accept();
+    }
+
+private:
+    static void forgetSelection(QAbstractItemView* view)
+    {
+        const QSignalBlocker quiet(view->selectionModel());
+        view->selectionModel()->clearSelection();
+    }
+};
+
 }
 
 void QtOpenSaveDialog::ShowOpen()
 {
-    QFileDialog dialog(QApplication::activeWindow());
+    FileDialog dialog;
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     if (flags_ & severalFiles)
         dialog.setFileMode(QFileDialog::ExistingFiles);
@@ -62,7 +98,7 @@ void QtOpenSaveDialog::ShowOpen()
 
 void QtOpenSaveDialog::ShowSave()
 {
-    QFileDialog dialog(QApplication::activeWindow());
+    FileDialog dialog;
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite, (flags_ & askBeforeOverwriting) == 0);
@@ -96,8 +132,7 @@ void QtOpenSaveDialog::take(QFileDialog& dialog)
 {
     for (const auto& path : dialog.selectedFiles())
         paths_.push_back(bytesOf(path));
-    const auto chosen = dialog.nameFilters().indexOf(dialog.selectedNameFilter());
-    filterIndex_ = static_cast<std::int16_t>(std::max<qsizetype>(chosen, 0) + 1);
+    filterIndex_ = chosenFilter(dialogFilters(filter_), dialog.selectedNameFilter());
     const Text& first = paths_.front();
     folder_ = first.substr(0, first.size() - fileTitle(first).size());
 }
