@@ -3,6 +3,7 @@
 #include "platform/paths.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -47,7 +48,7 @@ bool isFile(const Text& path)
 }
 bool isExecutable(const Text& path)
 {
-    return isFile(path) && access(path.c_str(), X_OK) == 0;
+    return isFile(path) && faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
 }
 
 Text withoutSeparatorBehind(Text path)
