@@ -15,6 +15,9 @@ constexpr int longestWaitMs = 50;
 // A log of this many pages of 1 KB is read again in half a millisecond at the next start.
 constexpr int longestLog = 1000;
 
+// A log that is written faster than a slow disk takes it is not moved without pause.
+constexpr std::chrono::seconds betweenMoves{1};
+
 // A new file has nothing to lose until it has its table: the first start does not wait for the disk.
 constexpr const char* preparation = "PRAGMA synchronous = OFF;"
                                     "PRAGMA page_size = 1024;"
@@ -145,8 +148,11 @@ SettingsDatabase::Outcome SettingsDatabase::write(const SettingName& name, const
 int SettingsDatabase::committed(void* database, sqlite3*, const char*, int pages)
 {
     auto* self = static_cast<SettingsDatabase*>(database);
-    if (pages >= longestLog && !self->moving_.exchange(true))
+    const auto now = std::chrono::steady_clock::now();
+    if (pages >= longestLog && now >= self->nextMove_ && !self->moving_.exchange(true)) {
+        self->nextMove_ = now + betweenMoves;
         self->moveLog();
+    }
     return SQLITE_OK;
 }
 

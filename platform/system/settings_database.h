@@ -5,6 +5,7 @@
 #include "platform/text.h"
 
 #include <atomic>
+#include <chrono>
 #include <compare>
 #include <memory>
 #include <thread>
@@ -58,5 +59,6 @@ private:
     Statement write_;
     std::thread mover_;
     std::atomic<bool> moving_ = false;
+    std::chrono::steady_clock::time_point nextMove_{};
     Outcome outcome_;
 };
