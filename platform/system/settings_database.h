@@ -4,11 +4,8 @@
 
 #include "platform/text.h"
 
-#include <atomic>
-#include <chrono>
 #include <compare>
 #include <memory>
-#include <thread>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -33,7 +30,6 @@ public:
 
     // Opens the file and makes its table; `outcome` says how that went.
     explicit SettingsDatabase(const Text& path);
-    ~SettingsDatabase();
 
     Outcome outcome() const { return outcome_; }
 
@@ -48,17 +44,10 @@ private:
     using Connection = std::unique_ptr<sqlite3, Close>;
     using Statement = std::unique_ptr<sqlite3_stmt, Close>;
 
-    Outcome open();
-    static Connection connected(const Text& path, int& result);
-    static int committed(void* database, sqlite3*, const char*, int pages);
-    void moveLog();
+    Outcome open(const Text& path);
 
-    Text path_;
     Connection connection_;
     Statement read_;
     Statement write_;
-    std::thread mover_;
-    std::atomic<bool> moving_ = false;
-    std::chrono::steady_clock::time_point nextMove_{};
     Outcome outcome_;
 };
