@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr int longestWaitMs = 3000;
+constexpr int longestWaitMs = 2000;
 constexpr QLatin1String busName("velmora-notifications");
 constexpr QLatin1String service("org.freedesktop.Notifications");
 constexpr QLatin1String object("/org/freedesktop/Notifications");
@@ -98,10 +98,20 @@ bool Notifications::next(Notification& notification)
     return true;
 }
 
+bool Notifications::isEnding()
+{
+    const std::lock_guard guard(mutex_);
+    return ending_;
+}
+
+// The program's end waits for a service that does not answer once, not for each notification.
 void Notifications::deliverAll()
 {
     const NotificationService service(busAddress_);
-    for (Notification one; next(one);)
-        if (!service.notify(one.title, one.message))
+    bool taken = true;
+    for (Notification one; next(one);) {
+        taken = (taken || !isEnding()) && service.notify(one.title, one.message);
+        if (!taken)
             std::fprintf(stderr, "Velmora: %s: %s\n", one.title.c_str(), one.message.c_str());
+    }
 }

@@ -15,7 +15,7 @@ public:
     // An address of the session bus, as DBUS_SESSION_BUS_ADDRESS gives it; "" when there is none. Nothing is
     // connected before the first notification.
     explicit Notifications(Text busAddress) : busAddress_(std::move(busAddress)) {}
-    ~Notifications(); // delivers what is waiting
+    ~Notifications(); // delivers what is waiting, or says it on standard error
 
     // From any thread; never waits. What the desktop does not take goes to standard error.
     void post(const Text& title, const Text& message);
@@ -27,6 +27,7 @@ private:
     };
 
     bool next(Notification& notification);
+    bool isEnding();
     void deliverAll();
 
     Text busAddress_;

@@ -12,9 +12,8 @@ using Outcome = SettingsDatabase::Outcome;
 // The window thread waits here when another copy of the program writes at the same moment.
 constexpr int longestWaitMs = 50;
 
-// The log of pages moves into the file after a thousand of them (SQLite's own rule), and with pages this
-// small it is read again in half a millisecond at the next start. A new file has nothing to lose until it has
-// its table: the first start does not wait for the disk.
+// A new file has nothing to lose until it has its table: the first start does not wait for the disk. Pages
+// are small because each write adds one to a log of up to a thousand, which the next start reads.
 constexpr const char* preparation = "PRAGMA synchronous = OFF;"
                                     "PRAGMA page_size = 1024;"
                                     "PRAGMA journal_mode = WAL;"

@@ -4,8 +4,8 @@
 
 #include "platform/text.h"
 
-#include <compare>
 #include <memory>
+#include <tuple>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -15,7 +15,10 @@ struct SettingName {
     Text section;
     Text key;
 
-    auto operator<=>(const SettingName&) const = default;
+    bool operator<(const SettingName& other) const
+    {
+        return std::tie(application, section, key) < std::tie(other.application, other.section, other.key);
+    }
 };
 
 // For one thread.
