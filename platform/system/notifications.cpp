@@ -11,7 +11,6 @@ namespace
 {
 
 constexpr int longestWaitMs = 2000;
-constexpr QLatin1String busName("velmora-notifications");
 constexpr QLatin1String service("org.freedesktop.Notifications");
 constexpr QLatin1String object("/org/freedesktop/Notifications");
 
@@ -19,7 +18,7 @@ class NotificationService
 {
 public:
     explicit NotificationService(const Text& busAddress) : address_(QString::fromStdString(busAddress)) {}
-    ~NotificationService() { QDBusConnection::disconnectFromBus(busName); }
+    ~NotificationService() { QDBusConnection::disconnectFromBus(name_); }
 
     bool notify(const Text& title, const Text& message) const
     {
@@ -31,9 +30,9 @@ private:
     bool connected() const
     {
         for (int tries = 0; tries < 2 && !address_.isEmpty(); ++tries) {
-            if (QDBusConnection::connectToBus(address_, busName).isConnected())
+            if (QDBusConnection::connectToBus(address_, name_).isConnected())
                 return true;
-            QDBusConnection::disconnectFromBus(busName);
+            QDBusConnection::disconnectFromBus(name_);
         }
         return false;
     }
@@ -42,7 +41,7 @@ private:
     {
         auto call = QDBusMessage::createMethodCall(service, object, service, method);
         call.setArguments(arguments);
-        return QDBusConnection(busName).call(call, QDBus::Block, longestWaitMs);
+        return QDBusConnection(name_).call(call, QDBus::Block, longestWaitMs);
     }
 
     bool takesMarkup() const
@@ -63,6 +62,8 @@ private:
     }
 
     QString address_;
+    // Connections are known by name throughout the process.
+    QString name_ = QStringLiteral("velmora-notifications-%1").arg(reinterpret_cast<quintptr>(this));
 };
 
 }

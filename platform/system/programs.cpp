@@ -15,7 +15,7 @@
 namespace
 {
 
-// From here to `execv` only calls that are safe between a fork and an exec.
+// Other threads may hold any lock at the fork: from here to `execv` only calls that take none.
 void takeStreamsAway()
 {
     const int nothing = open("/dev/null", O_RDWR);
@@ -57,7 +57,7 @@ void restoreStack(std::optional<rlim_t> soft)
 [[noreturn]] void standBetween(char* const* words, std::optional<rlim_t> stackLimit, int report)
 {
     setsid();
-    const pid_t program = fork();
+    const pid_t program = _Fork();
     if (program == 0)
         become(words, stackLimit, report);
     const int error = program < 0 ? errno : 0;
@@ -91,7 +91,7 @@ int startDetached(const std::vector<Text>& words, std::optional<rlim_t> stackLim
         return errno;
     const Descriptor answer(ends[0]);
     Descriptor report(ends[1]);
-    const pid_t between = fork();
+    const pid_t between = _Fork();
     if (between < 0)
         return errno;
     if (between == 0)

@@ -242,6 +242,7 @@ TEST_CASE("A folder that takes no new file refuses one, but a file in it is writ
     Child child([&] {
         becomeNobody();
         endUnless(desk.writeFailure(desk.lists + "/new.vlp", "new") == 70, 1);
+        endUnless(!std::filesystem::exists(desk.folder / "state"), 5); // a refusal writes nothing elsewhere
         endUnless(desk.writeFailure(desk.list, Text(100'000, 'x')) == 0, 2);
         endUnless(fileBytes(desk.list) == Text(100'000, 'x'), 3);
         endUnless(desk.writeFailure(desk.list, "short") == 0, 4);
