@@ -1,5 +1,4 @@
-// The drives of a system with one tree of folders: the tree itself, the home folder, and what is mounted for
-// people.
+// The drives of a system with one tree of folders: the tree, the home folder, and what people mount.
 #pragma once
 
 #include "platform/drives.h"

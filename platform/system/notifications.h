@@ -1,5 +1,4 @@
-// The desktop's notifications (Desktop Notifications Specification, freedesktop.org), sent by a thread of
-// their own.
+// The desktop's notifications (org.freedesktop.Notifications), sent by a thread of their own.
 #pragma once
 
 #include "platform/text.h"

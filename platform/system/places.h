@@ -1,12 +1,10 @@
-// Where the program finds and keeps its files: the XDG base directory and user directory rules
-// (freedesktop.org).
+// Where the program finds and keeps its files: the XDG rules for base and user directories.
 #pragma once
 
 #include "platform/text.h"
 #include "platform/text_files.h"
 
-// What the places and the desktop's services depend on, each as the system gives it; empty for what is not
-// set.
+// What places and services depend on, each as the system gives it; empty for what is not set.
 struct Environment {
     Text executable = {};    // full path of the running program
     Text home = {};          // HOME
@@ -32,9 +30,8 @@ Text cacheFolder(const Environment& environment);
 // The user's own choice, or `Music` in the home folder. It need not exist.
 Text musicFolder(const Environment& environment);
 
-// The executable's folder, a portable copy's; or the data folder when the program is installed, with its
-// files in
-// `../share/velmora`.
+// The executable's folder, a portable copy's; or the data folder when the program is installed, its files
+// lying in `../share/velmora`.
 Text applicationFolder(const Environment& environment);
 
 // For the program's start: an installed program's application folder gets its first files, once. Later

@@ -43,8 +43,7 @@ Outcome outcomeOf(int result)
     }
 }
 
-// Two processes that begin one file together get in each other's way, and SQLite then does not wait by
-// itself.
+// Two processes that begin one file together get in each other's way, and SQLite does not wait then.
 int prepare(sqlite3* connection)
 {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(longestWaitMs);

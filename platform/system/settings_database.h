@@ -1,5 +1,4 @@
-// The settings table in its SQLite file. Every call says how it went; what to do about it is the caller's
-// business.
+// The settings table in its SQLite file. Every call says how it went; what to do then is the caller's.
 #pragma once
 
 #include "platform/text.h"
