@@ -229,6 +229,7 @@ TEST_CASE("A file that cannot be written or read is left as it is, without a wor
             endUnless(!profile.write("PlayList", "/b.vlp"), 1);
         });
         CHECK(child.wait() == 0);
+        chmod(profile.path.c_str(), 0644);
         CHECK(fileBytes(profile.path) == before);
     }
 }
