@@ -3,6 +3,7 @@
 #include "platform/paths.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -37,9 +38,18 @@ bool makeFolders(const Text& folder)
     return makeFolders(folderOf(folder)) && (mkdir(folder.c_str(), 0700) == 0 || isFolder(folder));
 }
 
-bool isFolder(const Text& path) { return hasType(path, S_IFDIR); }
-bool isFile(const Text& path) { return hasType(path, S_IFREG); }
-bool isExecutable(const Text& path) { return isFile(path) && access(path.c_str(), X_OK) == 0; }
+bool isFolder(const Text& path)
+{
+    return hasType(path, S_IFDIR);
+}
+bool isFile(const Text& path)
+{
+    return hasType(path, S_IFREG);
+}
+bool isExecutable(const Text& path)
+{
+    return isFile(path) && faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
+}
 
 Text withoutSeparatorBehind(Text path)
 {
