@@ -44,10 +44,7 @@ void DesktopShell::startProgram(const Text& path)
         throw fileFailure(error);
 }
 
-void DesktopShell::notify(const Text& title, const Text& message)
-{
-    notifications_.post(title, message);
-}
+void DesktopShell::notify(const Text& title, const Text& message) { notifications_.post(title, message); }
 
 Text sessionBusAddress(const Environment& environment)
 {

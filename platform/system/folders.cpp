@@ -38,14 +38,8 @@ bool makeFolders(const Text& folder)
     return makeFolders(folderOf(folder)) && (mkdir(folder.c_str(), 0700) == 0 || isFolder(folder));
 }
 
-bool isFolder(const Text& path)
-{
-    return hasType(path, S_IFDIR);
-}
-bool isFile(const Text& path)
-{
-    return hasType(path, S_IFREG);
-}
+bool isFolder(const Text& path) { return hasType(path, S_IFDIR); }
+bool isFile(const Text& path) { return hasType(path, S_IFREG); }
 bool isExecutable(const Text& path)
 {
     return isFile(path) && faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;

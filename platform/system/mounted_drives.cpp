@@ -43,14 +43,8 @@ bool liesInOneOf(const List& folders, std::string_view path)
                        [&](std::string_view folder) { return path != folder && liesIn(path, folder); });
 }
 
-bool isOnNetwork(const Mount& mount)
-{
-    return isOneOf(networkTypes, mount.type);
-}
-bool isOnDisk(const Mount& mount)
-{
-    return mount.source.starts_with("/dev/") || mount.type == "zfs";
-}
+bool isOnNetwork(const Mount& mount) { return isOneOf(networkTypes, mount.type); }
+bool isOnDisk(const Mount& mount) { return mount.source.starts_with("/dev/") || mount.type == "zfs"; }
 
 bool isForPeople(const Mount& mount)
 {
@@ -68,10 +62,7 @@ bool isReadableFolder(const Text& path)
 }
 
 // A share is not asked: a server that is down would hold the window.
-bool isReadable(const Mount& mount)
-{
-    return isOnNetwork(mount) || isReadableFolder(mount.folder);
-}
+bool isReadable(const Mount& mount) { return isOnNetwork(mount) || isReadableFolder(mount.folder); }
 
 // Bytes that a file name cannot hold stand as `\x` and two hexadecimal digits.
 Text decoded(const Text& name)

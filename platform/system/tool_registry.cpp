@@ -72,7 +72,4 @@ std::int32_t ToolRegistry::RegQueryValueEx(Key key, const Text& valueName, std::
     return success;
 }
 
-std::int32_t ToolRegistry::RegCloseKey(Key key)
-{
-    return key == openKey ? success : invalidHandle;
-}
+std::int32_t ToolRegistry::RegCloseKey(Key key) { return key == openKey ? success : invalidHandle; }
