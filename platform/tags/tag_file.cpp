@@ -1,5 +1,172 @@
 #include "platform/tags/tag_file.h"
 
-Tag readTag(const Text&) { return {}; }
+#include "platform/failure.h"
+#include "platform/tags/file_swap.h"
+#include "platform/tags/id3v1.h"
+#include "platform/tags/id3v2_read.h"
+#include "platform/tags/id3v2_write.h"
+#include "platform/tags/mp3_audio.h"
+#include "platform/tags/open_file.h"
+#include "platform/tags/tag_parts.h"
+#include "platform/tags/tag_text.h"
 
-Text writeTag(const Text&, const Tag&) { return "This file's tag cannot be written."; }
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr std::int16_t noGenre = 255;
+constexpr int permissionDenied = 70;
+
+// A tag that cannot be read says nothing; the next one then answers.
+Tag readable(ByteSource& file, const Id3v2Header& header)
+{
+    Tag tag;
+    succeeds([&] {
+        auto layout = id3v2Layout(file, header);
+        tag = readId3v2(layout).tag;
+    });
+    return tag;
+}
+
+Tag tagOf(ByteSource& file, TagParts& parts)
+{
+    Tag tag;
+    if (parts.id3v2)
+        tag = readable(file, *parts.id3v2);
+    if (parts.ape)
+        addMissing(tag, readApe(*parts.ape).tag);
+    if (!parts.id3v1.empty())
+        addMissing(tag, readId3v1(parts.id3v1));
+    return tag;
+}
+
+// What the formats can hold: no zero in a text, and no genre beyond ID3v1's byte.
+Tag storable(Tag tag)
+{
+    for (Text* text : {&tag.title, &tag.artist, &tag.album, &tag.comment})
+        *text = upToZero(*text);
+    if (tag.genreIndex < 0 || tag.genreIndex >= noGenre)
+        tag.genreIndex = -1;
+    return tag;
+}
+
+Text resolved(const Text& path)
+{
+    const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr), std::free);
+    if (!target)
+        failWith("The file could not be opened", errno);
+    return target.get();
+}
+
+// Also for a system administrator, who may write everything: a write-protected file is meant to stay as it is.
+OpenFile openForWriting(const Text& path, const OpenFile& file)
+{
+    if ((file.status().st_mode & 0222) == 0)
+        failWith("The file is write-protected", EACCES);
+    OpenFile writable(open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!writable.isOpen())
+        failWith("The file could not be opened for writing", errno);
+    return writable;
+}
+
+// The tags as they shall be; one that is not set stays as it is.
+struct NewTags {
+    std::optional<Text> id3v2;
+    std::optional<Text> ape;
+    Text id3v1;
+};
+
+std::optional<Text> newId3v2For(ByteSource& file, const TagParts& parts, const Tag& wanted, const Tag& shown)
+{
+    if (!parts.id3v2)
+        return fitsId3v1(wanted) ? std::nullopt : std::optional(newId3v2(changesTo(wanted, {}, shown)));
+    auto layout = id3v2Layout(file, *parts.id3v2);
+    const auto changes = changesTo(wanted, readId3v2(layout), shown);
+    return changes.empty() ? std::nullopt : std::optional(id3v2With(layout, changes));
+}
+
+std::optional<Text> newApeFor(TagParts& parts, const Tag& wanted, const Tag& shown)
+{
+    if (!parts.ape)
+        return {};
+    const auto changes = changesTo(wanted, readApe(*parts.ape), shown);
+    return changes.empty() ? std::nullopt : std::optional(apeWith(*parts.ape, changes));
+}
+
+NewEnds endsFor(const NewTags& tags, const TagParts& parts, std::uint64_t size)
+{
+    NewEnds ends;
+    if (tags.id3v2) {
+        ends.head = *tags.id3v2;
+        ends.begin = parts.id3v2 ? parts.id3v2->end : 0;
+    }
+    ends.end = tags.ape ? parts.audioEnd : size - parts.id3v1.size();
+    ends.tail = tags.ape.value_or("") + tags.id3v1;
+    return ends;
+}
+
+// The last 128 bytes alone, where no copy can be made: so few that there is next to no moment for a crash.
+void overwriteId3v1(const OpenFile& writable, const Text& block, off_t at, off_t oldSize)
+{
+    if (writeAt(writable, block, at) && fsync(writable.descriptor()) == 0)
+        return;
+    const int reason = errno;
+    if (ftruncate(writable.descriptor(), oldSize) == 0)
+        failWith("The tag could not be written", reason);
+}
+
+void write(const Text& path, const Tag& wanted)
+{
+    const Text target = resolved(path);
+    const OpenFile file = openForReading(target);
+    if (!file.isOpen())
+        failWith("The file could not be opened", errno);
+    const auto size = static_cast<std::uint64_t>(file.status().st_size);
+    FileBytes bytes(file.descriptor(), size);
+    TagParts parts = tagPartsOf(bytes);
+    const Tag shown = tagOf(bytes, parts);
+
+    NewTags tags;
+    tags.id3v2 = newId3v2For(bytes, parts, wanted, shown);
+    if (!holdsMp3(bytes, parts.audioBegin, parts.audioEnd))
+        throw Failure{75, "It is not an MP3 file."};
+    tags.ape = newApeFor(parts, wanted, shown);
+    tags.id3v1 = id3v1With(wanted, shown, parts.id3v1);
+    if (!tags.id3v2 && !tags.ape && tags.id3v1 == parts.id3v1)
+        return;
+
+    const OpenFile writable = openForWriting(target, file);
+    Failure refused;
+    if (guarded([&](const Failure& failure) { refused = failure; },
+                [&] { swapEnds(file, target, endsFor(tags, parts, size)); }))
+        return;
+    const bool id3v1Alone = !parts.id3v2 && !parts.ape && !tags.id3v2;
+    if (refused.number != permissionDenied || !id3v1Alone)
+        throw refused;
+    overwriteId3v1(writable, tags.id3v1, static_cast<off_t>(parts.audioEnd), static_cast<off_t>(size));
+}
+
+}
+
+Tag readTag(const Text& path)
+{
+    const OpenFile file = openForReading(path);
+    if (!file.isOpen())
+        return {};
+    FileBytes bytes(file.descriptor(), static_cast<std::uint64_t>(file.status().st_size));
+    TagParts parts = tagPartsOf(bytes);
+    return holdsMp3(bytes, parts.audioBegin, parts.audioEnd) ? tagOf(bytes, parts) : Tag();
+}
+
+Text writeTag(const Text& path, const Tag& tag)
+{
+    Text reason;
+    guarded([&](const Failure& failure) { reason = failure.description; }, [&] { write(path, storable(tag)); });
+    return reason;
+}
