@@ -188,11 +188,11 @@ bool sameTime(const timespec& one, const timespec& other)
 }
 
 // What another program has changed meanwhile must not be undone.
-void requireUnchanged(const Text& path, const struct stat& read)
+void requireUnchanged(const Text& path, const struct stat& known)
 {
     struct stat now = {};
-    if (stat(path.c_str(), &now) != 0 || now.st_dev != read.st_dev || now.st_ino != read.st_ino ||
-        now.st_size != read.st_size || !sameTime(now.st_mtim, read.st_mtim))
+    if (stat(path.c_str(), &now) != 0 || now.st_dev != known.st_dev || now.st_ino != known.st_ino ||
+        now.st_size != known.st_size || !sameTime(now.st_mtim, known.st_mtim))
         throw Failure{75, "Another program has changed the file meanwhile."};
 }
 
@@ -206,15 +206,14 @@ void settle(const Text& folder)
 
 }
 
-void swapEnds(const OpenFile& file, const Text& path, const NewEnds& ends)
+void swapEnds(const OpenFile& file, const Text& path, const struct stat& known, const NewEnds& ends)
 {
-    const struct stat before = file.status();
     const Text folder = folderOf(path);
     removeStaleCopies(folder);
     Copy copy(folder);
     takeOver(file, copy.file());
     write(file, copy.file(), ends);
-    requireUnchanged(path, before);
+    requireUnchanged(path, known);
     if (!copy.putInPlaceOf(path))
         failWith("The copy could not be put in the file's place", errno);
     settle(folder);

@@ -127,7 +127,8 @@ void write(const Text& path, const Tag& wanted)
     const OpenFile file = openForReading(target);
     if (!file.isOpen())
         failWith("The file could not be opened", errno);
-    const auto size = static_cast<std::uint64_t>(file.status().st_size);
+    const struct stat known = file.status();
+    const auto size = static_cast<std::uint64_t>(known.st_size);
     FileBytes bytes(file.descriptor(), size);
     TagParts parts = tagPartsOf(bytes);
     const Tag shown = tagOf(bytes, parts);
@@ -144,7 +145,7 @@ void write(const Text& path, const Tag& wanted)
     const OpenFile writable = openForWriting(target, file);
     Failure refused;
     if (guarded([&](const Failure& failure) { refused = failure; },
-                [&] { swapEnds(file, target, endsFor(tags, parts, size)); }))
+                [&] { swapEnds(file, target, known, endsFor(tags, parts, size)); }))
         return;
     const bool id3v1Alone = !parts.id3v2 && !parts.ape && !tags.id3v2;
     if (refused.number != permissionDenied || !id3v1Alone)
