@@ -22,7 +22,7 @@ constexpr std::uint32_t isHeader = 1u << 29;
 constexpr std::uint32_t kindOfItem = 3u << 1;
 constexpr std::uint32_t mostItems = 10'000;
 constexpr std::size_t longestKey = 255;
-constexpr std::uint64_t longestText = 256 * 1024;
+constexpr std::uint64_t longestText = 64 * 1024;
 
 struct Name {
     Field field;

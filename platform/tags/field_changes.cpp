@@ -65,7 +65,7 @@ std::vector<FieldChange> changesTo(const Tag& wanted, const HeldTag& held, const
         if (held.tag.*text != wanted.*text)
             changes.push_back({field, wanted.*text});
     if (held.tag.year != wanted.year)
-        changes.push_back({Field::Year, wanted.year == 0 ? "" : std::to_string(wanted.year)});
+        changes.push_back({Field::Year, yearText(wanted.year)});
     if (!genreStays(wanted, held, shown))
         changes.push_back({Field::Genre, wanted.genreIndex < 0 ? "" : genreText(wanted.genreIndex)});
     return changes;

@@ -58,10 +58,10 @@ void putText(Text& block, Place place, const Text& wanted, const Text& shown)
 // A year of more than four characters would be cut to another year: none is better.
 void putYear(Text& block, std::int16_t wanted)
 {
-    if (yearOf(bytesAt(block, yearPlace)) == wanted)
+    if (yearOf(upToZero(bytesAt(block, yearPlace))) == wanted)
         return;
-    const Text digits = std::to_string(wanted);
-    put(block, yearPlace, wanted == 0 || digits.size() > yearPlace.size ? "" : digits);
+    const Text digits = yearText(wanted);
+    put(block, yearPlace, digits.size() > yearPlace.size ? "" : digits);
 }
 
 // A comment that is cut anyway has no better use for the bytes of the track number.

@@ -11,8 +11,7 @@ namespace
 constexpr std::size_t headerSize = 10;
 constexpr int mostTags = 16;
 constexpr std::size_t mostFrames = 10'000;
-constexpr std::uint64_t longestText = 256 * 1024;
-constexpr std::uint64_t longestPacked = 64 * 1024; // its text may be a thousand times as long
+constexpr std::uint64_t longestText = 64 * 1024;
 constexpr std::uint32_t longestScrambled = 64 << 20;
 
 struct ShortName {
@@ -79,18 +78,11 @@ std::uint64_t contentSize(ByteSource& body, std::uint64_t at, int version, std::
     return version == 4 ? contentSize4(body, at, size) : fromBigEndian(size);
 }
 
-struct FormatFlags {
-    unsigned locked; // encrypted or grouped
-    unsigned packed;
-};
-
-FormatFlags formatFlags(int version) { return version == 4 ? FormatFlags{0x44, 0x08} : FormatFlags{0x60, 0x80}; }
-
+// Neither encrypted nor grouped nor compressed: no program makes such text frames, but one who means harm might.
 bool isReadable(int version, std::string_view header, std::uint64_t size)
 {
     const unsigned flags = version == 2 ? 0 : value(header[9]);
-    const auto [locked, packed] = formatFlags(version);
-    return (flags & locked) == 0 && size <= ((flags & packed) != 0 ? longestPacked : longestText);
+    return (flags & (version == 4 ? 0x4Cu : 0xE0u)) == 0 && size <= longestText;
 }
 
 std::optional<Id3v2Frame> frameAt(ByteSource& body, std::uint64_t at, int version)

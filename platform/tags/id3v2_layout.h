@@ -28,7 +28,7 @@ struct Id3v2Frame {
     Text id;                // as ID3v2.3 names it, also in an ID3v2.2 tag
     std::uint64_t at = 0;   // in the body
     std::uint64_t size = 0; // with the frame's header
-    bool readable = true;   // false: encrypted, grouped, or longer than any text
+    bool readable = true;   // false: encrypted, compressed, grouped, or longer than any text
 };
 
 struct Id3v2Layout {

@@ -58,7 +58,7 @@ Text commentContent(const Text& text, const Text& language, int version)
 void requireReadable(const Id3v2Frame& frame)
 {
     if (!frame.readable)
-        throw Failure{75, "Its ID3v2 tag has an encrypted or overlong " + frame.id + " frame."};
+        throw Failure{75, "Its ID3v2 tag has an encrypted, compressed or overlong " + frame.id + " frame."};
 }
 
 // One frame of a kind remains: readers differ in which of several they take.
@@ -113,15 +113,7 @@ Rewriting rewritingFor(Id3v2Layout& layout, const std::vector<FieldChange>& chan
     return rewriting;
 }
 
-// What lies behind the frames: nothing when it is padding, otherwise something that is not ours to drop.
-Text remains(Id3v2Layout& layout)
-{
-    Text rest = layout.body->read(layout.framesEnd, layout.body->size() - layout.framesEnd);
-    return rest.find_first_not_of('\0') == Text::npos ? "" : rest;
-}
-
-// The body without padding.
-Text bodyWith(Id3v2Layout& layout, const Rewriting& rewriting)
+Text framesWith(Id3v2Layout& layout, const Rewriting& rewriting)
 {
     Text body = layout.body->read(0, layout.framesBegin);
     for (std::size_t i = 0; i < layout.frames.size(); ++i) {
@@ -129,13 +121,21 @@ Text bodyWith(Id3v2Layout& layout, const Rewriting& rewriting)
         const auto& frame = layout.frames[i];
         body += replaced == rewriting.replaced.end() ? layout.body->read(frame.at, frame.size) : replaced->second;
     }
-    return body + rewriting.added + remains(layout);
+    return body + rewriting.added;
 }
 
-// A tag that grows gets some room, so that its next change finds a place; one with a footer has no padding.
-std::size_t paddingFor(const Id3v2Header& header, std::size_t size)
+// What lies behind the frames: nothing when it is padding, otherwise something that is not ours to drop.
+Text remainsOf(Id3v2Layout& layout)
 {
-    if (header.hasFooter())
+    Text rest = layout.body->read(layout.framesEnd, layout.body->size() - layout.framesEnd);
+    return rest.find_first_not_of('\0') == Text::npos ? "" : rest;
+}
+
+// A tag that grows gets some room, so that its next change finds a place. None comes behind a footer, nor behind
+// remains: these may be a frame cut short, which would then become a longer one.
+std::size_t paddingFor(const Id3v2Header& header, std::size_t size, const Text& remains)
+{
+    if (header.hasFooter() || !remains.empty())
         return 0;
     return size <= header.size ? header.size - size : roomForMore;
 }
@@ -143,13 +143,13 @@ std::size_t paddingFor(const Id3v2Header& header, std::size_t size)
 unsigned value(char byte) { return static_cast<unsigned char>(byte); }
 
 // A checksum would no longer be right; the padding that 2.3 counts is counted anew.
-void renewExtendedHeader(Text& body, const Id3v2Header& header)
+void renewExtendedHeader(Text& body, const Id3v2Header& header, std::size_t padding)
 {
     const bool hasChecksum = header.version == 3 ? (value(body[4]) & 0x80) != 0 : (value(body[5]) & 0x20) != 0;
     if (hasChecksum)
         throw Failure{75, "Its ID3v2 tag has a checksum, which Velmora cannot renew."};
     if (header.version == 3)
-        body.replace(6, 4, toBigEndian(static_cast<std::uint32_t>(paddingFor(header, body.size())), 4));
+        body.replace(6, 4, toBigEndian(static_cast<std::uint32_t>(padding), 4));
 }
 
 Text wholeTag(const Id3v2Header& header, const Text& body)
@@ -168,12 +168,14 @@ Text id3v2With(Id3v2Layout& layout, const std::vector<FieldChange>& changes)
     const Id3v2Header& header = layout.header;
     if (!layout.isFaithful)
         throw Failure{75, "Its ID3v2 tag is not stored in the way it says."};
-    Text body = bodyWith(layout, rewritingFor(layout, changes));
-    if (header.hasExtendedHeader())
-        renewExtendedHeader(body, header);
+    const Text remains = remainsOf(layout);
+    Text body = framesWith(layout, rewritingFor(layout, changes)) + remains;
     if (header.isScrambled())
         body = unsynchronised(body);
-    return wholeTag(header, body + Text(paddingFor(header, body.size()), '\0'));
+    const std::size_t padding = paddingFor(header, body.size(), remains);
+    if (header.hasExtendedHeader())
+        renewExtendedHeader(body, header, padding);
+    return wholeTag(header, body + Text(padding, '\0'));
 }
 
 Text newId3v2(const std::vector<FieldChange>& changes)

@@ -124,3 +124,9 @@ std::int16_t yearOf(std::string_view text)
         std::from_chars(text.data(), text.data() + 4, year);
     return year;
 }
+
+Text yearText(std::int16_t year)
+{
+    const Text digits = year == 0 ? "" : std::to_string(year);
+    return year > 0 && digits.size() < 4 ? Text(4 - digits.size(), '0') + digits : digits;
+}

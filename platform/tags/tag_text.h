@@ -35,3 +35,6 @@ Text joined(const std::vector<Text>& values);
 
 // The year that a date or a year begins with; 0 where there is none.
 std::int16_t yearOf(std::string_view text);
+
+// The other way round: four digits, as the standards ask; nothing for 0.
+Text yearText(std::int16_t year);

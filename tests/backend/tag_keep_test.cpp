@@ -266,6 +266,7 @@ TEST_CASE("A tag that cannot be kept is refused with a reason")
         {"with a checksum in 2.4", v2Tag(4, checksum4 + text4("TIT2", "Old"), 10, 0x40) + audio},
         {"with a damaged extended header", v2Tag(3, bigEndian(5000, 4) + title, 10, 0x40) + audio},
         {"with an encrypted title", v2Tag(3, v2Frame(3, "TIT2", "x" + latin1Text("Old"), 0x40)) + audio},
+        {"with a compressed title", v2Tag(3, v2Frame(3, "TIT2", "x" + latin1Text("Old"), 0x80)) + audio},
         {"with a grouped title", v2Tag(4, v2Frame(4, "TIT2", "x" + utf8Text("Old"), 0x40)) + audio},
         {"only claiming unsynchronisation", v2Tag(3, v2Frame(3, "PRIV", Text("a\0\xFF\xE0", 4)) + title, 10, 0x80) + audio},
     };

@@ -111,6 +111,7 @@ TEST_CASE("A tag that ID3v1 cannot hold gets ID3v2 in front of the audio")
         {"Latin-1 letters that look like UTF-8", {"\xC3\x83\xC2\xA9", "", "", "", 0, -1}, true},
         {"a long comment", {"", "", "", Text(31, 'x'), 0, -1}, true},
         {"a comment of one blank", {"", "", "", " ", 0, -1}, false},
+        {"a year of one digit", {"", "", "", "", 7, -1}, false},
         {"a year of four digits", {"", "", "", "", 9999, -1}, false},
         {"a year of five digits", {"", "", "", "", 10000, -1}, true},
         {"genre 80", {"", "", "", "", 0, 80}, false},

@@ -12,13 +12,20 @@
 #include <utility>
 #include <vector>
 
+// A place for tests that write more than a disk would do quickly.
+inline std::filesystem::path memoryFolder()
+{
+    const std::filesystem::path shared = "/dev/shm";
+    return std::filesystem::is_directory(shared) ? shared : std::filesystem::temp_directory_path();
+}
+
 // A folder of its own for each test case, gone with it.
 class TestFolder
 {
 public:
-    TestFolder()
+    explicit TestFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
     {
-        Text name = std::filesystem::temp_directory_path() / "velmora-test-XXXXXX";
+        Text name = parent / "velmora-test-XXXXXX";
         path_ = mkdtemp(name.data());
     }
     ~TestFolder()
