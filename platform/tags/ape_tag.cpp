@@ -36,10 +36,15 @@ constexpr Name names[] = {
 
 Text keyOf(Field field)
 {
-    return std::find_if(std::begin(names), std::end(names), [&](const Name& name) { return name.field == field; })->key;
+    return std::find_if(std::begin(names), std::end(names),
+                        [&](const Name& name) { return name.field == field; })
+        ->key;
 }
 
-std::uint32_t numberAt(std::string_view bytes, std::size_t at) { return fromLittleEndian(bytes.substr(at, 4)); }
+std::uint32_t numberAt(std::string_view bytes, std::size_t at)
+{
+    return fromLittleEndian(bytes.substr(at, 4));
+}
 
 std::optional<ApeItem> itemAt(ByteSource& tag, std::uint64_t at, std::uint64_t end)
 {
@@ -94,7 +99,9 @@ Text makeItem(const Text& key, const Text& value)
 
 const FieldChange* changeOf(const ApeItem& item, const std::vector<FieldChange>& changes)
 {
-    const auto isItsOwn = [&](const FieldChange& change) { return equalWithoutCase(item.key, keyOf(change.field)); };
+    const auto isItsOwn = [&](const FieldChange& change) {
+        return equalWithoutCase(item.key, keyOf(change.field));
+    };
     const auto change = std::find_if(changes.begin(), changes.end(), isItsOwn);
     return change == changes.end() ? nullptr : &*change;
 }

@@ -39,8 +39,8 @@ private:
 class StretchOfBytes final : public ByteSource
 {
 public:
-    StretchOfBytes(ByteSource& whole, std::uint64_t from, std::uint64_t size)
-        : whole_(whole), from_(from), size_(size)
+    StretchOfBytes(ByteSource& whole, std::uint64_t from, std::uint64_t size) :
+        whole_(whole), from_(from), size_(size)
     {
     }
 

@@ -10,7 +10,7 @@ constexpr std::int16_t noName = 80;
 
 struct TextField {
     Field field;
-    Text Tag::* text;
+    Text Tag::*text;
 };
 
 constexpr TextField textFields[] = {

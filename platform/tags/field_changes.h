@@ -22,7 +22,8 @@ struct FieldChange {
     Text text; // empty: the field goes
 };
 
-// What must change in `held` for it to say `wanted`. `shown` is the file's tag as it was read, all formats together.
+// What must change in `held` for it to say `wanted`. `shown` is the file's tag as it was read, all formats
+// together.
 std::vector<FieldChange> changesTo(const Tag& wanted, const HeldTag& held, const Tag& shown);
 
 // Fields that `tag` does not have are taken from `other`.

@@ -173,7 +173,8 @@ void copyByHand(const OpenFile& from, const OpenFile& to, Stretch& stretch)
 
 void write(const OpenFile& from, const OpenFile& to, const NewEnds& ends)
 {
-    Stretch stretch{static_cast<off_t>(ends.begin), static_cast<off_t>(ends.head.size()), ends.end - ends.begin};
+    Stretch stretch{static_cast<off_t>(ends.begin), static_cast<off_t>(ends.head.size()),
+                    ends.end - ends.begin};
     if (!writeAt(to, ends.head, 0))
         failWith("The copy could not be written", errno);
     copyInside(from, to, stretch);

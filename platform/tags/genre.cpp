@@ -16,7 +16,8 @@ struct Spelling {
 };
 
 // Where the usual names (ID3v2.3, appendix A, as players show them) are not TagLib's.
-constexpr Spelling spellings[] = {{29, "Jazz+Funk"}, {40, "AlternRock"}, {67, "Psychadelic"}, {80, "Unknown"}};
+constexpr Spelling spellings[] = {
+    {29, "Jazz+Funk"}, {40, "AlternRock"}, {67, "Psychadelic"}, {80, "Unknown"}};
 
 std::array<Text, named> usualNames()
 {
@@ -57,7 +58,8 @@ std::int16_t find(const std::array<Text, named>& names, const Text& name)
 std::int16_t numberOfName(std::string_view name)
 {
     static const auto usual = bareNames(genreName);
-    static const auto others = bareNames([](std::int16_t genre) -> Text { return TagLib::ID3v1::genre(genre).to8Bit(true); });
+    static const auto others =
+        bareNames([](std::int16_t genre) -> Text { return TagLib::ID3v1::genre(genre).to8Bit(true); });
     const Text wanted = bare(name);
     if (wanted.empty())
         return -1;

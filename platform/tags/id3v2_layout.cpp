@@ -78,7 +78,8 @@ std::uint64_t contentSize(ByteSource& body, std::uint64_t at, int version, std::
     return version == 4 ? contentSize4(body, at, size) : fromBigEndian(size);
 }
 
-// Neither encrypted nor grouped nor compressed: no program makes such text frames, but one who means harm might.
+// Neither encrypted nor grouped nor compressed: no program makes such text frames, but one who means harm
+// might.
 bool isReadable(int version, std::string_view header, std::uint64_t size)
 {
     const unsigned flags = version == 2 ? 0 : value(header[9]);
@@ -102,7 +103,8 @@ std::optional<Id3v2Frame> frameAt(ByteSource& body, std::uint64_t at, int versio
 std::uint64_t extendedHeaderSize(const Id3v2Layout& layout)
 {
     const Text size = layout.body->read(0, 4);
-    const std::uint64_t whole = layout.header.version == 3 ? std::uint64_t{4} + fromBigEndian(size) : fromSyncSafe(size);
+    const std::uint64_t whole =
+        layout.header.version == 3 ? std::uint64_t{4} + fromBigEndian(size) : fromSyncSafe(size);
     const std::uint64_t least = layout.header.version == 3 ? 10 : 6;
     if (whole < least || whole > layout.body->size())
         refuse("Its ID3v2 tag is damaged.");

@@ -21,7 +21,8 @@ struct Id3v2Header {
 // The header at `at`; none where no tag begins there.
 std::optional<Id3v2Header> id3v2HeaderAt(ByteSource& file, std::uint64_t at);
 
-// Where the ID3v2 tags at the head of the file end; 0 without one, past the end of a file that is cut within one.
+// Where the ID3v2 tags at the head of the file end; 0 without one, past the end of a file that is cut within
+// one.
 std::uint64_t endOfId3v2(ByteSource& file);
 
 struct Id3v2Frame {

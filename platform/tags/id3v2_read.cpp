@@ -21,16 +21,14 @@ Text textOf(const TagLib::String& string)
     return Text(upToZero(utf8OfUtf16(units)));
 }
 
-TagLib::ByteVector vectorOf(const Text& bytes)
-{
-    return {bytes.data(), static_cast<unsigned>(bytes.size())};
-}
+TagLib::ByteVector vectorOf(const Text& bytes) { return {bytes.data(), static_cast<unsigned>(bytes.size())}; }
 
 std::unique_ptr<TagLib::ID3v2::Frame> parsed(Id3v2Layout& layout, const Id3v2Frame& frame)
 {
     const TagLib::ID3v2::Header header(vectorOf(layout.header.bytes));
     const auto* factory = TagLib::ID3v2::FrameFactory::instance();
-    return std::unique_ptr<TagLib::ID3v2::Frame>(factory->createFrame(vectorOf(frameBytes(layout, frame)), &header));
+    return std::unique_ptr<TagLib::ID3v2::Frame>(
+        factory->createFrame(vectorOf(frameBytes(layout, frame)), &header));
 }
 
 // The values of the first readable frame of that name.
@@ -89,8 +87,8 @@ std::vector<Id3v2Comment> id3v2Comments(Id3v2Layout& layout)
         if (!comment)
             continue;
         const auto language = comment->language();
-        comments.push_back(
-            {i, Text(language.data(), language.size()), textOf(comment->description()), textOf(comment->text())});
+        comments.push_back({i, Text(language.data(), language.size()), textOf(comment->description()),
+                            textOf(comment->text())});
     }
     return comments;
 }

@@ -66,7 +66,8 @@ void changeText(Rewriting& rewriting, const Id3v2Layout& layout, const FieldChan
 {
     const int version = layout.header.version;
     const auto names = id3v2Names(change.field, version);
-    Text frame = change.text.empty() ? "" : makeFrame(version, names.front(), textContent(change.text, version));
+    Text frame =
+        change.text.empty() ? "" : makeFrame(version, names.front(), textContent(change.text, version));
     for (std::size_t i = 0; i < layout.frames.size(); ++i) {
         if (std::find(names.begin(), names.end(), layout.frames[i].id) == names.end())
             continue;
@@ -76,7 +77,8 @@ void changeText(Rewriting& rewriting, const Id3v2Layout& layout, const FieldChan
     rewriting.added += frame;
 }
 
-// Comments with a description stay. An emptied comment leaves an empty frame where one of them would answer for it.
+// Comments with a description stay. An emptied comment leaves an empty frame where one of them would answer
+// for it.
 void changeComment(Rewriting& rewriting, Id3v2Layout& layout, const Text& text)
 {
     const int version = layout.header.version;
@@ -119,7 +121,8 @@ Text framesWith(Id3v2Layout& layout, const Rewriting& rewriting)
     for (std::size_t i = 0; i < layout.frames.size(); ++i) {
         const auto replaced = rewriting.replaced.find(i);
         const auto& frame = layout.frames[i];
-        body += replaced == rewriting.replaced.end() ? layout.body->read(frame.at, frame.size) : replaced->second;
+        body +=
+            replaced == rewriting.replaced.end() ? layout.body->read(frame.at, frame.size) : replaced->second;
     }
     return body + rewriting.added;
 }
@@ -131,8 +134,8 @@ Text remainsOf(Id3v2Layout& layout)
     return rest.find_first_not_of('\0') == Text::npos ? "" : rest;
 }
 
-// A tag that grows gets some room, so that its next change finds a place. None comes behind a footer, nor behind
-// remains: these may be a frame cut short, which would then become a longer one.
+// A tag that grows gets some room, so that its next change finds a place. None comes behind a footer, nor
+// behind remains: these may be a frame cut short, which would then become a longer one.
 std::size_t paddingFor(const Id3v2Header& header, std::size_t size, const Text& remains)
 {
     if (header.hasFooter() || !remains.empty())
@@ -145,7 +148,8 @@ unsigned value(char byte) { return static_cast<unsigned char>(byte); }
 // A checksum would no longer be right; the padding that 2.3 counts is counted anew.
 void renewExtendedHeader(Text& body, const Id3v2Header& header, std::size_t padding)
 {
-    const bool hasChecksum = header.version == 3 ? (value(body[4]) & 0x80) != 0 : (value(body[5]) & 0x20) != 0;
+    const bool hasChecksum =
+        header.version == 3 ? (value(body[4]) & 0x80) != 0 : (value(body[5]) & 0x20) != 0;
     if (hasChecksum)
         throw Failure{75, "Its ID3v2 tag has a checksum, which Velmora cannot renew."};
     if (header.version == 3)

@@ -32,7 +32,8 @@ bool isHeader(std::uint32_t header)
 {
     const bool synchronised = header >> 21 == 0x7FF;
     const bool isLayer3 = (header >> 17 & 3) == 1;
-    return synchronised && isLayer3 && (header >> 19 & 3) != 1 && (header >> 12 & 15) != 15 && (header >> 10 & 3) != 3;
+    return synchronised && isLayer3 && (header >> 19 & 3) != 1 && (header >> 12 & 15) != 15 &&
+           (header >> 10 & 3) != 3;
 }
 
 std::size_t padding(std::uint32_t header) { return header >> 9 & 1; }
@@ -79,7 +80,8 @@ bool framesBeginAt(std::string_view bytes, std::size_t at, std::size_t freeSize,
 bool isAnotherKind(std::string_view bytes)
 {
     const std::string_view begin = bytes.substr(0, 4);
-    return begin == "RIFF" || begin == "OggS" || begin == "fLaC" || bytes.substr(std::min<std::size_t>(4, bytes.size()), 4) == "ftyp";
+    return begin == "RIFF" || begin == "OggS" || begin == "fLaC" ||
+           bytes.substr(std::min<std::size_t>(4, bytes.size()), 4) == "ftyp";
 }
 
 bool framesBeginIn(std::string_view bytes, std::size_t starts, bool last)

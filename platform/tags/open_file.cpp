@@ -40,8 +40,8 @@ bool writeAt(const OpenFile& file, const Text& bytes, off_t at)
 {
     std::size_t done = 0;
     while (done < bytes.size()) {
-        const auto wrote =
-            pwrite(file.descriptor(), bytes.data() + done, bytes.size() - done, at + static_cast<off_t>(done));
+        const auto wrote = pwrite(file.descriptor(), bytes.data() + done, bytes.size() - done,
+                                  at + static_cast<off_t>(done));
         if (wrote < 0 && errno != EINTR)
             return false;
         done += wrote > 0 ? static_cast<std::size_t>(wrote) : 0;

@@ -22,7 +22,8 @@ private:
     int descriptor_ = -1;
 };
 
-// Not open when there is no such file, or none that is regular: a pipe, a folder or a device is not waited for.
+// Not open when there is no such file, or none that is regular: a pipe, a folder or a device is not waited
+// for.
 OpenFile openForReading(const Text& path);
 
 // Writes all of `bytes` at `at`; false with the reason in errno.

@@ -64,7 +64,8 @@ Text resolved(const Text& path)
     return target.get();
 }
 
-// Also for a system administrator, who may write everything: a write-protected file is meant to stay as it is.
+// Also for a system administrator, who may write everything: a write-protected file is meant to stay as it
+// is.
 OpenFile openForWriting(const Text& path, const OpenFile& file)
 {
     if ((file.status().st_mode & 0222) == 0)
@@ -168,6 +169,7 @@ Tag readTag(const Text& path)
 Text writeTag(const Text& path, const Tag& tag)
 {
     Text reason;
-    guarded([&](const Failure& failure) { reason = failure.description; }, [&] { write(path, storable(tag)); });
+    guarded([&](const Failure& failure) { reason = failure.description; },
+            [&] { write(path, storable(tag)); });
     return reason;
 }

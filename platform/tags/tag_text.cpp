@@ -74,7 +74,8 @@ Text utf8OfUnstated(std::string_view bytes)
 bool isLatin1(std::string_view text)
 {
     const auto characters = charactersOf(text);
-    return std::all_of(characters.begin(), characters.end(), [](char32_t character) { return character <= 0xFF; });
+    return std::all_of(characters.begin(), characters.end(),
+                       [](char32_t character) { return character <= 0xFF; });
 }
 
 Text toLatin1(std::string_view text)
@@ -102,7 +103,8 @@ Text toUtf16(std::string_view text)
 
 bool isAscii(std::string_view text)
 {
-    return std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+    return std::all_of(text.begin(), text.end(),
+                       [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
 std::string_view upToZero(std::string_view text) { return text.substr(0, text.find('\0')); }

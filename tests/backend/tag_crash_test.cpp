@@ -1,4 +1,5 @@
-// Kills a process that writes tags, at random moments: the file must always be whole, the old one or the new one.
+// Kills a process that writes tags, at random moments: the file must always be whole, the old one or the new
+// one.
 #include "platform/tags/tag_file.h"
 
 #include "tests/support/mp3_files.h"
@@ -71,7 +72,8 @@ Damage killWriters(const TestFolder& folder, std::size_t size, int kills, std::c
     return damage;
 }
 
-void checkKills(const std::filesystem::path& place, std::size_t size, int kills, std::chrono::microseconds longest)
+void checkKills(const std::filesystem::path& place, std::size_t size, int kills,
+                std::chrono::microseconds longest)
 {
     const TestFolder folder(place);
     const Damage damage = killWriters(folder, size, kills, longest);
@@ -92,7 +94,8 @@ TEST_CASE("A killed writer leaves a whole file, and the next writing leaves no c
 }
 
 // By hand: backend_tests --no-skip --test-case="*three hundred times*"
-TEST_CASE("A writer killed three hundred times, also with files of an hour, leaves whole files" * doctest::skip())
+TEST_CASE("A writer killed three hundred times, also with files of an hour, leaves whole files" *
+          doctest::skip())
 {
     checkKills(disk(), 300'000, 120, 20ms);
     checkKills(disk(), 5'000'000, 120, 60ms);

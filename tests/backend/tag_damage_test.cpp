@@ -19,10 +19,12 @@ std::vector<Text> soundFiles()
         const bool old = version == 2;
         return v2Frame(version, old ? "TT2" : "TIT2", utf16Text(u"Title")) +
                v2Frame(version, old ? "PIC" : "APIC", Text("\0image/png\0\3\0\x89PNG", 17)) +
-               v2Comment(version, "eng", "", "Comment") + v2Frame(version, old ? "TCO" : "TCON", latin1Text("(17)"));
+               v2Comment(version, "eng", "", "Comment") +
+               v2Frame(version, old ? "TCO" : "TCON", latin1Text("(17)"));
     };
     const Text v1 = v1Tag({"Title", "Artist", "Album", "1987", "Comment", 7, 17});
-    const Text ape = apeTag({apeItem("Title", "Title"), apeItem("Cover", Text(50, '\xFF'), 2), apeItem("Year", "1987")});
+    const Text ape =
+        apeTag({apeItem("Title", "Title"), apeItem("Cover", Text(50, '\xFF'), 2), apeItem("Year", "1987")});
     const Text extended = bigEndian(6, 4) + Text(2, '\0') + bigEndian(100, 4);
     return {
         audio + v1,

@@ -73,7 +73,8 @@ TEST_CASE("A long title that another field's change leaves alone stays whole")
 
 TEST_CASE("A year that changes replaces the whole date")
 {
-    const Text file = changed(v2Tag(4, text4("TDRC", "2004-05-06")) + audio, [](Tag& tag) { tag.year = 2005; });
+    const Text file =
+        changed(v2Tag(4, text4("TDRC", "2004-05-06")) + audio, [](Tag& tag) { tag.year = 2005; });
     CHECK(has(file, v2Frame(4, "TDRC", latin1Text("2005"))));
     CHECK_FALSE(has(file, "2004"));
 }
@@ -115,7 +116,8 @@ TEST_CASE("A new comment takes the place of the plain one, in its language, and 
 
 TEST_CASE("Of several frames of a kind one remains after a change")
 {
-    const Text file = retitled(v2Tag(3, text3("TIT2", "one") + text3("TALB", "Album") + text3("TIT2", "two")) + audio);
+    const Text file =
+        retitled(v2Tag(3, text3("TIT2", "one") + text3("TALB", "Album") + text3("TIT2", "two")) + audio);
     CHECK(has(file, text3("TIT2", "New") + text3("TALB", "Album")));
     CHECK_FALSE(has(file, "two"));
 }
@@ -126,7 +128,8 @@ TEST_CASE("A genre that has no number outlives the change of another field")
     CHECK(has(retitled(v2Tag(3, genre) + audio), genre));
 
     // The window that edits tags shows such a file as 80 and says so when it saves.
-    const Text saved = changed(v2Tag(3, genre) + audio + apeTag({apeItem("Genre", "Chillwave")}), [](Tag& tag) { tag.genreIndex = 80; });
+    const Text saved = changed(v2Tag(3, genre) + audio + apeTag({apeItem("Genre", "Chillwave")}),
+                               [](Tag& tag) { tag.genreIndex = 80; });
     CHECK(has(saved, genre));
     CHECK(has(saved, apeItem("Genre", "Chillwave")));
     CHECK(v1Of(saved).genre == 80);
@@ -160,8 +163,8 @@ TEST_CASE("The track number of ID3v1.1 stays unless the comment needs its bytes"
 
 TEST_CASE("A track number also stays under a long comment that only ID3v2 holds whole")
 {
-    const Text file = retitled(v2Tag(3, text3("TIT2", "Old") + v2Comment(3, "eng", "", Text(30, 'x'))) + audio +
-                               v1Tag({"Old", "", "", "", Text(28, 'x'), 7}));
+    const Text file = retitled(v2Tag(3, text3("TIT2", "Old") + v2Comment(3, "eng", "", Text(30, 'x'))) +
+                               audio + v1Tag({"Old", "", "", "", Text(28, 'x'), 7}));
     CHECK(v1Of(file).comment == Text(28, 'x') + Text("\0\7", 2));
 }
 
@@ -179,10 +182,12 @@ TEST_CASE("ID3v1 fields that say the same keep their bytes")
 TEST_CASE("An ID3v1 text in some other code page is not replaced by question marks when its field stays")
 {
     const Text windows1251 = "\xCF\xF0\xE8\xE2\xE5\xF2";
-    const Text v2 = v2Tag(3, v2Frame(3, "TPE1", utf16Text(u"\u041F\u0440\u0438\u0432\u0435\u0442")) + text3("TIT2", "Old"));
+    const Text v2 = v2Tag(3, v2Frame(3, "TPE1", utf16Text(u"\u041F\u0440\u0438\u0432\u0435\u0442")) +
+                                 text3("TIT2", "Old"));
     const Text v1 = v1Tag({"Old", windows1251});
     CHECK(v1Of(retitled(v2 + audio + v1)).artist == field(windows1251, 30));
-    CHECK(v1Of(changed(v2 + audio + v1, [](Tag& tag) { tag.artist += "!"; })).artist == field(Text(6, '?') + "!", 30));
+    CHECK(v1Of(changed(v2 + audio + v1, [](Tag& tag) { tag.artist += "!"; })).artist ==
+          field(Text(6, '?') + "!", 30));
 }
 
 TEST_CASE("A tag that says everything already leaves the file untouched")
@@ -206,7 +211,8 @@ TEST_CASE("Bytes around the tags are no business of theirs")
     CHECK(has(retitled(audio + enhanced + v1), audio + enhanced + v1Tag({"New"})));
     CHECK(has(retitled(v2Tag(3, text3("TIT2", "Old"), 50) + second + Text(100, '\0') + audio + v1),
               second + Text(100, '\0') + audio + v1Tag({"New"})));
-    CHECK(has(retitled(audio + "APETAGEX" + Text(24, '\1') + v1), audio + "APETAGEX" + Text(24, '\1') + v1Tag({"New"})));
+    CHECK(has(retitled(audio + "APETAGEX" + Text(24, '\1') + v1),
+              audio + "APETAGEX" + Text(24, '\1') + v1Tag({"New"})));
 }
 
 TEST_CASE("What lies behind the frames stays unless it is padding")
@@ -229,11 +235,13 @@ TEST_CASE("Unusual tags keep their form")
     CHECK(with3.substr(10, 10) == bigEndian(6, 4) + Text(2, '\0') + bigEndian(98, 4));
     CHECK(has(with3, text3("TIT2", "New") + Text(98, '\0') + audio));
 
-    CHECK(has(retitled(v2Tag(4, extended4 + old, 50, 0x40) + audio), extended4 + v2Frame(4, "TIT2", latin1Text("New"))));
+    CHECK(has(retitled(v2Tag(4, extended4 + old, 50, 0x40) + audio),
+              extended4 + v2Frame(4, "TIT2", latin1Text("New"))));
     CHECK(retitled(experimental + audio)[5] == 0x20);
 
     const Text ended = retitled(v2Tag(4, old, 0, 0x10) + footer + audio);
-    CHECK(ended.substr(0, ended.size() - 128) == v2Tag(4, v2Frame(4, "TIT2", latin1Text("New")), 0, 0x10) + footer + audio);
+    CHECK(ended.substr(0, ended.size() - 128) ==
+          v2Tag(4, v2Frame(4, "TIT2", latin1Text("New")), 0, 0x10) + footer + audio);
 }
 
 TEST_CASE("A tag with unsynchronisation keeps it")
@@ -268,7 +276,8 @@ TEST_CASE("A tag that cannot be kept is refused with a reason")
         {"with an encrypted title", v2Tag(3, v2Frame(3, "TIT2", "x" + latin1Text("Old"), 0x40)) + audio},
         {"with a compressed title", v2Tag(3, v2Frame(3, "TIT2", "x" + latin1Text("Old"), 0x80)) + audio},
         {"with a grouped title", v2Tag(4, v2Frame(4, "TIT2", "x" + utf8Text("Old"), 0x40)) + audio},
-        {"only claiming unsynchronisation", v2Tag(3, v2Frame(3, "PRIV", Text("a\0\xFF\xE0", 4)) + title, 10, 0x80) + audio},
+        {"only claiming unsynchronisation",
+         v2Tag(3, v2Frame(3, "PRIV", Text("a\0\xFF\xE0", 4)) + title, 10, 0x80) + audio},
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);
@@ -284,8 +293,9 @@ TEST_CASE("An encrypted frame beside the changed one is no hindrance")
 
 TEST_CASE("A file that is no MP3 is refused and stays")
 {
-    for (const Text& bytes : {Text(), Text("text"), "RIFF" + littleEndian(36) + "WAVEfmt " + audio,
-                              "fLaC" + Text(100, '\0'), "OggS" + audio, v1Tag({"Old"}), v2Tag(3, text3("TIT2", "Old"))}) {
+    for (const Text& bytes :
+         {Text(), Text("text"), "RIFF" + littleEndian(36) + "WAVEfmt " + audio, "fLaC" + Text(100, '\0'),
+          "OggS" + audio, v1Tag({"Old"}), v2Tag(3, text3("TIT2", "Old"))}) {
         CAPTURE(bytes.substr(0, 8));
         CHECK(refusal(bytes) == "It is not an MP3 file.");
     }

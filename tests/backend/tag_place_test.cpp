@@ -254,7 +254,8 @@ TEST_CASE("A file that is a mount of its own cannot be replaced: ID3v1 in its pl
         CAPTURE(result);
         if (result == "no rights")
             return;
-        CHECK(result == (bytes == v1Alone ? "" : "The copy could not be put in the file's place: Permission denied."));
+        CHECK(result ==
+              (bytes == v1Alone ? "" : "The copy could not be put in the file's place: Permission denied."));
         CHECK(contentOf(source) == (bytes == v1Alone ? audio + v1Tag({"New"}) : withV2));
     }
 }
@@ -277,7 +278,8 @@ TEST_CASE("An immutable file is refused")
     CHECK(folder.names().size() == 1);
 }
 
-TEST_CASE("A copy that a crash left is removed by the next writing in the folder; one at work and other files stay")
+TEST_CASE(
+    "A copy that a crash left is removed by the next writing in the folder; one at work and other files stay")
 {
     const TestFolder folder;
     const Text path = folder.put(withV2);
@@ -306,7 +308,9 @@ TEST_CASE("What another program writes meanwhile is not undone")
     folder.put(withV2 + "more");
     Text reason;
     guarded([&](const Failure& failure) { reason = failure.description; },
-            [&] { swapEnds(file, path, known, {"", 0, 100, ""}); });
+            [&] {
+                swapEnds(file, path, known, {"", 0, 100, ""});
+            });
     CHECK(reason == "Another program has changed the file meanwhile.");
     CHECK(contentOf(path) == withV2 + "more");
     CHECK(folder.names().size() == 1);

@@ -26,13 +26,14 @@ Text outputOf(const Text& command)
     return output;
 }
 
-// The fields as ffprobe prints them, one a line; its complaints about the file, if it has any, come with them.
+// The fields as ffprobe prints them, one a line; its complaints about the file, if it has any, come with
+// them.
 class Witness
 {
 public:
-    explicit Witness(const Text& path)
-        : lines_('\n' + outputOf("ffprobe -v error -show_entries format_tags -of default=noprint_wrappers=1 '" + path +
-                                 "' 2>&1"))
+    explicit Witness(const Text& path) :
+        lines_('\n' + outputOf("ffprobe -v error -show_entries format_tags -of default=noprint_wrappers=1 '" +
+                               path + "' 2>&1"))
     {
     }
 
@@ -67,7 +68,8 @@ TEST_CASE("ffprobe reads what was written, in every version of ID3v2")
             const Tag& tag = tags[i];
             CAPTURE(version);
             CAPTURE(tag.title);
-            const Text path = folder.put(v2Tag(version, v2Frame(version, version == 2 ? "TT2" : "TIT2", latin1Text("old"))) + audio);
+            const Text path = folder.put(
+                v2Tag(version, v2Frame(version, version == 2 ? "TT2" : "TIT2", latin1Text("old"))) + audio);
             REQUIRE(writeTag(path, tag) == "");
             const Witness says(path);
             CHECK(says("title") == tag.title);
@@ -98,7 +100,9 @@ TEST_CASE("ffprobe finds the sound after a writing as before")
 {
     const TestFolder folder;
     const Text path = folder.put(v2Tag(3, "") + mp3Frames(60));
-    const auto sound = [&] { return outputOf("ffmpeg -v error -i '" + path + "' -map 0:a -c copy -f md5 - 2>&1"); };
+    const auto sound = [&] {
+        return outputOf("ffmpeg -v error -i '" + path + "' -map 0:a -c copy -f md5 - 2>&1");
+    };
     const Text before = sound();
     REQUIRE(writeTag(path, {cyrillic, Text(5000, 'x'), "", "", 1987, 17}) == "");
     CHECK(before.substr(0, 4) == "MD5=");

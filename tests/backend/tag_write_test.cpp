@@ -32,10 +32,7 @@ Tag readBack(const Text& bytes)
 
 bool has(const Text& bytes, const Text& part) { return bytes.find(part) != Text::npos; }
 
-Text padded(const Text& bytes, std::size_t size)
-{
-    return bytes + Text(size - bytes.size(), '\0');
-}
+Text padded(const Text& bytes, std::size_t size) { return bytes + Text(size - bytes.size(), '\0'); }
 
 }
 
@@ -73,7 +70,8 @@ TEST_CASE("What is written is read back")
         audio + v1Tag({"old", "old", "old", "1900", "old", 5, 3}),
         v2Tag(2, v2Frame(2, "TT2", latin1Text("old")), 10) + audio,
         v2Tag(3, v2Frame(3, "TIT2", latin1Text("old")) + v2Comment(3, "eng", "", "old"), 10) + audio,
-        v2Tag(4, v2Frame(4, "TDRC", latin1Text("1900-01-01")) + v2Frame(4, "TCON", latin1Text("Pop"))) + audio,
+        v2Tag(4, v2Frame(4, "TDRC", latin1Text("1900-01-01")) + v2Frame(4, "TCON", latin1Text("Pop"))) +
+            audio,
         audio + apeTag({apeItem("Title", "old"), apeItem("Year", "1900")}),
         v2Tag(3, "") + audio + apeTag({}) + v1Tag({"old"}),
     };
@@ -89,7 +87,8 @@ TEST_CASE("What is written is read back")
 
 TEST_CASE("ID3v1 takes thirty bytes of a field, one a character, with a question mark for what it cannot say")
 {
-    const V1Bytes tag = v1Of(written(audio, {"caf\xC3\xA9", cyrillic + "!", Text(60, 'x'), chinese, 1987, 17}));
+    const V1Bytes tag =
+        v1Of(written(audio, {"caf\xC3\xA9", cyrillic + "!", Text(60, 'x'), chinese, 1987, 17}));
     CHECK(tag.title == padded("caf\xE9", 30));
     CHECK(tag.artist == padded(Text(6, '?') + "!", 30));
     CHECK(tag.album == Text(30, 'x'));
@@ -189,16 +188,17 @@ TEST_CASE("A tag that grows leaves room for the next change")
 
 TEST_CASE("An emptied field leaves every tag")
 {
-    const Text full = v2Tag(3, v2Frame(3, "TIT2", latin1Text("Title")) + v2Frame(3, "TPE1", latin1Text("Artist")) +
-                                   v2Frame(3, "TALB", latin1Text("Album")) + v2Frame(3, "TYER", latin1Text("1987")) +
-                                   v2Frame(3, "TDRC", latin1Text("1987")) + v2Frame(3, "TCON", latin1Text("Rock")) +
-                                   v2Comment(3, "eng", "", "Comment")) +
-                      audio +
-                      apeTag({apeItem("Title", "Title"), apeItem("YEAR", "1987"), apeItem("Genre", "Rock")}) +
-                      v1Tag({"Title", "Artist", "Album", "1987", "Comment", 0, 17});
+    const Text full =
+        v2Tag(3, v2Frame(3, "TIT2", latin1Text("Title")) + v2Frame(3, "TPE1", latin1Text("Artist")) +
+                     v2Frame(3, "TALB", latin1Text("Album")) + v2Frame(3, "TYER", latin1Text("1987")) +
+                     v2Frame(3, "TDRC", latin1Text("1987")) + v2Frame(3, "TCON", latin1Text("Rock")) +
+                     v2Comment(3, "eng", "", "Comment")) +
+        audio + apeTag({apeItem("Title", "Title"), apeItem("YEAR", "1987"), apeItem("Genre", "Rock")}) +
+        v1Tag({"Title", "Artist", "Album", "1987", "Comment", 0, 17});
     const Text file = written(full, Tag());
     CHECK(readBack(file) == Tag());
-    for (const Text part : {"TIT2", "TPE1", "TALB", "TYER", "TDRC", "TCON", "COMM", "Title", "YEAR", "1987", "Rock"}) {
+    for (const Text part :
+         {"TIT2", "TPE1", "TALB", "TYER", "TDRC", "TCON", "COMM", "Title", "YEAR", "1987", "Rock"}) {
         CAPTURE(part);
         CHECK_FALSE(has(file, part));
     }
@@ -209,9 +209,10 @@ TEST_CASE("Year 0 removes the year and nothing else")
 {
     Tag tag = usual;
     tag.year = 0;
-    const Text file = written(v2Tag(4, v2Frame(4, "TDRC", latin1Text("1987-05-06")) + v2Frame(4, "TDOR", latin1Text("1970"))) +
-                                  audio + apeTag({apeItem("Year", "1987")}) + v1Tag({"", "", "", "1987"}),
-                              tag);
+    const Text file = written(
+        v2Tag(4, v2Frame(4, "TDRC", latin1Text("1987-05-06")) + v2Frame(4, "TDOR", latin1Text("1970"))) +
+            audio + apeTag({apeItem("Year", "1987")}) + v1Tag({"", "", "", "1987"}),
+        tag);
     CHECK(readBack(file).year == 0);
     CHECK_FALSE(has(file, "1987"));
     CHECK(has(file, v2Frame(4, "TDOR", latin1Text("1970"))));
@@ -222,11 +223,13 @@ TEST_CASE("APE and ID3v2 follow where they are present, and are not made where t
     const Text ape = apeTag({apeItem("Title", "old"), apeItem("ARTIST", "old")});
     const Text file = written(audio + ape, usual);
     CHECK(file.substr(0, audio.size()) == audio);
-    CHECK(has(file, apeTag({apeItem("Title", "Title"), apeItem("Artist", "Artist"), apeItem("Album", "Album"),
-                            apeItem("Comment", "Comment"), apeItem("Year", "1987"), apeItem("Genre", "Rock")})));
+    CHECK(has(file,
+              apeTag({apeItem("Title", "Title"), apeItem("Artist", "Artist"), apeItem("Album", "Album"),
+                      apeItem("Comment", "Comment"), apeItem("Year", "1987"), apeItem("Genre", "Rock")})));
     CHECK(v1Of(file).title == padded("Title", 30));
 
-    const Text both = written(v2Tag(3, v2Frame(3, "TIT2", latin1Text("old"))) + audio + ape + v1Tag({"old"}), usual);
+    const Text both =
+        written(v2Tag(3, v2Frame(3, "TIT2", latin1Text("old"))) + audio + ape + v1Tag({"old"}), usual);
     CHECK_FALSE(has(both, "old"));
 }
 
@@ -239,7 +242,8 @@ TEST_CASE("An APE tag without a header stays without one")
 TEST_CASE("A text that is no valid UTF-8 is taken as Latin-1 letters, and a zero ends it")
 {
     CHECK(readBack(written(audio, {"caf\xE9", "", "", "", 0, -1})).title == "caf\xC3\xA9");
-    CHECK(readBack(written(v2Tag(3, "") + audio, {"\xFF\xFE", "", "", "", 0, -1})).title == "\xC3\xBF\xC3\xBE");
+    CHECK(readBack(written(v2Tag(3, "") + audio, {"\xFF\xFE", "", "", "", 0, -1})).title ==
+          "\xC3\xBF\xC3\xBE");
     CHECK(readBack(written(v2Tag(3, "") + audio, {Text("ab\0cd", 5), "", "", "", 0, -1})).title == "ab");
 }
 
@@ -247,7 +251,8 @@ TEST_CASE("A genre that no tag can say is none")
 {
     for (const std::int16_t genre : {-2, 255, 256, 32767}) {
         CAPTURE(genre);
-        CHECK(readBack(written(v2Tag(3, v2Frame(3, "TCON", latin1Text("Rock"))) + audio, {"", "", "", "", 0, genre}))
+        CHECK(readBack(written(v2Tag(3, v2Frame(3, "TCON", latin1Text("Rock"))) + audio,
+                               {"", "", "", "", 0, genre}))
                   .genreIndex == -1);
     }
 }

@@ -1,8 +1,9 @@
-// Feeds the tag reader and writer with whatever libFuzzer thinks of. Built by the option VELMORA_FUZZ, with clang:
+// Feeds the tag reader and writer with whatever libFuzzer thinks of. Built by the option VELMORA_FUZZ, with
+// clang:
 //   build/fuzz/tests/tag_fuzz -max_total_time=600 FOLDER_FOR_ITS_FINDINGS
 //
-// An input is the head of a file and its tail, with four MP3 frames between them, so that the file stays one worth
-// reading: a byte for the new tag, two for the length of the head, then both.
+// An input is the head of a file and its tail, with four MP3 frames between them, so that the file stays one
+// worth reading: a byte for the new tag, two for the length of the head, then both.
 #include "platform/tags/tag_file.h"
 
 #include "platform/tags/tag_parts.h"

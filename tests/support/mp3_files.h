@@ -1,4 +1,5 @@
-// MP3 files made in a test: silent frames, and tags of every kind built byte by byte, by nothing that is tested.
+// MP3 files made in a test: silent frames, and tags of every kind built byte by byte, by nothing that is
+// tested.
 #pragma once
 
 #include "platform/text.h"
@@ -62,8 +63,8 @@ inline Text contentOf(const Text& path)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Frames of 128 kbit/s at 44.1 kHz whose bodies decode to silence; each carries its number in its last bytes, so
-// that a lost or doubled frame shows.
+// Frames of 128 kbit/s at 44.1 kHz whose bodies decode to silence; each carries its number in its last bytes,
+// so that a lost or doubled frame shows.
 inline Text mp3Frames(int count)
 {
     Text bytes;
@@ -105,8 +106,8 @@ inline Text v2Frame(int version, const Text& id, const Text& content, unsigned f
 {
     if (version == 2)
         return id + bigEndian(content.size(), 3) + content;
-    return id + (version == 4 ? syncSafe(content.size()) : bigEndian(content.size(), 4)) + bigEndian(flags, 2) +
-           content;
+    return id + (version == 4 ? syncSafe(content.size()) : bigEndian(content.size(), 4)) +
+           bigEndian(flags, 2) + content;
 }
 
 inline Text v2Tag(int version, const Text& frames, std::size_t padding = 0, unsigned flags = 0)
@@ -152,10 +153,10 @@ struct V1 {
 
 inline Text v1Tag(const V1& tag)
 {
-    const Text comment =
-        tag.track == 0 ? field(tag.comment, 30) : field(tag.comment, 28) + '\0' + static_cast<char>(tag.track);
-    return "TAG" + field(tag.title, 30) + field(tag.artist, 30) + field(tag.album, 30) + field(tag.year, 4) + comment +
-           static_cast<char>(tag.genre);
+    const Text comment = tag.track == 0 ? field(tag.comment, 30)
+                                        : field(tag.comment, 28) + '\0' + static_cast<char>(tag.track);
+    return "TAG" + field(tag.title, 30) + field(tag.artist, 30) + field(tag.album, 30) + field(tag.year, 4) +
+           comment + static_cast<char>(tag.genre);
 }
 
 // The last 128 bytes, taken apart at their places.
