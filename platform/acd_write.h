@@ -14,7 +14,7 @@ public:
     virtual std::int16_t Init() = 0; // starts the control; 0 when ready
 
     virtual std::int16_t DriveCount() = 0;
-    virtual Text DriveName(std::int16_t drive) = 0;    // drives count from 0; "" out of range
+    virtual Text DriveName(std::int16_t drive) = 0;   // drives count from 0; "" out of range
     virtual void SelectDrive(std::int16_t drive) = 0; // out of range it keeps the current one
 
     // The type known for the current drive; 0 or less, or 100 and above: none is known.
@@ -23,9 +23,10 @@ public:
 
     virtual std::int16_t WriteSpeed() const = 0; // speed factor
     virtual void setWriteSpeed(std::int16_t factor) = 0;
-    virtual void setWriteSpeed(const Text& factor) = 0; // fails with 13 or 6 as the conversion to a number does
-    virtual void setCloseDisc(bool close) = 0;          // no more tracks can be added afterwards
-    virtual void setSimulate(bool simulate) = 0;        // goes through the writing without writing
+    virtual void
+    setWriteSpeed(const Text& factor) = 0;       // fails with 13 or 6 as the conversion to a number does
+    virtual void setCloseDisc(bool close) = 0;   // no more tracks can be added afterwards
+    virtual void setSimulate(bool simulate) = 0; // goes through the writing without writing
     virtual void setAutoEject(bool eject) = 0;
 
     // Appends the file to the track list. 0 when it is a WAV of 44.1 kHz, 16 bit, stereo.

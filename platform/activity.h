@@ -1,4 +1,5 @@
-// What keeps the program's timers at their full rate: while something sounds they run at it, a still program ticks slowly.
+// What keeps the program's timers at their full rate: while something sounds they run at it, a still program
+// ticks slowly.
 #pragma once
 
 class Activity

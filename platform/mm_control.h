@@ -10,13 +10,14 @@ class MMControl
 public:
     virtual ~MMControl() = default;
 
-    virtual void setDeviceType(const Text& deviceType) = 0; // without effect: the engine plays WAV files alone
+    virtual void
+    setDeviceType(const Text& deviceType) = 0; // without effect: the engine plays WAV files alone
 
     // The file that the next "Open" takes.
     virtual void setFileName(const Text& path) = 0;
 
-    // "Open": opens the file at position 0, anew if one is open; a file that is no WAV leaves the engine closed.
-    // "Play": goes on from the position, or from `From` if that was set since the last "Play".
+    // "Open": opens the file at position 0, anew if one is open; a file that is no WAV leaves the engine
+    // closed. "Play": goes on from the position, or from `From` if that was set since the last "Play".
     // "Stop": halts and keeps the position. "Close": releases the file. "Open" and "Close" forget `From`.
     // Each is executed at once, harmless with nothing open, and reports nothing; other words do nothing.
     virtual void setCommand(const Text& word) = 0;

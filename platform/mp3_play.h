@@ -1,4 +1,5 @@
-// The MP3 engine: playing, tags, and decoding to WAV. Everything the program knows about it, it learns by asking.
+// The MP3 engine: playing, tags, and decoding to WAV. Everything the program knows about it, it learns by
+// asking.
 #pragma once
 
 #include "platform/event.h"
@@ -12,14 +13,15 @@ public:
     virtual ~Mp3Play() = default;
 
     // Opens `path` for playing; with a non-empty `output`, for decoding into that WAV file. What was open is
-    // silenced and replaced. 0 when open, and position, stream data and tag fields are fresh; anything else may
-    // be a passing condition, and nothing is open then.
+    // silenced and replaced. 0 when open, and position, stream data and tag fields are fresh; anything else
+    // may be a passing condition, and nothing is open then.
     virtual std::int16_t Open(const Text& path, const Text& output) = 0;
 
     // Harmless with nothing open. The tag fields go on answering for the file last opened.
     virtual void Close() = 0;
 
-    // Starts, or continues after `Pause`; an opened decoding begins, as a job of its own. No effect while playing.
+    // Starts, or continues after `Pause`; an opened decoding begins, as a job of its own. No effect while
+    // playing.
     virtual void Play() = 0;
 
     // Halts at the position. Only `Play` continues; a second call has no effect.
@@ -68,7 +70,8 @@ public:
     // The text of a genre number; "" for -1. Never fails.
     virtual Text GenreName(std::int16_t genre) const = 0;
 
-    // Writes the set tag fields to the file last opened, also after `Close`. A failure is told to the desktop.
+    // Writes the set tag fields to the file last opened, also after `Close`. A failure is told to the
+    // desktop.
     virtual void WriteTag() = 0;
 
     // The length of an opened decoding in the unit of `Progress`, thousandths; 0 with none open.

@@ -17,8 +17,8 @@ template <typename Number>
 Text plainDecimal(Number number)
 {
     Digits digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
-                                   std::chars_format::fixed);
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed);
     Text text(digits.data(), end.ptr);
     return text == "-0" ? "0" : text;
 }

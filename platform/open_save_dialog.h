@@ -18,8 +18,8 @@ public:
 
     virtual void setDialogTitle(const Text& title) = 0;
 
-    // True, as at the start: cancelling makes `ShowOpen` and `ShowSave` fail with 32755 "Cancel was selected.".
-    // False: they return, and `FileName` is empty.
+    // True, as at the start: cancelling makes `ShowOpen` and `ShowSave` fail with 32755 "Cancel was
+    // selected.". False: they return, and `FileName` is empty.
     virtual void setCancelError(bool fails) = 0;
 
     // Name, vertical bar, pattern; further pairs after another vertical bar.
@@ -40,6 +40,7 @@ public:
     virtual Text FileName() const = 0;  // full path of the choice
     virtual Text FileTitle() const = 0; // its name without the folder
 
-    // After a selection of several: their folder, their names from index 1 on (index 0 is unused), their count.
+    // After a selection of several: their folder, their names from index 1 on (index 0 is unused), their
+    // count.
     virtual void GetFileList(Text& folder, std::vector<Text>& names, std::int32_t& count) const = 0;
 };

@@ -24,4 +24,7 @@ inline Text joined(std::string_view folder, std::string_view name)
 }
 
 // What follows the last separator.
-inline std::string_view fileTitle(std::string_view path) { return path.substr(path.rfind(pathSeparator) + 1); }
+inline std::string_view fileTitle(std::string_view path)
+{
+    return path.substr(path.rfind(pathSeparator) + 1);
+}

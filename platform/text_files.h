@@ -1,4 +1,5 @@
-// Plain text files, read and written whole. A file that is being written keeps its old content until `finish`.
+// Plain text files, read and written whole. A file that is being written keeps its old content until
+// `finish`.
 #pragma once
 
 #include "platform/text.h"
@@ -15,7 +16,7 @@ public:
     virtual void write(std::string_view bytes) = 0; // fails with 57 or 61
 
     // The file now holds what was written. Fails with 57, 61, 70 or 75; the old file stands then.
-    // A `revision` other than 0 names the written content for `stillHolds`.
+    // A `revision` other than 0 names the written content for `stillHolds`; only without one is the disk waited for.
     virtual void finish(std::uint64_t revision = 0) = 0;
 };
 

@@ -1,5 +1,17 @@
 #include "playlist/playlist_format.h"
 
+#include "platform/numbers.h"
+
+namespace
+{
+
+bool endsInLetters(std::string_view name, std::string_view letters)
+{
+    return lowerCase(lastThreeCharacters(name)) == letters;
+}
+
+}
+
 std::optional<std::vector<Text>> splitListText(std::string_view text, std::string_view delimiter)
 {
     if (text.empty())
@@ -16,3 +28,19 @@ std::optional<std::vector<Text>> splitListText(std::string_view text, std::strin
 }
 
 bool isRow(std::string_view line) { return !line.starts_with('#'); }
+
+Text m3uInformationLine(std::int32_t length, const Text& artist, const Text& title)
+{
+    return "#EXTINF:" + textOf(length / 1000 - 1) + "," + artist + " - " + title;
+}
+
+bool isM3uName(std::string_view name) { return endsInLetters(name, "m3u"); }
+
+Text listFileName(const Text& name, std::int16_t filter)
+{
+    if (filter == listFilterOwn && !endsInLetters(name, "vlp"))
+        return name + ".vlp";
+    if (filter == listFilterM3u && !endsInLetters(name, "m3u"))
+        return name + ".m3u";
+    return name;
+}

@@ -4,6 +4,11 @@
 
 #include <iostream>
 
+#ifdef VELMORA_WINDOW_TESTS
+#include <QApplication>
+#include <cstdlib>
+#endif
+
 namespace
 {
 
@@ -31,6 +36,11 @@ DOCTEST_REGISTER_LISTENER("counter", 1, Counter);
 
 int main(int argc, char** argv)
 {
+#ifdef VELMORA_WINDOW_TESTS
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+#endif
     doctest::Context context(argc, argv);
     const int result = context.run();
     if (context.shouldExit() || Counter::ran > 0)

@@ -1,4 +1,5 @@
-// Decodes MP3 files to WAV files on worker threads, one job at a time, each with the paths it was opened with.
+// Decodes MP3 files to WAV files on worker threads, one job at a time, each with the paths it was opened
+// with.
 #pragma once
 
 #include "platform/post.h"
@@ -21,10 +22,12 @@ public:
     DecodeJobs(Post& post, Shell& shell, Events events);
     ~DecodeJobs();
 
-    // Names the next job. 0 when `input` is an MP3 file and `output` another file; never aborts a running job.
+    // Names the next job. 0 when `input` is an MP3 file and `output` another file; never aborts a running
+    // job.
     std::int16_t open(const Text& input, const Text& output);
 
-    // Queues the job opened last, also when its `open` failed: its `done` comes all the same, and the desktop is told.
+    // Queues the job opened last, also when its `open` failed: its `done` comes all the same, and the desktop
+    // is told.
     void start();
 
     // Frees the job whose `done` is being delivered; otherwise forgets what was opened and not started.

@@ -18,7 +18,8 @@ public:
     enum class Border { none, fixed };
     enum State : std::int16_t { normal = 0, minimized = 1 };
 
-    // `name` is the window's name in the program and that of its background picture in the skin, if there is one.
+    // `name` is the window's name in the program and that of its background picture in the skin, if there is
+    // one.
     Form(Toolkit& toolkit, const char* name, Border border, Extent client);
     virtual ~Form();
 
@@ -31,6 +32,7 @@ public:
     Event<> Unload;
     Event<> Terminate;
 
+    const char* Name() const { return name_; }
     Text Caption() const;
     void setCaption(const Text& caption);
 
@@ -65,5 +67,6 @@ private:
     friend class FormWidget;
 
     Toolkit& toolkit_;
+    const char* name_;
     std::unique_ptr<FormWidget> widget_;
 };

@@ -12,8 +12,8 @@ class Toolkit;
 namespace ctl
 {
 
-// A timer that is enabled from the moment its form exists. An interval that is shorter than the platform's rate
-// runs at that rate. It does not tick again while its own handler runs.
+// A timer that is enabled from the moment its form exists. An interval that is shorter than the platform's
+// rate runs at that rate. It does not tick again while its own handler runs.
 class IntervalTimer final
 {
 public:

@@ -15,6 +15,11 @@ public:
     Text Caption() const { return caption_; }
     void setCaption(const Text& caption);
 
+    // How the face shows it: a caption beside a value is quiet, a heading and the time are lit.
+    enum class Tone { plain, quiet, lit };
+    void setTone(Tone tone);
+    void setCentered();
+
     void setFontSize(int points);
     void setFontBold(bool bold);
     void setWordWrap(bool wrap);

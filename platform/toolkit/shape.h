@@ -5,11 +5,18 @@
 namespace ctl
 {
 
-// A rectangle that frames other controls.
+// A rectangle on a form that frames other controls.
 class Shape final : public Control
 {
 public:
-    Shape(Container& container, const char* name, Place place);
+    Shape(Form& form, const char* name, Place place);
+};
+
+// A level rule between other controls.
+class Line final : public Control
+{
+public:
+    Line(Container& container, const char* name, Place place);
 };
 
 }

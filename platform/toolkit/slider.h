@@ -5,8 +5,8 @@
 namespace ctl
 {
 
-// A hidden slider: it keeps the number of a bar that is drawn by pictures. A value set from code raises nothing;
-// all its events are the user's own.
+// A hidden slider: it keeps the number of a bar that is drawn by pictures. A value set from code raises
+// nothing; all its events are the user's own.
 class Slider final : public Control
 {
 public:

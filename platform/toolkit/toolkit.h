@@ -10,6 +10,7 @@
 #include <memory>
 
 class Form;
+class Skin;
 
 namespace ctl
 {
@@ -25,8 +26,9 @@ public:
     explicit Toolkit(Timers timers);
     ~Toolkit();
 
-    // Stands at every place where the window system calls the program. A failure that arrives here was handled
-    // nowhere: the timers stop, then `unhandled` has it. Any other exception is a defect and ends the process.
+    // Stands at every place where the window system calls the program. A failure that arrives here was
+    // handled nowhere: the timers stop, then `unhandled` has it. Any other exception is a defect and ends the
+    // process.
     void outermost(const std::function<void()>& call);
 
     std::function<void(const Failure&)> unhandled;
@@ -38,6 +40,7 @@ public:
 
     Activity& activity();
     Post& post();
+    Skin& skin();
 
     // The toolkit's own parts report here.
     void add(ctl::IntervalTimer& timer);

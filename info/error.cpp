@@ -1,0 +1,14 @@
+#include "info/error.h"
+
+#include "platform/toolkit/toolkit.h"
+#include "program.h"
+
+Error::Error(Program& program) :
+    Form(program.platform().toolkit(), "Error", Border::fixed, {4215_tw, 1725_tw})
+{
+    setCaption("Error");
+    theerror.setWordWrap(true);
+    okbutton.Click.calls(*this, &Error::okbutton_Click);
+}
+
+void Error::okbutton_Click() { Hide(); }

@@ -1,0 +1,30 @@
+// The sound server. Everything that may wait for it happens on a thread of its own, which begins with the
+// first stream; the calls here return at once, also while the server hangs.
+#pragma once
+
+#include "platform/audio/stream.h"
+
+#include <memory>
+#include <thread>
+
+class CubebDevice
+{
+public:
+    CubebDevice();
+    ~CubebDevice(); // does not wait for a server that hangs
+
+    // Opens a way to the listener for `stream`, which learns by `write` that it is open, and by `fail` that
+    // it is not.
+    void open(std::shared_ptr<Stream> stream);
+
+    // What is left unheard is dropped with it.
+    void close(std::shared_ptr<Stream> stream);
+
+private:
+    struct Control;
+
+    void ask(std::shared_ptr<Stream> stream, bool open);
+
+    std::shared_ptr<Control> control_; // outlives this object while the server hangs
+    std::thread thread_;
+};

@@ -1,0 +1,18 @@
+// The output levels in the user's state folder: one line, "LEFT RIGHT". They are 100 until the file says
+// otherwise, also when it cannot be read; what cannot be written is lost with the process.
+#pragma once
+
+#include "platform/audio/levels.h"
+#include "platform/text.h"
+
+class LevelFile
+{
+public:
+    explicit LevelFile(Text path) : path_(std::move(path)) {}
+
+    Levels::Pair read() const;
+    void write(Levels::Pair levels) const; // replaces the file in one step; makes its folder
+
+private:
+    Text path_;
+};

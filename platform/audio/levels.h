@@ -1,0 +1,25 @@
+// The two output levels, read by whoever plays.
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+
+class Levels
+{
+public:
+    struct Pair {
+        std::int16_t left = 100; // 0 to 100
+        std::int16_t right = 100;
+
+        bool operator==(const Pair&) const = default;
+    };
+
+    Pair get() const { return pair_.load(); }
+    void set(Pair pair) { pair_.store({held(pair.left), held(pair.right)}); }
+
+private:
+    static std::int16_t held(std::int16_t level) { return std::clamp<std::int16_t>(level, 0, 100); }
+
+    std::atomic<Pair> pair_{Pair{}};
+};

@@ -1,0 +1,217 @@
+#include "platform/audio/mpg123_play.h"
+
+#include "platform/audio/opened_sound.h"
+#include "platform/audio/sound_output.h"
+#include "platform/audio/thinned_source.h"
+#include "platform/audio/voice.h"
+#include "platform/codec/decode_jobs.h"
+#include "platform/post.h"
+#include "platform/shell.h"
+#include "platform/tags/genre.h"
+#include "platform/tags/tag_file.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+namespace
+{
+
+constexpr std::int16_t opened = 0;
+constexpr std::int16_t notOpened = 1;
+
+constexpr float usualFrameDuration = 26.122F; // of the usual rate, where there is no file to ask
+
+constexpr std::int64_t mostSteps = std::numeric_limits<std::int16_t>::max();
+
+class Mpg123Play final : public Mp3Play
+{
+public:
+    Mpg123Play(SoundOutput& output, Post& post, Shell& shell);
+
+    std::int16_t Open(const Text& path, const Text& output) override;
+    void Close() override;
+    void Play() override;
+    void Pause() override { voice_.pause(); }
+    void Stop() override { voice_.stop(); }
+    void Seek(std::int32_t frame) override;
+
+    void SetVolume(std::int16_t left, std::int16_t right) override;
+    std::int16_t LeftVolume() const override { return sound_ ? output_.levels().left : 0; }
+    std::int16_t RightVolume() const override { return sound_ ? output_.levels().right : 0; }
+
+    std::int32_t Length() const override;
+    std::int32_t Bitrate() const override { return sound_ ? sound_->bitsPerSecond : 0; }
+    std::int32_t Frequency() const override { return sound_ ? sound_->timeline.rate() : 0; }
+    std::int16_t CurrentFrame() const override;
+    float FrameDuration() const override;
+    std::int16_t IsPlaying() const override { return voice_.isPlaying() ? 1 : 0; }
+
+    Text Title() const override { return tag().title; }
+    Text Artist() const override { return tag().artist; }
+    Text Album() const override { return tag().album; }
+    Text Comment() const override { return tag().comment; }
+    std::int16_t Year() const override { return tag().year; }
+    std::int16_t GenreIndex() const override { return tag().genreIndex; }
+    void setTitle(const Text& title) override { tag().title = title; }
+    void setArtist(const Text& artist) override { tag().artist = artist; }
+    void setAlbum(const Text& album) override { tag().album = album; }
+    void setComment(const Text& comment) override { tag().comment = comment; }
+    void setYear(std::int16_t year) override { tag().year = year; }
+    void setGenreIndex(std::int16_t genre) override { tag().genreIndex = genre; }
+    Text GenreName(std::int16_t genre) const override { return genreName(genre); }
+    void WriteTag() override;
+
+    std::int32_t DecodeLength() const override { return jobs_ ? jobs_->length() : 0; }
+
+private:
+    std::int16_t openDecoding(const Text& path, const Text& output);
+    bool openSound(const Text& path);
+    void unload();
+    void keepTagOf(const Text& path);
+    Tag& tag() const;
+    std::int64_t step() const;
+
+    SoundOutput& output_;
+    Post& post_;
+    Shell& shell_;
+    std::optional<OpenedSound> sound_;
+    Voice voice_;
+    std::optional<DecodeJobs> jobs_; // from the first decoding on
+    bool isDecoding_ = false;
+
+    Text taggedPath_;                // the file last opened, if it takes a tag
+    mutable std::optional<Tag> tag_; // read when it is first asked for
+};
+
+Mpg123Play::Mpg123Play(SoundOutput& output, Post& post, Shell& shell) :
+    output_(output), post_(post), shell_(shell), voice_(output, AtEnd::rewinds, [&post] { post.post([] {}); })
+{
+}
+
+std::int16_t Mpg123Play::Open(const Text& path, const Text& output)
+{
+    unload();
+    isDecoding_ = !output.empty();
+    if (isDecoding_)
+        return openDecoding(path, output);
+    return openSound(path) ? opened : notOpened;
+}
+
+std::int16_t Mpg123Play::openDecoding(const Text& path, const Text& output)
+{
+    if (!jobs_)
+        jobs_.emplace(post_, shell_,
+                      DecodeJobs::Events{[this](std::int32_t position) { Progress.raise(position); },
+                                         [this] { Done.raise(); }});
+    const std::int16_t status = jobs_->open(path, output);
+    keepTagOf(status == opened ? path : "");
+    return status;
+}
+
+bool Mpg123Play::openSound(const Text& path)
+{
+    sound_ = openMp3Sound(path);
+    keepTagOf(sound_ ? path : "");
+    if (!sound_)
+        sound_ = openWavSound(path);
+    if (!sound_)
+        return false;
+    sound_ = playable(std::move(*sound_));
+    voice_.load(sound_->source, sound_->timeline.frames());
+    return true;
+}
+
+void Mpg123Play::unload()
+{
+    voice_.load(nullptr, 0);
+    sound_.reset();
+}
+
+void Mpg123Play::Close()
+{
+    unload();
+    isDecoding_ = false;
+    if (jobs_)
+        jobs_->close();
+}
+
+void Mpg123Play::Play()
+{
+    if (isDecoding_)
+        jobs_->start();
+    else
+        voice_.play();
+}
+
+// MPEG frames in one step of `CurrentFrame`, in frames of sound: so many that the count fits into 16 bits.
+std::int64_t Mpg123Play::step() const
+{
+    const std::int64_t frames = sound_->timeline.even(sound_->timeline.frames());
+    const std::int64_t perGroup = mostSteps * sound_->stepFrames;
+    const std::int64_t group = std::max<std::int64_t>((frames + perGroup - 1) / perGroup, 1);
+    return group * sound_->stepFrames;
+}
+
+void Mpg123Play::Seek(std::int32_t frame)
+{
+    if (sound_)
+        voice_.seek(sound_->timeline.frameAtEven(std::max(frame, 0) * step()));
+}
+
+void Mpg123Play::SetVolume(std::int16_t left, std::int16_t right)
+{
+    if (sound_)
+        output_.setLevels({left, right});
+}
+
+std::int32_t Mpg123Play::Length() const
+{
+    return sound_ ? sound_->timeline.milliseconds(sound_->timeline.frames()) : 0;
+}
+
+std::int16_t Mpg123Play::CurrentFrame() const
+{
+    if (!sound_)
+        return 0;
+    const std::int64_t steps = sound_->timeline.even(voice_.position()) / step();
+    return static_cast<std::int16_t>(std::min(steps, mostSteps));
+}
+
+float Mpg123Play::FrameDuration() const
+{
+    if (!sound_)
+        return usualFrameDuration;
+    return static_cast<float>(static_cast<double>(step()) * 1000 / sound_->timeline.rate());
+}
+
+void Mpg123Play::keepTagOf(const Text& path)
+{
+    taggedPath_ = path;
+    tag_.reset();
+    if (path.empty())
+        tag_.emplace();
+}
+
+Tag& Mpg123Play::tag() const
+{
+    if (!tag_)
+        tag_ = readTag(taggedPath_);
+    return *tag_;
+}
+
+void Mpg123Play::WriteTag()
+{
+    if (taggedPath_.empty())
+        return;
+    const Text reason = writeTag(taggedPath_, tag());
+    if (!reason.empty())
+        shell_.notify("The tag was not saved", taggedPath_ + ": " + reason);
+}
+
+}
+
+std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell)
+{
+    return std::make_unique<Mpg123Play>(output, post, shell);
+}

@@ -1,0 +1,151 @@
+#include "platform/audio/playback.h"
+
+#include <algorithm>
+
+void Playback::enter(State state)
+{
+    const bool sounded = state_ == State::playing;
+    const bool sounds = state == State::playing;
+    state_ = state;
+    if (sounds && !sounded)
+        activity_.begin();
+    if (sounded && !sounds)
+        activity_.end();
+}
+
+void Playback::moveTo(std::int64_t frame)
+{
+    from_ = std::clamp<std::int64_t>(frame, 0, frames_);
+    shown_ = from_;
+    ++serial_;
+}
+
+void Playback::flow(bool flowing)
+{
+    if (stream_ != nullptr)
+        stream_->setFlowing(flowing);
+}
+
+void Playback::cut()
+{
+    flow(false);
+    stream_ = nullptr;
+    owesPlaying_ = false;
+    enter(State::idle);
+    moveTo(0);
+    ++cuts_;
+}
+
+void Playback::load(std::shared_ptr<PcmSource> source, std::int64_t frames)
+{
+    const std::lock_guard lock(mutex_);
+    cut();
+    source_ = std::move(source);
+    frames_ = frames;
+}
+
+bool Playback::play()
+{
+    const std::lock_guard lock(mutex_);
+    if (source_ == nullptr || state_ == State::playing)
+        return false;
+    owesPlaying_ = true;
+    flow(true);
+    enter(State::playing);
+    return true;
+}
+
+void Playback::pause()
+{
+    const std::lock_guard lock(mutex_);
+    if (state_ != State::playing)
+        return;
+    flow(false);
+    enter(State::paused);
+}
+
+void Playback::stop()
+{
+    const std::lock_guard lock(mutex_);
+    cut();
+}
+
+void Playback::seek(std::int64_t frame)
+{
+    const std::lock_guard lock(mutex_);
+    if (source_ == nullptr)
+        return;
+    // What is heard goes on until the new place is ready; in a pause the next thing heard is the new place.
+    if (state_ == State::paused)
+        stream_ = nullptr;
+    moveTo(frame);
+}
+
+bool Playback::isPlaying() const
+{
+    const std::lock_guard lock(mutex_);
+    const bool owed = owesPlaying_;
+    owesPlaying_ = false;
+    return state_ != State::idle || owed;
+}
+
+std::int64_t Playback::heardFrame() const
+{
+    std::int64_t frame = from_;
+    if (stream_ != nullptr)
+        frame = stream_->position(serial_, Stream::Clock::now()).value_or(from_);
+    shown_ = std::clamp(frame, shown_, std::max(frames_, shown_));
+    return shown_;
+}
+
+std::int64_t Playback::position() const
+{
+    const std::lock_guard lock(mutex_);
+    return heardFrame();
+}
+
+Playback::Wish Playback::wish() const
+{
+    const std::lock_guard lock(mutex_);
+    return {state_, source_, from_, serial_, cuts_};
+}
+
+bool Playback::hearFrom(std::uint64_t serial, std::shared_ptr<Stream> stream)
+{
+    const std::lock_guard lock(mutex_);
+    if (serial != serial_)
+        return false;
+    stream_ = std::move(stream);
+    flow(state_ == State::playing);
+    return true;
+}
+
+bool Playback::standAt(std::uint64_t serial, std::int64_t frame)
+{
+    const std::lock_guard lock(mutex_);
+    if (serial != serial_)
+        return false;
+    from_ = frame;
+    stream_ = nullptr;
+    return true;
+}
+
+bool Playback::restart(std::uint64_t serial, std::int64_t frame)
+{
+    const std::lock_guard lock(mutex_);
+    if (serial != serial_)
+        return false;
+    moveTo(frame);
+    return true;
+}
+
+bool Playback::end(std::uint64_t serial)
+{
+    const std::lock_guard lock(mutex_);
+    if (serial != serial_)
+        return false;
+    stream_ = nullptr;
+    enter(State::idle);
+    moveTo(atEnd_ == AtEnd::rewinds ? 0 : frames_);
+    return true;
+}

@@ -1,0 +1,69 @@
+// What an engine plays, and how far it is: the state that the window's thread sets and asks, and that the
+// engine's own thread carries out. Every call returns at once.
+#pragma once
+
+#include "platform/activity.h"
+#include "platform/audio/pcm_source.h"
+#include "platform/audio/stream.h"
+
+#include <memory>
+#include <mutex>
+
+enum class AtEnd { rewinds, stays }; // where the position is when the last frame was heard
+
+class Playback
+{
+public:
+    enum class State { idle, playing, paused };
+
+    // What there is to do, seen at one moment.
+    struct Wish {
+        State state = State::idle;
+        std::shared_ptr<PcmSource> source;
+        std::int64_t from = 0;    // frame
+        std::uint64_t serial = 0; // changes whenever the sound must be heard from another frame
+        std::uint64_t cut =
+            0; // changes whenever what is under way to the listener must not be heard any more
+    };
+
+    Playback(Activity& activity, AtEnd atEnd) : activity_(activity), atEnd_(atEnd) {}
+    ~Playback() { load(nullptr, 0); }
+
+    // The window's thread.
+    void load(std::shared_ptr<PcmSource> source, std::int64_t frames); // at frame 0, not playing
+    bool play();                                                       // false: there is nothing to do
+    void pause();
+    void stop();
+    void seek(std::int64_t frame); // held to 0 and the end
+    bool isPlaying() const;        // true at least once after a `play` of a loaded source
+    std::int64_t position() const;
+
+    // The engine's thread. Where `serial` is no longer current, these do nothing and are false.
+    Wish wish() const;
+    bool hearFrom(std::uint64_t serial,
+                  std::shared_ptr<Stream> stream);          // the position comes from it; lets it flow
+    bool standAt(std::uint64_t serial, std::int64_t frame); // the position comes from no stream
+    bool restart(std::uint64_t serial, std::int64_t frame); // as `seek`, when a stream was lost
+    bool end(std::uint64_t serial);                         // the last frame was heard
+
+private:
+    void enter(State state);
+    void moveTo(std::int64_t frame);
+    void cut();
+    void flow(bool flowing);
+    std::int64_t heardFrame() const;
+
+    Activity& activity_;
+    const AtEnd atEnd_;
+
+    mutable std::mutex mutex_;
+    State state_ = State::idle;
+    std::shared_ptr<PcmSource> source_;
+    std::int64_t frames_ = 0;
+    std::int64_t from_ = 0;
+    std::uint64_t serial_ = 1;
+    std::uint64_t cuts_ = 0;
+    std::shared_ptr<Stream> stream_;
+    mutable std::int64_t shown_ = 0;   // the position never goes back but by a move
+    mutable bool owesPlaying_ = false; // nobody has been told yet that it plays
+};

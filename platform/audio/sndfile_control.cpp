@@ -1,0 +1,85 @@
+#include "platform/audio/sndfile_control.h"
+
+#include "platform/audio/opened_sound.h"
+#include "platform/audio/thinned_source.h"
+#include "platform/audio/voice.h"
+
+#include <optional>
+
+namespace
+{
+
+class SndfileControl final : public MMControl
+{
+public:
+    explicit SndfileControl(SoundOutput& output) : voice_(output, AtEnd::stays, [] {}) {}
+
+    void setDeviceType(const Text&) override {}
+    void setFileName(const Text& path) override { path_ = path; }
+    void setCommand(const Text& word) override;
+
+    std::int32_t Length() const override { return timeline_.milliseconds(timeline_.frames()); }
+    std::int32_t Position() const override { return timeline_.milliseconds(voice_.position()); }
+    void setFrom(std::int32_t position) override { from_ = position; }
+
+private:
+    void open();
+    void play();
+    void stop() { voice_.pause(); }
+    void close();
+
+    Text path_;
+    Timeline timeline_;
+    std::optional<std::int32_t> from_; // milliseconds
+    Voice voice_;
+};
+
+void SndfileControl::setCommand(const Text& word)
+{
+    struct Command {
+        const char* word;
+        void (SndfileControl::*run)();
+    };
+    static constexpr Command commands[] = {
+        {"Open", &SndfileControl::open},
+        {"Play", &SndfileControl::play},
+        {"Stop", &SndfileControl::stop},
+        {"Close", &SndfileControl::close},
+    };
+    for (const auto& command : commands)
+        if (word == command.word)
+            (this->*command.run)();
+}
+
+void SndfileControl::open()
+{
+    close();
+    const auto sound = openWavSound(path_);
+    if (!sound)
+        return;
+    auto [source, timeline, bitsPerSecond, stepFrames] = playable(*sound);
+    timeline_ = std::move(timeline);
+    voice_.load(std::move(source), timeline_.frames());
+}
+
+void SndfileControl::play()
+{
+    if (from_)
+        voice_.seek(timeline_.frameAtMilliseconds(*from_));
+    from_.reset();
+    voice_.play();
+}
+
+void SndfileControl::close()
+{
+    from_.reset();
+    timeline_ = {};
+    voice_.load(nullptr, 0);
+}
+
+}
+
+std::unique_ptr<MMControl> makeSndfileControl(SoundOutput& output)
+{
+    return std::make_unique<SndfileControl>(output);
+}

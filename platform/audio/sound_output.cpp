@@ -1,0 +1,15 @@
+#include "platform/audio/sound_output.h"
+
+SoundOutput::SoundOutput(Text levelFile, Activity& activity) :
+    file_(std::move(levelFile)), activity_(activity)
+{
+    levels_->set(file_.read());
+}
+
+void SoundOutput::setLevels(Levels::Pair levels)
+{
+    const Levels::Pair before = levels_->get();
+    levels_->set(levels);
+    if (levels_->get() != before)
+        file_.write(levels_->get());
+}

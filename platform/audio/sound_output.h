@@ -1,0 +1,30 @@
+// The sound output of the process, which all engines share: its two levels are the volume of whichever plays.
+// It is silent, and touches no sound server, until an engine plays.
+#pragma once
+
+#include "platform/activity.h"
+#include "platform/audio/cubeb_device.h"
+#include "platform/audio/level_file.h"
+#include "platform/audio/levels.h"
+
+#include <memory>
+
+class SoundOutput
+{
+public:
+    // `levelFile` keeps the levels between runs. `activity` counts the engines that sound.
+    SoundOutput(Text levelFile, Activity& activity);
+
+    Levels::Pair levels() const { return levels_->get(); }
+    void setLevels(Levels::Pair levels); // held to 0 and 100
+
+    Activity& activity() { return activity_; }
+    CubebDevice& device() { return device_; }
+    std::shared_ptr<const Levels> sharedLevels() const { return levels_; }
+
+private:
+    LevelFile file_;
+    Activity& activity_;
+    std::shared_ptr<Levels> levels_ = std::make_shared<Levels>();
+    CubebDevice device_;
+};

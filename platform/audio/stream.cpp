@@ -1,0 +1,162 @@
+#include "platform/audio/stream.h"
+
+#include <algorithm>
+#include <thread>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+// An output that takes sound this much faster than it can be heard is none.
+constexpr int runawayFactor = 4;
+constexpr auto runawayAllowance = 500ms;
+
+std::int64_t framesIn(std::chrono::duration<double> time, int rate)
+{
+    return static_cast<std::int64_t>(time.count() * rate);
+}
+
+Stream::Clock::duration timeOf(std::int64_t frames, int rate)
+{
+    return std::chrono::duration_cast<Stream::Clock::duration>(
+        std::chrono::duration<double>(static_cast<double>(frames) / rate));
+}
+
+}
+
+Stream::Stream(std::shared_ptr<const Levels> levels, std::shared_ptr<Bell> bell, int rate) :
+    rate_(rate), bell_(std::move(bell)), gain_(std::move(levels), rate)
+{
+}
+
+void Stream::attach(std::shared_ptr<Feed> feed)
+{
+    std::unique_lock lock(mutex_);
+    owned_.swap(feed);
+    feed_ = owned_.get();
+    lock.unlock();
+    while (feed != nullptr && inUse_ == feed.get())
+        std::this_thread::sleep_for(100us);
+}
+
+bool Stream::isSilent() const
+{
+    const std::lock_guard lock(mutex_);
+    return written_ == 0 || (report_.isLast && report_.run.kind != Heard::sound);
+}
+
+bool Stream::hasEnded(std::uint64_t serial) const
+{
+    const std::lock_guard lock(mutex_);
+    return report_.run.kind == Heard::end && report_.run.serial == serial;
+}
+
+std::chrono::duration<double> Stream::heardTime() const
+{
+    const std::lock_guard lock(mutex_);
+    return timeOf(report_.frames, rate_);
+}
+
+std::optional<std::int64_t> Stream::position(std::uint64_t serial, Clock::time_point now) const
+{
+    const std::lock_guard lock(mutex_);
+    const Run& run = report_.run;
+    if (run.kind == Heard::nothing || run.serial != serial)
+        return std::nullopt;
+    if (run.kind != Heard::sound)
+        return run.source;
+    const std::int64_t there = run.source + report_.frames - run.at;
+    return std::min(there + framesIn(now - report_.when, rate_), report_.limit);
+}
+
+// The feed that is current, and will not be freed before `inUse_` is cleared.
+Feed* Stream::claim()
+{
+    Feed* feed = feed_;
+    for (inUse_ = feed; feed != feed_; inUse_ = feed)
+        feed = feed_;
+    return feed;
+}
+
+std::size_t Stream::writeSound(Feed* feed, std::int16_t* samples, std::size_t frames)
+{
+    const bool isLast = feed->isFinished(); // asked first: what is there now is then all there will be
+    const std::int64_t source = feed->position();
+    const std::size_t sound = feed->read(samples, frames);
+    gain_.apply(samples, sound);
+    const std::int64_t at = written_;
+    if (sound > 0)
+        log_.note({Heard::sound, at, source, feed->serial()});
+    if (sound < frames)
+        log_.note({isLast ? Heard::end : Heard::silence, at + static_cast<std::int64_t>(sound),
+                   feed->position(), feed->serial()});
+    return sound;
+}
+
+bool Stream::runsAway()
+{
+    const auto now = Clock::now();
+    lastSign_ = now;
+    const auto plausible = (now - began_) * runawayFactor + runawayAllowance;
+    return written_ > framesIn(plausible, rate_);
+}
+
+void Stream::write(std::int16_t* samples, std::size_t frames)
+{
+    if (runsAway())
+        failed_ = true;
+    Feed* feed = claim();
+    std::size_t sound = 0;
+    if (feed != nullptr && flowing_ && !failed_)
+        sound = writeSound(feed, samples, frames);
+    else
+        log_.note({Heard::silence, written_, feed != nullptr ? feed->position() : 0,
+                   feed != nullptr ? feed->serial() : 0});
+    inUse_ = nullptr;
+    std::fill(samples + sound * 2, samples + frames * 2, std::int16_t{0});
+    written_ += static_cast<std::int64_t>(frames);
+}
+
+void Stream::heard(std::int64_t frames, Clock::time_point now)
+{
+    if (failed_) {
+        bell_->ring();
+        return;
+    }
+    const std::int64_t written = written_;
+    const Run run = log_.runAt(frames);
+    const Run* next = log_.nextRun();
+    const std::int64_t end = next != nullptr ? next->at : written;
+    const std::int64_t limit = run.kind == Heard::sound ? run.source + end - run.at : run.source;
+
+    const std::lock_guard lock(mutex_);
+    const bool isNews = run.kind == Heard::end && report_.run.kind != Heard::end;
+    report_ = {run, frames, limit, next == nullptr, now};
+    if (isNews)
+        bell_->ring();
+}
+
+std::optional<std::int64_t> Stream::frameOfEnd() const
+{
+    if (const auto end = log_.end())
+        return end;
+    if (owned_ == nullptr || !owned_->isFinished() || !flowing_)
+        return std::nullopt;
+    return written_ + static_cast<std::int64_t>(owned_->available());
+}
+
+std::optional<Stream::Clock::time_point> Stream::expectedEnd() const
+{
+    const std::lock_guard lock(mutex_);
+    const auto end = frameOfEnd();
+    if (!end || *end <= report_.frames)
+        return std::nullopt;
+    return report_.when + timeOf(*end - report_.frames, rate_);
+}
+
+void Stream::fail()
+{
+    failed_ = true;
+    bell_->ring();
+}

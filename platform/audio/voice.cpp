@@ -1,0 +1,232 @@
+#include "platform/audio/voice.h"
+
+#include "platform/audio/outlet.h"
+
+#include <algorithm>
+#include <thread>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+constexpr auto refill = 50ms;     // of a feed that holds 250
+constexpr auto pauseWatch = 20ms; // until a pause has been heard
+
+// What is decoded before the first of it is given away: more than an output asks for at once.
+constexpr int headStartsPerSecond = 16;
+
+constexpr std::size_t framesAtOnce = 1152;
+
+}
+
+// Carries out what `Playback` wishes.
+class Voice::Worker
+{
+public:
+    Worker(SoundOutput& output, Playback& playback, const std::function<void()>& ended) :
+        playback_(playback), ended_(ended), outlet_(output, bell_), thread_([this] { run(); })
+    {
+    }
+
+    ~Worker()
+    {
+        quitting_ = true;
+        bell_->ring();
+        thread_.join();
+    }
+
+    void wake() { bell_->ring(); }
+
+private:
+    void run();
+    Outlet::TimePoint serve(const Playback::Wish& wish); // until when there is nothing more to do
+    void accept(const Playback::Wish& wish);
+    void play(const Playback::Wish& wish);
+    void rest(const Playback::Wish& wish);
+    void decodeFrom(std::int64_t frame);
+    void decode(std::size_t enough);
+    void connect();
+    void disconnect();
+    void atEnd();
+    Outlet::TimePoint nextTurn(Playback::State state) const;
+
+    Playback& playback_;
+    const std::function<void()>& ended_;
+    const std::shared_ptr<Bell> bell_ = std::make_shared<Bell>();
+    Outlet outlet_;
+
+    std::shared_ptr<PcmSource> source_;
+    std::int64_t sourceAt_ = 0; // the frame that `source_` gives next
+    std::shared_ptr<Feed> feed_;
+    bool connected_ = false; // `feed_` is on its way to the listener
+    std::uint64_t serial_ = 0;
+    std::uint64_t cut_ = 0;
+
+    std::atomic<bool> quitting_{false};
+    std::thread thread_;
+};
+
+void Voice::Worker::run()
+{
+    while (!quitting_)
+        bell_->waitUntil(serve(playback_.wish()));
+}
+
+Outlet::TimePoint Voice::Worker::serve(const Playback::Wish& wish)
+{
+    accept(wish);
+    if (wish.state == Playback::State::playing)
+        play(wish);
+    else
+        rest(wish);
+    if (outlet_.turn(Stream::Clock::now())) {
+        playback_.restart(serial_, playback_.position());
+        bell_->ring();
+    }
+    return nextTurn(wish.state);
+}
+
+void Voice::Worker::accept(const Playback::Wish& wish)
+{
+    if (wish.cut != cut_)
+        outlet_.close();
+    if (wish.serial != serial_) {
+        feed_ = nullptr;
+        connected_ = false;
+    }
+    if (wish.source != source_)
+        sourceAt_ = 0;
+    cut_ = wish.cut;
+    serial_ = wish.serial;
+    source_ = wish.source;
+}
+
+void Voice::Worker::play(const Playback::Wish& wish)
+{
+    if (feed_ == nullptr)
+        decodeFrom(wish.from);
+    if (!connected_)
+        connect();
+    decode(feed_->capacity());
+    if (outlet_.stream()->hasEnded(serial_))
+        atEnd();
+}
+
+void Voice::Worker::decodeFrom(std::int64_t frame)
+{
+    if (sourceAt_ != frame)
+        source_->seek(frame);
+    sourceAt_ = frame;
+    feed_ = std::make_shared<Feed>(source_->rate(), sourceAt_, serial_);
+    decode(static_cast<std::size_t>(feed_->rate() / headStartsPerSecond));
+}
+
+void Voice::Worker::decode(std::size_t enough)
+{
+    while (!feed_->isFinished() && feed_->available() < enough) {
+        const auto space = feed_->space();
+        const std::size_t frames = source_->read(space.first(std::min(space.size(), framesAtOnce * 2)));
+        feed_->commit(frames);
+        sourceAt_ += static_cast<std::int64_t>(frames);
+        if (frames == 0)
+            feed_->finish();
+    }
+}
+
+void Voice::Worker::connect()
+{
+    const auto stream = outlet_.streamFor(feed_->rate());
+    stream->attach(feed_);
+    connected_ = playback_.hearFrom(serial_, stream);
+    outlet_.start();
+}
+
+void Voice::Worker::disconnect()
+{
+    connected_ = false;
+    outlet_.release();
+}
+
+void Voice::Worker::atEnd()
+{
+    disconnect();
+    const bool goesOn = source_->rate() != feed_->rate();
+    if (!goesOn && playback_.end(serial_))
+        ended_();
+    if (goesOn && playback_.standAt(serial_, feed_->end()))
+        feed_ = nullptr;
+    bell_->ring();
+}
+
+// A pause keeps the way to the listener open until its last sound was heard, and no longer.
+void Voice::Worker::rest(const Playback::Wish& wish)
+{
+    const auto& stream = outlet_.stream();
+    if (stream == nullptr)
+        return;
+    const bool isHeard = wish.state == Playback::State::paused && connected_ && !stream->hasFailed();
+    if (isHeard && !stream->isSilent())
+        return;
+    stream->attach(nullptr);
+    const std::int64_t at = playback_.position();
+    playback_.standAt(serial_, at);
+    if (feed_ != nullptr && feed_->position() != at)
+        feed_ = nullptr; // some of it was given away and never heard
+    disconnect();
+}
+
+Outlet::TimePoint Voice::Worker::nextTurn(Playback::State state) const
+{
+    const auto now = Stream::Clock::now();
+    const auto next = outlet_.nextTurn(now);
+    if (state == Playback::State::playing)
+        return std::min(next, now + refill);
+    return outlet_.stream() != nullptr ? std::min(next, now + pauseWatch) : next;
+}
+
+Voice::Voice(SoundOutput& output, AtEnd atEnd, std::function<void()> ended) :
+    output_(output), ended_(std::move(ended)), playback_(output.activity(), atEnd)
+{
+}
+
+Voice::~Voice() = default;
+
+void Voice::wake()
+{
+    if (worker_ != nullptr)
+        worker_->wake();
+}
+
+void Voice::load(std::shared_ptr<PcmSource> source, std::int64_t frames)
+{
+    playback_.load(std::move(source), frames);
+    wake();
+}
+
+void Voice::play()
+{
+    if (!playback_.play())
+        return;
+    if (worker_ == nullptr)
+        worker_ = std::make_unique<Worker>(output_, playback_, ended_);
+    wake();
+}
+
+void Voice::pause()
+{
+    playback_.pause();
+    wake();
+}
+
+void Voice::stop()
+{
+    playback_.stop();
+    wake();
+}
+
+void Voice::seek(std::int64_t frame)
+{
+    playback_.seek(frame);
+    wake();
+}

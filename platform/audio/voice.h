@@ -1,0 +1,38 @@
+// One engine's sound. The calls return at once, whatever the disk and the sound server do; a thread of the
+// voice's own, which begins with the first `play`, decodes and watches over the way to the listener.
+#pragma once
+
+#include "platform/audio/playback.h"
+
+#include <functional>
+#include <memory>
+
+class SoundOutput;
+
+class Voice
+{
+public:
+    // `ended` is called on the voice's thread whenever the last frame of a source was heard.
+    Voice(SoundOutput& output, AtEnd atEnd, std::function<void()> ended);
+    ~Voice();
+
+    void load(std::shared_ptr<PcmSource> source,
+              std::int64_t frames); // silences what played; nullptr: nothing
+    void play();
+    void pause();
+    void stop(); // the position is 0
+    void seek(std::int64_t frame);
+
+    bool isPlaying() const { return playback_.isPlaying(); } // also in a pause
+    std::int64_t position() const { return playback_.position(); }
+
+private:
+    class Worker;
+
+    void wake();
+
+    SoundOutput& output_;
+    std::function<void()> ended_;
+    Playback playback_;
+    std::unique_ptr<Worker> worker_;
+};

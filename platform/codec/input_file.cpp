@@ -1,0 +1,73 @@
+#include "platform/codec/input_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+std::shared_ptr<const InputFile> InputFile::open(const Text& path)
+{
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return nullptr;
+    std::shared_ptr<const InputFile> file(new InputFile(descriptor));
+    struct stat status {
+    };
+    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
+        return nullptr;
+    return file;
+}
+
+InputFile::~InputFile()
+{
+    ::close(descriptor_);
+}
+
+std::ptrdiff_t InputFile::read(void* into, std::size_t size, std::int64_t offset) const
+{
+    std::size_t done = 0;
+    while (done < size) {
+        const auto got = pread(descriptor_, static_cast<char*>(into) + done, size - done,
+                               offset + static_cast<std::int64_t>(done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return -1;
+        if (got == 0)
+            break;
+        done += static_cast<std::size_t>(got);
+    }
+    return static_cast<std::ptrdiff_t>(done);
+}
+
+std::int64_t InputFile::size() const
+{
+    struct stat status {
+    };
+    return fstat(descriptor_, &status) == 0 ? status.st_size : 0;
+}
+
+bool FileWindow::covers(std::int64_t offset) const
+{
+    return offset >= start_ && offset < start_ + filled_;
+}
+
+std::ptrdiff_t FileWindow::read(void* into, std::size_t size, std::int64_t offset)
+{
+    std::size_t done = 0;
+    while (done < size) {
+        const std::int64_t at = offset + static_cast<std::int64_t>(done);
+        if (!covers(at)) {
+            start_ = at;
+            filled_ = std::max<std::ptrdiff_t>(file_->read(bytes_.get(), windowBytes, at), 0);
+            if (filled_ == 0)
+                break;
+        }
+        const auto part = std::min<std::size_t>(size - done, static_cast<std::size_t>(start_ + filled_ - at));
+        std::memcpy(static_cast<char*>(into) + done, bytes_.get() + (at - start_), part);
+        done += part;
+    }
+    return static_cast<std::ptrdiff_t>(done);
+}

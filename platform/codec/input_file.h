@@ -1,0 +1,50 @@
+// A file opened for reading, from which several readers may read at places of their own.
+#pragma once
+
+#include "platform/text.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+class InputFile
+{
+public:
+    // nullptr for whatever is no readable regular file; a pipe or a device is not waited for.
+    static std::shared_ptr<const InputFile> open(const Text& path);
+
+    ~InputFile();
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    // Reads up to `size` bytes at `offset`, fewer only at the end of the file. -1 when reading failed.
+    std::ptrdiff_t read(void* into, std::size_t size, std::int64_t offset) const;
+
+    std::int64_t size() const; // bytes, as it is now
+    int descriptor() const { return descriptor_; }
+
+private:
+    explicit InputFile(int descriptor) : descriptor_(descriptor) {}
+
+    int descriptor_;
+};
+
+// Reads a file forwards through a window of its own, so that many small reads cost few calls.
+class FileWindow
+{
+public:
+    static constexpr std::size_t windowBytes = 64 * 1024;
+
+    explicit FileWindow(std::shared_ptr<const InputFile> file) : file_(std::move(file)) {}
+
+    // As `InputFile::read`.
+    std::ptrdiff_t read(void* into, std::size_t size, std::int64_t offset);
+
+private:
+    bool covers(std::int64_t offset) const;
+
+    std::shared_ptr<const InputFile> file_;
+    std::unique_ptr<unsigned char[]> bytes_ = std::make_unique<unsigned char[]>(windowBytes);
+    std::int64_t start_ = 0;
+    std::ptrdiff_t filled_ = 0;
+};

@@ -1,0 +1,178 @@
+#include "platform/codec/mp3_probe.h"
+
+#include "platform/codec/frame_walk.h"
+#include "platform/codec/info_frame.h"
+#include "platform/codec/mp3_tags.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string_view>
+
+namespace
+{
+
+constexpr std::int64_t searchRange = 64 * 1024;
+constexpr std::int64_t resyncRange = 1024 * 1024;
+
+// What every decoder of Layer III adds before the sound, samples.
+constexpr int decoderDelay = 529;
+
+// Containers that may hold what looks like a stream, and are none.
+bool isForeign(FileWindow& window, std::int64_t at)
+{
+    std::array<char, 8> bytes{};
+    window.read(bytes.data(), bytes.size(), at);
+    const std::string_view start(bytes.data(), bytes.size());
+    return std::ranges::any_of(std::array{"RIFF", "RIFX", "RF64", "OggS", "fLaC"},
+                               [&](const char* mark) { return start.starts_with(mark); }) ||
+           start.substr(4) == "ftyp";
+}
+
+class Prober
+{
+public:
+    Prober(const std::shared_ptr<const InputFile>& file, std::int64_t begin, std::int64_t end) :
+        file_(file), walk_(file, end)
+    {
+        facts_.begin = begin;
+        facts_.end = end;
+    }
+
+    std::optional<Mp3Facts> facts()
+    {
+        first_ = *walk_.headerAt(facts_.begin);
+        readInfoFrame();
+        if (isInfoTrusted())
+            believeInfo();
+        else
+            countFrames();
+        if (facts_.stretches.empty() || facts_.stretches.front().frames == 0)
+            return std::nullopt;
+        trim();
+        return facts_;
+    }
+
+private:
+    void readInfoFrame();
+    bool isInfoTrusted() const;
+    void believeInfo();
+    void countFrames();
+    void count(const MpegHeader& header);
+    void trim();
+    std::int32_t averageRate() const;
+
+    std::shared_ptr<const InputFile> file_;
+    FrameWalk walk_;
+    Mp3Facts facts_;
+    MpegHeader first_;
+    std::optional<InfoFrame> info_;
+    std::int64_t sound_ = 0;           // byte of the first frame that holds sound
+    std::optional<std::int32_t> rate_; // bits per second of the frames so far
+    bool isConstant_ = true;
+};
+
+void Prober::readInfoFrame()
+{
+    std::vector<unsigned char> frame(static_cast<std::size_t>(first_.bytes));
+    const bool isComplete = file_->read(frame.data(), frame.size(), facts_.begin) == first_.bytes;
+    if (isComplete)
+        info_ = infoFrame(first_, frame);
+    sound_ = facts_.begin + (info_ ? first_.bytes : 0);
+}
+
+// A file that was cut, joined or appended to keeps an Info frame that no longer speaks of it.
+bool Prober::isInfoTrusted() const
+{
+    if (!info_ || !info_->frames || !info_->bytes)
+        return false;
+    const std::int64_t bytes = *info_->bytes;
+    return bytes == facts_.end - facts_.begin || bytes == facts_.end - sound_;
+}
+
+void Prober::believeInfo()
+{
+    facts_.stretches = {{*info_->frames, first_.rate, first_.samples}};
+    const auto header = walk_.headerAt(sound_);
+    const bool hasOwn = info_->isConstant && header && !header->isFreeFormat();
+    facts_.bitsPerSecond = hasOwn ? header->bitsPerSecond : averageRate();
+}
+
+void Prober::countFrames()
+{
+    std::int64_t at = sound_;
+    while (at < facts_.end) {
+        const auto header = walk_.headerAt(at);
+        const bool fits = header && (facts_.stretches.empty() ||
+                                     facts_.stretches.back().rate == header->rate || walk_.isStreamAt(at));
+        if (fits && at + header->bytes > facts_.end)
+            break; // cut off: it is not decoded
+        if (fits) {
+            count(*header);
+            at += header->bytes;
+            continue;
+        }
+        facts_.isWhole = false;
+        const auto next = walk_.findStream(at + 1, resyncRange);
+        if (!next)
+            break;
+        at = *next;
+    }
+    const bool hasOwn = isConstant_ && rate_.value_or(0) != 0;
+    facts_.bitsPerSecond = hasOwn ? *rate_ : averageRate();
+}
+
+void Prober::count(const MpegHeader& header)
+{
+    auto& stretches = facts_.stretches;
+    if (stretches.empty() || stretches.back().rate != header.rate)
+        stretches.push_back({0, header.rate, header.samples});
+    ++stretches.back().frames;
+    isConstant_ = isConstant_ && header.bitsPerSecond == rate_.value_or(header.bitsPerSecond);
+    rate_ = header.bitsPerSecond;
+}
+
+// The decoder's own gapless rule: what it leaves out, frame by frame, as long as the frames are there.
+void Prober::trim()
+{
+    if (!info_ || !info_->frames || facts_.stretches.size() > 1)
+        return;
+    facts_.skipAtStart = info_->delay + decoderDelay;
+    if (facts_.stretches.front().frames >= *info_->frames)
+        facts_.skipAtEnd = std::max(info_->padding - decoderDelay, 0);
+}
+
+std::int32_t Prober::averageRate() const
+{
+    double seconds = 0;
+    for (const auto& stretch : facts_.stretches)
+        seconds += static_cast<double>(stretch.frames) * stretch.samples / stretch.rate;
+    if (seconds == 0)
+        return 0;
+    const double kilobits = static_cast<double>(facts_.end - sound_) * 8 / seconds / 1000;
+    return static_cast<std::int32_t>(std::lround(kilobits) * 1000);
+}
+
+}
+
+std::int64_t Mp3Facts::samples() const
+{
+    std::int64_t sum = 0;
+    for (const auto& stretch : stretches)
+        sum += stretch.frames * stretch.samples;
+    return std::max<std::int64_t>(sum - skipAtStart - skipAtEnd, 0);
+}
+
+std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const InputFile>& file)
+{
+    FileWindow window(file);
+    const std::int64_t start = endOfLeadingTags(window);
+    const std::int64_t end = startOfTrailingTags(*file);
+    if (isForeign(window, 0) || isForeign(window, start))
+        return std::nullopt;
+    FrameWalk walk(file, end);
+    const auto begin = walk.findStream(start, searchRange);
+    if (!begin)
+        return std::nullopt;
+    return Prober(file, *begin, end).facts();
+}

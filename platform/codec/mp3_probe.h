@@ -1,0 +1,37 @@
+// Finds out whether a file is MPEG Layer III, where its sound lies, and how long it is.
+#pragma once
+
+#include "platform/codec/input_file.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+// Frames of one sample rate that follow each other. Most files are one stretch; joined files may be several.
+struct Mp3Stretch {
+    std::int64_t frames = 0;
+    int rate = 0;    // hertz
+    int samples = 0; // in one frame
+};
+
+struct Mp3Facts {
+    std::int64_t begin = 0; // byte of the first frame, an Info frame included; tags before it are left out
+    std::int64_t end = 0;   // byte behind the last frame; tags behind it are left out
+
+    std::vector<Mp3Stretch> stretches; // at least one; an Info frame is not counted
+
+    // Samples of encoder delay and padding, with the decoder's own delay, that belong to no sound; 0 without
+    // an Info frame, and 0 where the file is joined from several rates.
+    std::int64_t skipAtStart = 0;
+    std::int64_t skipAtEnd = 0;
+
+    std::int32_t bitsPerSecond = 0; // the file's own when constant, otherwise its average in whole thousands
+    bool isWhole = true;            // the frames account for every byte between `begin` and `end`
+
+    std::int64_t samples() const; // that are left to hear
+};
+
+// Nothing for a file that is not MPEG Layer III. The length comes from an Info frame whose byte count agrees
+// with the file; without one, every frame header is read.
+std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const InputFile>& file);

@@ -1,0 +1,86 @@
+#include "platform/codec/mp3_tags.h"
+
+#include <array>
+#include <charconv>
+#include <string_view>
+
+namespace
+{
+
+std::string_view textAt(const unsigned char* bytes, std::size_t size)
+{
+    return {reinterpret_cast<const char*>(bytes), size};
+}
+
+// ID3v2 writes seven bits to the byte.
+std::int64_t synchsafe(const unsigned char* bytes)
+{
+    return (bytes[0] & 0x7f) << 21 | (bytes[1] & 0x7f) << 14 | (bytes[2] & 0x7f) << 7 | (bytes[3] & 0x7f);
+}
+
+std::int64_t littleEndian(const unsigned char* bytes)
+{
+    return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::int64_t>(bytes[3]) << 24;
+}
+
+constexpr std::int64_t id3v1Bytes = 128;
+constexpr std::int64_t apeFooterBytes = 32;
+constexpr std::int64_t lyricsFooterBytes = 15;
+
+// Each of these: how many bytes before `end` the tag takes; 0 when there is none.
+
+std::int64_t id3v1Before(const InputFile& file, std::int64_t end)
+{
+    std::array<unsigned char, 3> mark{};
+    const bool present = end >= id3v1Bytes && file.read(mark.data(), mark.size(), end - id3v1Bytes) == 3 &&
+                         textAt(mark.data(), mark.size()) == "TAG";
+    return present ? id3v1Bytes : 0;
+}
+
+std::int64_t apeBefore(const InputFile& file, std::int64_t end)
+{
+    std::array<unsigned char, apeFooterBytes> footer{};
+    if (end < apeFooterBytes ||
+        file.read(footer.data(), footer.size(), end - apeFooterBytes) != apeFooterBytes ||
+        textAt(footer.data(), 8) != "APETAGEX")
+        return 0;
+    const bool hasHeader = (footer[23] & 0x80) != 0;
+    return littleEndian(&footer[12]) + (hasHeader ? apeFooterBytes : 0);
+}
+
+std::int64_t lyricsBefore(const InputFile& file, std::int64_t end)
+{
+    std::array<unsigned char, lyricsFooterBytes> footer{};
+    if (end < lyricsFooterBytes ||
+        file.read(footer.data(), footer.size(), end - lyricsFooterBytes) != lyricsFooterBytes ||
+        textAt(&footer[6], 9) != "LYRICS200")
+        return 0;
+    std::int64_t size = 0;
+    const auto digits = textAt(footer.data(), 6);
+    std::from_chars(digits.data(), digits.data() + digits.size(), size);
+    return size + lyricsFooterBytes;
+}
+
+}
+
+std::int64_t endOfLeadingTags(FileWindow& window)
+{
+    std::array<unsigned char, 10> head{};
+    std::int64_t at = 0;
+    while (window.read(head.data(), head.size(), at) == 10 && textAt(head.data(), 3) == "ID3") {
+        const bool hasFooter = (head[5] & 0x10) != 0;
+        at += 10 + synchsafe(&head[6]) + (hasFooter ? 10 : 0);
+    }
+    return at;
+}
+
+std::int64_t startOfTrailingTags(const InputFile& file)
+{
+    std::int64_t end = file.size();
+    for (const auto bytesBefore : {id3v1Before, lyricsBefore, apeBefore, lyricsBefore}) {
+        const std::int64_t bytes = bytesBefore(file, end);
+        if (bytes <= end)
+            end -= bytes;
+    }
+    return end;
+}

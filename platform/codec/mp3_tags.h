@@ -1,0 +1,9 @@
+// Where the tags around the frames of an MP3 file end and begin: ID3v1, ID3v2, APE, Lyrics3.
+#pragma once
+
+#include "platform/codec/input_file.h"
+
+#include <cstdint>
+
+std::int64_t endOfLeadingTags(FileWindow& window);
+std::int64_t startOfTrailingTags(const InputFile& file);

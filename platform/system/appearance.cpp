@@ -1,0 +1,69 @@
+#include "platform/system/appearance.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QIcon>
+#include <QPalette>
+#include <cstdlib>
+#include <iostream>
+
+namespace
+{
+
+struct Colour {
+    QPalette::ColorRole role;
+    QRgb colour;
+};
+
+// A dark face with one accent.
+// clang-format off
+constexpr Colour colours[] = {
+    {QPalette::Window,          0xff24272c}, {QPalette::WindowText,      0xffe4e7ea},
+    {QPalette::Base,            0xff17191c}, {QPalette::AlternateBase,   0xff1e2125},
+    {QPalette::Text,            0xffe4e7ea}, {QPalette::PlaceholderText, 0xff9aa1a9},
+    {QPalette::Button,          0xff33383e}, {QPalette::ButtonText,      0xffe4e7ea},
+    {QPalette::BrightText,      0xffffffff}, {QPalette::Highlight,       0xffc97b14},
+    {QPalette::HighlightedText, 0xffffffff}, {QPalette::Link,            0xffffab40},
+    {QPalette::ToolTipBase,     0xff33383e}, {QPalette::ToolTipText,     0xffe4e7ea},
+};
+// clang-format on
+
+constexpr QRgb disabledText = 0xff757c84;
+
+QPalette darkPalette()
+{
+    QPalette palette;
+    for (const auto& row : colours)
+        palette.setColor(row.role, QColor::fromRgb(row.colour));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor::fromRgb(disabledText));
+    return palette;
+}
+
+bool hasDisplay() { return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY"); }
+
+}
+
+void chooseWindowSystem()
+{
+    if (std::getenv("QT_QPA_PLATFORM"))
+        return;
+    if (!hasDisplay()) {
+        std::cerr << "Velmora needs a display: neither DISPLAY nor WAYLAND_DISPLAY is set.\n";
+        std::exit(1);
+    }
+    setenv("QT_QPA_PLATFORM", "xcb;wayland", 0);
+}
+
+void dressApplication()
+{
+    QApplication::setApplicationName("Velmora");
+    QApplication::setDesktopFileName("velmora");
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setStyle("Fusion");
+    QApplication::setPalette(darkPalette());
+    QFont font({"Inter", "Noto Sans", "Cantarell", "DejaVu Sans"});
+    font.setPixelSize(11);
+    QApplication::setFont(font);
+    QApplication::setWindowIcon(QIcon(":/skin/picIcon.svg"));
+}

@@ -1,0 +1,111 @@
+#include "platform/system/desktop.h"
+
+#include "platform/acd.h"
+#include "platform/acd_write.h"
+#include "platform/audio/mpg123_play.h"
+#include "platform/audio/sndfile_control.h"
+#include "platform/audio/sound_output.h"
+#include "platform/cd_base.h"
+#include "platform/drives.h"
+#include "platform/mp3_enc.h"
+#include "platform/numbers.h"
+#include "platform/registry.h"
+#include "platform/shell.h"
+#include "platform/system/appearance.h"
+#include "platform/system/disk_profile_file.h"
+#include "platform/system/disk_text_files.h"
+#include "platform/system/folder_scan.h"
+#include "platform/system/places.h"
+#include "platform/system/qt_message_boxes.h"
+#include "platform/system/qt_open_save_dialog.h"
+#include "platform/system/qt_popup_menu.h"
+#include "platform/system/qt_pump.h"
+#include "platform/system/sqlite_store.h"
+#include "platform/system/state_part_notes.h"
+#include "platform/toolkit/qt_bridge.h"
+#include "platform/toolkit/toolkit.h"
+
+#include <QApplication>
+#include <clocale>
+#include <iostream>
+#include <unistd.h>
+
+namespace
+{
+
+constexpr int failedStatus = 1;
+
+void endProcess(int status) { _exit(status); }
+
+}
+
+struct Desktop::Parts {
+    Parts(int& argc, char** argv) : application(argc, argv) {}
+
+    Environment environment = environmentOfProcess();
+    QApplication application;
+    Toolkit toolkit{Toolkit::Timers::run};
+    StatePartNotes partNotes{stateFolder(environment)};
+    DiskTextFiles textFiles{partNotes};
+    DiskProfileFile profileFile{textFiles};
+    FolderScan directoryScan;
+    SqliteStore store{configFolder(environment) + "/settings.sqlite"};
+    SoundOutput sound{stateFolder(environment) + "/levels", toolkit.activity()};
+    QtMessageBoxes messageBoxes;
+    QtPump pump;
+};
+
+Desktop::Desktop(int& argc, char** argv)
+{
+    chooseWindowSystem();
+    parts_ = std::make_unique<Parts>(argc, argv);
+    dressApplication();
+    removeNotedParts(stateFolder(parts_->environment));
+    fillApplicationFolder(parts_->environment, parts_->textFiles);
+    parts_->toolkit.unhandled = [this](const Failure& failure) {
+        messageBoxes().show("Run-time error '" + textOf(failure.number) + "':\n\n" + failure.description,
+                            "Velmora", MessageBoxes::Icon::critical, MessageBoxes::Buttons::ok);
+        endProcess(failedStatus);
+    };
+}
+
+Desktop::~Desktop() = default;
+
+int Desktop::run(const std::function<void()>& start)
+{
+    parts_->toolkit.outermost(start);
+    return QApplication::exec();
+}
+
+Toolkit& Desktop::toolkit() { return parts_->toolkit; }
+
+std::unique_ptr<Mp3Play> Desktop::makeMp3Play()
+{
+    return makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell());
+}
+
+std::unique_ptr<MMControl> Desktop::makeMMControl() { return makeSndfileControl(parts_->sound); }
+
+std::unique_ptr<OpenSaveDialog> Desktop::makeOpenSaveDialog() { return std::make_unique<QtOpenSaveDialog>(); }
+
+std::unique_ptr<PopupMenu> Desktop::makePopupMenu() { return std::make_unique<QtPopupMenu>(parts_->toolkit); }
+
+KeyValueStore& Desktop::keyValueStore() { return parts_->store; }
+
+ProfileFile& Desktop::profileFile() { return parts_->profileFile; }
+
+DirectoryScan& Desktop::directoryScan() { return parts_->directoryScan; }
+
+TextFiles& Desktop::textFiles() { return parts_->textFiles; }
+
+MessageBoxes& Desktop::messageBoxes() { return parts_->messageBoxes; }
+
+Pump& Desktop::pump() { return parts_->pump; }
+
+Text Desktop::applicationFolder() const { return ::applicationFolder(parts_->environment); }
+
+Text Desktop::defaultOutputDirectory() const { return musicFolder(parts_->environment); }
+
+Text Desktop::decimalSign() const { return std::localeconv()->decimal_point; }
+
+void Desktop::endProgram() { endProcess(0); }

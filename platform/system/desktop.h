@@ -1,0 +1,44 @@
+// The real parts of the program, chosen in one place.
+#pragma once
+
+#include "platform/platform.h"
+
+#include <functional>
+#include <memory>
+
+class Desktop final : public Platform
+{
+public:
+    Desktop(int& argc, char** argv);
+    ~Desktop() override;
+
+    // Runs `start`, then the window events. Returns the process's exit status.
+    int run(const std::function<void()>& start);
+
+    Toolkit& toolkit() override;
+    std::unique_ptr<Mp3Play> makeMp3Play() override;
+    std::unique_ptr<MMControl> makeMMControl() override;
+    std::unique_ptr<OpenSaveDialog> makeOpenSaveDialog() override;
+    std::unique_ptr<PopupMenu> makePopupMenu() override;
+    std::unique_ptr<Mp3Enc> makeMp3Enc() override;
+    std::unique_ptr<ACD> makeACD() override;
+    std::unique_ptr<ACDWRITE> makeACDWRITE() override;
+    std::unique_ptr<CdBase> makeCdBase() override;
+    KeyValueStore& keyValueStore() override;
+    ProfileFile& profileFile() override;
+    DirectoryScan& directoryScan() override;
+    TextFiles& textFiles() override;
+    Drives& drives() override;
+    Registry& registry() override;
+    Shell& shell() override;
+    MessageBoxes& messageBoxes() override;
+    Pump& pump() override;
+    Text applicationFolder() const override;
+    Text defaultOutputDirectory() const override;
+    Text decimalSign() const override;
+    void endProgram() override;
+
+private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};

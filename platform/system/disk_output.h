@@ -1,0 +1,17 @@
+// The two ways in which a text file comes onto the disk.
+#pragma once
+
+#include "platform/system/left_file.h"
+#include "platform/system/part_file.h"
+#include "platform/text_files.h"
+
+#include <functional>
+
+// Called by `finish` when the file stands, under its revision.
+using FileLeft = std::function<void(std::uint64_t revision, Descriptor file)>;
+
+// The usual one: beside the target, and renamed over it.
+std::unique_ptr<TextOutput> outputBeside(std::unique_ptr<PartFile> part, FileLeft left);
+
+// For a file in a folder that takes no new ones, and for devices. `file` is open for writing and untouched.
+std::unique_ptr<TextOutput> outputInPlace(Descriptor file, FileLeft left);

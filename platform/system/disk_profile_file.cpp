@@ -1,0 +1,66 @@
+#include "platform/system/disk_profile_file.h"
+
+#include "platform/failure.h"
+#include "platform/system/profile_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+
+constexpr int fileNotFound = 53;
+
+std::string_view withoutBlanksBehind(std::string_view text)
+{
+    return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+std::size_t put(std::string_view text, char* buffer, std::size_t size)
+{
+    if (size == 0)
+        return 0;
+    const std::size_t length = std::min(text.size(), size - 1);
+    std::memcpy(buffer, text.data(), length);
+    buffer[length] = '\0';
+    return length;
+}
+
+// A missing file is an empty one; one that cannot be read must not be taken for that and overwritten.
+Text contentOrNothing(TextFiles& files, const Text& file)
+{
+    Text text;
+    const auto unlessMissing = [](const Failure& failure) {
+        if (failure.number != fileNotFound)
+            throw failure;
+    };
+    guarded(unlessMissing, [&] { text = files.readWhole(file); });
+    return text;
+}
+
+void replaceContent(TextFiles& files, const Text& file, const Text& text)
+{
+    const auto output = files.openForOutput(file);
+    output->write(text);
+    output->finish();
+}
+
+}
+
+std::size_t DiskProfileFile::read(const Text& section, const Text& key, const Text& fallback, char* buffer,
+                                  std::size_t size, const Text& file)
+{
+    Text text;
+    succeeds([&] { text = files_.readWhole(file); });
+    return put(profileValue(text, section, key).value_or(withoutBlanksBehind(fallback)), buffer, size);
+}
+
+bool DiskProfileFile::write(const Text& section, const Text& key, const Text& value, const Text& file)
+{
+    return fitsProfile(section, key, value) && succeeds([&] {
+               const Text old = contentOrNothing(files_, file);
+               const Text changed = profileWith(old, section, key, value);
+               if (changed != old)
+                   replaceContent(files_, file, changed);
+           });
+}

@@ -1,0 +1,155 @@
+#include "platform/system/disk_text_files.h"
+
+#include "platform/failure.h"
+#include "platform/paths.h"
+#include "platform/system/disk_output.h"
+#include "platform/system/folders.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace
+{
+
+// No list is larger; a film picked by mistake must not fill the memory.
+constexpr off_t largestText = off_t{512} << 20;
+
+// Nothing waits at a pipe that nobody serves.
+constexpr int openFlags = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+[[noreturn]] void fail(int systemError) { throw fileFailure(systemError); }
+
+// Where the bytes go. A name that no file can have, links in a ring, and a NUL, behind which the system sees
+// nothing, are refused.
+Text outputTarget(const Text& path)
+{
+    const Text target = path.find('\0') == Text::npos ? resolvedLinks(path) : Text();
+    if (target.empty() || target.back() == pathSeparator)
+        throw failure(75);
+    return target;
+}
+
+// The file as it stands, untouched. Nothing when there is none.
+Descriptor openExisting(const Text& target)
+{
+    Descriptor file(open(target.c_str(), O_RDWR | openFlags));
+    if (!file && errno == EACCES)
+        file = Descriptor(open(target.c_str(), O_WRONLY | openFlags));
+    if (!file && errno != ENOENT)
+        fail(errno);
+    return file;
+}
+
+struct stat statusOf(const Descriptor& file)
+{
+    struct stat status;
+    if (fstat(file.number(), &status) != 0)
+        fail(errno);
+    return status;
+}
+
+// A new file may not be made there, or none that is like the old one.
+bool folderRefuses(int error)
+{
+    return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
+}
+
+std::unique_ptr<TextOutput> replaceExisting(const Text& target, Descriptor file, PartNotes& notes,
+                                            FileLeft left)
+{
+    const struct stat status = statusOf(file);
+    if (!S_ISREG(status.st_mode))
+        return outputInPlace(std::move(file), std::move(left));
+    auto part = std::make_unique<PartFile>(target, &status, notes);
+    if (part->error() == 0)
+        return outputBeside(std::move(part), std::move(left));
+    if (folderRefuses(part->error()))
+        return outputInPlace(std::move(file), std::move(left));
+    fail(part->error());
+}
+
+std::unique_ptr<TextOutput> makeNew(const Text& target, PartNotes& notes, FileLeft left)
+{
+    auto part = std::make_unique<PartFile>(target, nullptr, notes);
+    if (part->error() == 0)
+        return outputBeside(std::move(part), std::move(left));
+    throw part->error() == ENOENT ? failure(76) : fileFailure(part->error());
+}
+
+// A pipe or a device is no list.
+Descriptor openForInput(const Text& path)
+{
+    Descriptor file(open(path.c_str(), O_RDONLY | openFlags));
+    if (!file)
+        throw errno == ENOTDIR ? failure(53) : fileFailure(errno);
+    const struct stat status = statusOf(file);
+    if (!S_ISREG(status.st_mode) || status.st_size > largestText)
+        throw failure(75);
+    return file;
+}
+
+}
+
+std::unique_ptr<TextOutput> DiskTextFiles::openForOutput(const Text& path)
+{
+    const Text target = outputTarget(path);
+    FileLeft left = [this, path](std::uint64_t revision, Descriptor file) {
+        leave(path, revision, std::move(file));
+    };
+    Descriptor existing = openExisting(target);
+    if (existing)
+        return replaceExisting(target, std::move(existing), notes_, std::move(left));
+    return makeNew(target, notes_, std::move(left));
+}
+
+void DiskTextFiles::leave(const Text& path, std::uint64_t revision, Descriptor file)
+{
+    left_.erase(path);
+    if (revision != 0)
+        left_.emplace(path, LeftFile(revision, std::move(file)));
+}
+
+bool DiskTextFiles::stillHolds(const Text& path, std::uint64_t revision)
+{
+    const auto found = left_.find(path);
+    return found != left_.end() && found->second.holds(path, revision);
+}
+
+void DiskTextFiles::keepBackup(const Text& path, std::string_view bytes)
+{
+    succeeds([&] {
+        const auto output = openForOutput(path + ".bak");
+        output->write(bytes);
+        output->finish();
+    });
+}
+
+std::int64_t DiskTextFiles::length(const Text& path)
+{
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0)
+        throw failure(errno == EACCES ? 70 : 53);
+    if (!S_ISREG(status.st_mode))
+        throw failure(53);
+    return status.st_size;
+}
+
+// A file that shrinks meanwhile gives what is left of it.
+Text DiskTextFiles::readWhole(const Text& path)
+{
+    const Descriptor file = openForInput(path);
+    Text bytes(static_cast<std::size_t>(statusOf(file).st_size), '\0');
+    std::size_t have = 0;
+    while (have < bytes.size()) {
+        const ssize_t got = read(file.number(), bytes.data() + have, bytes.size() - have);
+        if (got < 0 && errno != EINTR)
+            fail(errno);
+        if (got == 0)
+            break;
+        have += static_cast<std::size_t>(std::max<ssize_t>(got, 0));
+    }
+    bytes.resize(have);
+    return bytes;
+}

@@ -1,0 +1,27 @@
+// The walk through a folder's entries, on the system's own.
+#pragma once
+
+#include "platform/directory_scan.h"
+
+#include <map>
+#include <memory>
+
+// For one thread. A link counts as what it leads to; one that leads nowhere is no entry.
+class FolderScan final : public DirectoryScan
+{
+public:
+    FolderScan();
+    ~FolderScan() override;
+
+    Handle FindFirstFile(const Text& pattern, FoundFile& found) override;
+    bool FindNextFile(Handle scan, FoundFile& found) override;
+    void FindClose(Handle scan) override;
+
+private:
+    class Walk;
+    std::map<Handle, std::unique_ptr<Walk>> walks_;
+    Handle last_ = 0;
+};
+
+// `*` stands for any characters, `?` for one; no letter of A to Z has a case. "*.*" means every name.
+bool matchesPattern(std::string_view name, std::string_view pattern);

@@ -1,0 +1,29 @@
+// Small questions to the file system, shared by the services of this folder.
+#pragma once
+
+#include "platform/text.h"
+
+#include <vector>
+
+// Makes the folder and those above it, for the user alone. False when it does not exist afterwards.
+bool makeFolders(const Text& folder);
+
+bool isFolder(const Text& path);
+bool isFile(const Text& path);       // a regular one, links followed
+bool isExecutable(const Text& path); // a file that this user may run
+
+// Without separators at its end; a drive root stays.
+Text withoutSeparatorBehind(Text path);
+
+// What a path's last name lies in; "." for a name alone.
+Text folderOf(const Text& path);
+
+// The path itself, or what it leads to when it is a link; also when that does not exist yet. "" for links in
+// a ring.
+Text resolvedLinks(const Text& path);
+
+// A name that nobody else chooses: sixteen hexadecimal digits.
+Text randomName();
+
+// The names in a folder but for "." and "..".
+std::vector<Text> namesIn(const Text& folder);

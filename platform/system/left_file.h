@@ -1,0 +1,28 @@
+// A file as its writer left it, and the question whether it still is.
+#pragma once
+
+#include "platform/system/descriptor.h"
+#include "platform/text.h"
+
+#include <sys/stat.h>
+
+#include <cstdint>
+
+class LeftFile
+{
+public:
+    // `file` has its content and stands under its name.
+    LeftFile(std::uint64_t revision, Descriptor file);
+
+    // Provably the same content: the same file, untouched since, and the same revision asked for.
+    bool holds(const Text& path, std::uint64_t revision) const;
+
+private:
+    std::uint64_t revision_;
+    Descriptor file_; // kept open: comparing its last bytes is one call then
+    struct stat status_ = {};
+    Text lastBytes_;
+};
+
+// For the writer, before a file is left: gives it a time of change that no later change can have.
+void stampPrecisely(const Descriptor& file);

@@ -1,0 +1,38 @@
+// A file that is written beside its target and takes its place in one step, or leaves nothing.
+#pragma once
+
+#include "platform/part_notes.h"
+#include "platform/system/descriptor.h"
+
+#include <sys/stat.h>
+
+class PartFile
+{
+public:
+    // Makes the file, empty, with the mode and owner of the target's `status` when there is one. Without a
+    // descriptor when that fails; `error` says why then.
+    PartFile(const Text& target, const struct stat* status, PartNotes& notes);
+    ~PartFile();
+
+    PartFile(const PartFile&) = delete;
+    PartFile& operator=(const PartFile&) = delete;
+
+    int error() const { return error_; } // an error number of the system, or 0
+    const Descriptor& file() const { return file_; }
+
+    // The target is the file from now on. False when it is not, and the system's error number says why.
+    bool takePlace();
+
+    // Hands the descriptor over.
+    Descriptor release() { return std::move(file_); }
+
+private:
+    bool resembles(const struct stat& status) const;
+
+    Text target_;
+    Text path_;
+    PartNotes& notes_;
+    Descriptor file_;
+    int error_ = 0;
+    bool stands_ = false; // under its own name
+};

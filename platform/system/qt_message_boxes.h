@@ -1,0 +1,9 @@
+#pragma once
+
+#include "platform/message_boxes.h"
+
+class QtMessageBoxes final : public MessageBoxes
+{
+public:
+    Answer show(const Text& text, const Text& title, Icon icon, Buttons buttons) override;
+};

@@ -1,0 +1,15 @@
+#include "platform/system/qt_pump.h"
+
+#include <QCoreApplication>
+#include <unistd.h>
+
+void QtPump::turn()
+{
+    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+}
+
+void QtPump::standStill()
+{
+    for (;;)
+        pause();
+}

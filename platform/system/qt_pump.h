@@ -1,0 +1,10 @@
+#pragma once
+
+#include "platform/pump.h"
+
+class QtPump final : public Pump
+{
+public:
+    void turn() override;
+    [[noreturn]] void standStill() override;
+};

@@ -1,0 +1,158 @@
+#include "platform/system/settings_database.h"
+
+#include <sqlite3.h>
+
+#include <chrono>
+
+namespace
+{
+
+using Outcome = SettingsDatabase::Outcome;
+
+// The window thread waits here when another copy of the program writes at the same moment.
+constexpr int longestWaitMs = 50;
+
+// A log of this many pages of 1 KB is read again in half a millisecond at the next start.
+constexpr int longestLog = 1000;
+
+// A new file has nothing to lose until it has its table: the first start does not wait for the disk.
+constexpr const char* preparation = "PRAGMA synchronous = OFF;"
+                                    "PRAGMA page_size = 1024;"
+                                    "PRAGMA journal_mode = WAL;"
+                                    "CREATE TABLE IF NOT EXISTS settings ("
+                                    " application TEXT, section TEXT, key TEXT, value TEXT,"
+                                    " PRIMARY KEY (application, section, key)) WITHOUT ROWID;"
+                                    "PRAGMA synchronous = NORMAL;";
+
+constexpr const char* reading =
+    "SELECT value FROM settings WHERE application = ? AND section = ? AND key = ?";
+constexpr const char* writing =
+    "INSERT OR REPLACE INTO settings (application, section, key, value) VALUES (?, ?, ?, ?)";
+
+Outcome outcomeOf(int result)
+{
+    switch (result & 0xFF) {
+    case SQLITE_OK:
+    case SQLITE_ROW:
+    case SQLITE_DONE:
+        return Outcome::done;
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+    case SQLITE_ERROR: // no such column: somebody else's table
+        return Outcome::damaged;
+    default:
+        return Outcome::refused;
+    }
+}
+
+// Two processes that begin one file together get in each other's way, and SQLite then does not wait by
+// itself.
+int prepare(sqlite3* connection)
+{
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(longestWaitMs);
+    int result = SQLITE_BUSY;
+    while (result == SQLITE_BUSY && std::chrono::steady_clock::now() < limit) {
+        result = sqlite3_exec(connection, preparation, nullptr, nullptr, nullptr);
+        if (result == SQLITE_BUSY)
+            sqlite3_sleep(1);
+    }
+    return result;
+}
+
+// The bytes are only borrowed: every statement runs and ends before its caller's names do.
+void bind(sqlite3_stmt* statement, int index, const Text& text)
+{
+    sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+}
+
+void bind(sqlite3_stmt* statement, const SettingName& name)
+{
+    bind(statement, 1, name.application);
+    bind(statement, 2, name.section);
+    bind(statement, 3, name.key);
+}
+
+Text column(sqlite3_stmt* statement)
+{
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, 0));
+    return {bytes ? bytes : "", static_cast<std::size_t>(sqlite3_column_bytes(statement, 0))};
+}
+
+}
+
+void SettingsDatabase::Close::operator()(sqlite3* connection) const { sqlite3_close(connection); }
+void SettingsDatabase::Close::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+
+SettingsDatabase::SettingsDatabase(const Text& path) : path_(path), outcome_(open()) {}
+
+SettingsDatabase::~SettingsDatabase()
+{
+    if (mover_.joinable())
+        mover_.join();
+}
+
+SettingsDatabase::Connection SettingsDatabase::connected(const Text& path, int& result)
+{
+    constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
+    sqlite3* connection = nullptr;
+    result = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
+    sqlite3_busy_timeout(connection, longestWaitMs);
+    return Connection(connection);
+}
+
+SettingsDatabase::Outcome SettingsDatabase::open()
+{
+    int result = SQLITE_OK;
+    connection_ = connected(path_, result);
+    if (result == SQLITE_OK)
+        result = prepare(connection_.get());
+    for (auto [text, statement] : {std::pair(reading, &read_), std::pair(writing, &write_)}) {
+        sqlite3_stmt* prepared = nullptr;
+        if (result == SQLITE_OK)
+            result = sqlite3_prepare_v2(connection_.get(), text, -1, &prepared, nullptr);
+        statement->reset(prepared);
+    }
+    sqlite3_wal_hook(connection_.get(), &SettingsDatabase::committed, this);
+    return outcomeOf(result);
+}
+
+SettingsDatabase::Outcome SettingsDatabase::read(const SettingName& name, Text& value)
+{
+    bind(read_.get(), name);
+    const int result = sqlite3_step(read_.get());
+    if (result == SQLITE_ROW)
+        value = column(read_.get());
+    sqlite3_reset(read_.get());
+    return outcomeOf(result);
+}
+
+SettingsDatabase::Outcome SettingsDatabase::write(const SettingName& name, const Text& value)
+{
+    bind(write_.get(), name);
+    bind(write_.get(), 4, value);
+    const int result = sqlite3_step(write_.get());
+    sqlite3_reset(write_.get());
+    return outcomeOf(result);
+}
+
+// Called after each write.
+int SettingsDatabase::committed(void* database, sqlite3*, const char*, int pages)
+{
+    auto* self = static_cast<SettingsDatabase*>(database);
+    if (pages >= longestLog && !self->moving_.exchange(true))
+        self->moveLog();
+    return SQLITE_OK;
+}
+
+// Moving the log into the file waits for the disk, for seconds when it is busy; no window may wait for that.
+void SettingsDatabase::moveLog()
+{
+    if (mover_.joinable())
+        mover_.join();
+    mover_ = std::thread([this] {
+        int result = SQLITE_OK;
+        const Connection own = connected(path_, result);
+        sqlite3_exec(own.get(), "PRAGMA wal_checkpoint(PASSIVE)", nullptr, nullptr, nullptr);
+        moving_ = false;
+    });
+}

@@ -1,0 +1,14 @@
+#include "platform/system/stack_limit.h"
+
+#include <algorithm>
+
+rlimit raiseStackLimit()
+{
+    constexpr rlim_t wanted = 256UL << 20;
+    rlimit before{};
+    getrlimit(RLIMIT_STACK, &before);
+    rlimit raised = before;
+    raised.rlim_cur = std::max(before.rlim_cur, std::min(wanted, before.rlim_max));
+    setrlimit(RLIMIT_STACK, &raised);
+    return before;
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include <sys/resource.h>
+
+// Runs of a list nest without limit, each with an event loop's worth of stack: the main thread may use 256
+// MiB. Returns the limit as it was, for the programs that this one starts.
+rlimit raiseStackLimit();

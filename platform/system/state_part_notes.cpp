@@ -1,0 +1,112 @@
+#include "platform/system/state_part_notes.h"
+
+#include "platform/paths.h"
+#include "platform/system/folders.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <tuple>
+
+namespace
+{
+
+constexpr std::string_view partEnding = ".part";
+
+Text notesFolder(const Text& stateFolder) { return joined(stateFolder, "parts"); }
+
+bool isLinked(const Descriptor& file)
+{
+    struct stat status;
+    return fstat(file.number(), &status) == 0 && status.st_nlink > 0;
+}
+
+bool lock(const Descriptor& file, int how) { return file && flock(file.number(), LOCK_EX | how) == 0; }
+
+Text content(const Descriptor& file)
+{
+    Text all;
+    char piece[4096];
+    for (ssize_t got = 0; (got = read(file.number(), piece, sizeof piece)) > 0;)
+        all.append(piece, static_cast<std::size_t>(got));
+    return all;
+}
+
+// One call, so that no kill leaves half a record. A disk that refuses it costs the note, not the part.
+void appendRecord(const Descriptor& file, const Text& path)
+{
+    const Text record = path + '\0';
+    std::ignore = write(file.number(), record.data(), record.size());
+}
+
+void removePart(const Text& path)
+{
+    if (path.ends_with(partEnding) && isFile(path))
+        unlink(path.c_str());
+}
+
+// A note without its NUL is one whose file was not made yet.
+void removeParts(const Text& notes)
+{
+    std::size_t at = 0;
+    for (std::size_t end; (end = notes.find('\0', at)) != Text::npos; at = end + 1)
+        removePart(notes.substr(at, end - at));
+}
+
+}
+
+StatePartNotes::StatePartNotes(const Text& stateFolder) : folder_(notesFolder(stateFolder)) {}
+
+StatePartNotes::~StatePartNotes()
+{
+    if (file_)
+        unlink(path_.c_str());
+}
+
+void StatePartNotes::note(const Text& partPath)
+{
+    const std::lock_guard guard(mutex_);
+    if (!file_)
+        begin();
+    open_.insert(partPath);
+    if (file_)
+        appendRecord(file_, partPath);
+}
+
+// Records are only added, and all go when the last one is done: no instant has an open part without its
+// record.
+void StatePartNotes::done(const Text& partPath)
+{
+    const std::lock_guard guard(mutex_);
+    open_.erase(partPath);
+    if (file_ && open_.empty())
+        std::ignore = ftruncate(file_.number(), 0);
+}
+
+// Another process that starts at this moment may take the file for an abandoned one before it is locked here,
+// and remove it: then there is another.
+void StatePartNotes::begin()
+{
+    if (!makeFolders(folder_))
+        return;
+    for (int tries = 0; tries < 10; ++tries) {
+        path_ = joined(folder_, randomName());
+        file_ = Descriptor(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0600));
+        if (!file_ || (lock(file_, 0) && isLinked(file_)))
+            return;
+    }
+}
+
+void removeNotedParts(const Text& stateFolder)
+{
+    const Text folder = notesFolder(stateFolder);
+    for (const Text& name : namesIn(folder)) {
+        const Text path = joined(folder, name);
+        const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+        if (!isFile(path) || !lock(file, LOCK_NB))
+            continue;
+        removeParts(content(file));
+        unlink(path.c_str());
+    }
+}

@@ -1,0 +1,31 @@
+// Part notes in the user's state folder: one file a process, locked for as long as the process lives.
+#pragma once
+
+#include "platform/part_notes.h"
+#include "platform/system/descriptor.h"
+
+#include <mutex>
+#include <set>
+
+class StatePartNotes final : public PartNotes
+{
+public:
+    explicit StatePartNotes(const Text& stateFolder);
+    ~StatePartNotes() override;
+
+    void note(const Text& partPath) override;
+    void done(const Text& partPath) override;
+
+private:
+    void begin();
+
+    std::mutex mutex_;
+    Text folder_;
+    Text path_;
+    Descriptor file_;
+    std::set<Text> open_;
+};
+
+// For the program's start: removes the part files that processes noted which ended without removing them.
+// Those of a process that still runs stay.
+void removeNotedParts(const Text& stateFolder);

@@ -1,0 +1,46 @@
+#include "platform/toolkit/combo_box.h"
+
+#include "platform/failure.h"
+#include "platform/toolkit/qt_bridge.h"
+
+#include <QComboBox>
+#include <QSignalBlocker>
+
+namespace ctl
+{
+
+ComboBox::ComboBox(Container& container, const char* name, Place place) :
+    Control(container, name, place, new QComboBox)
+{
+    QObject::connect(static_cast<QComboBox*>(widget_), &QComboBox::currentIndexChanged,
+                     [this] { fromOutside([this] { Click.raise(); }); });
+}
+
+// The first row is not chosen by itself.
+void ComboBox::AddItem(const Text& text)
+{
+    const QSignalBlocker quiet(widget_);
+    auto* box = static_cast<QComboBox*>(widget_);
+    const int before = box->currentIndex();
+    box->addItem(shown(text));
+    box->setCurrentIndex(before);
+}
+
+std::int32_t ComboBox::ListCount() const { return static_cast<QComboBox*>(widget_)->count(); }
+
+std::int32_t ComboBox::ListIndex() const { return static_cast<QComboBox*>(widget_)->currentIndex(); }
+
+void ComboBox::setListIndex(std::int32_t index)
+{
+    if (index < -1 || index >= ListCount())
+        throw failure(380);
+    if (index == ListIndex())
+        return;
+    {
+        const QSignalBlocker quiet(widget_);
+        static_cast<QComboBox*>(widget_)->setCurrentIndex(index);
+    }
+    Click.raise();
+}
+
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/toolkit/control.h"
+
+#include <cstdint>
+
+namespace ctl
+{
+
+// A drop-down list of rows without free text.
+class ComboBox final : public Control
+{
+public:
+    ComboBox(Container& container, const char* name, Place place);
+
+    Event<> Click; // another row was chosen, by the user or from code
+
+    void AddItem(const Text& text);
+    std::int32_t ListCount() const;
+
+    std::int32_t ListIndex() const;        // -1: none
+    void setListIndex(std::int32_t index); // fails with 380 outside -1..ListCount-1
+};
+
+}

@@ -1,0 +1,63 @@
+#include "platform/toolkit/control.h"
+
+#include "platform/toolkit/form.h"
+#include "platform/toolkit/qt_bridge.h"
+#include "platform/toolkit/toolkit.h"
+
+#include <QWidget>
+
+namespace ctl
+{
+
+Control::Control(Container& container, const char* name, Place place, QWidget* widget, const Text& toolTip) :
+    widget_(widget), form_(container.form()), name_(name), place_(place)
+{
+    widget_->setParent(container.page());
+    widget_->setObjectName(name);
+    widget_->setGeometry(pixelRect(place));
+    setToolTipText(toolTip);
+}
+
+Control::Control(Container& container, const char* name, Hidden) : form_(container.form()), name_(name) {}
+
+void Control::setLeft(Twips left)
+{
+    place_.left = left;
+    placeWidget();
+}
+
+void Control::setTop(Twips top)
+{
+    place_.top = top;
+    placeWidget();
+}
+
+void Control::placeWidget()
+{
+    if (widget_)
+        widget_->move(pixelsOf(place_.left), pixelsOf(place_.top));
+}
+
+void Control::setEnabled(bool enabled)
+{
+    enabled_ = enabled;
+    if (widget_)
+        widget_->setEnabled(enabled);
+}
+
+void Control::setToolTipText(const Text& toolTip)
+{
+    if (toolTip_ == toolTip)
+        return;
+    toolTip_ = toolTip;
+    if (widget_) {
+        widget_->setToolTip(shown(toolTip));
+        widget_->setAccessibleName(shown(toolTip));
+    }
+}
+
+Toolkit& Control::toolkit() const { return form_.toolkit(); }
+
+void Control::enter(const std::function<void()>& call) const { toolkit().outermost(call); }
+
+}

@@ -1,0 +1,75 @@
+#include "platform/toolkit/folder_listing.h"
+
+#include "platform/paths.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fnmatch.h>
+
+namespace fs = std::filesystem;
+
+namespace listing
+{
+
+namespace
+{
+
+template <typename Wanted>
+std::vector<Text> namesIn(const Text& folder, Wanted&& wanted)
+{
+    std::vector<Text> names;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
+        if (wanted(*entry))
+            names.push_back(entry->path().filename().native());
+    std::sort(names.begin(), names.end(), [](const Text& one, const Text& other) {
+        return std::pair(lowerCase(one), one) < std::pair(lowerCase(other), other);
+    });
+    return names;
+}
+
+}
+
+bool isFolder(const Text& path)
+{
+    std::error_code error;
+    return fs::is_directory(path, error);
+}
+
+std::vector<Text> foldersIn(const Text& folder)
+{
+    return namesIn(folder, [](const fs::directory_entry& entry) {
+        std::error_code error;
+        return entry.is_directory(error) && !entry.path().filename().native().starts_with('.');
+    });
+}
+
+std::vector<Text> filesIn(const Text& folder, const Text& pattern)
+{
+    return namesIn(folder, [&](const fs::directory_entry& entry) {
+        std::error_code error;
+        const Text name = entry.path().filename().native();
+        return !entry.is_directory(error) &&
+               fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0;
+    });
+}
+
+std::vector<Text> pathDownTo(const Text& path)
+{
+    std::vector<Text> folders{Text(driveRoot)};
+    for (std::size_t at = path.find_first_not_of(pathSeparator); at != Text::npos;) {
+        const std::size_t end = path.find(pathSeparator, at);
+        folders.push_back(path.substr(0, end));
+        at = path.find_first_not_of(pathSeparator, end);
+    }
+    return folders;
+}
+
+Text homeFolder()
+{
+    const char* home = std::getenv("HOME");
+    return home && isFolder(home) ? Text(home) : Text(driveRoot);
+}
+
+}

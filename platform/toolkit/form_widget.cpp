@@ -1,0 +1,171 @@
+#include "platform/toolkit/form_widget.h"
+
+#include "platform/toolkit/skin.h"
+#include "platform/toolkit/toolkit.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWindow>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+// An answer of the window manager that comes later than this is news, no echo.
+constexpr auto echoLimit = 1s;
+
+Qt::WindowFlags flagsFor(Form::Border border)
+{
+    if (border == Form::Border::none)
+        return Qt::Window | Qt::FramelessWindowHint;
+    return Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
+           Qt::WindowMinimizeButtonHint;
+}
+
+bool placesItself() { return QGuiApplication::platformName() != "wayland"; }
+
+}
+
+FormWidget::FormWidget(Form& form, const char* name, Form::Border border, Extent client) : form_(form)
+{
+    setWindowFlags(flagsFor(border));
+    setObjectName(name);
+    setFixedSize(pixelsOf(client.width), pixelsOf(client.height));
+    setAttribute(Qt::WA_QuitOnClose, false);
+}
+
+void FormWidget::setPlace(QPoint place)
+{
+    place_ = place;
+    if (isVisible())
+        carryOut();
+}
+
+void FormWidget::carryOut()
+{
+    ownMoves_.push_back({place_, Clock::now()});
+    moving_ = true;
+    move(place_);
+    moving_ = false;
+}
+
+void FormWidget::setState(Form::State state)
+{
+    state_ = state;
+    if (!isVisible())
+        return;
+    const auto rest = windowState() & ~Qt::WindowMinimized;
+    setWindowState(state == Form::minimized ? rest | Qt::WindowMinimized : rest);
+}
+
+// The window is placed once more after it is shown: a window manager may have put it somewhere of its own
+// choice.
+void FormWidget::present()
+{
+    const bool appears = !isVisible();
+    if (appears) {
+        shownAt_ = Clock::now();
+        move(place_);
+        setWindowState(state_ == Form::minimized ? Qt::WindowMinimized : Qt::WindowNoState);
+        show();
+        carryOut();
+    }
+    raise();
+    activateWindow();
+}
+
+// The window moves itself: some window managers send no positions during a move of their own, and the docked
+// window follows live. The pointer's global place counts, so that a window that snaps away does not feed back
+// into the drag.
+void FormWidget::follow()
+{
+    if (QGuiApplication::mouseButtons() == Qt::NoButton)
+        return;
+    if (!placesItself()) {
+        windowHandle()->startSystemMove();
+        return;
+    }
+    grip_ = QCursor::pos() - place_;
+    grabMouse();
+}
+
+bool FormWidget::event(QEvent* event)
+{
+    auto& toolkit = form_.toolkit();
+    if (event->type() == QEvent::WindowActivate)
+        toolkit.outermost([&] { toolkit.activated(form_); });
+    if (event->type() == QEvent::WindowDeactivate)
+        toolkit.outermost([&] { toolkit.deactivated(form_); });
+    return QWidget::event(event);
+}
+
+void FormWidget::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::WindowStateChange)
+        state_ = isMinimized() ? Form::minimized : Form::normal;
+    QWidget::changeEvent(event);
+}
+
+void FormWidget::closeEvent(QCloseEvent* event)
+{
+    event->ignore();
+    form_.toolkit().outermost([&] { form_.closeRequested(); });
+}
+
+void FormWidget::moveEvent(QMoveEvent*)
+{
+    if (moving_ || !isVisible() || isMinimized() || isEcho(pos()))
+        return;
+    settle(pos());
+}
+
+bool FormWidget::isEcho(QPoint place)
+{
+    while (!ownMoves_.empty() && Clock::now() - ownMoves_.front().at > echoLimit)
+        ownMoves_.pop_front();
+    for (std::size_t i = 0; i < ownMoves_.size(); ++i) {
+        if (ownMoves_[i].place != place)
+            continue;
+        ownMoves_.erase(ownMoves_.begin(), ownMoves_.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+        if (ownMoves_.empty() && place != place_)
+            carryOut();
+        return true;
+    }
+    return false;
+}
+
+// A place that nobody here asked for: a choice of the window manager's while the window appears, the user's
+// afterwards.
+void FormWidget::settle(QPoint place)
+{
+    if (placesItself() && Clock::now() - shownAt_ < echoLimit / 2)
+        carryOut();
+    else
+        place_ = place;
+}
+
+void FormWidget::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    Skin& skin = form_.toolkit().skin();
+    skin.draw(painter, form_.Name(), Skin::State::normal, rect());
+    for (const auto& frame : frames_)
+        skin.drawFrame(painter, frame);
+}
+
+void FormWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    if (grip_)
+        setPlace(event->globalPosition().toPoint() - *grip_);
+}
+
+void FormWidget::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->buttons() != Qt::NoButton || !grip_)
+        return;
+    grip_.reset();
+    releaseMouse();
+}

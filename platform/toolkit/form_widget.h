@@ -1,0 +1,63 @@
+// The window behind a form. For the toolkit's own sources alone.
+#pragma once
+
+#include "platform/text.h"
+#include "platform/toolkit/form.h"
+
+#include <QPixmap>
+#include <QPoint>
+#include <QWidget>
+#include <chrono>
+#include <deque>
+#include <optional>
+#include <vector>
+
+class FormWidget final : public QWidget
+{
+public:
+    FormWidget(Form& form, const char* name, Form::Border border, Extent client);
+
+    Form& form() const { return form_; }
+
+    // Where the form stands. The window manager's answers lag behind; they never change what was asked for
+    // last.
+    QPoint place() const { return place_; }
+    void setPlace(QPoint place);
+
+    Form::State state() const { return state_; }
+    void setState(Form::State state);
+
+    void present();
+    void follow(); // the pointer, until its buttons are released
+    void addFrame(const QRect& rect) { frames_.push_back(rect); }
+
+protected:
+    bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct OwnMove {
+        QPoint place;
+        Clock::time_point at;
+    };
+
+    void carryOut();
+    bool isEcho(QPoint place);
+    void settle(QPoint place);
+
+    Form& form_;
+    QPoint place_;
+    Form::State state_ = Form::normal;
+    std::deque<OwnMove> ownMoves_;
+    bool moving_ = false;
+    Clock::time_point shownAt_{};
+    std::optional<QPoint> grip_; // where in the window the pointer holds it
+    std::vector<QRect> frames_;
+};

@@ -1,0 +1,45 @@
+#include "platform/toolkit/frame.h"
+
+#include "platform/toolkit/form.h"
+#include "platform/toolkit/qt_bridge.h"
+
+#include <QGroupBox>
+#include <QTabWidget>
+
+namespace ctl
+{
+
+Frame::Frame(Container& container, const char* name, Place place, const Text& caption) :
+    Control(container, name, place, new QGroupBox(shown(caption)))
+{
+}
+
+class TabControl::Page final : public Container
+{
+public:
+    Page(Form& form, QWidget* page) : form_(form), page_(page) {}
+
+    Form& form() override { return form_; }
+    QWidget* page() override { return page_; }
+
+private:
+    Form& form_;
+    QWidget* page_;
+};
+
+TabControl::TabControl(Container& container, const char* name, Place place,
+                       const std::vector<Text>& captions) :
+    Control(container, name, place, new QTabWidget)
+{
+    for (const auto& caption : captions) {
+        auto* page = new QWidget;
+        static_cast<QTabWidget*>(widget_)->addTab(page, shown(caption));
+        pages_.push_back(std::make_unique<Page>(form(), page));
+    }
+}
+
+int TabControl::Tab() const { return static_cast<QTabWidget*>(widget_)->currentIndex(); }
+
+void TabControl::setTab(int index) { static_cast<QTabWidget*>(widget_)->setCurrentIndex(index); }
+
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/toolkit/control.h"
+
+#include <memory>
+#include <vector>
+
+namespace ctl
+{
+
+// A captioned frame. It holds other controls, whose places are in its own twips.
+class Frame final : public Control, public Container
+{
+public:
+    Frame(Container& container, const char* name, Place place, const Text& caption = {});
+
+    Form& form() override { return Control::form(); }
+    QWidget* page() override { return widget_; }
+};
+
+// Pages under tabs, counted from 0. "&" in a caption marks the access key, "&&" shows as one.
+class TabControl final : public Control
+{
+public:
+    TabControl(Container& container, const char* name, Place place, const std::vector<Text>& captions);
+
+    Container& page(std::size_t index) { return *pages_[index]; }
+
+    int Tab() const;
+    void setTab(int index);
+
+private:
+    class Page;
+
+    std::vector<std::unique_ptr<Container>> pages_;
+};
+
+}

@@ -1,0 +1,199 @@
+#include "platform/toolkit/image_widget.h"
+
+#include "platform/toolkit/form.h"
+#include "platform/toolkit/key_codes.h"
+#include "platform/toolkit/qt_bridge.h"
+#include "platform/toolkit/skin.h"
+#include "platform/toolkit/toolkit.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace ctl
+{
+
+// The outline of a dragged thumb: it follows the pointer while the thumb stands still.
+class DragOutline final : public QWidget
+{
+public:
+    DragOutline(ImageWidget& thumb, QPoint grip) : QWidget(thumb.window()), grip_(grip)
+    {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setGeometry(QRect(thumb.mapTo(thumb.window(), QPoint()), thumb.size()));
+        show();
+    }
+
+    void follow(QPointF inForm) { move(inForm.toPoint() - grip_); }
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(palette().color(QPalette::Highlight));
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+    }
+
+private:
+    QPoint grip_;
+};
+
+namespace
+{
+
+// Pixels: how far above and below a track a drop still counts, so that its zone is as high as a thumb.
+constexpr int kindness = 5;
+
+Button buttonOf(const QMouseEvent& event)
+{
+    if (event.button() == Qt::RightButton)
+        return Button::right;
+    return event.button() == Qt::MiddleButton ? Button::middle : Button::left;
+}
+
+Twips twipsAt(qreal pixels) { return static_cast<Twips>(pixels) * twipsPerPixel; }
+
+Qt::CursorShape pointerFor(Image::Use use)
+{
+    return use == Image::Use::transport ? Qt::PointingHandCursor : Qt::ArrowCursor;
+}
+
+}
+
+ImageWidget::ImageWidget(Image& image, Image::Use use) : image_(image) { setCursor(pointerFor(use)); }
+
+ImageWidget::~ImageWidget() = default;
+
+void ImageWidget::act()
+{
+    image_.fromOutside([this] { image_.Click.raise(); });
+}
+
+QRect ImageWidget::dropZone() const { return geometry().adjusted(0, -kindness, 0, kindness); }
+
+bool ImageWidget::event(QEvent* event)
+{
+    const bool lost = event->type() == QEvent::UngrabMouse || event->type() == QEvent::WindowDeactivate;
+    if (lost && outline_)
+        endDrag();
+    return QWidget::event(event);
+}
+
+void ImageWidget::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    auto state = Skin::State::normal;
+    if (!isEnabled())
+        state = Skin::State::disabled;
+    else if (pressed_)
+        state = Skin::State::pressed;
+    else if (hovered_)
+        state = Skin::State::hover;
+    image_.toolkit().skin().draw(painter, image_.Name(), state, rect());
+}
+
+void ImageWidget::mousePressEvent(QMouseEvent* event)
+{
+    pressed_ = event->button() == Qt::LeftButton;
+    update();
+    if (pressed_ && image_.use() == Image::Use::thumb)
+        startDrag(event->position().toPoint());
+    image_.fromOutside([&] {
+        image_.MouseDown.raise(buttonOf(*event), shiftStateOf(*event), twipsAt(event->position().x()),
+                               twipsAt(event->position().y()));
+    });
+}
+
+void ImageWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    if (outline_)
+        outline_->follow(mapTo(window(), event->position()));
+}
+
+void ImageWidget::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton || !std::exchange(pressed_, false))
+        return;
+    update();
+    const bool inside = rect().contains(event->position().toPoint());
+    if (outline_) {
+        if (!inside)
+            drop(mapTo(window(), event->position()));
+        endDrag();
+        return;
+    }
+    image_.fromOutside([&] {
+        image_.MouseUp.raise(buttonOf(*event), shiftStateOf(*event), twipsAt(event->position().x()),
+                             twipsAt(event->position().y()));
+    });
+    if (inside)
+        act();
+}
+
+void ImageWidget::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape && outline_)
+        endDrag();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void ImageWidget::enterEvent(QEnterEvent*)
+{
+    hovered_ = true;
+    update();
+}
+
+void ImageWidget::leaveEvent(QEvent*)
+{
+    hovered_ = false;
+    update();
+}
+
+void ImageWidget::hideEvent(QHideEvent*)
+{
+    pressed_ = false;
+    if (outline_)
+        endDrag();
+}
+
+void ImageWidget::startDrag(QPoint grip)
+{
+    outline_ = std::make_unique<DragOutline>(*this, grip);
+    grabKeyboard();
+}
+
+void ImageWidget::drop(QPointF inForm)
+{
+    auto* track = trackUnder(inForm);
+    if (!track)
+        return;
+    Image& target = track->image();
+    const Twips x = twipsAt(inForm.x()) - target.Left();
+    const Twips y = twipsAt(inForm.y()) - target.Top();
+    image_.fromOutside([&] { target.DragDrop.raise(image_, x, y); });
+}
+
+// However the drag ended, it ends with the thumb's release.
+void ImageWidget::endDrag()
+{
+    outline_.reset();
+    pressed_ = false;
+    releaseKeyboard();
+    update();
+    image_.fromOutside([this] { image_.MouseUp.raise(Button::left, 0, 0, 0); });
+}
+
+ImageWidget* ImageWidget::trackUnder(QPointF inForm) const
+{
+    for (auto* child : window()->children()) {
+        auto* other = dynamic_cast<ImageWidget*>(child);
+        if (other && other->image().use() == Image::Use::track &&
+            other->dropZone().contains(inForm.toPoint()))
+            return other;
+    }
+    return nullptr;
+}
+
+}

@@ -1,0 +1,52 @@
+// The widget behind an image. For the toolkit's own sources alone.
+#pragma once
+
+#include "platform/toolkit/image.h"
+
+#include <QWidget>
+#include <memory>
+
+class QMouseEvent;
+
+namespace ctl
+{
+
+class DragOutline;
+
+class ImageWidget final : public QWidget
+{
+public:
+    ImageWidget(Image& image, Image::Use use);
+    ~ImageWidget() override;
+
+    Image& image() const { return image_; }
+    void act(); // what a click does
+
+    // The place in which a track takes drops: over the height of a thumb.
+    QRect dropZone() const;
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void startDrag(QPoint grip);
+    void drop(QPointF inForm);
+    void endDrag();
+    ImageWidget* trackUnder(QPointF inForm) const;
+
+    Image& image_;
+    std::unique_ptr<DragOutline> outline_; // while a drag goes on
+    bool hovered_ = false;
+    bool pressed_ = false;
+};
+
+}

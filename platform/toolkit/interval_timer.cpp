@@ -1,0 +1,50 @@
+#include "platform/toolkit/interval_timer.h"
+
+#include "platform/toolkit/form.h"
+#include "platform/toolkit/toolkit.h"
+
+#include <QTimer>
+
+namespace ctl
+{
+
+IntervalTimer::IntervalTimer(Container& container, const char* name, std::chrono::milliseconds) :
+    toolkit_(container.form().toolkit()), timer_(std::make_unique<QTimer>())
+{
+    timer_->setObjectName(name);
+    QObject::connect(timer_.get(), &QTimer::timeout,
+                     [this] { toolkit_.outermost([this] { Timer.raise(); }); });
+    toolkit_.add(*this);
+}
+
+IntervalTimer::~IntervalTimer() { toolkit_.remove(*this); }
+
+void IntervalTimer::setEnabled(bool enabled)
+{
+    if (std::exchange(enabled_, enabled) != enabled)
+        apply();
+}
+
+void IntervalTimer::setPace(std::chrono::milliseconds interval)
+{
+    // Slow timers may fall together, which is what lets a still program sleep.
+    timer_->setTimerType(interval < std::chrono::milliseconds(100) ? Qt::PreciseTimer : Qt::CoarseTimer);
+    timer_->setInterval(interval);
+    apply();
+}
+
+void IntervalTimer::stop()
+{
+    stopped_ = true;
+    timer_->stop();
+}
+
+void IntervalTimer::apply()
+{
+    if (enabled_ && !stopped_)
+        timer_->start();
+    else
+        timer_->stop();
+}
+
+}

@@ -1,0 +1,103 @@
+#include "platform/toolkit/label.h"
+
+#include "platform/toolkit/qt_bridge.h"
+
+#include <QFontMetrics>
+#include <QLabel>
+#include <QPainter>
+#include <algorithm>
+
+namespace
+{
+
+// How far type may be narrowed before a caption loses its end.
+constexpr int narrowest = 85; // per cent
+
+QFont fitted(const QFont& font, const QString& text, int width)
+{
+    const int wanted = QFontMetrics(font).horizontalAdvance(text);
+    if (wanted <= width)
+        return font;
+    QFont narrow = font;
+    narrow.setStretch(std::max(narrowest, width * 100 / wanted));
+    return narrow;
+}
+
+// A caption that does not fit is narrowed a little, and then ends in an ellipsis.
+class LabelWidget final : public QLabel
+{
+public:
+    LabelWidget() { setTextFormat(Qt::PlainText); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        if (wordWrap()) {
+            QLabel::paintEvent(event);
+            return;
+        }
+        QPainter painter(this);
+        painter.setPen(palette().color(foregroundRole()));
+        painter.setFont(fitted(font(), text(), width()));
+        painter.drawText(rect(), static_cast<int>(alignment()),
+                         painter.fontMetrics().elidedText(text(), Qt::ElideRight, width()));
+    }
+};
+
+// 20 twips to the point of type.
+int typePixels(int points) { return pixelsOf(static_cast<Twips>(points) * 20); }
+
+}
+
+namespace ctl
+{
+
+Label::Label(Container& container, const char* name, Place place, const Text& caption) :
+    Control(container, name, place, new LabelWidget)
+{
+    setCaption(caption);
+}
+
+Label::Label(Container& container, const char* name, Hidden, const Text& caption) :
+    Control(container, name, hidden), caption_(caption)
+{
+}
+
+void Label::setCaption(const Text& caption)
+{
+    caption_ = caption;
+    if (auto* label = static_cast<QLabel*>(widget_))
+        label->setText(shown(caption));
+}
+
+void Label::setTone(Tone tone)
+{
+    static_cast<QLabel*>(widget_)->setForegroundRole(tone == Tone::lit     ? QPalette::Link
+                                                     : tone == Tone::quiet ? QPalette::PlaceholderText
+                                                                           : QPalette::WindowText);
+}
+
+void Label::setCentered() { static_cast<QLabel*>(widget_)->setAlignment(Qt::AlignCenter); }
+
+void Label::setFontSize(int points)
+{
+    QFont font = widget_->font();
+    font.setPixelSize(typePixels(points));
+    widget_->setFont(font);
+}
+
+void Label::setFontBold(bool bold)
+{
+    QFont font = widget_->font();
+    font.setBold(bold);
+    widget_->setFont(font);
+}
+
+void Label::setWordWrap(bool wrap)
+{
+    auto* label = static_cast<QLabel*>(widget_);
+    label->setWordWrap(wrap);
+    label->setAlignment(wrap ? Qt::AlignLeft | Qt::AlignTop : Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+}

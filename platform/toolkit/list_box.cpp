@@ -1,0 +1,123 @@
+#include "platform/toolkit/list_box.h"
+
+#include "platform/failure.h"
+#include "platform/toolkit/list_rows.h"
+#include "platform/toolkit/list_view.h"
+
+namespace ctl
+{
+
+const Text& DroppedFiles::item(std::int32_t number) const
+{
+    if (number < 1 || static_cast<std::size_t>(number) > paths_.size())
+        throw failure(9);
+    return paths_[static_cast<std::size_t>(number) - 1];
+}
+
+ListBox::ListBox(Container& container, const char* name, Place place, Style style) :
+    Control(container, name, place, new ListView(*this, style == Style::checks)),
+    rows_(std::make_unique<ListRows>(style == Style::checks)), view_(static_cast<ListView*>(widget_))
+{
+    view_->setModel(rows_.get());
+}
+
+ListBox::ListBox(Container& container, const char* name, Hidden) :
+    Control(container, name, hidden), rows_(std::make_unique<ListRows>(false))
+{
+}
+
+ListBox::~ListBox()
+{
+    if (view_)
+        view_->setModel(nullptr);
+}
+
+void ListBox::AddItem(const ::Text& text) { AddItem(text, ListCount()); }
+
+void ListBox::AddItem(const ::Text& text, std::int32_t index)
+{
+    if (index < 0 || index > ListCount())
+        throw failure(5);
+    change([&] { rows_->insert(index, text); }, listIndex_ >= index ? listIndex_ + 1 : listIndex_);
+}
+
+void ListBox::RemoveItem(std::int32_t index)
+{
+    if (!holds(index))
+        throw failure(5);
+    const std::int32_t kept = listIndex_ > index ? listIndex_ - 1 : listIndex_;
+    change([&] { rows_->remove(index); }, listIndex_ == index ? -1 : kept);
+}
+
+void ListBox::Clear()
+{
+    change([&] { rows_->clear(); }, -1);
+}
+
+// The view would choose another row by itself; it shows what the list box says.
+template <typename Change>
+void ListBox::change(Change&& change, std::int32_t selected)
+{
+    const bool moved = selected != listIndex_;
+    listIndex_ = selected;
+    if (!view_) {
+        change();
+        return;
+    }
+    view_->quietly(change);
+    if (moved)
+        view_->showSelection(selected);
+}
+
+std::int32_t ListBox::ListCount() const { return rows_->count(); }
+
+::Text ListBox::List(std::int32_t index) const { return holds(index) ? rows_->text(index) : ::Text(); }
+
+::Text ListBox::Text() const { return List(listIndex_); }
+
+void ListBox::setListIndex(std::int32_t index)
+{
+    if (index < -1 || index >= ListCount())
+        throw failure(380);
+    if (std::exchange(listIndex_, index) == index)
+        return;
+    if (view_)
+        view_->showSelection(index);
+    Click.raise();
+}
+
+void ListBox::chosen(std::int32_t index)
+{
+    listIndex_ = index;
+    view_->showSelection(index);
+    fromOutside([this] { Click.raise(); });
+}
+
+bool ListBox::Selected(std::int32_t index) const
+{
+    if (!holds(index))
+        return false;
+    return rows_->hasChecks() ? rows_->isChecked(index) : index == listIndex_;
+}
+
+void ListBox::setSelected(std::int32_t index, bool selected)
+{
+    if (!holds(index))
+        throw failure(381);
+    if (rows_->hasChecks())
+        rows_->check(index, selected);
+    else if (selected)
+        setListIndex(index);
+    else if (index == listIndex_)
+        setListIndex(-1);
+}
+
+void ListBox::acceptFiles()
+{
+    view_->setAcceptDrops(true);
+    view_->setDragDropMode(QAbstractItemView::DropOnly);
+}
+
+std::uint64_t ListBox::revision() const { return rows_->revision(); }
+
+}

@@ -1,0 +1,72 @@
+#include "platform/toolkit/list_rows.h"
+
+#include "platform/toolkit/qt_bridge.h"
+
+namespace ctl
+{
+
+void ListRows::check(std::int32_t index, bool checked)
+{
+    rows_[static_cast<std::size_t>(index)].checked = checked;
+    emit dataChanged(this->index(index), this->index(index), {Qt::CheckStateRole});
+}
+
+void ListRows::insert(std::int32_t index, const Text& text)
+{
+    beginInsertRows({}, index, index);
+    rows_.insert(rows_.begin() + index, {text});
+    changed();
+    endInsertRows();
+}
+
+void ListRows::remove(std::int32_t index)
+{
+    beginRemoveRows({}, index, index);
+    rows_.erase(rows_.begin() + index);
+    changed();
+    endRemoveRows();
+}
+
+void ListRows::clear()
+{
+    beginResetModel();
+    rows_.clear();
+    changed();
+    endResetModel();
+}
+
+// One number for the whole process, so that no two contents of any list share it.
+void ListRows::changed()
+{
+    static std::uint64_t last = 0;
+    revision_ = ++last;
+}
+
+int ListRows::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : count(); }
+
+QVariant ListRows::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || index.row() >= count())
+        return {};
+    if (role == Qt::DisplayRole)
+        return shown(text(index.row()));
+    if (role == Qt::CheckStateRole && checks_)
+        return isChecked(index.row()) ? Qt::Checked : Qt::Unchecked;
+    return {};
+}
+
+bool ListRows::setData(const QModelIndex& index, const QVariant& value, int role)
+{
+    if (role != Qt::CheckStateRole || !checks_ || !index.isValid())
+        return false;
+    check(index.row(), value.toInt() == Qt::Checked);
+    return true;
+}
+
+Qt::ItemFlags ListRows::flags(const QModelIndex&) const
+{
+    const Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+    return checks_ ? flags | Qt::ItemIsUserCheckable : flags;
+}
+
+}

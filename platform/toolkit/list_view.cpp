@@ -1,0 +1,119 @@
+#include "platform/toolkit/list_view.h"
+
+#include "platform/toolkit/key_codes.h"
+
+#include <QDropEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QUrl>
+
+namespace
+{
+
+// The path's own bytes, also where they are no valid text.
+Text pathOf(const QUrl& url)
+{
+    const QByteArray path = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8());
+    return {path.constData(), static_cast<std::size_t>(path.size())};
+}
+
+std::vector<Text> filesIn(const QMimeData& data)
+{
+    std::vector<Text> paths;
+    for (const auto& url : data.urls())
+        if (url.isLocalFile())
+            paths.push_back(pathOf(url));
+    return paths;
+}
+
+}
+
+namespace ctl
+{
+
+ListView::ListView(ListBox& list, bool checks) : list_(list)
+{
+    setUniformItemSizes(true);
+    setSelectionMode(checks ? QAbstractItemView::NoSelection : QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    setTextElideMode(Qt::ElideMiddle);
+}
+
+void ListView::showSelection(std::int32_t index)
+{
+    quietly([&] {
+        const QModelIndex row = model()->index(index, 0);
+        if (row.isValid()) {
+            selectionModel()->setCurrentIndex(row, QItemSelectionModel::ClearAndSelect);
+            scrollTo(row);
+        } else {
+            selectionModel()->clear();
+        }
+    });
+}
+
+void ListView::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QListView::currentChanged(current, previous);
+    if (!quiet_ && current.isValid())
+        list_.chosen(current.row());
+}
+
+void ListView::mousePressEvent(QMouseEvent* event)
+{
+    const QModelIndex row = indexAt(event->position().toPoint());
+    quietly([&] { QListView::mousePressEvent(event); });
+    if (row.isValid())
+        list_.chosen(row.row());
+    else
+        showSelection(list_.ListIndex());
+}
+
+void ListView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    const QModelIndex row = indexAt(event->position().toPoint());
+    if (row.isValid() && row.row() != list_.ListIndex())
+        list_.chosen(row.row());
+    if (event->button() == Qt::LeftButton)
+        list_.fromOutside([this] { list_.DblClick.raise(); });
+}
+
+// Letters would search the rows, which all begin alike: they are the window's own.
+void ListView::keyPressEvent(QKeyEvent* event)
+{
+    const auto code = keyCodeOf(*event);
+    if (code != 0)
+        list_.fromOutside([&] { list_.KeyDown.raise(code, shiftStateOf(*event)); });
+    if (event->text().isEmpty() || event->key() == Qt::Key_Space)
+        QListView::keyPressEvent(event);
+}
+
+// Getting the focus selects nothing.
+void ListView::focusInEvent(QFocusEvent* event)
+{
+    quietly([&] { QListView::focusInEvent(event); });
+    showSelection(list_.ListIndex());
+}
+
+void ListView::dragEnterEvent(QDragEnterEvent* event) { dragMoveEvent(event); }
+
+// As copies, whatever the other program offers first: a move would delete its files.
+void ListView::dragMoveEvent(QDragMoveEvent* event)
+{
+    if (!event->mimeData()->hasUrls() || !event->possibleActions().testFlag(Qt::CopyAction)) {
+        event->ignore();
+        return;
+    }
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void ListView::dropEvent(QDropEvent* event)
+{
+    dragMoveEvent(static_cast<QDragMoveEvent*>(event));
+    const DroppedFiles files(filesIn(*event->mimeData()));
+    list_.fromOutside([&] { list_.OLEDragDrop.raise(files); });
+}
+
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/toolkit/control.h"
+
+namespace ctl
+{
+
+// From 0 to 100; what is set is held to that range.
+class ProgressBar final : public Control
+{
+public:
+    ProgressBar(Container& container, const char* name, Place place);
+
+    float Value() const { return value_; }
+    void setValue(float value);
+    float Max() const { return 100; }
+
+private:
+    float value_ = 0;
+};
+
+}

@@ -1,0 +1,27 @@
+// Between the program's bytes and twips and the window toolkit's strings and pixels. For platform sources
+// alone.
+#pragma once
+
+#include "platform/text.h"
+#include "platform/toolkit/twips.h"
+
+#include <QByteArray>
+#include <QRect>
+#include <QString>
+
+// What the user sees of `text`; bytes that are no UTF-8 show as the replacement character.
+inline QString shown(const Text& text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+inline Text bytesOf(const QString& string)
+{
+    const QByteArray utf8 = string.toUtf8();
+    return {utf8.constData(), static_cast<std::size_t>(utf8.size())};
+}
+
+inline QRect pixelRect(const Place& place)
+{
+    return {pixelsOf(place.left), pixelsOf(place.top), pixelsOf(place.width), pixelsOf(place.height)};
+}

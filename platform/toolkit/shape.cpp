@@ -1,0 +1,22 @@
+#include "platform/toolkit/shape.h"
+
+#include "platform/toolkit/form.h"
+#include "platform/toolkit/form_widget.h"
+#include "platform/toolkit/qt_bridge.h"
+
+#include <QFrame>
+
+namespace ctl
+{
+
+Shape::Shape(Form& form, const char* name, Place place) : Control(form, name, hidden)
+{
+    static_cast<FormWidget*>(form.page())->addFrame(pixelRect(place));
+}
+
+Line::Line(Container& container, const char* name, Place place) : Control(container, name, place, new QFrame)
+{
+    static_cast<QFrame*>(widget_)->setFrameStyle(QFrame::HLine | QFrame::Sunken);
+}
+
+}

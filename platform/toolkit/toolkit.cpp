@@ -1,0 +1,112 @@
+#include "platform/toolkit/toolkit.h"
+
+#include "platform/toolkit/accessibility.h"
+#include "platform/toolkit/form.h"
+#include "platform/toolkit/form_widget.h"
+#include "platform/toolkit/pace.h"
+#include "platform/toolkit/skin.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QScreen>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+struct Toolkit::Parts final : QObject, Post {
+    Parts(Toolkit& owner, Timers timers) : toolkit(owner), pace(timers == Timers::run)
+    {
+        Q_INIT_RESOURCE(skin);
+        QCoreApplication::instance()->installEventFilter(this);
+        makeImagesAccessible();
+    }
+
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        pace.saw(*event);
+        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
+            pressed(object);
+        return false;
+    }
+
+    // The window under a press is the active one before its control hears of the press, whatever the order in
+    // which a window manager sends its own word.
+    void pressed(QObject* object)
+    {
+        auto* widget = qobject_cast<QWidget*>(object);
+        if (auto* window = widget ? dynamic_cast<FormWidget*>(widget->window()) : nullptr)
+            toolkit.outermost([&] { toolkit.activated(window->form()); });
+    }
+
+    void post(std::function<void()> call) override
+    {
+        QMetaObject::invokeMethod(
+            this, [this, call = std::move(call)] { toolkit.outermost(call); }, Qt::QueuedConnection);
+    }
+
+    Toolkit& toolkit;
+    Pace pace;
+    Skin skin;
+    Form* active = nullptr;
+    bool ending = false;
+};
+
+Toolkit::Toolkit(Timers timers) : parts_(std::make_unique<Parts>(*this, timers)) {}
+
+Toolkit::~Toolkit() = default;
+
+void Toolkit::outermost(const std::function<void()>& call)
+{
+    try {
+        call();
+    } catch (const Failure& failure) {
+        stopTimers();
+        if (!std::exchange(parts_->ending, true) && unhandled)
+            unhandled(failure);
+    } catch (const std::exception& defect) {
+        std::cerr << "Velmora ends: " << defect.what() << '\n';
+        std::abort();
+    }
+}
+
+void Toolkit::stopTimers() { parts_->pace.stop(); }
+
+Extent Toolkit::screen() const
+{
+    const QSize size = QGuiApplication::primaryScreen()->size();
+    return {twipsOf(size.width()), twipsOf(size.height())};
+}
+
+Activity& Toolkit::activity() { return parts_->pace; }
+
+Post& Toolkit::post() { return *parts_; }
+
+Skin& Toolkit::skin() { return parts_->skin; }
+
+void Toolkit::add(ctl::IntervalTimer& timer) { parts_->pace.add(timer); }
+
+void Toolkit::remove(ctl::IntervalTimer& timer) { parts_->pace.remove(timer); }
+
+void Toolkit::activated(Form& form)
+{
+    if (parts_->active == &form)
+        return;
+    if (parts_->active)
+        deactivated(*parts_->active);
+    parts_->active = &form;
+    form.Activate.raise();
+}
+
+void Toolkit::deactivated(Form& form)
+{
+    if (parts_->active != &form)
+        return;
+    parts_->active = nullptr;
+    form.Deactivate.raise();
+}
+
+void Toolkit::closed(Form& form)
+{
+    if (parts_->active == &form)
+        parts_->active = nullptr;
+}

@@ -1,0 +1,197 @@
+#include "info/about_frame.h"
+#include "info/edit_file_info_form.h"
+#include "info/error.h"
+#include "platform/failure.h"
+#include "platform/numbers.h"
+#include "platform/toolkit/menu_below.h"
+#include "player/file_kind.h"
+#include "player/start_up.h"
+#include "playlist/play_list_editor.h"
+#include "program.h"
+#include "settingsdlg/settings.h"
+#include "workbench/mp3_encoder.h"
+
+namespace
+{
+
+struct MenuItem {
+    const char* caption;
+    std::int32_t parent; // the number of the item above; 0: top level
+    const char* key = "";
+};
+
+// An item's number is its place in this table, counted from 1; the dispatcher knows it by nothing else.
+// clang-format off
+constexpr MenuItem menu[] = {
+    {"&File",             0, "mnuAccel(3)"},
+    {"&Open",             1},
+    {"Play&list Editor",  1},
+    {"-",                 1},
+    {"Edit File &Info",   1},
+    {"-",                 1},
+    {"E&xit",             1},
+    {"&Options",          0},
+    {"Mp3 &Encoder",      8},
+    {"&WAV => MP3",       9},
+    {"&Settings",         9},
+    {"Mp3 &Decoder",      8},
+    {"&MP3 => WAV",      12},
+    {"&Settings",        12},
+    {"-",                 8},
+    {"&CD => WAV",        8},
+    {"&WAV => CD",        8},
+    {"-",                 8},
+    {"&Settings",         8},
+    {"&About",            0},
+};
+// clang-format on
+
+constexpr const char* menuName = "VLMMenu";
+
+}
+
+void StartUp::CreateMenus()
+{
+    cP->Clear();
+    for (const auto& item : menu)
+        cP->AddItem(item.caption, "", 0, item.parent, -1, false, true, item.key);
+    cP->Store(menuName);
+}
+
+void StartUp::imgMenu_Click() { showMenuBelow(*cP, imgMenu, menuName); }
+
+void StartUp::cP_Click(std::int32_t& item)
+{
+    switch (item) {
+    case 2:
+        openFile();
+        break;
+    case 3:
+        program_.playListEditor().Show();
+        break;
+    case 5:
+        editTag();
+        break;
+    case 7:
+        program_.platform().endProgram();
+        break;
+    case 10:
+        openWorkbench(0);
+        break;
+    case 11:
+        openSettings(0);
+        break;
+    case 13:
+        openWorkbench(1);
+        break;
+    case 14:
+        openSettings(1);
+        break;
+    case 16:
+        openWorkbench(2);
+        break;
+    case 17:
+        openWorkbench(3);
+        break;
+    case 19:
+        openSettingsAsTheyStand();
+        break;
+    case 20:
+        program_.aboutFrame().Show();
+        break;
+    default:
+        break;
+    }
+}
+
+// Opens without playing. Unlike the first Play it leaves the pause and its flag alone, so that a paused
+// player goes on into the new file's start.
+void StartUp::openFile()
+{
+    const bool prepared = program_.reporting([this] {
+        takeStoredFileType();
+        OpenSaveDialog1->setFlags(4112);
+        OpenSaveDialog1->setCancelError(true);
+        prepareOpenDialog();
+    });
+    if (!prepared || !succeeds([this] { OpenSaveDialog1->ShowOpen(); }))
+        return;
+    if (OpenSaveDialog1->FilterIndex() == kind::mp3)
+        takeMp3File();
+    else
+        takeWavFile();
+    skipping([this] {
+        program_.settingsStore().SaveSetting(section::general, key::fileType,
+                                             textOf(OpenSaveDialog1->FilterIndex()));
+    });
+}
+
+void StartUp::takeMp3File()
+{
+    skipping([this] { Mp3Player->Stop(); }, [this] { Mp3Player->Close(); },
+             [this] { mp3filename.setCaption(OpenSaveDialog1->FileName()); },
+             [this] { Mp3Player->Open(mp3filename.Caption(), ""); }, [this] { showFileInformation(); },
+             [this] { MMControl1->setCommand("Close"); });
+}
+
+void StartUp::takeWavFile()
+{
+    skipping([this] { mp3filename.setCaption(OpenSaveDialog1->FileName()); },
+             [this] { stitle.setCaption(OpenSaveDialog1->FileTitle()); });
+    for (auto* label : {&sartist, &salbum, &sgenre, &slength, &sbitrate, &sfrequency})
+        label->setCaption("");
+    skipping([this] { Mp3Player->Close(); }, [this] { MMControl1->setCommand("Close"); },
+             [this] { MMControl1->setDeviceType("WaveAudio"); },
+             [this] { MMControl1->setFileName(mp3filename.Caption()); },
+             [this] { MMControl1->setCommand("Open"); }, [this] { showLength(MMControl1->Length()); });
+}
+
+void StartUp::editTag()
+{
+    if (OpenSaveDialog1->FilterIndex() != kind::mp3) {
+        program_.tell("No file or .wav file opened!                                        "
+                      "You can only create an ID tag for an mp3 file!");
+        return;
+    }
+    auto& editor = program_.editFileInfoForm();
+    editor.filelocation.setText(mp3filename.Caption());
+    for (auto* box :
+         {&editor.txtTitle, &editor.txtArtist, &editor.txtAlbum, &editor.txtYear, &editor.txtComment})
+        box->setText("");
+    editor.txtGenre.setListIndex(Mp3Player->GenreIndex() == -1 ? genreRowUnknown : Mp3Player->GenreIndex());
+    editor.txtTitle.setText(Mp3Player->Title());
+    editor.txtArtist.setText(Mp3Player->Artist());
+    editor.txtAlbum.setText(Mp3Player->Album());
+    if (Mp3Player->Year() != 0)
+        editor.txtYear.setText(textOf(Mp3Player->Year()));
+    if (Mp3Player->Comment() != " ")
+        editor.txtComment.setText(Mp3Player->Comment());
+    editor.setLeft(Left());
+    editor.setTop(Top());
+    editor.Show();
+}
+
+void StartUp::openWorkbench(int tab)
+{
+    get_all_settings();
+    program_.mp3Encoder().EncDecCDWAVtab.setTab(tab);
+    program_.mp3Encoder().Show();
+}
+
+// The loaders mark the tab as changed; its Apply is cleared after them, so that the window opens clean.
+void StartUp::openSettings(int tab)
+{
+    get_all_settings();
+    auto& settings = program_.settings();
+    settings.applyButton(tab).setEnabled(false);
+    settings.SettingsTab.setTab(tab);
+    settings.Show();
+}
+
+void StartUp::openSettingsAsTheyStand()
+{
+    auto& settings = program_.settings();
+    for (int tab = 0; tab < 4; ++tab)
+        settings.applyButton(tab).setEnabled(false);
+    settings.Show();
+}

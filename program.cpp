@@ -1,0 +1,65 @@
+#include "program.h"
+
+#include "info/about_frame.h"
+#include "info/edit_file_info_form.h"
+#include "info/error.h"
+#include "platform/message_boxes.h"
+#include "platform/numbers.h"
+#include "platform/toolkit/toolkit.h"
+#include "player/start_up.h"
+#include "playlist/play_list_editor.h"
+#include "settingsdlg/settings.h"
+#include "workbench/mp3_encoder.h"
+
+Program::Program(Platform& platform) : platform_(platform), settingsStore_(platform.keyValueStore()) {}
+
+Program::~Program() = default;
+
+void Program::start() { startUp().Show(); }
+
+template <typename Window>
+Window& Program::touched(std::unique_ptr<Window>& window)
+{
+    if (!window) {
+        window = std::make_unique<Window>(*this);
+        window->Load.raise();
+    }
+    return *window;
+}
+
+StartUp& Program::startUp() { return touched(startUp_); }
+
+PlayListEditor& Program::playListEditor() { return touched(playListEditor_); }
+
+Mp3Encoder& Program::mp3Encoder() { return touched(mp3Encoder_); }
+
+Settings& Program::settings() { return touched(settings_); }
+
+editfileinfoform& Program::editFileInfoForm() { return touched(editFileInfoForm_); }
+
+AboutFrame& Program::aboutFrame() { return touched(aboutFrame_); }
+
+Error& Program::error() { return touched(error_); }
+
+void Program::unloadAboutFrame()
+{
+    aboutFrame_->Hide();
+    std::shared_ptr<AboutFrame> leaving = std::move(aboutFrame_);
+    platform_.toolkit().post().post([leaving] {});
+}
+
+void Program::tell(const Text& message)
+{
+    error().theerror.setCaption(message);
+    error().Show();
+}
+
+bool Program::reporting(const std::function<void()>& steps)
+{
+    return guarded(
+        [this](const Failure& failure) {
+            platform_.messageBoxes().show(failure.description, "Error " + textOf(failure.number),
+                                          MessageBoxes::Icon::critical, MessageBoxes::Buttons::ok);
+        },
+        steps);
+}

@@ -1,0 +1,53 @@
+#include "settingsdlg/settings.h"
+
+#include "platform/failure.h"
+#include "platform/numbers.h"
+#include "platform/toolkit/toolkit.h"
+#include "player/start_up.h"
+#include "program.h"
+
+Settings::Settings(Program& program) :
+    Form(program.platform().toolkit(), "Settings", Border::fixed, {6900_tw, 5070_tw}),
+    drives_(program.platform().drives()), program_(program)
+{
+    setCaption("Settings");
+    for (int tab = 0; tab < 4; ++tab)
+        applyButton(tab).setEnabled(false);
+    SetWAVtoCDcddrives.setEnabled(false);
+    SetWAVtoCDcdwriter.setEnabled(false);
+    SetWAVtoCDcdwriter.setToolTipText("automatic selected CD writer");
+    SetWAVtoCDwritertype.setEnabled(false);
+    SetWAVtoCDcdwrSetwrtype.setEnabled(false);
+    wire();
+}
+
+void Settings::wire()
+{
+    Load.calls(*this, &Settings::Form_Load);
+    wireEncoderTab();
+    wireDecoderTab();
+    wireCdToWavTab();
+    wireWavToCdTab();
+}
+
+ctl::CommandButton& Settings::applyButton(int tab)
+{
+    ctl::CommandButton* const buttons[] = {&SetEncApp, &SetDecApp, &SetCDtoWAVApp, &SetWAVtoCDApp};
+    return *buttons[tab];
+}
+
+void Settings::Form_Load()
+{
+    skipping([this] { program_.startUp().get_all_settings(); },
+             [this] {
+                 for (int tab = 0; tab < 4; ++tab)
+                     applyButton(tab).setEnabled(false);
+             },
+             [this] { init(); }, [this] { start_up(); },
+             [this] {
+                 const auto& store = program_.settingsStore();
+                 if (store.GetSetting(section::wavToCd, key::settingsSaved) == "yes")
+                     SetWAVtoCDcddrives.setListIndex(
+                         toInteger32(store.GetSetting(section::wavToCd, key::selectedWriter)));
+             });
+}

@@ -1,0 +1,515 @@
+#include "platform/system/disk_text_files.h"
+
+#include "platform/system/state_part_notes.h"
+#include "tests/support/child.h"
+#include "tests/support/failures.h"
+#include "tests/support/files.h"
+#include "tests/support/temporary_folder.h"
+
+#include <doctest/doctest.h>
+
+#include <fcntl.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+namespace
+{
+
+// A folder for lists, and the state folder beside it.
+struct Desk {
+    TemporaryFolder folder;
+    Text lists = folder / "lists";
+    Text list = lists + "/deflist.vlp";
+    StatePartNotes notes{folder / "state"};
+    DiskTextFiles files{notes};
+
+    Desk() { std::filesystem::create_directory(lists); }
+
+    void write(const Text& path, std::string_view bytes, std::uint64_t revision = 0)
+    {
+        const auto output = files.openForOutput(path);
+        output->write(bytes);
+        output->finish(revision);
+    }
+    int writeFailure(const Text& path, std::string_view bytes)
+    {
+        return failureOf([&] { write(path, bytes); });
+    }
+    mode_t mode(const Text& path) const { return status(path).st_mode & 07777; }
+    struct stat status(const Text& path) const
+    {
+        struct stat status = {};
+        stat(path.c_str(), &status);
+        return status;
+    }
+};
+
+// A file system of `kilobytes`, unmounted at the end; without the right to mount there is none.
+class SmallDisk
+{
+public:
+    SmallDisk(const Text& folder, int kilobytes) : folder_(folder)
+    {
+        std::filesystem::create_directory(folder);
+        const Text size = "size=" + std::to_string(kilobytes) + "k";
+        mounted_ = mount("tmpfs", folder.c_str(), "tmpfs", 0, size.c_str()) == 0;
+        if (!mounted_)
+            MESSAGE("skipped: this process may not mount a file system");
+    }
+    ~SmallDisk()
+    {
+        if (mounted_)
+            umount2(folder_.c_str(), MNT_DETACH);
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+    explicit operator bool() const { return mounted_; }
+
+private:
+    Text folder_;
+    bool mounted_;
+};
+
+const Text oldRows = "/music/old one.mp3\r\n/music/old two.mp3\r\n";
+
+}
+
+TEST_CASE("A written file holds what was written, and nothing stands beside it")
+{
+    const struct {
+        const char* what;
+        Text bytes;
+    } cases[] = {
+        {"nothing", ""},
+        {"two rows", "/a.mp3\r\n/b.mp3\r\n"},
+        {"bytes of any kind", Text("\0\xFF\xFE\n\r", 5)},
+        {"more than a buffer", Text(200'001, 'x')},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        Desk desk;
+        desk.write(desk.list, c.bytes);
+        CHECK(fileBytes(desk.list) == c.bytes);
+        desk.write(desk.list, c.bytes + "more");
+        CHECK(desk.files.readWhole(desk.list) == c.bytes + "more");
+        CHECK(desk.files.length(desk.list) == static_cast<std::int64_t>(c.bytes.size() + 4));
+        CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp"});
+    }
+}
+
+TEST_CASE("Many small writes make one file")
+{
+    Desk desk;
+    const auto output = desk.files.openForOutput(desk.list);
+    Text expected;
+    for (int i = 0; i < 10'000; ++i) {
+        output->write("/music/" + std::to_string(i) + ".mp3\r\n");
+        expected += "/music/" + std::to_string(i) + ".mp3\r\n";
+    }
+    output->finish();
+    CHECK(fileBytes(desk.list) == expected);
+}
+
+TEST_CASE("Until it is finished the old file stands, and an output given up leaves nothing")
+{
+    Desk desk;
+    putFile(desk.list, oldRows);
+    {
+        const auto output = desk.files.openForOutput(desk.list);
+        CHECK(namesInFolder(desk.lists).size() == 2);
+        output->write(Text(500'000, 'x'));
+        CHECK(fileBytes(desk.list) == oldRows);
+    }
+    CHECK(fileBytes(desk.list) == oldRows);
+    CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp"});
+}
+
+TEST_CASE("A new file that is given up never appears")
+{
+    Desk desk;
+    desk.files.openForOutput(desk.list)->write("row");
+    CHECK(namesInFolder(desk.lists).empty());
+}
+
+TEST_CASE("Mode and owner of a file stay, and a new one gets the usual mode")
+{
+    Desk desk;
+    putFile(desk.list, oldRows);
+    chmod(desk.list.c_str(), 0640);
+    const bool given = chown(desk.list.c_str(), 1234, 4321) == 0;
+    desk.write(desk.list, "new");
+    CHECK(fileBytes(desk.list) == "new");
+    CHECK(desk.mode(desk.list) == 0640);
+    if (given) {
+        CHECK(desk.status(desk.list).st_uid == 1234);
+        CHECK(desk.status(desk.list).st_gid == 4321);
+    }
+    const mode_t mask = umask(022);
+    desk.write(desk.lists + "/new.vlp", "new");
+    CHECK(desk.mode(desk.lists + "/new.vlp") == 0644);
+    umask(mask);
+}
+
+TEST_CASE("A link keeps leading to the file that is written")
+{
+    const struct {
+        const char* what;
+        const char* target;
+    } cases[] = {
+        {"a relative link", "real.vlp"},
+        {"a link to another link", "hop"},
+        {"a link through another folder", "../lists/real.vlp"},
+        {"a link to a file that does not exist yet", "new.vlp"},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        Desk desk;
+        putFile(desk.lists + "/real.vlp", oldRows);
+        std::filesystem::create_symlink("real.vlp", desk.lists + "/hop");
+        std::filesystem::create_symlink(c.target, desk.list);
+        desk.write(desk.list, "new");
+        CHECK(std::filesystem::is_symlink(desk.list));
+        CHECK(fileBytes(desk.list) == "new");
+    }
+}
+
+TEST_CASE("Opening for output fails where plain output would, and touches nothing")
+{
+    Desk desk;
+    std::filesystem::create_directory(desk.lists + "/folder");
+    std::filesystem::create_symlink("ring", desk.lists + "/ring");
+    putFile(desk.list, oldRows);
+    const auto before = namesInFolder(desk.lists);
+    const struct {
+        const char* what;
+        Text path;
+        int number;
+    } cases[] = {
+        {"no name", "", 75},
+        {"a folder", desk.lists + "/folder", 75},
+        {"a name that ends like a folder's", desk.lists + "/folder/", 75},
+        {"in a folder that does not exist", desk.lists + "/none/list.vlp", 76},
+        {"below a file", desk.list + "/list.vlp", 76},
+        {"links in a ring", desk.lists + "/ring", 75},
+        {"a NUL in the name", desk.list + Text("\0x", 2), 75},
+        {"a name that is too long", desk.lists + "/" + Text(300, 'x'), 75},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        CHECK(desk.writeFailure(c.path, "new") == c.number);
+    }
+    CHECK(namesInFolder(desk.lists) == before);
+    CHECK(fileBytes(desk.list) == oldRows);
+}
+
+TEST_CASE("A title as long as the file system allows can be written")
+{
+    Desk desk;
+    for (const Text& title : {Text(255, 'x'), Text(251, 'x') + ".vlp"}) {
+        desk.write(desk.lists + "/" + title, "new");
+        CHECK(fileBytes(desk.lists + "/" + title) == "new");
+    }
+}
+
+TEST_CASE("A file that may not be written is refused and stays")
+{
+    Desk desk;
+    putFile(desk.list, oldRows);
+    chmod(desk.list.c_str(), 0444);
+    for (const Text& path : {desk.folder.path(), desk.lists})
+        chmod(path.c_str(), 0777);
+    Child child([&] {
+        becomeNobody();
+        endUnless(desk.writeFailure(desk.list, "new") == 70, 1);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(fileBytes(desk.list) == oldRows);
+    CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp"});
+}
+
+TEST_CASE("A folder that takes no new file refuses one, but a file in it is written in place")
+{
+    Desk desk;
+    putFile(desk.list, oldRows);
+    chmod(desk.list.c_str(), 0666);
+    const ino_t number = desk.status(desk.list).st_ino;
+    chmod(desk.folder.path().c_str(), 0755);
+    chmod(desk.lists.c_str(), 0555);
+    Child child([&] {
+        becomeNobody();
+        endUnless(desk.writeFailure(desk.lists + "/new.vlp", "new") == 70, 1);
+        endUnless(desk.writeFailure(desk.list, Text(100'000, 'x')) == 0, 2);
+        endUnless(fileBytes(desk.list) == Text(100'000, 'x'), 3);
+        endUnless(desk.writeFailure(desk.list, "short") == 0, 4);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(fileBytes(desk.list) == "short");
+    CHECK(desk.status(desk.list).st_ino == number);
+}
+
+TEST_CASE("Somebody else's file that everybody may write keeps its owner")
+{
+    Desk desk;
+    putFile(desk.list, oldRows);
+    chmod(desk.list.c_str(), 0666);
+    chmod(desk.folder.path().c_str(), 0755);
+    chmod(desk.lists.c_str(), 01777);
+    Child child([&] {
+        becomeNobody();
+        endUnless(desk.writeFailure(desk.list, "new") == 0, 1);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(fileBytes(desk.list) == "new");
+    CHECK(desk.status(desk.list).st_uid == geteuid());
+    CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp"});
+}
+
+TEST_CASE("On a medium that may only be read everything is refused")
+{
+    Desk desk;
+    const Text disk = desk.folder / "disk";
+    const SmallDisk mounted(disk, 64);
+    if (!mounted)
+        return;
+    putFile(disk + "/list.vlp", oldRows);
+    REQUIRE(mount("", disk.c_str(), "", MS_REMOUNT | MS_RDONLY, "") == 0);
+    CHECK(desk.writeFailure(disk + "/list.vlp", "new") == 70);
+    CHECK(desk.writeFailure(disk + "/new.vlp", "new") == 70);
+    CHECK(fileBytes(disk + "/list.vlp") == oldRows);
+}
+
+TEST_CASE("A full disk fails with its own number and keeps the old file")
+{
+    Desk desk;
+    const Text disk = desk.folder / "disk";
+    const SmallDisk mounted(disk, 64);
+    if (!mounted)
+        return;
+    putFile(disk + "/list.vlp", oldRows);
+    CHECK(desk.writeFailure(disk + "/list.vlp", Text(1 << 20, 'x')) == 61);
+    CHECK(desk.writeFailure(disk + "/new.vlp", Text(1 << 20, 'x')) == 61);
+    CHECK(fileBytes(disk + "/list.vlp") == oldRows);
+    CHECK(namesInFolder(disk) == std::set<Text>{"list.vlp"});
+}
+
+TEST_CASE("A full disk keeps the old file also where it is written in place")
+{
+    Desk desk;
+    const Text disk = desk.folder / "disk";
+    const SmallDisk mounted(disk, 64);
+    if (!mounted)
+        return;
+    putFile(disk + "/list.vlp", oldRows);
+    chmod((disk + "/list.vlp").c_str(), 0666);
+    chmod(disk.c_str(), 0555);
+    chmod(desk.folder.path().c_str(), 0755);
+    Child child([&] {
+        becomeNobody();
+        endUnless(desk.writeFailure(disk + "/list.vlp", Text(1 << 20, 'x')) == 61, 1);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(fileBytes(disk + "/list.vlp") == oldRows);
+}
+
+TEST_CASE("A limit on the size of files is a full disk")
+{
+    Desk desk;
+    putFile(desk.list, oldRows);
+    Child child([&] {
+        const rlimit limit{4096, 4096};
+        signal(SIGXFSZ, SIG_IGN);
+        endUnless(setrlimit(RLIMIT_FSIZE, &limit) == 0, 98);
+        endUnless(desk.writeFailure(desk.list, Text(1 << 20, 'x')) == 61, 1);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(fileBytes(desk.list) == oldRows);
+    CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp"});
+}
+
+TEST_CASE("Devices take what is written")
+{
+    Desk desk;
+    CHECK(desk.writeFailure("/dev/null", "new") == 0);
+    CHECK(desk.writeFailure("/dev/full", "new") == 61);
+    CHECK(std::filesystem::is_character_file("/dev/full"));
+}
+
+TEST_CASE("A pipe that nobody reads keeps nobody waiting")
+{
+    Desk desk;
+    const Text pipe = desk.lists + "/pipe";
+    REQUIRE(mkfifo(pipe.c_str(), 0666) == 0);
+    CHECK(desk.writeFailure(pipe, Text(1 << 20, 'x')) == 75);
+    CHECK(failureOf([&] { desk.files.readWhole(pipe); }) == 75);
+    CHECK(std::filesystem::is_fifo(pipe));
+}
+
+TEST_CASE("Reading fails for what is no file")
+{
+    Desk desk;
+    putFile(desk.list, oldRows);
+    const struct {
+        const char* what;
+        Text path;
+        int readNumber;
+        int lengthNumber;
+    } cases[] = {
+        {"a missing file", desk.lists + "/none", 53, 53},
+        {"a missing folder", desk.lists + "/none/list.vlp", 53, 53},
+        {"below a file", desk.list + "/list.vlp", 53, 53},
+        {"no name", "", 53, 53},
+        {"a folder", desk.lists, 75, 53},
+        {"a device without end", "/dev/zero", 75, 53},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        CHECK(failureOf([&] { desk.files.readWhole(c.path); }) == c.readNumber);
+        CHECK(failureOf([&] { desk.files.length(c.path); }) == c.lengthNumber);
+    }
+}
+
+TEST_CASE("A file that may not be read is refused, one of a film's size too")
+{
+    Desk desk;
+    putFile(desk.list, oldRows);
+    chmod(desk.list.c_str(), 0);
+    for (const Text& path : {desk.folder.path(), desk.lists})
+        chmod(path.c_str(), 0755);
+    Child child([&] {
+        becomeNobody();
+        endUnless(failureOf([&] { desk.files.readWhole(desk.list); }) == 70, 1);
+    });
+    CHECK(child.wait() == 0);
+    putFile(desk.lists + "/film", "");
+    std::filesystem::resize_file(desk.lists + "/film", 5'000'000'000);
+    CHECK(failureOf([&] { desk.files.readWhole(desk.lists + "/film"); }) == 75);
+    CHECK(desk.files.length(desk.lists + "/film") == 5'000'000'000);
+}
+
+TEST_CASE("A file is still what was left there until anything about it changes")
+{
+    using Change = std::function<void(const Text&)>;
+    const struct {
+        const char* what;
+        Change change;
+        bool holds;
+    } cases[] = {
+        {"nothing", [](const Text&) {}, true},
+        {"it was read", [](const Text& path) { fileBytes(path); }, true},
+        {"one byte at the start, at once",
+         [](const Text& path) { std::fstream(path, std::ios::in | std::ios::out).put('X'); }, false},
+        {"the same bytes written anew", [](const Text& path) { putFile(path, fileBytes(path)); }, false},
+        {"emptied", [](const Text& path) { std::filesystem::resize_file(path, 0); }, false},
+        {"a byte longer", [](const Text& path) { std::ofstream(path, std::ios::app).put('x'); }, false},
+        {"removed", [](const Text& path) { std::filesystem::remove(path); }, false},
+        {"replaced by a copy",
+         [](const Text& path) {
+             std::filesystem::copy_file(path, path + "2");
+             std::filesystem::rename(path + "2", path);
+         },
+         false},
+        {"a changed byte behind a forged time",
+         [](const Text& path) {
+             const auto time = std::filesystem::last_write_time(path);
+             std::fstream(path, std::ios::in | std::ios::out).put('X');
+             std::filesystem::last_write_time(path, time);
+         },
+         false},
+        {"another mode", [](const Text& path) { chmod(path.c_str(), 0600); }, false},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        Desk desk;
+        desk.write(desk.list, oldRows, 7);
+        REQUIRE(desk.files.stillHolds(desk.list, 7));
+        c.change(desk.list);
+        CHECK(desk.files.stillHolds(desk.list, 7) == c.holds);
+        desk.write(desk.list, oldRows, 7);
+        CHECK(desk.files.stillHolds(desk.list, 7));
+    }
+}
+
+TEST_CASE("Only the revision that was written is held")
+{
+    Desk desk;
+    CHECK_FALSE(desk.files.stillHolds(desk.list, 0));
+    CHECK_FALSE(desk.files.stillHolds(desk.list, 1));
+    desk.write(desk.list, oldRows, 1);
+    CHECK_FALSE(desk.files.stillHolds(desk.list, 2));
+    CHECK_FALSE(desk.files.stillHolds(desk.lists + "/other", 1));
+    desk.write(desk.list, oldRows);
+    CHECK_FALSE(desk.files.stillHolds(desk.list, 1));
+    CHECK_FALSE(desk.files.stillHolds(desk.list, 0));
+}
+
+TEST_CASE("A file written in place is held too")
+{
+    Desk desk;
+    putFile(desk.list, "");
+    chmod(desk.list.c_str(), 0666);
+    chmod(desk.folder.path().c_str(), 0755);
+    chmod(desk.lists.c_str(), 0555);
+    Child child([&] {
+        becomeNobody();
+        desk.write(desk.list, oldRows, 3);
+        endUnless(desk.files.stillHolds(desk.list, 3), 1);
+        std::fstream(desk.list, std::ios::in | std::ios::out).put('X');
+        endUnless(!desk.files.stillHolds(desk.list, 3), 2);
+    });
+    CHECK(child.wait() == 0);
+}
+
+TEST_CASE("A backup stands beside its file, and one that cannot be kept is no failure")
+{
+    Desk desk;
+    desk.files.keepBackup(desk.list, oldRows);
+    CHECK(fileBytes(desk.list + ".bak") == oldRows);
+    desk.files.keepBackup(desk.list, "new");
+    CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp.bak"});
+    CHECK(fileBytes(desk.list + ".bak") == "new");
+    desk.files.keepBackup(desk.lists + "/none/deflist.vlp", "new");
+    CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp.bak"});
+}
+
+TEST_CASE("A kill at any instant leaves a whole list, and the next start clears up")
+{
+    Desk desk;
+    const auto rows = [](int number) {
+        return Text(static_cast<std::size_t>(number) * 3001, char('a' + number % 26));
+    };
+    int leftovers = 0;
+    for (int round = 0; round < 40; ++round) {
+        CAPTURE(round);
+        int pipes[2];
+        REQUIRE(pipe2(pipes, O_CLOEXEC) == 0);
+        Child writer([&] {
+            StatePartNotes notes(desk.folder / "state");
+            DiskTextFiles files(notes);
+            for (int i = 0;; ++i) {
+                const auto output = files.openForOutput(desk.list);
+                output->write(rows(i % 100));
+                output->finish(static_cast<std::uint64_t>(i) + 1);
+                std::ignore = write(pipes[1], &i, sizeof i);
+            }
+        });
+        close(pipes[1]);
+        int number = 0;
+        for (int i = 0; i < 1 + round * 2; ++i)
+            REQUIRE(read(pipes[0], &number, sizeof number) == sizeof number);
+        for (int i = 0; i < 1000 && namesInFolder(desk.lists).size() < 2; ++i)
+            continue;
+        writer.kill();
+        close(pipes[0]);
+        const Text found = fileBytes(desk.list);
+        CHECK(found == rows(static_cast<int>(found.size() / 3001)));
+        leftovers += namesInFolder(desk.lists).size() > 1;
+        removeNotedParts(desk.folder / "state");
+        CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp"});
+        CHECK(namesInFolder(desk.folder / "state/parts").empty());
+    }
+    CHECK(leftovers > 0); // otherwise no kill came at an instant that matters
+}

@@ -1,0 +1,425 @@
+#include "platform/system/sqlite_store.h"
+
+#include "tests/support/child.h"
+#include "tests/support/files.h"
+#include "tests/support/temporary_folder.h"
+
+#include <doctest/doctest.h>
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <chrono>
+
+namespace
+{
+
+constexpr const char* app = "Velmora";
+constexpr const char* section = "Position StartUp Window";
+
+// A store in a folder that does not exist yet.
+struct Place {
+    TemporaryFolder folder;
+    Text path = folder / "config/Velmora/settings.sqlite";
+
+    Text get(const Text& key) const { return SqliteStore(path).GetSetting(app, section, key); }
+    void save(const Text& key, const Text& value) const
+    {
+        SqliteStore(path).SaveSetting(app, section, key, value);
+    }
+    void make() const { save("Left", "1"); }
+};
+
+// Somebody else at the same file.
+class Outsider
+{
+public:
+    explicit Outsider(const Text& path) { sqlite3_open(path.c_str(), &connection_); }
+    ~Outsider() { sqlite3_close(connection_); }
+    bool runs(const char* statement)
+    {
+        return sqlite3_exec(connection_, statement, nullptr, nullptr, nullptr) == SQLITE_OK;
+    }
+
+private:
+    sqlite3* connection_ = nullptr;
+};
+
+double millisecondsOf(const std::function<void()>& work)
+{
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+}
+
+// Counted up in the log's header when the log begins anew.
+Text logGeneration(const Text& path)
+{
+    std::ifstream log(path + "-wal", std::ios::binary);
+    Text header(16, '\0');
+    log.read(header.data(), 16);
+    return header.substr(12);
+}
+
+int read(int pipe)
+{
+    int number = 0;
+    return ::read(pipe, &number, sizeof number) == sizeof number ? number : -1;
+}
+
+}
+
+TEST_CASE("An absent key is an empty text, and reading it leaves no value behind")
+{
+    const Place place;
+    CHECK(place.get("Left").empty());
+    CHECK(place.get("Left").empty());
+}
+
+TEST_CASE("Settings outlast the store that saved them")
+{
+    const Place place;
+    {
+        SqliteStore store(place.path);
+        store.SaveSetting(app, section, "Left", "1200");
+        store.SaveSetting(app, "Position PlayList Editor", "Left", "7635.5");
+        store.SaveSetting("Another", section, "Left", "3");
+        store.SaveSetting(app, section, "Left", "1215");
+        CHECK(store.GetSetting(app, section, "Left") == "1215");
+    }
+    SqliteStore store(place.path);
+    CHECK(store.GetSetting(app, section, "Left") == "1215");
+    CHECK(store.GetSetting(app, "Position PlayList Editor", "Left") == "7635.5");
+    CHECK(store.GetSetting("Another", section, "Left") == "3");
+    CHECK(store.GetSetting(app, section, "left").empty());
+}
+
+TEST_CASE("Every value comes back byte for byte")
+{
+    const struct {
+        const char* what;
+        Text value;
+    } cases[] = {
+        {"quotes", "it's \"quoted\"; DROP TABLE settings"},
+        {"bytes that are no UTF-8", "/music/caf\xE9/\xFF\xFE.mp3"},
+        {"a NUL inside", Text("a\0b", 3)},
+        {"line ends", "a\r\nb"},
+        {"digits stay text", "007.50"},
+        {"a long one", Text(1 << 20, 'x')},
+    };
+    const Place place;
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        place.save("key", c.value);
+        CHECK(place.get("key") == c.value);
+    }
+}
+
+TEST_CASE("An equal value writes nothing")
+{
+    const Place place;
+    SqliteStore store(place.path);
+    store.SaveSetting(app, section, "Left", "1200");
+    const Text log = fileBytes(place.path + "-wal");
+    REQUIRE(!log.empty());
+    for (int i = 0; i < 100; ++i)
+        store.SaveSetting(app, section, "Left", "1200");
+    store.SaveSetting(app, section, "never saved", "");
+    CHECK(fileBytes(place.path + "-wal") == log);
+    store.SaveSetting(app, section, "Left", "1215");
+    CHECK(fileBytes(place.path + "-wal") != log);
+}
+
+TEST_CASE("What another process saved is compared with, not what this one remembers")
+{
+    const Place place;
+    SqliteStore one(place.path);
+    SqliteStore other(place.path);
+    one.SaveSetting(app, section, "SHOWN", "YES");
+    other.SaveSetting(app, section, "SHOWN", "NO");
+    CHECK(one.GetSetting(app, section, "SHOWN") == "NO");
+    one.SaveSetting(app, section, "SHOWN", "YES");
+    CHECK(other.GetSetting(app, section, "SHOWN") == "YES");
+}
+
+TEST_CASE("Two processes that save at once lose nothing")
+{
+    const Place place;
+    const auto saveMany = [&](const Text& prefix) {
+        SqliteStore store(place.path);
+        for (int i = 0; i < 300; ++i)
+            store.SaveSetting(app, section, prefix + std::to_string(i), std::to_string(i));
+    };
+    Child one([&] { saveMany("one"); });
+    Child other([&] { saveMany("other"); });
+    REQUIRE(one.wait() == 0);
+    REQUIRE(other.wait() == 0);
+    SqliteStore store(place.path);
+    for (int i = 0; i < 300; ++i)
+        for (const char* prefix : {"one", "other"}) {
+            CAPTURE(prefix);
+            REQUIRE(store.GetSetting(app, section, prefix + std::to_string(i)) == std::to_string(i));
+        }
+}
+
+TEST_CASE("A kill at any instant loses nothing that was saved")
+{
+    const Place place;
+    for (int round = 0; round < 40; ++round) {
+        CAPTURE(round);
+        int pipes[2];
+        REQUIRE(pipe2(pipes, O_CLOEXEC) == 0);
+        Child writer([&] {
+            SqliteStore store(place.path);
+            for (int i = 1;; ++i) {
+                store.SaveSetting(app, section, "Left", std::to_string(i));
+                std::ignore = write(pipes[1], &i, sizeof i);
+            }
+        });
+        close(pipes[1]);
+        int saved = 0;
+        while (saved >= 0 && saved < 1 + round * 97)
+            saved = read(pipes[0]);
+        writer.kill();
+        for (int later = saved; later >= 0; later = read(pipes[0]))
+            saved = later;
+        close(pipes[0]);
+        const int found = std::stoi("0" + place.get("Left"));
+        CHECK(found >= saved);
+        CHECK(found <= saved + 1);
+        place.save("Left", "0");
+    }
+    CHECK(namesInFolder(place.folder / "config/Velmora").count("settings.sqlite.damaged") == 0);
+}
+
+TEST_CASE("A log that grows long moves into the file behind the window's back, and begins anew")
+{
+    const Place place;
+    SqliteStore store(place.path);
+    store.SaveSetting(app, section, "Left", "start");
+    const auto lengthBefore = std::filesystem::file_size(place.path);
+    const Text logBefore = logGeneration(place.path);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    for (int i = 0; logGeneration(place.path) == logBefore && std::chrono::steady_clock::now() < limit; ++i)
+        store.SaveSetting(app, section, "key" + std::to_string(i % 50), std::to_string(i));
+    CHECK(std::filesystem::file_size(place.path) > lengthBefore);
+    CHECK(logGeneration(place.path) != logBefore);
+}
+
+TEST_CASE("A file that is no database is set aside and a new one begun")
+{
+    const struct {
+        const char* what;
+        Text content;
+    } cases[] = {
+        {"text", "[Settings]\nLeft=1\n" + Text(2000, 'x')},
+        {"zeros", Text(8192, '\0')},
+        {"a header and nothing more", Text("SQLite format 3\0", 16)},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        const Place place;
+        place.make();
+        putFile(place.path, c.content);
+        SqliteStore store(place.path);
+        CHECK(store.GetSetting(app, section, "Left").empty());
+        store.SaveSetting(app, section, "Left", "2");
+        CHECK(place.get("Left") == "2");
+        CHECK(fileBytes(place.path + ".damaged") == c.content);
+    }
+}
+
+TEST_CASE("An empty file is a store without settings")
+{
+    const Place place;
+    place.make();
+    putFile(place.path, "");
+    place.save("Left", "2");
+    CHECK(place.get("Left") == "2");
+    CHECK(fileBytes(place.path + ".damaged").empty());
+}
+
+TEST_CASE("A database whose pages are damaged is set aside when that shows")
+{
+    const Place place;
+    place.make();
+    Text bytes = fileBytes(place.path);
+    REQUIRE(bytes.size() >= 2048);
+    bytes.replace(1024, bytes.size() - 1024, bytes.size() - 1024, '\xAA');
+    putFile(place.path, bytes);
+    SqliteStore store(place.path);
+    CHECK(store.GetSetting(app, section, "Left").empty());
+    store.SaveSetting(app, section, "Left", "2");
+    CHECK(store.GetSetting(app, section, "Left") == "2");
+    CHECK(fileBytes(place.path + ".damaged") == bytes);
+}
+
+TEST_CASE("A cut database is set aside")
+{
+    const Place place;
+    place.make();
+    const Text bytes = fileBytes(place.path);
+    putFile(place.path, bytes.substr(0, 1000));
+    place.save("Left", "2");
+    CHECK(place.get("Left") == "2");
+    CHECK(fileBytes(place.path + ".damaged") == bytes.substr(0, 1000));
+}
+
+TEST_CASE("Somebody else's database is set aside")
+{
+    const Place place;
+    place.make();
+    REQUIRE(Outsider(place.path).runs("DROP TABLE settings; CREATE TABLE settings (colour TEXT)"));
+    place.save("Left", "2");
+    CHECK(place.get("Left") == "2");
+    CHECK(Outsider(place.path + ".damaged").runs("SELECT colour FROM settings"));
+}
+
+TEST_CASE("Damage in the middle of a run is met without a word")
+{
+    const Place place;
+    SqliteStore store(place.path);
+    store.SaveSetting(app, section, "Left", "1");
+    REQUIRE(Outsider(place.path).runs("DROP TABLE settings"));
+    store.SaveSetting(app, section, "Left", "2");
+    CHECK(store.GetSetting(app, section, "Left") == "2");
+    CHECK(place.get("Left") == "2");
+}
+
+TEST_CASE("Two processes that meet the same damage agree on one new store")
+{
+    const Place place;
+    for (int round = 0; round < 10; ++round) {
+        CAPTURE(round);
+        place.make();
+        std::filesystem::remove(place.path + "-wal");
+        putFile(place.path, Text(4096, 'x'));
+        Child one([&] { place.save("one", "1"); });
+        Child other([&] { place.save("other", "2"); });
+        REQUIRE(one.wait() == 0);
+        REQUIRE(other.wait() == 0);
+        CHECK(place.get("one") == "1");
+        CHECK(place.get("other") == "2");
+    }
+}
+
+TEST_CASE("A busy store is waited for only a moment, and gets the value later")
+{
+    const Place place;
+    SqliteStore store(place.path);
+    store.SaveSetting(app, section, "Left", "1");
+    Outsider outsider(place.path);
+    REQUIRE(outsider.runs("BEGIN IMMEDIATE"));
+    const double waited = millisecondsOf([&] {
+        for (int i = 2; i < 100; ++i)
+            store.SaveSetting(app, section, "Left", std::to_string(i));
+    });
+    CHECK(waited < 500); // once fifty, not a hundred times
+    CHECK(store.GetSetting(app, section, "Left") == "99");
+    CHECK(place.get("Left") == "1");
+    REQUIRE(outsider.runs("COMMIT"));
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (place.get("Left") != "99" && std::chrono::steady_clock::now() < limit)
+        store.SaveSetting(app, section, "SHOWN", "YES");
+    CHECK(place.get("Left") == "99");
+    CHECK(fileBytes(place.path + ".damaged").empty());
+}
+
+TEST_CASE("A locked store gives no values and costs no more than a moment")
+{
+    const Place place;
+    place.make();
+    Outsider outsider(place.path);
+    REQUIRE(outsider.runs("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE"));
+    SqliteStore store(place.path);
+    const double waited = millisecondsOf([&] {
+        for (int i = 0; i < 100; ++i)
+            CHECK(store.GetSetting(app, section, "Left").empty());
+    });
+    CHECK(waited < 500);
+    CHECK(fileBytes(place.path + ".damaged").empty());
+}
+
+TEST_CASE("A full disk keeps the old store and the run's own values")
+{
+    const Place place;
+    place.make();
+    Child child([&] {
+        const rlimit limit{8 * 1024, 8 * 1024};
+        signal(SIGXFSZ, SIG_IGN);
+        endUnless(setrlimit(RLIMIT_FSIZE, &limit) == 0, 98);
+        SqliteStore store(place.path);
+        store.SaveSetting(app, section, "long", Text(100'000, 'x'));
+        store.SaveSetting(app, section, "Left", "2");
+        endUnless(store.GetSetting(app, section, "long").size() == 100'000, 1);
+        endUnless(store.GetSetting(app, section, "Left") == "2", 2);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(place.get("long").empty());
+    CHECK(fileBytes(place.path + ".damaged").empty());
+}
+
+TEST_CASE("A folder that takes no files is no reason to fail")
+{
+    const Place place;
+    chmod(place.folder.path().c_str(), 0555);
+    Child child([&] {
+        becomeNobody();
+        SqliteStore store(place.path);
+        store.SaveSetting(app, section, "Left", "1");
+        endUnless(store.GetSetting(app, section, "Left") == "1", 1);
+    });
+    CHECK(child.wait() == 0);
+    chmod(place.folder.path().c_str(), 0755);
+    CHECK(namesInFolder(place.folder.path()).empty());
+}
+
+TEST_CASE("A store that may only be read is read, and stays")
+{
+    const Place place;
+    place.make();
+    const Text folder = place.folder / "config/Velmora";
+    // What a killed process leaves: the log and its index stay beside the file.
+    Child([&] {
+        SqliteStore store(place.path);
+        store.SaveSetting(app, section, "Left", "7");
+        _exit(0);
+    }).wait();
+    REQUIRE(namesInFolder(folder).size() == 3);
+    for (const Text& name : namesInFolder(folder))
+        chmod((folder + "/" + name).c_str(), 0444);
+    for (const Text& path : {place.folder.path(), place.folder / "config", folder})
+        chmod(path.c_str(), 0555);
+    Child child([&] {
+        becomeNobody();
+        SqliteStore store(place.path);
+        endUnless(store.GetSetting(app, section, "Left") == "7", 1);
+        store.SaveSetting(app, section, "Left", "8");
+        endUnless(store.GetSetting(app, section, "Left") == "8", 2);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(place.get("Left") == "7");
+    CHECK(namesInFolder(folder).count("settings.sqlite.damaged") == 0);
+    for (const Text& path : {place.folder.path(), place.folder / "config", folder})
+        chmod(path.c_str(), 0755);
+}
+
+TEST_CASE("A folder where the file should be is no reason to fail")
+{
+    const Place place;
+    std::filesystem::create_directories(place.path);
+    SqliteStore store(place.path);
+    store.SaveSetting(app, section, "Left", "1");
+    CHECK(store.GetSetting(app, section, "Left") == "1");
+    CHECK(std::filesystem::is_directory(place.path));
+}
+
+TEST_CASE("A store without a path keeps the run's own values")
+{
+    SqliteStore store("");
+    store.SaveSetting(app, section, "Left", "1");
+    CHECK(store.GetSetting(app, section, "Left") == "1");
+}

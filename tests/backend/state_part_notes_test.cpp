@@ -1,0 +1,158 @@
+#include "platform/system/state_part_notes.h"
+
+#include "tests/support/child.h"
+#include "tests/support/files.h"
+#include "tests/support/temporary_folder.h"
+
+#include <doctest/doctest.h>
+
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+struct State {
+    TemporaryFolder folder;
+    Text state = folder / "state";
+    Text part = folder / "song.mp3.part";
+
+    // A process that notes `path`, makes the file, and is killed.
+    void abandon(const Text& path) const
+    {
+        Child([&] {
+            StatePartNotes notes(state);
+            notes.note(path);
+            putFile(path, "half a song");
+            _exit(0);
+        }).wait();
+    }
+};
+
+}
+
+TEST_CASE("A part that a process left behind is removed at the next start")
+{
+    const State state;
+    state.abandon(state.part);
+    REQUIRE(std::filesystem::exists(state.part));
+    removeNotedParts(state.state);
+    CHECK_FALSE(std::filesystem::exists(state.part));
+    CHECK(namesInFolder(state.state + "/parts").empty());
+}
+
+TEST_CASE("A part of a process that still runs stays")
+{
+    const State state;
+    StatePartNotes notes(state.state);
+    notes.note(state.part);
+    putFile(state.part, "half a song");
+    Child([&] { removeNotedParts(state.state); }).wait();
+    removeNotedParts(state.state);
+    CHECK(std::filesystem::exists(state.part));
+}
+
+TEST_CASE("What was done is not removed, what was noted beside it is")
+{
+    const State state;
+    const Text other = state.folder / "other.mp3.part";
+    Child([&] {
+        StatePartNotes notes(state.state);
+        notes.note(other);
+        notes.note(state.part);
+        notes.done(other);
+        putFile(state.part, "half a song");
+        _exit(0);
+    }).wait();
+    removeNotedParts(state.state);
+    CHECK_FALSE(std::filesystem::exists(state.part));
+}
+
+TEST_CASE("A name that comes again after it was done is somebody else's file")
+{
+    const State state;
+    Child([&] {
+        StatePartNotes notes(state.state);
+        notes.note(state.part);
+        notes.done(state.part);
+        _exit(0);
+    }).wait();
+    putFile(state.part, "not ours");
+    removeNotedParts(state.state);
+    CHECK(std::filesystem::exists(state.part));
+}
+
+TEST_CASE("Nothing but a part file is ever removed")
+{
+    const State state;
+    const Text song = state.folder / "song.mp3";
+    state.abandon(song);
+    const Text folder = state.folder / "folder.part";
+    std::filesystem::create_directory(folder);
+    Child([&] {
+        StatePartNotes notes(state.state);
+        notes.note(folder);
+        _exit(0);
+    }).wait();
+    removeNotedParts(state.state);
+    CHECK(std::filesystem::exists(song));
+    CHECK(std::filesystem::exists(folder));
+}
+
+TEST_CASE("Names with line ends and bytes of any kind are noted whole")
+{
+    const State state;
+    const Text odd = state.folder / "a\nb\xFF \".part";
+    state.abandon(odd);
+    removeNotedParts(state.state);
+    CHECK_FALSE(std::filesystem::exists(odd));
+}
+
+TEST_CASE("A cut note and rubbish in the folder do no harm")
+{
+    const State state;
+    std::filesystem::create_directories(state.state + "/parts/folder");
+    putFile(state.part, "ours?");
+    putFile(state.state + "/parts/cut", state.part);
+    removeNotedParts(state.state);
+    CHECK(std::filesystem::exists(state.part));
+    CHECK(namesInFolder(state.state + "/parts") == std::set<Text>{"folder"});
+}
+
+TEST_CASE("A start without a state folder has nothing to do")
+{
+    const State state;
+    removeNotedParts(state.state);
+    CHECK(namesInFolder(state.folder.path()).empty());
+}
+
+TEST_CASE("A state folder that cannot be made costs the notes and nothing else")
+{
+    const State state;
+    putFile(state.state, "a file");
+    StatePartNotes notes(state.state);
+    notes.note(state.part);
+    notes.done(state.part);
+    CHECK(fileBytes(state.state) == "a file");
+}
+
+TEST_CASE("Threads note at the same time, and an orderly end leaves no notes")
+{
+    const State state;
+    {
+        StatePartNotes notes(state.state);
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i)
+            threads.emplace_back([&, i] {
+                for (int j = 0; j < 200; ++j) {
+                    const Text path = state.folder / (std::to_string(i) + "-" + std::to_string(j) + ".part");
+                    notes.note(path);
+                    notes.done(path);
+                }
+            });
+        for (auto& thread : threads)
+            thread.join();
+        CHECK(namesInFolder(state.state + "/parts").size() == 1);
+    }
+    CHECK(namesInFolder(state.state + "/parts").empty());
+}

@@ -1,0 +1,39 @@
+#include "workbench/file_names.h"
+
+#include "platform/failure.h"
+#include "platform/paths.h"
+
+#include <limits>
+
+Text twoDigits(std::int32_t number)
+{
+    const Text digits = std::to_string(number);
+    return digits.size() < 2 ? "0" + digits : digits;
+}
+
+Text cleanFileName(std::string_view name)
+{
+    constexpr std::string_view forbidden = "\\/:*?\"<>|";
+    Text clean(name);
+    for (auto& character : clean)
+        if (forbidden.find(character) != std::string_view::npos)
+            character = '_';
+    return clean;
+}
+
+Text rippedFilePath(std::string_view directory, std::string_view name)
+{
+    Text path(directory);
+    if (characterCount(directory) != driveRoot.size())
+        path += pathSeparator;
+    return path.append(name).append(".wav");
+}
+
+float percentOf(std::int32_t position, std::int32_t length)
+{
+    const std::int64_t product = static_cast<std::int64_t>(position) * 100;
+    if (product > std::numeric_limits<std::int32_t>::max() ||
+        product < std::numeric_limits<std::int32_t>::min())
+        throw failure(6);
+    return static_cast<float>(product) / static_cast<float>(length);
+}
