@@ -131,7 +131,7 @@ Items itemsWith(ApeTag& tag, const std::vector<FieldChange>& changes)
     Items items;
     for (const auto& item : tag.items)
         if (!changeOf(item, changes))
-            items.add(tag.bytes->read(item.at, item.size));
+            items.add(tag.bytes->readAll(item.at, item.size));
     for (const auto& change : changes)
         if (!change.text.empty())
             items.add(makeItem(keyOf(change.field), change.text));
@@ -168,8 +168,8 @@ HeldTag readApe(ApeTag& tag)
 Text apeWith(ApeTag& tag, const std::vector<FieldChange>& changes)
 {
     const Items items = itemsWith(tag, changes);
-    const Text header = tag.bytes->read(0, tag.itemsBegin);
-    const Text footer = tag.bytes->read(tag.size - endSize, endSize);
+    const Text header = tag.bytes->readAll(0, tag.itemsBegin);
+    const Text footer = tag.bytes->readAll(tag.size - endSize, endSize);
     return (header.empty() ? "" : renewed(header, items.bytes.size(), items.count)) + items.bytes +
            renewed(footer, items.bytes.size(), items.count);
 }

@@ -1,14 +1,11 @@
 #include "platform/tags/byte_source.h"
 
-#include <algorithm>
-#include <cerrno>
+#include "platform/failure.h"
 
-#include <unistd.h>
+#include <algorithm>
 
 namespace
 {
-
-constexpr std::size_t pieceSize = 16 * 1024;
 
 // The part of `count` that lies before the end.
 std::size_t within(const ByteSource& source, std::uint64_t at, std::size_t count)
@@ -20,32 +17,25 @@ std::size_t within(const ByteSource& source, std::uint64_t at, std::size_t count
 
 }
 
-Text FileBytes::readPast(std::uint64_t at, std::size_t count) const
+Text ByteSource::readAll(std::uint64_t at, std::size_t count)
 {
-    Text bytes(count, '\0');
-    std::size_t done = 0;
-    while (done < count) {
-        const auto got = pread(descriptor_, bytes.data() + done, count - done, static_cast<off_t>(at + done));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            break;
-        done += static_cast<std::size_t>(got);
-    }
-    bytes.resize(done);
+    Text bytes = read(at, count);
+    if (bytes.size() < count)
+        throw Failure{57, "The file could not be read."};
     return bytes;
+}
+
+FileBytes::FileBytes(std::shared_ptr<const InputFile> file) :
+    size_(static_cast<std::uint64_t>(file->size())), window_(std::move(file))
+{
 }
 
 Text FileBytes::read(std::uint64_t at, std::size_t count)
 {
-    count = within(*this, at, count);
-    if (count > pieceSize)
-        return readPast(at, count);
-    if (at < pieceAt_ || at + count > pieceAt_ + piece_.size()) {
-        piece_ = readPast(at, within(*this, at, pieceSize));
-        pieceAt_ = at;
-    }
-    return piece_.substr(static_cast<std::size_t>(at - pieceAt_), count);
+    Text bytes(within(*this, at, count), '\0');
+    const auto got = window_.read(bytes.data(), bytes.size(), static_cast<std::int64_t>(at));
+    bytes.resize(static_cast<std::size_t>(std::max<std::ptrdiff_t>(got, 0)));
+    return bytes;
 }
 
 Text StretchOfBytes::read(std::uint64_t at, std::size_t count)

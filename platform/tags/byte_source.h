@@ -1,10 +1,12 @@
 // Bytes that are read where they are wanted, so that a large picture in a tag costs nothing.
 #pragma once
 
+#include "platform/codec/input_file.h"
 #include "platform/text.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 class ByteSource
 {
@@ -15,24 +17,22 @@ public:
 
     // Fewer bytes than asked for at the end, and where reading fails.
     virtual Text read(std::uint64_t at, std::size_t count) = 0;
+
+    // For bytes that are to be written again: fails with 57 instead of giving fewer.
+    Text readAll(std::uint64_t at, std::size_t count);
 };
 
-// An open file, which must stay open. It is read in pieces of 16 KB, the last one kept.
 class FileBytes final : public ByteSource
 {
 public:
-    FileBytes(int descriptor, std::uint64_t size) : descriptor_(descriptor), size_(size) {}
+    explicit FileBytes(std::shared_ptr<const InputFile> file);
 
     std::uint64_t size() const override { return size_; }
     Text read(std::uint64_t at, std::size_t count) override;
 
 private:
-    Text readPast(std::uint64_t at, std::size_t count) const;
-
-    int descriptor_;
     std::uint64_t size_;
-    Text piece_;
-    std::uint64_t pieceAt_ = 0;
+    FileWindow window_;
 };
 
 // A stretch of another source, counted from its own beginning.

@@ -132,7 +132,7 @@ void takeBody(Id3v2Layout& layout, ByteSource& file)
     }
     if (header.size > longestScrambled)
         refuse("Its ID3v2 tag is too long.");
-    const Text stored = file.read(at, header.size);
+    const Text stored = file.readAll(at, header.size);
     const Text body = resynchronised(stored);
     layout.isFaithful = unsynchronised(body) == stored;
     layout.body = std::make_unique<BytesInMemory>(body);

@@ -117,12 +117,12 @@ Rewriting rewritingFor(Id3v2Layout& layout, const std::vector<FieldChange>& chan
 
 Text framesWith(Id3v2Layout& layout, const Rewriting& rewriting)
 {
-    Text body = layout.body->read(0, layout.framesBegin);
+    Text body = layout.body->readAll(0, layout.framesBegin);
     for (std::size_t i = 0; i < layout.frames.size(); ++i) {
         const auto replaced = rewriting.replaced.find(i);
         const auto& frame = layout.frames[i];
-        body +=
-            replaced == rewriting.replaced.end() ? layout.body->read(frame.at, frame.size) : replaced->second;
+        body += replaced == rewriting.replaced.end() ? layout.body->readAll(frame.at, frame.size)
+                                                     : replaced->second;
     }
     return body + rewriting.added;
 }
@@ -130,15 +130,16 @@ Text framesWith(Id3v2Layout& layout, const Rewriting& rewriting)
 // What lies behind the frames: nothing when it is padding, otherwise something that is not ours to drop.
 Text remainsOf(Id3v2Layout& layout)
 {
-    Text rest = layout.body->read(layout.framesEnd, layout.body->size() - layout.framesEnd);
+    Text rest = layout.body->readAll(layout.framesEnd, layout.body->size() - layout.framesEnd);
     return rest.find_first_not_of('\0') == Text::npos ? "" : rest;
 }
 
-// A tag that grows gets some room, so that its next change finds a place. None comes behind a footer, nor
-// behind remains: these may be a frame cut short, which would then become a longer one.
+// A tag that grows gets some room, so that its next change finds a place. None comes before a footer, nor
+// behind remains: these may be a frame cut short, which would then become a longer one. Nor where its count,
+// in the extended header, would have to be unsynchronised with the rest.
 std::size_t paddingFor(const Id3v2Header& header, std::size_t size, const Text& remains)
 {
-    if (header.hasFooter() || !remains.empty())
+    if (header.hasFooter() || !remains.empty() || (header.isScrambled() && header.hasExtendedHeader()))
         return 0;
     return size <= header.size ? header.size - size : roomForMore;
 }
@@ -174,11 +175,12 @@ Text id3v2With(Id3v2Layout& layout, const std::vector<FieldChange>& changes)
         throw Failure{75, "Its ID3v2 tag is not stored in the way it says."};
     const Text remains = remainsOf(layout);
     Text body = framesWith(layout, rewritingFor(layout, changes)) + remains;
-    if (header.isScrambled())
-        body = unsynchronised(body);
-    const std::size_t padding = paddingFor(header, body.size(), remains);
+    const std::size_t size = header.isScrambled() ? unsynchronised(body).size() : body.size();
+    const std::size_t padding = paddingFor(header, size, remains);
     if (header.hasExtendedHeader())
         renewExtendedHeader(body, header, padding);
+    if (header.isScrambled())
+        body = unsynchronised(body);
     return wholeTag(header, body + Text(padding, '\0'));
 }
 

@@ -1,21 +1,18 @@
 #include "platform/tags/tag_file.h"
 
+#include "platform/codec/mp3_probe.h"
 #include "platform/failure.h"
+#include "platform/system/folders.h"
 #include "platform/tags/file_swap.h"
 #include "platform/tags/id3v1.h"
 #include "platform/tags/id3v2_read.h"
 #include "platform/tags/id3v2_write.h"
-#include "platform/tags/mp3_audio.h"
-#include "platform/tags/open_file.h"
 #include "platform/tags/tag_parts.h"
 #include "platform/tags/tag_text.h"
 
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace
 {
@@ -64,18 +61,6 @@ Text resolved(const Text& path)
     return target.get();
 }
 
-// Also for a system administrator, who may write everything: a write-protected file is meant to stay as it
-// is.
-OpenFile openForWriting(const Text& path, const OpenFile& file)
-{
-    if ((file.status().st_mode & 0222) == 0)
-        failWith("The file is write-protected", EACCES);
-    OpenFile writable(open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!writable.isOpen())
-        failWith("The file could not be opened for writing", errno);
-    return writable;
-}
-
 // The tags as they shall be; one that is not set stays as it is.
 struct NewTags {
     std::optional<Text> id3v2;
@@ -112,58 +97,54 @@ NewEnds endsFor(const NewTags& tags, const TagParts& parts, std::uint64_t size)
     return ends;
 }
 
-// The last 128 bytes alone, where no copy can be made: so few that there is next to no moment for a crash.
-void overwriteId3v1(const OpenFile& writable, const Text& block, off_t at, off_t oldSize)
+bool isMp3(const std::shared_ptr<const InputFile>& file) { return firstMp3Frame(file).has_value(); }
+
+// `id3v1Alone`: no other tag is there, or needed, that readers would prefer. Then these few bytes may be
+// written in the file itself where no copy can be made: there is next to no moment for a crash.
+void put(const NewTags& tags, const TagParts& parts, const StandingFile& file, bool id3v1Alone)
 {
-    if (writeAt(writable, block, at) && fsync(writable.descriptor()) == 0)
+    requireWritable(file);
+    Failure refused;
+    const auto ends = endsFor(tags, parts, static_cast<std::uint64_t>(file.status.st_size));
+    if (guarded([&](const Failure& failure) { refused = failure; }, [&] { swapEnds(file, ends); }))
         return;
-    const int reason = errno;
-    if (ftruncate(writable.descriptor(), oldSize) == 0)
-        failWith("The tag could not be written", reason);
+    if (refused.number != permissionDenied || !id3v1Alone)
+        throw refused;
+    overwriteEnd(file, parts.audioEnd, tags.id3v1);
 }
 
 void write(const Text& path, const Tag& wanted)
 {
     const Text target = resolved(path);
-    const OpenFile file = openForReading(target);
-    if (!file.isOpen())
-        failWith("The file could not be opened", errno);
-    const struct stat known = file.status();
-    const auto size = static_cast<std::uint64_t>(known.st_size);
-    FileBytes bytes(file.descriptor(), size);
+    const auto file = isFile(target) ? InputFile::open(target) : nullptr;
+    if (!file)
+        failWith("The file could not be opened", isFile(target) ? errno : EISDIR);
+    StandingFile standing{target, file->descriptor(), {}};
+    fstat(file->descriptor(), &standing.status);
+    FileBytes bytes(file);
     TagParts parts = tagPartsOf(bytes);
     const Tag shown = tagOf(bytes, parts);
 
     NewTags tags;
     tags.id3v2 = newId3v2For(bytes, parts, wanted, shown);
-    if (!holdsMp3(bytes, parts.audioBegin, parts.audioEnd))
+    if (!isMp3(file))
         throw Failure{75, "It is not an MP3 file."};
     tags.ape = newApeFor(parts, wanted, shown);
     tags.id3v1 = id3v1With(wanted, shown, parts.id3v1);
-    if (!tags.id3v2 && !tags.ape && tags.id3v1 == parts.id3v1)
-        return;
-
-    const OpenFile writable = openForWriting(target, file);
-    Failure refused;
-    if (guarded([&](const Failure& failure) { refused = failure; },
-                [&] { swapEnds(file, target, known, endsFor(tags, parts, size)); }))
-        return;
-    const bool id3v1Alone = !parts.id3v2 && !parts.ape && !tags.id3v2;
-    if (refused.number != permissionDenied || !id3v1Alone)
-        throw refused;
-    overwriteId3v1(writable, tags.id3v1, static_cast<off_t>(parts.audioEnd), static_cast<off_t>(size));
+    if (tags.id3v2 || tags.ape || tags.id3v1 != parts.id3v1)
+        put(tags, parts, standing, !parts.id3v2 && !parts.ape && !tags.id3v2);
 }
 
 }
 
 Tag readTag(const Text& path)
 {
-    const OpenFile file = openForReading(path);
-    if (!file.isOpen())
+    const auto file = InputFile::open(path);
+    if (!file || !isMp3(file))
         return {};
-    FileBytes bytes(file.descriptor(), static_cast<std::uint64_t>(file.status().st_size));
+    FileBytes bytes(file);
     TagParts parts = tagPartsOf(bytes);
-    return holdsMp3(bytes, parts.audioBegin, parts.audioEnd) ? tagOf(bytes, parts) : Tag();
+    return tagOf(bytes, parts);
 }
 
 Text writeTag(const Text& path, const Tag& tag)

@@ -57,14 +57,14 @@ Text damaged(Text bytes, std::minstd_rand& random)
 
 TEST_CASE("A damaged file is read to the end, written whole or refused")
 {
-    const TestFolder folder(memoryFolder());
+    const TemporaryFolder folder(memoryFolder());
     std::minstd_rand random(20);
     const auto files = soundFiles();
     int refused = 0;
     int written = 0;
     for (int round = 0; round < 4000; ++round) {
         const Text bytes = damaged(files[random() % files.size()], random);
-        const Text path = folder.put(bytes);
+        const Text path = putSong(folder, bytes);
         const Tag tag = readTag(path);
         CHECK(isValidUtf8(tag.title + tag.artist + tag.album + tag.comment));
         if (round % 10 != 0)
@@ -76,8 +76,8 @@ TEST_CASE("A damaged file is read to the end, written whole or refused")
         if (reason == "")
             CHECK(readTag(path) == wanted);
         else
-            CHECK(contentOf(path) == bytes);
-        CHECK((contentOf(path).find(audio.substr(0, 4000)) != Text::npos) == hadAudio);
+            CHECK(fileBytes(path) == bytes);
+        CHECK((fileBytes(path).find(audio.substr(0, 4000)) != Text::npos) == hadAudio);
     }
     CHECK(written > 0);
     CHECK(refused > 0);
@@ -111,10 +111,10 @@ TEST_CASE("Files that were made to keep a reader busy are read in a moment")
         {"zeros", Text(5'000'000, '\0')},
         {"ones", Text(5'000'000, '\xFF')},
     };
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const auto& c : cases) {
         CAPTURE(c.what);
-        const Text path = folder.put(c.bytes);
+        const Text path = putSong(folder, c.bytes);
         const auto begin = std::chrono::steady_clock::now();
         readTag(path);
         CHECK(std::chrono::steady_clock::now() - begin < std::chrono::seconds(2));

@@ -12,12 +12,12 @@ const Text audio = mp3Frames(40);
 
 Text changed(const Text& bytes, void (*change)(Tag&))
 {
-    const TestFolder folder;
-    const Text path = folder.put(bytes);
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, bytes);
     Tag tag = readTag(path);
     change(tag);
     CHECK(writeTag(path, tag) == "");
-    return contentOf(path);
+    return fileBytes(path);
 }
 
 Text retitled(const Text& bytes)
@@ -28,13 +28,13 @@ Text retitled(const Text& bytes)
 // The reason why the file's title cannot be changed; the file is as it was.
 Text refusal(const Text& bytes)
 {
-    const TestFolder folder;
-    const Text path = folder.put(bytes);
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, bytes);
     Tag tag = readTag(path);
     tag.title = "New";
     const Text reason = writeTag(path, tag);
-    CHECK(contentOf(path) == bytes);
-    CHECK(folder.names().size() == 1);
+    CHECK(fileBytes(path) == bytes);
+    CHECK(holdsOnlyTheSong(folder));
     return reason;
 }
 
@@ -192,9 +192,9 @@ TEST_CASE("An ID3v1 text in some other code page is not replaced by question mar
 
 TEST_CASE("A tag that says everything already leaves the file untouched")
 {
-    const TestFolder folder;
-    const Text path = folder.put(v2Tag(4, text4("TIT2", "Title") + text4("TDRC", "2004-05-06")) + audio +
-                                 v1Tag({"Title", "", "", "2004"}));
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, v2Tag(4, text4("TIT2", "Title") + text4("TDRC", "2004-05-06")) + audio +
+                                          v1Tag({"Title", "", "", "2004"}));
     const auto before = std::filesystem::last_write_time(path);
     std::filesystem::permissions(path, std::filesystem::perms::owner_read);
     CHECK(writeTag(path, readTag(path)) == "");

@@ -1,14 +1,14 @@
 // Where and under what rights a tag is written: what becomes of the file, its names and its folder.
 #include "platform/tags/tag_file.h"
 
-#include "platform/failure.h"
+#include "platform/system/descriptor.h"
 #include "platform/tags/file_swap.h"
-#include "tests/support/child_process.h"
+#include "tests/support/child.h"
+#include "tests/support/failures.h"
 #include "tests/support/mp3_files.h"
 
 #include <doctest/doctest.h>
 
-#include <algorithm>
 #include <csignal>
 
 #include <fcntl.h>
@@ -39,10 +39,39 @@ struct stat statusOf(const Text& path)
     return status;
 }
 
+constexpr uid_t nobody = 65534;
+
 void giveToNobody(const Text& path)
 {
     if (geteuid() == 0)
         REQUIRE(chown(path.c_str(), nobody, nobody) == 0);
+}
+
+// What `work` says in a process of its own.
+Text answerOfChild(const std::function<Text()>& work)
+{
+    int ends[2];
+    REQUIRE(pipe(ends) == 0);
+    Child child([&] {
+        const Text answer = work();
+        endUnless(write(ends[1], answer.data(), answer.size()) >= 0, 1);
+    });
+    close(ends[1]);
+    Text answer;
+    char buffer[512];
+    for (ssize_t got; (got = read(ends[0], buffer, sizeof buffer)) > 0;)
+        answer.append(buffer, static_cast<std::size_t>(got));
+    close(ends[0]);
+    CHECK(child.wait() == 0);
+    return answer;
+}
+
+Text answerOfNobody(const std::function<Text()>& work)
+{
+    return answerOfChild([&] {
+        becomeNobody();
+        return work();
+    });
 }
 
 // What writing says in a folder that does not permit new files, with the file's bytes afterwards.
@@ -54,24 +83,24 @@ struct Outcome {
 
 Outcome writtenInClosedFolder(const Text& bytes, const Tag& tag)
 {
-    const TestFolder folder;
-    const Text path = folder.put(bytes);
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, bytes);
     giveToNobody(path);
-    giveToNobody(folder.path(""));
+    giveToNobody(folder.path());
     const auto inode = statusOf(path).st_ino;
-    fs::permissions(folder.path(""), fs::perms(0555));
-    const Text reason = inChildOfNobody([&] { return writeTag(path, tag); });
-    fs::permissions(folder.path(""), fs::perms(0755));
-    CHECK(folder.names().size() == 1);
-    return {reason, contentOf(path), statusOf(path).st_ino == inode};
+    fs::permissions(folder.path(), fs::perms(0555));
+    const Text reason = answerOfNobody([&] { return writeTag(path, tag); });
+    fs::permissions(folder.path(), fs::perms(0755));
+    CHECK(holdsOnlyTheSong(folder));
+    return {reason, fileBytes(path), statusOf(path).st_ino == inode};
 }
 
 }
 
 TEST_CASE("Mode, owner and attributes of a file are kept, and its time is new")
 {
-    const TestFolder folder;
-    const Text path = folder.put(withV2);
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
     if (geteuid() == 0)
         REQUIRE(chown(path.c_str(), 1234, 2345) == 0);
     fs::permissions(path, fs::perms(0640));
@@ -91,73 +120,73 @@ TEST_CASE("Mode, owner and attributes of a file are kept, and its time is new")
 
 TEST_CASE("A symbolic link stays one, and the file that it leads to is written")
 {
-    const TestFolder folder;
-    const TestFolder other;
-    const Text path = other.put(withV2);
-    fs::create_symlink(path, other.path("one.mp3"));
-    fs::create_symlink(other.path("one.mp3"), folder.path("two.mp3"));
-    CHECK(writeTag(folder.path("two.mp3"), wanted) == "");
-    CHECK(fs::is_symlink(folder.path("two.mp3")));
-    CHECK(fs::is_symlink(other.path("one.mp3")));
+    const TemporaryFolder folder;
+    const TemporaryFolder other;
+    const Text path = putSong(other, withV2);
+    fs::create_symlink(path, other / "one.mp3");
+    fs::create_symlink(other / "one.mp3", folder / "two.mp3");
+    CHECK(writeTag(folder / "two.mp3", wanted) == "");
+    CHECK(fs::is_symlink(folder / "two.mp3"));
+    CHECK(fs::is_symlink(other / "one.mp3"));
     CHECK_FALSE(fs::is_symlink(path));
     CHECK(readTag(path).title == "New");
-    CHECK(folder.names().size() == 1);
-    CHECK(other.names().size() == 2);
+    CHECK(namesInFolder(folder.path()) == std::set<Text>{"two.mp3"});
+    CHECK(namesInFolder(other.path()).size() == 2);
 }
 
 TEST_CASE("A link that leads nowhere, in a circle or to no file is refused and makes no file")
 {
-    const TestFolder folder;
-    fs::create_symlink("missing.mp3", folder.path("dangling.mp3"));
-    fs::create_symlink("circle.mp3", folder.path("circle.mp3"));
-    fs::create_symlink("/dev/zero", folder.path("device.mp3"));
-    fs::create_symlink(".", folder.path("folder.mp3"));
+    const TemporaryFolder folder;
+    fs::create_symlink("missing.mp3", folder / "dangling.mp3");
+    fs::create_symlink("circle.mp3", folder / "circle.mp3");
+    fs::create_symlink("/dev/zero", folder / "device.mp3");
+    fs::create_symlink(".", folder / "folder.mp3");
     for (const Text name : {"dangling.mp3", "circle.mp3", "device.mp3", "folder.mp3", "none.mp3", ""}) {
         CAPTURE(name);
-        CHECK(writeTag(folder.path(name), wanted) != "");
+        CHECK(writeTag(folder / name, wanted) != "");
     }
     CHECK(writeTag("", wanted) != "");
-    CHECK(folder.names().size() == 4);
+    CHECK(namesInFolder(folder.path()).size() == 4);
 }
 
 TEST_CASE("A pipe is refused at once")
 {
-    const TestFolder folder;
-    REQUIRE(mkfifo(folder.path("pipe.mp3").c_str(), 0600) == 0);
-    CHECK(writeTag(folder.path("pipe.mp3"), wanted) != "");
+    const TemporaryFolder folder;
+    REQUIRE(mkfifo((folder / "pipe.mp3").c_str(), 0600) == 0);
+    CHECK(writeTag(folder / "pipe.mp3", wanted) != "");
 }
 
 TEST_CASE("Another hard link goes on naming the old file, whole")
 {
-    const TestFolder folder;
-    const Text path = folder.put(withV2);
-    fs::create_hard_link(path, folder.path("other.mp3"));
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
+    fs::create_hard_link(path, folder / "other.mp3");
     CHECK(writeTag(path, wanted) == "");
     CHECK(readTag(path).title == "New");
-    CHECK(contentOf(folder.path("other.mp3")) == withV2);
+    CHECK(fileBytes(folder / "other.mp3") == withV2);
     CHECK(statusOf(path).st_nlink == 1);
 }
 
 TEST_CASE("A write-protected file is refused, also for an administrator")
 {
-    const TestFolder folder;
-    const Text path = folder.put(v1Alone);
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, v1Alone);
     fs::permissions(path, fs::perms(0444));
     CHECK(writeTag(path, wanted) == "The file is write-protected: Permission denied.");
-    CHECK(contentOf(path) == v1Alone);
-    CHECK(folder.names().size() == 1);
+    CHECK(fileBytes(path) == v1Alone);
+    CHECK(holdsOnlyTheSong(folder));
 }
 
 TEST_CASE("A file that only others may write is refused")
 {
     if (geteuid() != 0)
         return;
-    const TestFolder folder;
-    fs::permissions(folder.path(""), fs::perms(0777));
-    const Text path = folder.put(v1Alone);
+    const TemporaryFolder folder;
+    fs::permissions(folder.path(), fs::perms(0777));
+    const Text path = putSong(folder, v1Alone);
     fs::permissions(path, fs::perms(0644));
-    CHECK(inChildOfNobody([&] { return writeTag(path, wanted); }) != "");
-    CHECK(contentOf(path) == v1Alone);
+    CHECK(answerOfNobody([&] { return writeTag(path, wanted); }) != "");
+    CHECK(fileBytes(path) == v1Alone);
 }
 
 TEST_CASE("In a folder that permits no copy, ID3v1 is written in its place where no other tag speaks")
@@ -189,49 +218,49 @@ TEST_CASE("Where the owner cannot be kept, ID3v1 is written in its place, and an
 {
     if (geteuid() != 0)
         return;
-    const TestFolder folder;
-    fs::permissions(folder.path(""), fs::perms(0777));
+    const TemporaryFolder folder;
+    fs::permissions(folder.path(), fs::perms(0777));
     for (const Text& bytes : {v1Alone, withV2}) {
-        const Text path = folder.put(bytes);
+        const Text path = putSong(folder, bytes);
         fs::permissions(path, fs::perms(0666));
         const auto inode = statusOf(path).st_ino;
-        const Text reason = inChildOfNobody([&] { return writeTag(path, wanted); });
+        const Text reason = answerOfNobody([&] { return writeTag(path, wanted); });
         CHECK((reason == "") == (bytes == v1Alone));
-        CHECK(contentOf(path) == (bytes == v1Alone ? audio + v1Tag({"New"}) : withV2));
+        CHECK(fileBytes(path) == (bytes == v1Alone ? audio + v1Tag({"New"}) : withV2));
         CHECK(statusOf(path).st_ino == inode);
         CHECK(statusOf(path).st_uid == 0);
-        CHECK(folder.names().size() == 1);
+        CHECK(holdsOnlyTheSong(folder));
     }
 }
 
 TEST_CASE("A disk without room leaves the old file and no copy")
 {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const Text& bytes : {withV2, v1Alone}) {
-        const Text path = folder.put(bytes);
-        const Text reason = inChild([&] {
+        const Text path = putSong(folder, bytes);
+        const Text reason = answerOfChild([&] {
             std::signal(SIGXFSZ, SIG_IGN);
             const rlimit limit{10'000, 10'000};
             setrlimit(RLIMIT_FSIZE, &limit);
             return writeTag(path, wanted);
         });
         CHECK(reason == "The copy could not be written: Disk full.");
-        CHECK(contentOf(path) == bytes);
-        CHECK(folder.names().size() == 1);
+        CHECK(fileBytes(path) == bytes);
+        CHECK(holdsOnlyTheSong(folder));
     }
 }
 
 TEST_CASE("A full file system leaves the old file and no copy")
 {
-    const TestFolder folder;
-    const Text result = inChild([&]() -> Text {
+    const TemporaryFolder folder;
+    const Text result = answerOfChild([&]() -> Text {
         if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("none", folder.path("").c_str(), "tmpfs", 0, "size=64k") != 0)
+            mount("none", folder.path().c_str(), "tmpfs", 0, "size=64k") != 0)
             return "no rights";
-        const Text path = folder.put(mp3Frames(100) + v1Tag({"Old"}));
+        const Text path = putSong(folder, mp3Frames(100) + v1Tag({"Old"}));
         const Text reason = writeTag(path, wanted);
-        const bool whole = contentOf(path) == mp3Frames(100) + v1Tag({"Old"});
-        return whole && folder.names().size() == 1 ? reason : "the file is damaged";
+        const bool whole = fileBytes(path) == mp3Frames(100) + v1Tag({"Old"});
+        return whole && namesInFolder(folder.path()).size() == 1 ? reason : "the file is damaged";
     });
     const bool expected = result == "no rights" || result == "The copy could not be written: Disk full.";
     CAPTURE(result);
@@ -240,108 +269,118 @@ TEST_CASE("A full file system leaves the old file and no copy")
 
 TEST_CASE("A file that is a mount of its own cannot be replaced: ID3v1 in its place, or a reason")
 {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const Text& bytes : {v1Alone, withV2}) {
-        const Text source = folder.put(bytes, "source.mp3");
-        const Text path = folder.put("", "mounted.mp3");
-        const Text result = inChild([&]() -> Text {
+        const Text source = putSong(folder, bytes, "source.mp3");
+        const Text path = putSong(folder, "", "mounted.mp3");
+        const Text result = answerOfChild([&]() -> Text {
             if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
                 mount(source.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
                 return "no rights";
             const Text reason = writeTag(path, wanted);
-            return folder.names().size() == 2 ? reason : "a copy stayed";
+            return namesInFolder(folder.path()).size() == 2 ? reason : "a copy stayed";
         });
         CAPTURE(result);
         if (result == "no rights")
             return;
         CHECK(result ==
               (bytes == v1Alone ? "" : "The copy could not be put in the file's place: Permission denied."));
-        CHECK(contentOf(source) == (bytes == v1Alone ? audio + v1Tag({"New"}) : withV2));
+        CHECK(fileBytes(source) == (bytes == v1Alone ? audio + v1Tag({"New"}) : withV2));
     }
 }
 
 TEST_CASE("An immutable file is refused")
 {
-    const TestFolder folder;
-    const Text path = folder.put(v1Alone);
-    const OpenFile file = openForReading(path);
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, v1Alone);
+    const Descriptor file(open(path.c_str(), O_RDONLY));
     int flags = 0;
-    if (ioctl(file.descriptor(), FS_IOC_GETFLAGS, &flags) != 0)
+    if (ioctl(file.number(), FS_IOC_GETFLAGS, &flags) != 0)
         return;
     const int immutable = flags | FS_IMMUTABLE_FL;
-    if (ioctl(file.descriptor(), FS_IOC_SETFLAGS, &immutable) != 0)
+    if (ioctl(file.number(), FS_IOC_SETFLAGS, &immutable) != 0)
         return;
     const Text reason = writeTag(path, wanted);
-    ioctl(file.descriptor(), FS_IOC_SETFLAGS, &flags);
+    ioctl(file.number(), FS_IOC_SETFLAGS, &flags);
     CHECK(reason == "The file could not be opened for writing: Permission denied.");
-    CHECK(contentOf(path) == v1Alone);
-    CHECK(folder.names().size() == 1);
+    CHECK(fileBytes(path) == v1Alone);
+    CHECK(holdsOnlyTheSong(folder));
 }
 
 TEST_CASE(
     "A copy that a crash left is removed by the next writing in the folder; one at work and other files stay")
 {
-    const TestFolder folder;
-    const Text path = folder.put(withV2);
-    folder.put("half a song", ".velmora-tag-abcdefgh.part");
-    const OpenFile atWork = openForReading(folder.put("at work", ".velmora-tag-atworknw.part"));
-    REQUIRE(flock(atWork.descriptor(), LOCK_EX) == 0);
-    folder.put("a person's", ".velmora-tag-mine.part");
-    folder.put("a person's", "velmora-tag-abcdefgh.part");
-    REQUIRE(mkfifo(folder.path(".velmora-tag-pipepipe.part").c_str(), 0600) == 0);
-    fs::create_directory(folder.path(".velmora-tag-folderxx.part"));
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
+    const Text atWorkPath = putSong(folder, "at work", ".velmora-tag-0123456789abcdef.part");
+    const Descriptor atWork(open(atWorkPath.c_str(), O_RDONLY));
+    REQUIRE(flock(atWork.number(), LOCK_EX) == 0);
+    putSong(folder, "half a song", ".velmora-tag-0000000000000000.part");
+    putSong(folder, "a person's", ".velmora-tag-mine.part");
+    putSong(folder, "a person's", "velmora-tag-0000000000000000.part");
+    REQUIRE(mkfifo((folder / ".velmora-tag-1111111111111111.part").c_str(), 0600) == 0);
+    fs::create_directory(folder / ".velmora-tag-2222222222222222.part");
+    fs::create_symlink("song.mp3", folder / ".velmora-tag-3333333333333333.part");
 
     CHECK(writeTag(path, wanted) == "");
-    auto names = folder.names();
-    std::sort(names.begin(), names.end());
-    CHECK(names == std::vector<Text>{".velmora-tag-atworknw.part", ".velmora-tag-folderxx.part",
-                                     ".velmora-tag-mine.part", ".velmora-tag-pipepipe.part", "song.mp3",
-                                     "velmora-tag-abcdefgh.part"});
+    CHECK(namesInFolder(folder.path()) ==
+          std::set<Text>{".velmora-tag-0123456789abcdef.part", ".velmora-tag-1111111111111111.part",
+                         ".velmora-tag-2222222222222222.part", ".velmora-tag-3333333333333333.part",
+                         ".velmora-tag-mine.part", "song.mp3", "velmora-tag-0000000000000000.part"});
 }
 
 TEST_CASE("What another program writes meanwhile is not undone")
 {
-    const TestFolder folder;
-    const Text path = folder.put(withV2);
-    const OpenFile file = openForReading(path);
-    const struct stat known = file.status();
-    folder.put(withV2 + "more");
-    Text reason;
-    guarded([&](const Failure& failure) { reason = failure.description; },
-            [&] {
-                swapEnds(file, path, known, {"", 0, 100, ""});
-            });
-    CHECK(reason == "Another program has changed the file meanwhile.");
-    CHECK(contentOf(path) == withV2 + "more");
-    CHECK(folder.names().size() == 1);
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    const StandingFile standing{path, file.number(), statusOf(path)};
+    putSong(folder, withV2 + "more");
+    CHECK(failureOf([&] { swapEnds(standing, {"", 0, 100, ""}); }) == 75);
+    CHECK(failureOf([&] { overwriteEnd(standing, 0, "TAG"); }) == 75);
+    CHECK(fileBytes(path) == withV2 + "more");
+    CHECK(holdsOnlyTheSong(folder));
 }
 
 TEST_CASE("The new ends stand around exactly the bytes that were asked for")
 {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     const Text bytes = mp3Frames(5000);
-    const Text path = folder.put(bytes);
-    swapEnds(openForReading(path), path, statusOf(path), {"head", 10, bytes.size() - 10, "tail"});
-    CHECK(contentOf(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
+    const Text path = putSong(folder, bytes);
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"});
+    CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
 }
 
 TEST_CASE("Bytes that the system does not copy by itself, as between two file systems, are copied by hand")
 {
-    const TestFolder folder;
-    const Text path = folder.put("old");
-    const OpenFile elsewhere(memfd_create("song", MFD_CLOEXEC));
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, "old");
+    const Descriptor elsewhere(memfd_create("song", MFD_CLOEXEC));
     const Text bytes = mp3Frames(5000);
-    REQUIRE(writeAt(elsewhere, bytes, 0));
-    swapEnds(elsewhere, path, statusOf(path), {"head", 10, bytes.size() - 10, "tail"});
-    CHECK(contentOf(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
+    REQUIRE(write(elsewhere.number(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
+    swapEnds({path, elsewhere.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"});
+    CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
+}
+
+TEST_CASE("A file whose end cannot be read is not replaced by a shorter one")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, audio);
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    CHECK(failureOf([&] {
+              swapEnds({path, file.number(), statusOf(path)}, {"", 0, audio.size() + 1, ""});
+          }) == 57);
+    CHECK(fileBytes(path) == audio);
+    CHECK(holdsOnlyTheSong(folder));
 }
 
 TEST_CASE("Names of any bytes and of the greatest length are written")
 {
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const Text& name : {Text("caf\xE9 \xFF \n.mp3"), Text(251, 'n') + ".mp3"}) {
         CAPTURE(name);
-        CHECK(writeTag(folder.put(withV2, name), wanted) == "");
-        CHECK(readTag(folder.path(name)).title == "New");
+        CHECK(writeTag(putSong(folder, withV2, name), wanted) == "");
+        CHECK(readTag(folder / name).title == "New");
     }
 }

@@ -62,13 +62,14 @@ TEST_CASE("ffprobe reads what was written, in every version of ID3v2")
     };
     const Text dates[] = {"1987", "2004", "0001", ""};
     const Text audio = mp3Frames(60);
-    const TestFolder folder;
+    const TemporaryFolder folder;
     for (const int version : {2, 3, 4})
         for (std::size_t i = 0; i < std::size(tags); ++i) {
             const Tag& tag = tags[i];
             CAPTURE(version);
             CAPTURE(tag.title);
-            const Text path = folder.put(
+            const Text path = putSong(
+                folder,
                 v2Tag(version, v2Frame(version, version == 2 ? "TT2" : "TIT2", latin1Text("old"))) + audio);
             REQUIRE(writeTag(path, tag) == "");
             const Witness says(path);
@@ -82,8 +83,8 @@ TEST_CASE("ffprobe reads what was written, in every version of ID3v2")
 
 TEST_CASE("ffprobe reads ID3v1 alone, and a genre of 80 by the standard's name")
 {
-    const TestFolder folder;
-    const Text path = folder.put(mp3Frames(60));
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, mp3Frames(60));
     REQUIRE(writeTag(path, {"Title", "Artist", "Album", "Comment", 1987, 17}) == "");
     const Witness latin(path);
     CHECK(latin("title") == "Title");
@@ -98,8 +99,8 @@ TEST_CASE("ffprobe reads ID3v1 alone, and a genre of 80 by the standard's name")
 
 TEST_CASE("ffprobe finds the sound after a writing as before")
 {
-    const TestFolder folder;
-    const Text path = folder.put(v2Tag(3, "") + mp3Frames(60));
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, v2Tag(3, "") + mp3Frames(60));
     const auto sound = [&] {
         return outputOf("ffmpeg -v error -i '" + path + "' -map 0:a -c copy -f md5 - 2>&1");
     };

@@ -15,19 +15,19 @@ const Tag usual{"Title", "Artist", "Album", "Comment", 1987, 17};
 // The file's bytes after a successful writing, its audio unharmed and nothing left beside it.
 Text written(const Text& bytes, const Tag& tag)
 {
-    const TestFolder folder;
-    const Text path = folder.put(bytes);
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, bytes);
     CHECK(writeTag(path, tag) == "");
-    CHECK(folder.names() == std::vector<Text>{"song.mp3"});
-    const Text result = contentOf(path);
+    CHECK(holdsOnlyTheSong(folder));
+    const Text result = fileBytes(path);
     CHECK(result.find(audio) != Text::npos);
     return result;
 }
 
 Tag readBack(const Text& bytes)
 {
-    const TestFolder folder;
-    return readTag(folder.put(bytes));
+    const TemporaryFolder folder;
+    return readTag(putSong(folder, bytes));
 }
 
 bool has(const Text& bytes, const Text& part) { return bytes.find(part) != Text::npos; }
@@ -259,8 +259,8 @@ TEST_CASE("A genre that no tag can say is none")
 
 TEST_CASE("A field that is too long for any tag is refused, and the file stays")
 {
-    const TestFolder folder;
-    const Text path = folder.put(audio);
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, audio);
     CHECK(writeTag(path, {Text(1'000'000, 'x'), "", "", "", 0, -1}) != "");
-    CHECK(contentOf(path) == audio);
+    CHECK(fileBytes(path) == audio);
 }

@@ -55,10 +55,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size < 3)
         return 0;
-    static const TestFolder folder(memoryFolder());
+    static const TemporaryFolder folder(memoryFolder());
     const Text input(reinterpret_cast<const char*>(data), size);
     const Text before = fileOf(input);
-    const Text path = folder.put(before);
+    const Text path = putSong(folder, before);
     const Tag shown = readTag(path);
     for (const Text* text : {&shown.title, &shown.artist, &shown.album, &shown.comment})
         require(isValidUtf8(*text), "a field is no valid text");
@@ -67,8 +67,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if ((data[0] & 4) != 0)
         wanted.title = shown.title;
     const Text reason = writeTag(path, wanted);
-    const Text after = contentOf(path);
-    require(folder.names().size() == 1, "a copy stayed");
+    const Text after = fileBytes(path);
+    require(namesInFolder(folder.path()).size() == 1, "a copy stayed");
     require(after.find(soundIn(before)) != Text::npos, "the audio is damaged");
     if (reason.empty())
         require(readTag(path) == wanted, "the tag does not say what it should");

@@ -2,66 +2,10 @@
 // tested.
 #pragma once
 
-#include "platform/text.h"
+#include "tests/support/files.h"
+#include "tests/support/temporary_folder.h"
 
-#include <array>
-#include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <utility>
 #include <vector>
-
-// A place for tests that write more than a disk would do quickly.
-inline std::filesystem::path memoryFolder()
-{
-    const std::filesystem::path shared = "/dev/shm";
-    return std::filesystem::is_directory(shared) ? shared : std::filesystem::temp_directory_path();
-}
-
-// A folder of its own for each test case, gone with it.
-class TestFolder
-{
-public:
-    explicit TestFolder(const std::filesystem::path& parent = std::filesystem::temp_directory_path())
-    {
-        Text name = parent / "velmora-test-XXXXXX";
-        path_ = mkdtemp(name.data());
-    }
-    ~TestFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TestFolder(const TestFolder&) = delete;
-    TestFolder& operator=(const TestFolder&) = delete;
-
-    Text path(const Text& name = "song.mp3") const { return path_ + "/" + name; }
-
-    Text put(const Text& bytes, const Text& name = "song.mp3") const
-    {
-        std::ofstream(path(name), std::ios::binary) << bytes;
-        return path(name);
-    }
-
-    std::vector<Text> names() const
-    {
-        std::vector<Text> found;
-        for (const auto& entry : std::filesystem::directory_iterator(path_))
-            found.push_back(entry.path().filename());
-        return found;
-    }
-
-private:
-    Text path_;
-};
-
-inline Text contentOf(const Text& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // Frames of 128 kbit/s at 44.1 kHz whose bodies decode to silence; each carries its number in its last bytes,
 // so that a lost or doubled frame shows.
@@ -194,4 +138,16 @@ inline Text apeTag(const std::vector<Text>& items, bool header = true)
     };
     const std::size_t hasHeader = header ? 0x80000000u : 0;
     return (header ? end(hasHeader | 0x20000000u) : "") + all + end(hasHeader);
+}
+
+// Puts a song into the folder, and gives its path.
+inline Text putSong(const TemporaryFolder& folder, const Text& bytes, const Text& name = "song.mp3")
+{
+    putFile(folder / name, bytes);
+    return folder / name;
+}
+
+inline bool holdsOnlyTheSong(const TemporaryFolder& folder)
+{
+    return namesInFolder(folder.path()) == std::set<Text>{"song.mp3"};
 }
