@@ -22,6 +22,7 @@ public:
     Text readAll(std::uint64_t at, std::size_t count);
 };
 
+// A file, read in pieces of 16 KB, of which the last is kept.
 class FileBytes final : public ByteSource
 {
 public:
@@ -31,8 +32,12 @@ public:
     Text read(std::uint64_t at, std::size_t count) override;
 
 private:
+    Text freshly(std::uint64_t at, std::size_t count) const;
+
+    std::shared_ptr<const InputFile> file_;
     std::uint64_t size_;
-    FileWindow window_;
+    Text piece_;
+    std::uint64_t pieceAt_ = 0;
 };
 
 // A stretch of another source, counted from its own beginning.
