@@ -1,5 +1,7 @@
 #include "platform/tags/genre.h"
 
+#include "info/genre_rows.h"
+
 #include <doctest/doctest.h>
 
 TEST_CASE("A genre number has its usual name")
@@ -14,6 +16,12 @@ TEST_CASE("A genre number has its usual name")
     CHECK(genreName(81) == "Folk Rock");
     CHECK(genreName(125) == "Dancehall");
     CHECK(genreName(191) == "Psybient");
+}
+
+TEST_CASE("The main window and the tag editor call a genre by the same name")
+{
+    for (std::size_t row = 0; row < genreRows.size(); ++row)
+        CHECK(genreName(static_cast<std::int16_t>(row)) == genreRows[row]);
 }
 
 TEST_CASE("80 is the program's own Unknown, and a number without a name gives nothing")

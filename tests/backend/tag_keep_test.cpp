@@ -252,6 +252,10 @@ TEST_CASE("A tag with unsynchronisation keeps it")
     CHECK(file[5] == '\x80');
     CHECK(has(file, stored + text3("TIT2", "New")));
 
+    const Text extended = bigEndian(6, 4) + Text(2, '\0') + bigEndian(0xFF, 4);
+    const Text both = retitled(v2Tag(3, extended + stored + text3("TIT2", "Old"), 0xFF, 0xC0) + audio);
+    CHECK(has(both, bigEndian(6, 4) + Text(6, '\0') + stored + text3("TIT2", "New") + audio));
+
     const Text byFrame = v2Frame(4, "PRIV", Text("a\0\xFF\0\xE0", 5), 0x0002);
     CHECK(has(retitled(v2Tag(4, byFrame + text4("TIT2", "Old"), 100, 0x80) + audio), byFrame));
 }
