@@ -10,6 +10,7 @@
 #include <doctest/doctest.h>
 
 #include <csignal>
+#include <future>
 
 #include <fcntl.h>
 #include <linux/fs.h>
@@ -327,6 +328,22 @@ TEST_CASE(
           std::set<Text>{".velmora-tag-0123456789abcdef.part", ".velmora-tag-1111111111111111.part",
                          ".velmora-tag-2222222222222222.part", ".velmora-tag-3333333333333333.part",
                          ".velmora-tag-mine.part", "song.mp3", "velmora-tag-0000000000000000.part"});
+}
+
+TEST_CASE("Writers of two files in one folder leave each other's copies alone")
+{
+    const TemporaryFolder folder(memoryFolder());
+    const auto refusals = [&](const Text& name) {
+        const Text path = putSong(folder, withV2, name);
+        int count = 0;
+        for (int i = 0; i < 200; ++i)
+            count += writeTag(path, {std::to_string(i), "", "", "", 0, -1}) == "" ? 0 : 1;
+        return count;
+    };
+    auto other = std::async(std::launch::async, refusals, "other.mp3");
+    CHECK(refusals("song.mp3") == 0);
+    CHECK(other.get() == 0);
+    CHECK(namesInFolder(folder.path()) == std::set<Text>{"other.mp3", "song.mp3"});
 }
 
 TEST_CASE("What another program writes meanwhile is not undone")
