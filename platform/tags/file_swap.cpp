@@ -72,6 +72,7 @@ public:
     Copy(const Copy&) = delete;
     Copy& operator=(const Copy&) = delete;
 
+    const Text& path() const { return path_; }
     int descriptor() const { return file_.number(); }
 
     bool putInPlaceOf(const Text& path)
@@ -239,13 +240,14 @@ Text bytesFrom(int descriptor, std::uint64_t at, std::size_t count)
 
 void requireWritable(const StandingFile& file) { openForWriting(file); }
 
-void swapEnds(const StandingFile& file, const NewEnds& ends)
+void swapEnds(const StandingFile& file, const NewEnds& ends, const std::function<void(const Text&)>& approve)
 {
     const Text folder = folderOf(file.path);
     removeStaleCopies(folder);
     Copy copy(folder);
     takeOver(file.status, file.descriptor, copy.descriptor());
     write(file.descriptor, copy.descriptor(), ends);
+    approve(copy.path());
     requireStanding(file);
     if (!copy.putInPlaceOf(file.path))
         failWith("The copy could not be put in the file's place", errno);

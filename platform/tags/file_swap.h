@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <cstdint>
+#include <functional>
 
 // A regular file that stands at `path`, which is no symbolic link, and is open for reading.
 struct StandingFile {
@@ -27,10 +28,10 @@ struct NewEnds {
 // administrator, who may write everything.
 void requireWritable(const StandingFile& file);
 
-// Puts a copy in the file's place. Mode, owner and extended attributes are kept; another hard link to the
-// file goes on naming the old one. Copies that a crash left in the folder are removed. Fails with number 70
-// where the folder or the owner does not permit a copy.
-void swapEnds(const StandingFile& file, const NewEnds& ends);
+// Puts a copy in the file's place, once `approve`, given the copy's path, has not failed. Mode, owner and
+// extended attributes are kept; another hard link to the file goes on naming the old one. Copies that a crash
+// left in the folder are removed. Fails with number 70 where the folder or the owner does not permit a copy.
+void swapEnds(const StandingFile& file, const NewEnds& ends, const std::function<void(const Text&)>& approve);
 
 // Writes over the file itself from `at` on: for few bytes, where no copy can be made.
 void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes);

@@ -49,6 +49,14 @@ std::u32string charactersOf(std::string_view text)
     return characters;
 }
 
+Text validUtf8(std::string_view text)
+{
+    Text result;
+    for (const char32_t character : charactersOf(text))
+        append(result, character);
+    return result;
+}
+
 Text utf8OfUtf16(std::u16string_view units)
 {
     Text text;

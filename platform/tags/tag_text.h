@@ -11,6 +11,9 @@
 // The characters of `text`; a byte that belongs to no UTF-8 sequence is the Latin-1 letter of that number.
 std::u32string charactersOf(std::string_view text);
 
+// The same characters as UTF-8 and nothing else.
+Text validUtf8(std::string_view text);
+
 // Code units of UTF-16; half a surrogate pair becomes U+FFFD.
 Text utf8OfUtf16(std::u16string_view units);
 

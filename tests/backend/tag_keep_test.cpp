@@ -289,6 +289,17 @@ TEST_CASE("A tag that cannot be kept is refused with a reason")
     }
 }
 
+TEST_CASE("A damaged end that a longer file would make swallow the sound is refused")
+{
+    const TemporaryFolder folder;
+    const Text footer =
+        "APETAGEX" + littleEndian(2000) + littleEndian(audio.size() + 500) + littleEndian(1) + Text(12, '\0');
+    const Text path = putSong(folder, audio + footer);
+    CHECK(writeTag(path, {Text(60, 'x'), "", "", "", 0, -1}) != "");
+    CHECK(fileBytes(path) == audio + footer);
+    CHECK(writeTag(path, {"fits ID3v1", "", "", "", 0, -1}) == "");
+}
+
 TEST_CASE("An encrypted frame beside the changed one is no hindrance")
 {
     const Text secret = v2Frame(3, "TALB", "x" + latin1Text("secret"), 0x40);

@@ -48,6 +48,8 @@ void giveToNobody(const Text& path)
         REQUIRE(chown(path.c_str(), nobody, nobody) == 0);
 }
 
+const auto approved = [](const Text&) {};
+
 // What `work` says in a process of its own.
 Text answerOfChild(const std::function<Text()>& work)
 {
@@ -353,9 +355,27 @@ TEST_CASE("What another program writes meanwhile is not undone")
     const Descriptor file(open(path.c_str(), O_RDONLY));
     const StandingFile standing{path, file.number(), statusOf(path)};
     putSong(folder, withV2 + "more");
-    CHECK(failureOf([&] { swapEnds(standing, {"", 0, 100, ""}); }) == 75);
+    CHECK(failureOf([&] { swapEnds(standing, {"", 0, 100, ""}, approved); }) == 75);
     CHECK(failureOf([&] { overwriteEnd(standing, 0, "TAG"); }) == 75);
     CHECK(fileBytes(path) == withV2 + "more");
+    CHECK(holdsOnlyTheSong(folder));
+}
+
+TEST_CASE("A copy that is not approved does not take the file's place")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, "old");
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    Text seen;
+    const auto refuse = [&](const Text& copy) {
+        seen = fileBytes(copy);
+        throw failure(75);
+    };
+    CHECK(failureOf([&] {
+              swapEnds({path, file.number(), statusOf(path)}, {"new ", 0, 3, ""}, refuse);
+          }) == 75);
+    CHECK(seen == "new old");
+    CHECK(fileBytes(path) == "old");
     CHECK(holdsOnlyTheSong(folder));
 }
 
@@ -365,7 +385,7 @@ TEST_CASE("The new ends stand around exactly the bytes that were asked for")
     const Text bytes = mp3Frames(5000);
     const Text path = putSong(folder, bytes);
     const Descriptor file(open(path.c_str(), O_RDONLY));
-    swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"});
+    swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, approved);
     CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
 }
 
@@ -376,7 +396,7 @@ TEST_CASE("Bytes that the system does not copy by itself, as between two file sy
     const Descriptor elsewhere(memfd_create("song", MFD_CLOEXEC));
     const Text bytes = mp3Frames(5000);
     REQUIRE(write(elsewhere.number(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
-    swapEnds({path, elsewhere.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"});
+    swapEnds({path, elsewhere.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, approved);
     CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
 }
 
@@ -386,7 +406,7 @@ TEST_CASE("A file whose end cannot be read is not replaced by a shorter one")
     const Text path = putSong(folder, audio);
     const Descriptor file(open(path.c_str(), O_RDONLY));
     CHECK(failureOf([&] {
-              swapEnds({path, file.number(), statusOf(path)}, {"", 0, audio.size() + 1, ""});
+              swapEnds({path, file.number(), statusOf(path)}, {"", 0, audio.size() + 1, ""}, approved);
           }) == 57);
     CHECK(fileBytes(path) == audio);
     CHECK(holdsOnlyTheSong(folder));
