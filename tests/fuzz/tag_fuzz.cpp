@@ -1,6 +1,5 @@
-// Feeds the tag reader and writer with whatever libFuzzer thinks of. Built by the option VELMORA_FUZZ, with
-// clang:
-//   build/fuzz/tests/tag_fuzz -max_total_time=600 FOLDER_FOR_ITS_FINDINGS
+// Any bytes as the head and the tail of an MP3 file: reading its tags ends, and writing them changes nothing
+// else, or nothing at all.
 //
 // An input is the head of a file and its tail, with four MP3 frames between them, so that the file stays one
 // worth reading: a byte for the new tag, two for the length of the head, then both.
