@@ -12,6 +12,7 @@ namespace
 
 // How far type may be narrowed before a caption loses its end.
 constexpr int narrowest = 85; // per cent
+constexpr int air = 2;        // pixels between a caption and what stands beside it
 
 QFont fitted(const QFont& font, const QString& text, int width)
 {
@@ -38,7 +39,7 @@ protected:
         }
         QPainter painter(this);
         painter.setPen(palette().color(foregroundRole()));
-        painter.setFont(fitted(font(), text(), width()));
+        painter.setFont(fitted(font(), text(), width() - air));
         painter.drawText(rect(), static_cast<int>(alignment()),
                          painter.fontMetrics().elidedText(text(), Qt::ElideRight, width()));
     }
