@@ -1,5 +1,7 @@
 #include "platform/audio/cubeb_device.h"
 
+#include "platform/audio/thread_priority.h"
+
 #include <algorithm>
 #include <condition_variable>
 #include <cubeb/cubeb.h>
@@ -15,8 +17,6 @@ namespace
 // Under four busy programs on two cores 30 ms had no gap, 20 ms had.
 constexpr int latencyMilliseconds = 40;
 
-constexpr auto lookEvery = 50ms;
-constexpr auto lookSoonest = 1ms;
 constexpr auto patienceAtExit = 500ms;
 
 long giveSound(cubeb_stream*, void* stream, const void*, void* samples, long frames)
@@ -47,7 +47,6 @@ public:
     void close(const std::shared_ptr<Stream>& stream);
     void look(); // where the streams are
 
-    bool isPlaying() const { return !playing_.empty(); }
     Stream::Clock::time_point nextLook() const;
 
 private:
@@ -126,11 +125,10 @@ void Client::look()
 
 Stream::Clock::time_point Client::nextLook() const
 {
-    const auto now = Stream::Clock::now();
-    auto next = now + lookEvery;
+    auto next = Stream::Clock::time_point::max();
     for (const auto& playing : playing_)
-        next = std::min(next, playing.stream->expectedEnd().value_or(next));
-    return std::max(next, now + lookSoonest);
+        next = std::min(next, playing.stream->nextLook(Stream::Clock::now()));
+    return next;
 }
 
 }
@@ -172,15 +170,13 @@ void CubebDevice::Control::serve(Client& client)
 bool CubebDevice::Control::waitForMore(const Client& client)
 {
     std::unique_lock lock(mutex);
-    if (client.isPlaying())
-        changed.wait_until(lock, client.nextLook(), [this] { return hasMore(); });
-    else
-        changed.wait(lock, [this] { return hasMore(); });
+    changed.wait_until(lock, client.nextLook(), [this] { return hasMore(); });
     return !quitting;
 }
 
 void CubebDevice::Control::run()
 {
+    putBeforeOtherWork();
     {
         Client client;
         do {
