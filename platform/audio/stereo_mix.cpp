@@ -1,6 +1,6 @@
 #include "platform/audio/stereo_mix.h"
 
-#include <algorithm>
+#include <cmath>
 #include <string>
 
 namespace
@@ -62,8 +62,10 @@ StereoMix::Frame StereoMix::operator()(std::span<const float> channels) const
 {
     Frame mixed{0, 0};
     for (std::size_t channel = 0; channel < weights_.size(); ++channel) {
-        mixed.left += channels[channel] * weights_[channel].left;
-        mixed.right += channels[channel] * weights_[channel].right;
+        // What is no number would make one of neither side.
+        const float value = std::isfinite(channels[channel]) ? channels[channel] : 0;
+        mixed.left += value * weights_[channel].left;
+        mixed.right += value * weights_[channel].right;
     }
     return mixed;
 }

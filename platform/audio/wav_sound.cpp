@@ -21,8 +21,6 @@ constexpr int stepFrames = 1152;
 
 std::int16_t toSample(float value)
 {
-    if (std::isnan(value))
-        return 0;
     const float scaled = std::clamp(value * 32768, -32768.0F, 32767.0F);
     return static_cast<std::int16_t>(std::lrint(scaled));
 }

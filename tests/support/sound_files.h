@@ -54,6 +54,7 @@ inline Text putWav(const Text& path, const StereoFrames& frames, int rate = 4410
     info.channels = 2;
     info.format = format;
     SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
+    sf_command(file, SFC_SET_SCALE_INT_FLOAT_WRITE, nullptr, SF_TRUE);
     sf_writef_short(file, &frames.data()->left, static_cast<sf_count_t>(frames.size()));
     sf_close(file);
     return path;
