@@ -73,7 +73,7 @@ Timeline timelineOf(const Mp3Facts& facts)
     return Timeline(std::move(stretches));
 }
 
-// In a damaged file the decoder finds more or fewer frames than their headers promise; its own count is the
+// In a damaged file the decoder finds more or fewer frames than their headers promise: its count is the
 // length.
 void recount(Mp3Facts& facts, const std::shared_ptr<const InputFile>& file)
 {

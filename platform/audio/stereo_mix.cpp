@@ -1,37 +1,31 @@
 #include "platform/audio/stereo_mix.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
 namespace
 {
 
-// L and R before the listener, C between them, E the low-frequency effects, l and r at the sides and behind,
-// c behind.
-// clang-format off
+// L, C and R before the listener, l and r at the sides or behind, c behind, E the low-frequency effects.
 constexpr const char* orders[] = {"", "C", "LR", "LRC", "LRlr", "LRClr", "LRCElr", "LRCEclr", "LRCElrlr"};
-// clang-format on
 
 constexpr float halfPower = 0.70710678F;
 
-StereoMix::Frame weightOf(char place)
+struct Place {
+    char name;
+    StereoMix::Frame weight;
+};
+
+constexpr Place places[] = {
+    {'L', {1, 0}},         {'R', {0, 1}},         {'C', {halfPower, halfPower}},
+    {'l', {halfPower, 0}}, {'r', {0, halfPower}}, {'c', {halfPower / 2, halfPower / 2}},
+    {'E', {0, 0}},
+};
+
+StereoMix::Frame weightOf(char name)
 {
-    switch (place) {
-    case 'L':
-        return {1, 0};
-    case 'R':
-        return {0, 1};
-    case 'C':
-        return {halfPower, halfPower};
-    case 'l':
-        return {halfPower, 0};
-    case 'r':
-        return {0, halfPower};
-    case 'c':
-        return {halfPower / 2, halfPower / 2};
-    default:
-        return {0, 0};
-    }
+    return std::ranges::find(places, name, &Place::name)->weight;
 }
 
 std::string orderOf(std::size_t channels)

@@ -13,7 +13,7 @@ constexpr int runawayFactor = 4;
 constexpr auto runawayAllowance = 500ms;
 
 // Between looks the clock tells the position. The end of a feed is looked for at its own moment.
-constexpr Stream::Clock::duration lookEvery = 50ms;
+constexpr Stream::Clock::duration lookEvery = 100ms;
 constexpr Stream::Clock::duration lookForStart = 5ms;
 constexpr Stream::Clock::duration lookSoonest = 1ms;
 
@@ -46,7 +46,10 @@ void Stream::attach(std::shared_ptr<Feed> feed)
         std::this_thread::sleep_for(100us);
 }
 
-std::int64_t Stream::given() const { return owned_ != nullptr ? owned_->position() : given_; }
+std::int64_t Stream::given() const
+{
+    return owned_ != nullptr ? owned_->position() : given_;
+}
 
 bool Stream::isSilent() const
 {

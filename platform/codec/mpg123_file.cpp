@@ -10,8 +10,8 @@ namespace
 // How much damage is skipped in one place before the file counts as ended, bytes.
 constexpr long resyncLimit = 1024 * 1024;
 
-// A frame can draw on so many frames before it that their decoding must come first for exact samples after a
-// seek.
+// A frame can draw on so many before it: after a seek they must be decoded first, or its samples are not
+// exact.
 constexpr long framesBeforeSeek = 10;
 
 void configure(mpg123_handle* handle, Mpg123File::Options options)

@@ -1,5 +1,5 @@
-#include "tests/support/files.h"
 #include "tests/support/mp3_frames.h"
+#include "tests/support/no_sound.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
 #include "tests/support/wait_until.h"
@@ -14,10 +14,9 @@ namespace
 constexpr std::size_t second = 44100;
 
 // Two files, and no sound server: the silent clock plays.
-struct Files : SoundParts {
+struct Files : NoSound, SoundParts {
     Files()
     {
-        setenv("PULSE_SERVER", ("unix:" + (folder / "none")).c_str(), 1);
         putFile(song, mp3Bytes(noise(second * 5)));
         putFile(clip, silentFrames(3));
     }
@@ -26,7 +25,10 @@ struct Files : SoundParts {
     const Text clip = folder / "clip.mp3";
 };
 
-bool plays(const Mp3Play& mp3) { return mp3.IsPlaying() != 0; }
+bool plays(const Mp3Play& mp3)
+{
+    return mp3.IsPlaying() != 0;
+}
 
 }
 
@@ -76,11 +78,26 @@ TEST_CASE("A file plays from Play on, also in a pause, and until Stop, Close or 
     const Case cases[] = {
         {"Play once more", [](Mp3Play& mp3) { mp3.Play(); }, true, 1},
         {"Pause", [](Mp3Play& mp3) { mp3.Pause(); }, true, 0},
-        {"Pause twice", [](Mp3Play& mp3) { mp3.Pause(); mp3.Pause(); }, true, 0},
-        {"Pause and Play", [](Mp3Play& mp3) { mp3.Pause(); mp3.Play(); }, true, 1},
+        {"Pause twice",
+         [](Mp3Play& mp3) {
+             mp3.Pause();
+             mp3.Pause();
+         },
+         true, 0},
+        {"Pause and Play",
+         [](Mp3Play& mp3) {
+             mp3.Pause();
+             mp3.Play();
+         },
+         true, 1},
         {"Seek", [](Mp3Play& mp3) { mp3.Seek(10); }, true, 1},
         {"Stop", [](Mp3Play& mp3) { mp3.Stop(); }, false, 0},
-        {"Pause and Stop", [](Mp3Play& mp3) { mp3.Pause(); mp3.Stop(); }, false, 0},
+        {"Pause and Stop",
+         [](Mp3Play& mp3) {
+             mp3.Pause();
+             mp3.Stop();
+         },
+         false, 0},
         {"Close", [](Mp3Play& mp3) { mp3.Close(); }, false, 0},
         {"Open the same", [&](Mp3Play& mp3) { mp3.Open(files.song, ""); }, false, 0},
         {"Open another", [&](Mp3Play& mp3) { mp3.Open(files.clip, ""); }, false, 0},

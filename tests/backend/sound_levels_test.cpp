@@ -10,7 +10,10 @@ namespace
 
 constexpr std::size_t second = 44100;
 
-StereoFrames constant(std::size_t frames) { return StereoFrames(frames, {10000, 10000}); }
+StereoFrames constant(std::size_t frames)
+{
+    return StereoFrames(frames, {10000, 10000});
+}
 
 }
 
@@ -29,7 +32,8 @@ TEST_CASE("A new level is heard within 60 ms, and reached without a step")
     for (const std::int16_t level : {50, 100, 20, 100}) {
         const auto then = Recorder::Clock::now();
         parts.mp3->SetVolume(level, static_cast<std::int16_t>(level / 2));
-        const StereoFrame wanted{static_cast<std::int16_t>(level * 100), static_cast<std::int16_t>(level / 2 * 100)};
+        const StereoFrame wanted{static_cast<std::int16_t>(level * 100),
+                                 static_cast<std::int16_t>(level / 2 * 100)};
         REQUIRE(waitUntil([&] { return recorder.latest().first == wanted; }));
         const std::chrono::duration<double, std::milli> took = recorder.latest().second - then;
         best = std::min(best, took.count());

@@ -1,4 +1,4 @@
-#include "tests/support/files.h"
+#include "tests/support/no_sound.h"
 #include "tests/support/recordings.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
@@ -18,24 +18,6 @@ double millisecondsSince(Clock::time_point then)
 {
     return std::chrono::duration<double, std::milli>(Clock::now() - then).count();
 }
-
-// No server and no sound card, whatever the machine has.
-struct NoSound {
-    NoSound()
-    {
-        setenv("PULSE_SERVER", ("unix:" + (folder / "none")).c_str(), 1);
-        configure("");
-    }
-    ~NoSound() { unsetenv("ALSA_CONFIG_PATH"); }
-
-    void configure(const Text& asound) const
-    {
-        putFile(folder / "asound.conf", asound);
-        setenv("ALSA_CONFIG_PATH", (folder / "asound.conf").c_str(), 1);
-    }
-
-    TemporaryFolder folder;
-};
 
 // The largest difference between how the position advances and how the time does, milliseconds, over a while.
 double unsteadiness(const MMControl& wav, std::chrono::milliseconds time)
@@ -101,7 +83,7 @@ TEST_CASE("Without a sound server a file can be paused, continued, searched and 
 TEST_CASE("An output that takes sound without end counts as none")
 {
     NoSound none;
-    none.configure("pcm.!default { type null }\nctl.!default { type null }\n");
+    none.configureAlsa("pcm.!default { type null }\nctl.!default { type null }\n");
     SoundParts parts;
     parts.openWav(putWav(parts.folder / "a.wav", noise(second * 20)));
     parts.wav->setCommand("Play");
@@ -151,7 +133,8 @@ TEST_CASE("A server that comes after Play sounds from the place that was reached
     server.start();
     Recorder recorder(server);
     recorder.waitForSound();
-    CHECK(std::abs(parts.mp3Milliseconds() - static_cast<double>(numberOf(recorder.latest().first)) / 44.1) < 90);
+    CHECK(std::abs(parts.mp3Milliseconds() - static_cast<double>(numberOf(recorder.latest().first)) / 44.1) <
+          90);
 }
 
 TEST_CASE("While the server hangs every call returns at once, the file plays on, and sound returns")

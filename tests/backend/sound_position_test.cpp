@@ -11,10 +11,13 @@ namespace
 
 constexpr std::size_t second = 44100;
 
-double milliseconds(std::chrono::duration<double, std::milli> time) { return time.count(); }
+double milliseconds(std::chrono::duration<double, std::milli> time)
+{
+    return time.count();
+}
 
-// How far the position is from what the recording holds, milliseconds. The recording comes in pieces of 10 ms, so that
-// its last frame is up to that old.
+// How far the position is from what the recording holds, milliseconds. The recording comes in pieces of 10
+// ms, so that its last frame is up to that old.
 double errorOf(std::int32_t position, const Recorder& recorder)
 {
     const auto now = Recorder::Clock::now();

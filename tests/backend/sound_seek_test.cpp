@@ -23,7 +23,10 @@ std::vector<std::pair<std::int64_t, std::int64_t>> runsOf(const StereoFrames& re
     return runs;
 }
 
-std::int64_t stepFrames(const Mp3Play& mp3) { return std::llround(mp3.FrameDuration() * 44.1); }
+std::int64_t stepFrames(const Mp3Play& mp3)
+{
+    return std::llround(mp3.FrameDuration() * 44.1);
+}
 
 }
 

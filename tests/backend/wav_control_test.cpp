@@ -1,5 +1,5 @@
 #include "platform/audio/thinned_source.h"
-#include "tests/support/files.h"
+#include "tests/support/no_sound.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
 #include "tests/support/wait_until.h"
@@ -40,8 +40,8 @@ int largestDifference(const StereoFrames& one, const StereoFrames& other)
 {
     int largest = 0;
     for (std::size_t n = 0; n < std::min(one.size(), other.size()); ++n)
-        largest = std::max({largest, std::abs(one[n].left - other[n].left),
-                            std::abs(one[n].right - other[n].right)});
+        largest = std::max(
+            {largest, std::abs(one[n].left - other[n].left), std::abs(one[n].right - other[n].right)});
     return largest;
 }
 
@@ -74,14 +74,16 @@ TEST_CASE("A WAV file of any coding opens with its length and gives its sound fr
         CAPTURE(c.what);
         const auto opened = openWavSound(putWav(folder / "a.wav", sound, 44100, c.format));
         REQUIRE(opened);
-        CHECK(opened->timeline.milliseconds(opened->timeline.frames()) / 30 == 500 / 30); // a last block may be filled up
+        CHECK(opened->timeline.milliseconds(opened->timeline.frames()) / 30 ==
+              500 / 30); // a last block may be filled up
         const auto all = readAll(*opened->source);
         CHECK(all.size() == static_cast<std::size_t>(opened->timeline.frames()));
         CHECK(all.size() >= sound.size());
         CHECK(largestDifference(all, sound) <= c.off);
         for (const std::size_t place : {std::size_t{10000}, std::size_t{1}, all.size()}) {
             opened->source->seek(static_cast<std::int64_t>(place));
-            CHECK((readAll(*opened->source) == StereoFrames(all.begin() + static_cast<std::ptrdiff_t>(place), all.end())));
+            CHECK((readAll(*opened->source) ==
+                   StereoFrames(all.begin() + static_cast<std::ptrdiff_t>(place), all.end())));
         }
     }
 }
@@ -124,7 +126,8 @@ TEST_CASE("A rate that no output takes is brought down, and the length stays")
         int rate;
         int playedAt;
     };
-    const Case cases[] = {{8000, 8000}, {192000, 192000}, {352800, 176400}, {384000, 192000}, {768000, 192000}};
+    const Case cases[] = {
+        {8000, 8000}, {192000, 192000}, {352800, 176400}, {384000, 192000}, {768000, 192000}};
     for (const auto& c : cases) {
         CAPTURE(c.rate);
         const StereoFrames sound(static_cast<std::size_t>(c.rate), {1000, -500});
@@ -132,7 +135,8 @@ TEST_CASE("A rate that no output takes is brought down, and the length stays")
         CHECK(opened.source->rate() == c.playedAt);
         CHECK(opened.timeline.milliseconds(opened.timeline.frames()) == 1000);
         opened.source->seek(c.playedAt / 2);
-        CHECK((readAll(*opened.source) == StereoFrames(static_cast<std::size_t>(c.playedAt / 2), {1000, -500})));
+        CHECK((readAll(*opened.source) ==
+               StereoFrames(static_cast<std::size_t>(c.playedAt / 2), {1000, -500})));
     }
 }
 
@@ -150,8 +154,8 @@ TEST_CASE("What is no WAV file leaves the engine closed")
     putWav(parts.folder / "aiff.wav", noise(second), 44100, SF_FORMAT_AIFF | SF_FORMAT_PCM_16);
     mkfifo((parts.folder / "pipe.wav").c_str(), 0600);
     mkdir((parts.folder / "folder.wav").c_str(), 0700);
-    for (const char* name : {"mp3.wav", "empty.wav", "text.wav", "head.wav", "riff.wav", "ogg.wav", "flac.wav",
-                             "aiff.wav", "pipe.wav", "folder.wav", "missing.wav"}) {
+    for (const char* name : {"mp3.wav", "empty.wav", "text.wav", "head.wav", "riff.wav", "ogg.wav",
+                             "flac.wav", "aiff.wav", "pipe.wav", "folder.wav", "missing.wav"}) {
         CAPTURE(name);
         parts.openWav(good);
         CHECK(parts.wav->Length() == 1000);
@@ -174,7 +178,7 @@ TEST_CASE("A WAV file that was cut off plays what is there")
 
 TEST_CASE("Command words do what they say, and others nothing")
 {
-    setenv("PULSE_SERVER", "unix:/nowhere", 1);
+    const NoSound none;
     SoundParts parts;
     for (const char* word : {"Play", "Stop", "Close", "Open", "", "Pause", "play"})
         parts.wav->setCommand(word);
@@ -205,7 +209,7 @@ TEST_CASE("Command words do what they say, and others nothing")
 
 TEST_CASE("From is held to the file's ends, used once, and forgotten by Open and Close")
 {
-    setenv("PULSE_SERVER", "unix:/nowhere", 1);
+    const NoSound none;
     SoundParts parts;
     const Text path = putWav(parts.folder / "a.wav", noise(second * 5));
     struct Case {

@@ -51,7 +51,10 @@ inline Text id3v2Tag(std::uint32_t bytes)
     return tag + Text(bytes, 'p');
 }
 
-inline Text id3v1Tag() { return "TAG" + Text(125, 't'); }
+inline Text id3v1Tag()
+{
+    return "TAG" + Text(125, 't');
+}
 
 inline Text apeTag()
 {

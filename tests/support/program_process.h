@@ -8,10 +8,10 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <sched.h>
+#include <string>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <string>
 #include <vector>
 
 class ProgramProcess

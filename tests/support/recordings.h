@@ -14,8 +14,8 @@ inline StereoFrames trimmed(StereoFrames frames)
     return frames;
 }
 
-// Without its silent frames. A machine that is too busy to be in time leaves gaps; what is lost, doubled or changed
-// shows all the same, where the sound itself has no silent frame.
+// Without its silent frames. A machine that is too busy to be in time leaves gaps; what is lost, doubled or
+// changed shows all the same, where the sound itself has no silent frame.
 inline StereoFrames sounding(StereoFrames frames)
 {
     std::erase_if(frames, [](const StereoFrame& frame) { return frame.isSilent(); });
@@ -28,8 +28,9 @@ inline StereoFrames recordedToTheEnd(const Recorder& recorder)
     constexpr std::size_t quiet = 4410;
     waitUntil([&] {
         const auto frames = recorder.frames();
-        return frames.size() > quiet && std::all_of(frames.end() - quiet, frames.end(),
-                                                    [](const StereoFrame& frame) { return frame.isSilent(); });
+        return frames.size() > quiet &&
+               std::all_of(frames.end() - quiet, frames.end(),
+                           [](const StereoFrame& frame) { return frame.isSilent(); });
     });
     return recorder.frames();
 }

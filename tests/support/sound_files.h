@@ -1,8 +1,8 @@
 // Sound files made in a test.
 #pragma once
 
-#include "tests/support/sound_server.h"
 #include "platform/text.h"
+#include "tests/support/sound_server.h"
 
 #include <cmath>
 #include <functional>
@@ -17,11 +17,12 @@ inline StereoFrames noise(std::size_t frames, unsigned seed = 1)
     std::minstd_rand random(seed);
     StereoFrames made(frames);
     for (auto& frame : made)
-        frame = {static_cast<std::int16_t>(random() % 20000 + 1), static_cast<std::int16_t>(random() % 20000 + 1)};
+        frame = {static_cast<std::int16_t>(random() % 20000 + 1),
+                 static_cast<std::int16_t>(random() % 20000 + 1)};
     return made;
 }
 
-// Every frame tells its own number: the left channel counts up to 32767, the right one how often it did, from 1 on.
+// Every frame tells its number: the left channel counts up to 32767, the right one how often it did, from 1.
 inline StereoFrames counting(std::size_t frames)
 {
     StereoFrames made(frames);

@@ -1,9 +1,9 @@
-// A sound server of the test's own, whose sink records bit for bit, and what comes out of it. While it lives, the
-// process finds no other server.
+// A sound server of the test's own, whose sink records bit for bit, and what comes out of it. While it lives,
+// the process finds no other server.
 #pragma once
 
+#include "tests/support/no_sound.h"
 #include "tests/support/program_process.h"
-#include "tests/support/temporary_folder.h"
 #include "tests/support/wait_until.h"
 
 #include <algorithm>
@@ -21,15 +21,7 @@
 class SoundServer
 {
 public:
-    explicit SoundServer(int rate = 44100) : rate_(rate)
-    {
-        for (const char* name : {"HOME", "XDG_RUNTIME_DIR", "PULSE_RUNTIME_PATH", "PULSE_STATE_PATH"})
-            setenv(name, folder_.path().c_str(), 1);
-        setenv("XDG_CONFIG_HOME", (folder_ / "config").c_str(), 1);
-        setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
-        setenv("PULSE_SERVER", ("unix:" + socket()).c_str(), 1);
-        start();
-    }
+    explicit SoundServer(int rate = 44100) : rate_(rate) { start(); }
 
     int rate() const { return rate_; }
 
@@ -52,7 +44,7 @@ public:
     void wakeUp() { process_->send(SIGCONT); }
 
 private:
-    Text socket() const { return folder_ / "native"; }
+    Text socket() const { return otherwise_.pulseSocket(); }
 
     bool answers() const
     {
@@ -66,7 +58,7 @@ private:
     }
 
     int rate_;
-    TemporaryFolder folder_;
+    NoSound otherwise_;
     std::unique_ptr<ProgramProcess> process_;
 };
 
