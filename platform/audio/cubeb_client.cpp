@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cubeb/cubeb.h>
+#include <string_view>
+#include <thread>
+
+using namespace std::chrono_literals;
 
 namespace
 {
@@ -23,6 +27,18 @@ void noteState(cubeb_stream*, void* stream, cubeb_state state)
 {
     if (state == CUBEB_STATE_ERROR)
         static_cast<Stream*>(stream)->fail();
+}
+
+// The library ends the process when it asks a PulseAudio server that died meanwhile for the room there is for
+// the first sound. It asks after this call, and not if the stream has been stopped.
+void noteStateOnPulse(cubeb_stream* handle, void* stream, cubeb_state state)
+{
+    noteState(handle, stream, state);
+    std::uint64_t frames = 0;
+    if (state != CUBEB_STATE_STARTED || cubeb_stream_get_position(handle, &frames) == CUBEB_OK)
+        return;
+    cubeb_stream_stop(handle);
+    static_cast<Stream*>(stream)->fail();
 }
 
 }
@@ -51,9 +67,11 @@ bool CubebClient::start(Playing& playing)
     params.channels = 2;
     params.layout = CUBEB_LAYOUT_STEREO;
     params.prefs = CUBEB_STREAM_PREF_NONE;
+    const bool isPulse = std::string_view(cubeb_get_backend_id(context_)) == "pulse";
     const std::uint32_t latency = params.rate * latencyMilliseconds / 1000;
     if (cubeb_stream_init(context_, &playing.handle, "Velmora", nullptr, nullptr, nullptr, &params, latency,
-                          giveSound, noteState, playing.stream.get()) != CUBEB_OK)
+                          giveSound, isPulse ? noteStateOnPulse : noteState,
+                          playing.stream.get()) != CUBEB_OK)
         return false;
     if (cubeb_stream_start(playing.handle) == CUBEB_OK)
         return true;
@@ -80,6 +98,10 @@ void CubebClient::close(const std::shared_ptr<Stream>& stream)
     if (found == playing_.end())
         return;
     cubeb_stream_stop(found->handle);
+    // What the library has asked its own thread to do with a stream just started must be done before it goes;
+    // a server that lives is waited for by the stop.
+    if (stream->hasFailed())
+        std::this_thread::sleep_for(10ms);
     cubeb_stream_destroy(found->handle);
     playing_.erase(found);
 }

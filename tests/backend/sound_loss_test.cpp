@@ -4,6 +4,7 @@
 #include "tests/support/sound_parts.h"
 
 #include <doctest/doctest.h>
+#include <sys/resource.h>
 
 using namespace std::chrono_literals;
 
@@ -17,6 +18,14 @@ using Clock = std::chrono::steady_clock;
 double millisecondsSince(Clock::time_point then)
 {
     return std::chrono::duration<double, std::milli>(Clock::now() - then).count();
+}
+
+double processorSeconds()
+{
+    rusage used{};
+    getrusage(RUSAGE_SELF, &used);
+    return static_cast<double>(used.ru_utime.tv_sec + used.ru_stime.tv_sec) +
+           static_cast<double>(used.ru_utime.tv_usec + used.ru_stime.tv_usec) / 1e6;
 }
 
 // The largest difference between how the position advances and how the time does, milliseconds, over a while.
@@ -86,6 +95,7 @@ TEST_CASE("An output that takes sound without end counts as none")
     none.configureAlsa("pcm.!default { type null }\nctl.!default { type null }\n");
     SoundParts parts;
     parts.openWav(putWav(parts.folder / "a.wav", noise(second * 20)));
+    const double before = processorSeconds();
     parts.wav->setCommand("Play");
     std::int32_t last = 0;
     const auto then = Clock::now();
@@ -97,6 +107,7 @@ TEST_CASE("An output that takes sound without end counts as none")
         std::this_thread::sleep_for(5ms);
     }
     CHECK(last > 1200);
+    CHECK(processorSeconds() - before < 0.3); // nothing spins meanwhile
 }
 
 TEST_CASE("A server that dies while a file plays is replaced by the clock, and sound returns with it")
@@ -211,4 +222,44 @@ TEST_CASE("Pausing, while the server hangs or dies, loses nothing of the place")
     parts.wav->setCommand("Stop");
     const double first = static_cast<double>(numberOf(trimmed(recorder.frames()).front())) / 44.1;
     CHECK(std::abs(first - paused) < 60);
+}
+
+TEST_CASE("A server that hangs before anything has played holds up nothing")
+{
+    SoundServer server;
+    server.hang();
+    SoundParts parts;
+    const auto then = Clock::now();
+    parts.openWav(putWav(parts.folder / "a.wav", counting(second * 60)));
+    parts.wav->setCommand("Play");
+    CHECK(millisecondsSince(then) < 100);
+    CHECK(waitUntil([&] { return parts.wav->Position() > 200; }, 5s));
+    server.wakeUp();
+    Recorder recorder(server);
+    recorder.waitForSound();
+    CHECK(millisecondsSince(then) < 6000);
+}
+
+TEST_CASE("A server that dies while a file is being started does not take the program with it")
+{
+    SoundServer server;
+    SoundParts parts;
+    parts.openWav(putWav(parts.folder / "a.wav", noise(second * 60)));
+    std::minstd_rand random(1);
+    for (int time = 0; time < 40; ++time) {
+        parts.wav->setCommand("Open");
+        parts.wav->setCommand("Play");
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
+        if (time % 2 == 0)
+            server.hang();
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
+        server.kill();
+        server.start();
+    }
+    CHECK(parts.activity.running == 1);
+    Recorder recorder(server);
+    parts.wav->setCommand("Open");
+    parts.wav->setCommand("Play");
+    recorder.waitForSound();
+    CHECK(!trimmed(recorder.frames()).empty());
 }

@@ -1,3 +1,4 @@
+#include "tests/support/files.h"
 #include "tests/support/recordings.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
@@ -97,22 +98,24 @@ TEST_CASE("An ended MP3 file plays again from its start, an ended WAV file stand
 {
     SoundServer server;
     SoundParts parts;
-    const auto sound = noise(second / 4);
-    const Text path = putWav(parts.folder / "a.wav", sound);
+    const Text mp3 = parts.folder / "a.mp3";
+    putFile(mp3, mp3Bytes(noise(second / 4)));
     Recorder recorder(server);
-    parts.mp3->Open(path, "");
+    parts.mp3->Open(mp3, "");
     for (int time = 0; time < 2; ++time) {
         parts.mp3->Play();
         CHECK(waitUntil([&] { return parts.mp3->IsPlaying() == 0; }));
     }
-    parts.openWav(path);
+    const auto sound = noise(second / 4, 2);
+    parts.openWav(putWav(parts.folder / "a.wav", sound));
     parts.wav->setCommand("Play");
     CHECK(waitUntil([&] { return parts.wav->Position() == 250; }));
     parts.wav->setCommand("Play");
     CHECK(parts.wav->Position() == 250);
-    auto expected = sound;
-    expected.insert(expected.end(), sound.begin(), sound.end());
-    expected.insert(expected.end(), sound.begin(), sound.end());
-    CHECK((sounding(recordedToTheEnd(recorder)) == expected));
+
+    StereoFrames expected;
+    for (const auto& part : {decoded(mp3), decoded(mp3), sound})
+        expected.insert(expected.end(), part.begin(), part.end());
+    CHECK((sounding(recordedToTheEnd(recorder)) == sounding(expected)));
     CHECK(waitUntil([&] { return parts.activity.running == 0; }));
 }
