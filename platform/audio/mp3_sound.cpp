@@ -39,14 +39,16 @@ void Mp3Source::seek(std::int64_t frame)
         return;
     }
     std::int64_t mpegFrame = 0;
+    int rateThere = rate();
     for (const auto& stretch : facts_.stretches) {
         const std::int64_t whole = std::min(frame / stretch.samples, stretch.frames);
         mpegFrame += whole;
         frame -= whole * stretch.samples;
+        rateThere = stretch.rate;
         if (whole < stretch.frames)
             break;
     }
-    decoder_.seekFrame(mpegFrame);
+    decoder_.seekFrame(mpegFrame, rateThere);
     skip(frame);
 }
 

@@ -107,8 +107,9 @@ bool Mpg123File::seek(std::int64_t sample)
     return mpg123_seek(handle_, sample, SEEK_SET) >= 0;
 }
 
-bool Mpg123File::seekFrame(std::int64_t frame)
+bool Mpg123File::seekFrame(std::int64_t frame, int rate)
 {
+    rate_ = nextRate_ = rate;
     return mpg123_seek_frame(handle_, frame, SEEK_SET) >= 0;
 }
 

@@ -1,5 +1,7 @@
+#include "platform/audio/opened_sound.h"
 #include "tests/support/mp3_frames.h"
 #include "tests/support/no_sound.h"
+#include "tests/support/recordings.h"
 #include "tests/support/sanitizers.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
@@ -186,6 +188,47 @@ TEST_CASE("Joined files of different rates last as long as all of them")
     // A position in the second file is one of time, as everywhere.
     parts.mp3->Seek(150);
     CHECK(parts.mp3->CurrentFrame() == 150);
+}
+
+TEST_CASE("Joined files of different rates can be entered anywhere, at the rate of the place")
+{
+    TemporaryFolder folder;
+    const Text path = folder / "a.mp3";
+    putFile(path, mp3Bytes(noise(second), {.hasInfoFrame = false}) +
+                      mp3Bytes(noise(second, 2), {.rate = 22050, .bitrate = 64, .hasInfoFrame = false}) +
+                      mp3Bytes(noise(second, 3), {.rate = 48000, .hasInfoFrame = false}));
+    const auto sound = openMp3Sound(path);
+    REQUIRE(sound);
+    auto& source = *sound->source;
+    const auto readAll = [&source] {
+        StereoFrames all;
+        StereoFrames piece(1000);
+        for (int rate = source.rate();;) {
+            const auto frames = source.read(std::span(&piece.data()->left, piece.size() * 2));
+            all.insert(all.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(frames));
+            if (frames == 0 && source.rate() == rate)
+                return all;
+            rate = source.rate();
+        }
+    };
+    const auto all = readAll();
+    CHECK(static_cast<std::int64_t>(all.size()) == sound->timeline.frames());
+    struct Case {
+        double second;
+        int rate;
+    };
+    const Case cases[] = {{2.5, 22050}, {0.5, 44100},  {3.5, 48000}, {1.5, 22050},
+                          {0, 44100},   {1.06, 22050}, {4, 48000}};
+    for (const auto& c : cases) {
+        CAPTURE(c.second);
+        const auto frame = sound->timeline.frameAtMilliseconds(static_cast<std::int32_t>(c.second * 1000));
+        source.seek(frame);
+        CHECK(source.rate() == c.rate);
+        const auto rest = readAll();
+        CHECK(rest.size() == all.size() - static_cast<std::size_t>(frame));
+        // The decoder's rounding may differ in a last bit.
+        CHECK(largestDifference(rest, StereoFrames(all.begin() + frame, all.end())) <= 1);
+    }
 }
 
 TEST_CASE("A frame lasts what its samples last, and frames are counted from the start of the sound")

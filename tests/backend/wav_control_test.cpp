@@ -1,5 +1,6 @@
 #include "platform/audio/thinned_source.h"
 #include "tests/support/no_sound.h"
+#include "tests/support/recordings.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
 #include "tests/support/wait_until.h"
@@ -34,15 +35,6 @@ void putFloats(const Text& path, const std::vector<float>& samples, int channels
     SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
     sf_write_float(file, samples.data(), static_cast<sf_count_t>(samples.size()));
     sf_close(file);
-}
-
-int largestDifference(const StereoFrames& one, const StereoFrames& other)
-{
-    int largest = 0;
-    for (std::size_t n = 0; n < std::min(one.size(), other.size()); ++n)
-        largest = std::max(
-            {largest, std::abs(one[n].left - other[n].left), std::abs(one[n].right - other[n].right)});
-    return largest;
 }
 
 }

@@ -34,3 +34,13 @@ inline StereoFrames recordedToTheEnd(const Recorder& recorder)
     });
     return recorder.frames();
 }
+
+// Between any two samples at the same place.
+inline int largestDifference(const StereoFrames& one, const StereoFrames& other)
+{
+    int largest = 0;
+    for (std::size_t n = 0; n < std::min(one.size(), other.size()); ++n)
+        largest = std::max(
+            {largest, std::abs(one[n].left - other[n].left), std::abs(one[n].right - other[n].right)});
+    return largest;
+}
