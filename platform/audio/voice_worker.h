@@ -1,4 +1,4 @@
-// Carries out what a `Playback` wishes, on a thread of its own: it decodes, and keeps the way to the
+// Carries out what a `Playback` wishes, on a thread of its own: decodes, and keeps up the way to the
 // listener.
 #pragma once
 
@@ -15,7 +15,6 @@ class VoiceWorker
 public:
     // `ended` is called on the worker's thread whenever the last frame of a source was heard.
     VoiceWorker(SoundOutput& output, Playback& playback, std::function<void()> ended);
-
     ~VoiceWorker();
 
     void wake() { bell_->ring(); } // the wishes have changed

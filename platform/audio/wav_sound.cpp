@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <sndfile.h>
 #include <string_view>
 #include <vector>
@@ -41,6 +40,7 @@ public:
     explicit WavSource(std::shared_ptr<const InputFile> file) : file_(std::move(file)), window_(file_)
     {
         open();
+        rate_ = info_.samplerate;
     }
     ~WavSource() override { sf_close(sound_); }
 
@@ -49,7 +49,7 @@ public:
     std::int32_t bitsPerSecond() const;
 
     std::size_t read(std::span<std::int16_t> samples) override;
-    int rate() const override { return info_.samplerate; }
+    int rate() const override { return rate_; }
     void seek(std::int64_t frame) override;
 
 private:
@@ -68,6 +68,7 @@ private:
     std::int64_t at_ = 0; // byte
     SNDFILE* sound_ = nullptr;
     SF_INFO info_{};
+    int rate_ = 0;
     std::optional<StereoMix> mix_;
     std::vector<float> unmixed_;
 };

@@ -76,22 +76,22 @@ TEST_CASE("A file has ended when its last frame was heard")
 {
     SoundServer server;
     SoundParts parts;
-    parts.mp3->Open(putWav(parts.folder / "a.wav", counting(second / 2)), "");
+    parts.mp3->Open(putWav(parts.folder / "a.wav", counting(second / 4)), "");
     Recorder recorder(server);
-    double best = 1e9;
-    for (std::size_t time = 0; time < 3; ++time) {
+    std::vector<double> errors;
+    for (std::size_t time = 0; time < 7; ++time) {
         const auto from = recorder.size();
         parts.mp3->Play();
         const auto began = recorder.waitForSound(from);
         REQUIRE(waitUntil([&] { return parts.mp3->IsPlaying() == 0; }));
-        const double took = milliseconds(Recorder::Clock::now() - began);
-        best = std::min(best, std::abs(took - 500));
+        errors.push_back(std::abs(milliseconds(Recorder::Clock::now() - began) - 250));
         CHECK(parts.mp3->CurrentFrame() == 0);
         CHECK(parts.activity.running == 0);
         CHECK(waitUntil([&] { return parts.post.count() == time + 1; })); // the waiting window is woken
     }
-    CHECK(best < 12); // the recording comes in pieces of 10 ms
-    MESSAGE("The end came within " << best << " ms of the last frame");
+    std::ranges::sort(errors);
+    CHECK(errors[3] < 12); // the recording comes in pieces of 10 ms
+    MESSAGE("The end from the last frame: best " << errors[0] << " ms, median " << errors[3] << " ms");
 }
 
 TEST_CASE("An ended MP3 file plays again from its start, an ended WAV file stands at its length")
