@@ -75,8 +75,7 @@ Timeline timelineOf(const Mp3Facts& facts)
     return Timeline(std::move(stretches));
 }
 
-// In a damaged file the decoder finds more or fewer frames than their headers promise: its count is the
-// length.
+// In a damaged file the decoder finds more or fewer frames than the headers promise: its count holds.
 void recount(Mp3Facts& facts, const std::shared_ptr<const InputFile>& file)
 {
     Mpg123File counter(file, facts, {.forceStereo = true, .gapless = false});

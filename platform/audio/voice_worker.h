@@ -1,5 +1,4 @@
-// Carries out what a `Playback` wishes, on a thread of its own: decodes, and keeps up the way to the
-// listener.
+// Carries out what a `Playback` wishes, on a thread of its own: decodes, and keeps the way out open.
 #pragma once
 
 #include "platform/audio/outlet.h"
