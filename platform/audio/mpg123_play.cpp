@@ -155,8 +155,11 @@ std::int64_t Mpg123Play::step() const
 
 void Mpg123Play::Seek(std::int32_t frame)
 {
-    if (sound_)
-        voice_.seek(sound_->timeline.frameAtEven(std::max(frame, 0) * step()));
+    if (!sound_)
+        return;
+    const Timeline& timeline = sound_->timeline;
+    const std::int64_t end = timeline.even(timeline.frames());
+    voice_.seek(timeline.frameAtEven(std::min(std::max(frame, 0) * step(), end)));
 }
 
 void Mpg123Play::SetVolume(std::int16_t left, std::int16_t right)

@@ -20,10 +20,7 @@ std::shared_ptr<const InputFile> InputFile::open(const Text& path)
     return file;
 }
 
-InputFile::~InputFile()
-{
-    ::close(descriptor_);
-}
+InputFile::~InputFile() { ::close(descriptor_); }
 
 std::ptrdiff_t InputFile::read(void* into, std::size_t size, std::int64_t offset) const
 {
@@ -49,10 +46,7 @@ std::int64_t InputFile::size() const
     return fstat(descriptor_, &status) == 0 ? status.st_size : 0;
 }
 
-bool FileWindow::covers(std::int64_t offset) const
-{
-    return offset >= start_ && offset < start_ + filled_;
-}
+bool FileWindow::covers(std::int64_t offset) const { return offset >= start_ && offset < start_ + filled_; }
 
 std::ptrdiff_t FileWindow::read(void* into, std::size_t size, std::int64_t offset)
 {

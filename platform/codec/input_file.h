@@ -37,7 +37,7 @@ public:
 
     explicit FileWindow(std::shared_ptr<const InputFile> file) : file_(std::move(file)) {}
 
-    // As `InputFile::read`.
+    // Reads up to `size` bytes at `offset`, fewer at the end of the file, and where reading fails.
     std::ptrdiff_t read(void* into, std::size_t size, std::int64_t offset);
 
 private:

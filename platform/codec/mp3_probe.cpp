@@ -41,7 +41,10 @@ public:
 
     std::optional<Mp3Facts> facts()
     {
-        first_ = *walk_.headerAt(facts_.begin);
+        const auto first = walk_.headerAt(facts_.begin);
+        if (!first)
+            return std::nullopt;
+        first_ = *first;
         readInfoFrame();
         if (isInfoTrusted())
             believeInfo();
