@@ -1,6 +1,8 @@
-// Decodes MP3 files to WAV files on worker threads, one job at a time, each with the paths it was opened with.
+// Decodes MP3 files to WAV files on worker threads, one job at a time, each with the paths it was opened
+// with.
 #pragma once
 
+#include "platform/part_notes.h"
 #include "platform/post.h"
 #include "platform/shell.h"
 #include "platform/text.h"
@@ -18,13 +20,18 @@ public:
         std::function<void()> done;                 // exactly once for each `start`
     };
 
-    DecodeJobs(Post& post, Shell& shell, Events events);
+    // `post`, `shell` and `notes` outlive the jobs.
+    DecodeJobs(Post& post, Shell& shell, Events events, PartNotes& notes = NoPartNotes::instance());
+
+    // On the window thread. Breaks off the running job; nothing is delivered afterwards.
     ~DecodeJobs();
 
-    // Names the next job. 0 when `input` is an MP3 file and `output` another file; never aborts a running job.
+    // Names the next job. 0 when `input` is an MP3 file and `output` another file; never aborts a running
+    // job.
     std::int16_t open(const Text& input, const Text& output);
 
-    // Queues the job opened last, also when its `open` failed: its `done` comes all the same, and the desktop is told.
+    // Queues the job opened last, also when its `open` failed: its `done` comes all the same, and the desktop
+    // is told.
     void start();
 
     // Frees the job whose `done` is being delivered; otherwise forgets what was opened and not started.
