@@ -37,7 +37,9 @@ void ChunkEncoder::leadIn(const std::stop_token& stop)
 {
     if (chunk_.first == 0)
         return;
-    encodeUntil(chunk_.first, stop);
+    while (frame() < chunk_.first && encodeBlock(blockBefore(chunk_.first), stop))
+        ;
+    encoder_.flushAtFrame(out_);
     out_.clear();
     tagInOut_ = 0;
 }
@@ -45,14 +47,17 @@ void ChunkEncoder::leadIn(const std::stop_token& stop)
 void ChunkEncoder::encodeUntil(std::int64_t target, const std::stop_token& stop)
 {
     while (frame() < target && encodeBlock(blockBefore(target), stop))
-        ;
+        advance();
     encoder_.flushAtFrame(out_);
 }
 
 void ChunkEncoder::encodeToTheEnd(const std::stop_token& stop)
 {
+    // A single frame is too little for some players to know an MP3 file; the tag tells the true length.
+    if (source_.frames() == 0)
+        encoder_.encode({{0}, {0}}, out_);
     while (encodeBlock(static_cast<std::size_t>(job_.clock.frameSamples), stop))
-        ;
+        advance();
     encoder_.finish(out_);
     result_.tag = encoder_.infoTag();
 }
@@ -73,12 +78,14 @@ bool ChunkEncoder::encodeBlock(std::size_t samples, const std::stop_token& stop)
     if (block_.frames() == 0)
         return false;
     encoder_.encode(block_, out_);
-    const bool isOwn = frame() >= chunk_.first;
-    if (isOwn)
-        job_.progress.add(static_cast<std::int64_t>(block_.frames()));
-    if (isOwn && out_.size() > bufferedBytes)
-        write();
     return true;
+}
+
+void ChunkEncoder::advance()
+{
+    job_.progress.add(static_cast<std::int64_t>(block_.frames()));
+    if (out_.size() > bufferedBytes)
+        write();
 }
 
 void ChunkEncoder::write()

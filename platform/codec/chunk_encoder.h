@@ -40,6 +40,7 @@ private:
     void encodeUntil(std::int64_t frame, const std::stop_token& stop);
     void encodeToTheEnd(const std::stop_token& stop);
     bool encodeBlock(std::size_t samples, const std::stop_token& stop);
+    void advance();
     std::size_t blockBefore(std::int64_t frame) const;
     std::int64_t frame() const { return chunk_.start + encoder_.frames(); }
     void write();

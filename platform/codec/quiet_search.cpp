@@ -9,10 +9,10 @@ namespace codec
 namespace
 {
 
-// A frame holds sound that came up to two frames earlier, and what is saved there is spent within the next
-// two.
-constexpr std::int64_t before = 2;
-constexpr std::int64_t around = 4;
+// A border empties the bit reservoir, and an encoder needs about eight quiet frames to save up again. A frame
+// holds sound that came up to two frames earlier.
+constexpr std::int64_t before = 6;
+constexpr std::int64_t around = 14;
 
 double power(const std::vector<float>& samples)
 {
