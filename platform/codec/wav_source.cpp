@@ -1,6 +1,7 @@
 #include "platform/codec/wav_source.h"
 
 #include "platform/codec/mix_down.h"
+#include "platform/codec/unfinished_wav.h"
 #include "platform/failure.h"
 
 #include <algorithm>
@@ -26,11 +27,22 @@ struct Closer {
     void operator()(SNDFILE* sound) const { sf_close(sound); }
 };
 
-// A file as libsndfile reads it, with a position of its own.
+// A file as libsndfile reads it, with a position of its own. A size that was never filled in reads as the largest one,
+// which is taken for "up to the end of the file".
 struct Reader {
+    explicit Reader(const InputFile& from) : file(from), unfilledSize(unfilledSoundSize(from).value_or(-4)) {}
+
     const InputFile& file;
+    std::int64_t unfilledSize; // where its four bytes are
     std::int64_t at = 0;
     bool failed = false;
+
+    void fillSize(char* bytes, std::int64_t count) const
+    {
+        for (std::int64_t i = unfilledSize; i < unfilledSize + 4; ++i)
+            if (i >= at && i < at + count)
+                bytes[i - at] = '\xFF';
+    }
 };
 
 sf_count_t length(void* reader)
@@ -50,9 +62,11 @@ sf_count_t readOn(void* bytes, sf_count_t count, void* userData)
 {
     auto& reader = *static_cast<Reader*>(userData);
     try {
-        const auto got = reader.file.read(bytes, static_cast<std::size_t>(count), reader.at);
-        reader.at += static_cast<std::int64_t>(got);
-        return static_cast<sf_count_t>(got);
+        const auto got =
+            static_cast<std::int64_t>(reader.file.read(bytes, static_cast<std::size_t>(count), reader.at));
+        reader.fillSize(static_cast<char*>(bytes), got);
+        reader.at += got;
+        return got;
     } catch (const Failure&) {
         reader.failed = true;
         return 0;
@@ -91,6 +105,8 @@ float limited(float sample)
 }
 
 struct WavSource::Parts {
+    explicit Parts(const InputFile& file) : reader(file) {}
+
     Reader reader;
     SF_INFO info{};
     std::unique_ptr<SNDFILE, Closer> sound;
@@ -130,7 +146,7 @@ struct WavSource::Parts {
     }
 };
 
-WavSource::WavSource(const InputFile& file) : parts_(new Parts{{file}, {}, {}, {}, {}})
+WavSource::WavSource(const InputFile& file) : parts_(new Parts(file))
 {
     SF_VIRTUAL_IO io{length, seekTo, readOn, writeNothing, tell};
     parts_->sound.reset(sf_open_virtual(&io, SFM_READ, &parts_->info, &parts_->reader));

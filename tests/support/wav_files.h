@@ -28,7 +28,10 @@ inline Text putWavAs(const Text& path, const Pcm& pcm, int format)
     info.channels = pcm.channels;
     info.format = format;
     SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
-    sf_writef_short(file, pcm.samples.data(), pcm.frames());
+    std::vector<float> samples;
+    for (const auto sample : pcm.samples)
+        samples.push_back(sample / 32768.0f);
+    sf_writef_float(file, samples.data(), pcm.frames());
     sf_close(file);
     return path;
 }
