@@ -12,7 +12,7 @@ namespace
 
 constexpr std::int64_t paddingPeriod = 49; // frames, at 44.1 and 22.05 kHz for every bit rate
 constexpr std::int64_t leadIn = 24;        // frames after which an encoder has settled
-constexpr std::int64_t searched = 150;     // frames on either side of an ideal border
+constexpr std::int64_t searched = 300;     // frames in which a border may lie, at most
 
 // Enough chunks for many cores, few enough that little is encoded twice. An even number, for two cores.
 std::int64_t chunkCount(std::int64_t seconds)
@@ -52,12 +52,13 @@ std::vector<EncodeChunk> planChunks(std::int64_t frames, const EncodeClock& cloc
 {
     const std::int64_t unit = clock.startUnit();
     const std::int64_t count = chunkCount(frames * clock.frameSamples / clock.rateOut);
+    const std::int64_t window = std::min(searched, frames / count / 2);
     std::vector<EncodeChunk> chunks{{}};
     for (std::int64_t i = 1; i < count; ++i) {
         const std::int64_t ideal = frames * i / count / unit * unit + leadIn;
-        if (ideal <= chunks.back().first + searched || ideal + 2 * searched > frames)
+        if (ideal < chunks.back().first + window || ideal + window > frames)
             continue;
-        const std::int64_t border = quietest(ideal, 2 * searched);
+        const std::int64_t border = quietest(ideal, window);
         chunks.back().end = border;
         chunks.push_back({(border - leadIn) / unit * unit, border, 0});
     }
