@@ -9,10 +9,8 @@ namespace codec
 namespace
 {
 
-// A border empties the bit reservoir, and an encoder needs about eight quiet frames to save up again. A frame
-// holds sound that came up to two frames earlier.
-constexpr std::int64_t before = 6;
-constexpr std::int64_t around = 14;
+// A border empties the bit reservoir, and an encoder needs about so many quiet frames to save up again.
+constexpr std::int64_t quietFrames = 8;
 
 double power(const std::vector<float>& samples)
 {
@@ -26,12 +24,12 @@ double power(const std::vector<float>& samples)
 
 std::int64_t QuietSearch::operator()(std::int64_t first, std::int64_t count)
 {
-    const auto powers = framePowers(first - before, count + around);
+    const auto powers = framePowers(first, count + quietFrames);
     std::int64_t quietest = 0;
     double least = HUGE_VAL;
     for (std::int64_t i = 0; i < count; ++i) {
         double sum = 0;
-        for (std::int64_t j = i; j < i + around; ++j)
+        for (std::int64_t j = i; j < i + quietFrames; ++j)
             sum += powers[static_cast<std::size_t>(j)];
         if (sum < least) {
             least = sum;

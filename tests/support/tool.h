@@ -20,6 +20,8 @@ inline ToolResult runTool(const std::vector<Text>& arguments)
         command += "'" + argument + "' ";
     ToolResult result;
     std::FILE* pipe = popen((command + "2>&1").c_str(), "r");
+    if (!pipe)
+        return result;
     char buffer[4096];
     while (const auto got = std::fread(buffer, 1, sizeof buffer, pipe))
         result.words.append(buffer, got);
