@@ -57,6 +57,8 @@ std::size_t InputFile::read(void* bytes, std::size_t count, std::int64_t at) con
             break;
         have += static_cast<std::size_t>(got);
     }
+    if (have < count && at + static_cast<std::int64_t>(have) < size_)
+        throw failure(57);
     return have;
 }
 

@@ -42,7 +42,7 @@ void refuseUnlessWritable(const Text& target)
         return;
     if (!S_ISREG(status.st_mode))
         throw failure(75);
-    if (::access(target.c_str(), W_OK) != 0)
+    if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
         throw failure(70);
 }
 

@@ -37,7 +37,10 @@ Text decoded(const Mp3Zoo& zoo, const Text& mp3, unsigned workers)
     return fileBytes(zoo / "made.wav");
 }
 
-bool isInPieces(const Text& mp3) { return scanFrames(InputFile(mp3)).has_value(); }
+bool isInPieces(const Text& mp3)
+{
+    return scanFrames(InputFile(mp3)).has_value();
+}
 
 Text lameFile(Mp3Zoo& zoo, const Text& what, const Pcm& pcm, const Text& option, const Text& value)
 {
@@ -123,7 +126,8 @@ TEST_CASE("Tags around the frames are no sound")
     const Text witness = decoded(zoo, zoo / "plain.mp3", 2);
     const Text id3 = Text("ID3\4\0\0\0\0\x10\0", 10) + Text(2048, 'p');
     const Text footed = Text("ID3\4\0\x10\0\0\0\x20", 10) + Text(32, 'p') + Text("3DI\4\0\x10\0\0\0\x20", 10);
-    const Text ape = Text("APETAGEX\xD0\7\0\0\x40\0\0\0\1\0\0\0\0\0\0\xA0", 24) + Text(8, '\0') + Text(64, 'a');
+    const Text ape =
+        Text("APETAGEX\xD0\7\0\0\x40\0\0\0\1\0\0\0\0\0\0\xA0", 24) + Text(8, '\0') + Text(64, 'a');
     const Text v1 = Text("TAG") + Text(125, ' ');
     zoo.put("ID3v2", id3 + plain);
     zoo.put("two ID3v2", id3 + id3 + plain);
@@ -237,7 +241,8 @@ TEST_CASE("A file of a few frames is decoded")
 TEST_CASE("A WAV header tells its sound, and one past 32 bits that it goes to the end")
 {
     const auto header = wavHeader(44100, 2, 1000);
-    const Text expected("RIFF\x0C\4\0\0WAVEfmt \x10\0\0\0\1\0\2\0\x44\xAC\0\0\x10\xB1\2\0\4\0\x10\0data\xE8\3\0\0", 44);
+    const Text expected(
+        "RIFF\x0C\4\0\0WAVEfmt \x10\0\0\0\1\0\2\0\x44\xAC\0\0\x10\xB1\2\0\4\0\x10\0data\xE8\3\0\0", 44);
     CHECK(Text(header.begin(), header.end()) == expected);
     const auto large = wavHeader(48000, 1, 5'000'000'000);
     CHECK(Text(large.begin() + 4, large.begin() + 8) == "\xFF\xFF\xFF\xFF");
@@ -253,7 +258,8 @@ TEST_CASE("A decoding that is stopped leaves nothing")
         putFile(folder / "a.mp3", before + fileBytes(mp3));
         std::stop_source stop;
         const auto stopAtOnce = [&](std::int32_t) { stop.request_stop(); };
-        CHECK_THROWS_AS(decodeFile(folder / "a.mp3", folder / "a.wav", 2, stopAtOnce, stop.get_token()), Stopped);
+        CHECK_THROWS_AS(decodeFile(folder / "a.mp3", folder / "a.wav", 2, stopAtOnce, stop.get_token()),
+                        Stopped);
         CHECK(namesInFolder(folder.path()) == std::set<Text>{"a.mp3"});
     }
 }

@@ -14,11 +14,15 @@ namespace
 
 constexpr std::int64_t inSecond = 44100;
 
-std::int64_t framesOf(std::int64_t seconds) { return seconds * inSecond / 1152; }
+std::int64_t framesOf(std::int64_t seconds)
+{
+    return seconds * inSecond / 1152;
+}
 
 std::vector<EncodeChunk> planOf(std::int64_t seconds, const EncodeClock& clock = {})
 {
-    return planChunks(framesOf(seconds), clock, [](std::int64_t first, std::int64_t count) { return first + count / 2; });
+    return planChunks(framesOf(seconds), clock,
+                      [](std::int64_t first, std::int64_t count) { return first + count / 2; });
 }
 
 }
@@ -60,8 +64,10 @@ TEST_CASE("Chunks follow one another, and each encoder starts early enough where
 
 TEST_CASE("A border goes where the sound is quietest")
 {
-    const auto chunks = planChunks(framesOf(600), {}, [](std::int64_t first, std::int64_t) { return first + 7; });
-    const auto others = planChunks(framesOf(600), {}, [](std::int64_t first, std::int64_t) { return first + 207; });
+    const auto chunks =
+        planChunks(framesOf(600), {}, [](std::int64_t first, std::int64_t) { return first + 7; });
+    const auto others =
+        planChunks(framesOf(600), {}, [](std::int64_t first, std::int64_t) { return first + 207; });
     REQUIRE(chunks.size() == others.size());
     for (std::size_t i = 1; i < chunks.size(); ++i)
         CHECK(others[i].first - chunks[i].first == 200);
@@ -73,7 +79,8 @@ TEST_CASE("The place of every frame is known before it is encoded")
         int kilobits;
         bool half;
     };
-    for (const auto& c : {Case{128, false}, {320, false}, {32, false}, {56, false}, {64, true}, {8, true}, {160, true}}) {
+    for (const auto& c :
+         {Case{128, false}, {320, false}, {32, false}, {56, false}, {64, true}, {8, true}, {160, true}}) {
         CAPTURE(c.kilobits);
         LameEncoder encoder({c.kilobits * 1000, c.half}, 44100, 1);
         const auto clock = encoder.clock();
@@ -85,7 +92,8 @@ TEST_CASE("The place of every frame is known before it is encoded")
             encoder.encode(block, out);
         encoder.flushAtFrame(out);
         CHECK(encoder.frames() > 150);
-        CHECK(static_cast<std::int64_t>(out.size() - tag) == bytesBefore(encoder.frames(), c.kilobits, clock));
+        CHECK(static_cast<std::int64_t>(out.size() - tag) ==
+              bytesBefore(encoder.frames(), c.kilobits, clock));
     }
     CHECK(bytesBefore(0, 128, {}) == 0);
     CHECK(bytesBefore(1, 128, {}) == 417);
@@ -101,9 +109,21 @@ TEST_CASE("A bit rate becomes the nearest that the format has")
         int half;
     };
     const Case cases[] = {
-        {320000, 320, 160}, {192000, 192, 160}, {160000, 160, 160},     {144000, 160, 144},      {128000, 128, 128},
-        {100000, 96, 96},   {99999, 96, 96},    {32000, 32, 32},        {24000, 32, 24},         {8000, 32, 8},
-        {0, 32, 8},         {-5, 32, 8},        {2147483647, 320, 160}, {-2147483647 - 1, 32, 8}, {120000, 128, 128},
+        {320000, 320, 160},
+        {192000, 192, 160},
+        {160000, 160, 160},
+        {144000, 160, 144},
+        {128000, 128, 128},
+        {100000, 96, 96},
+        {99999, 96, 96},
+        {32000, 32, 32},
+        {24000, 32, 24},
+        {8000, 32, 8},
+        {0, 32, 8},
+        {-5, 32, 8},
+        {2147483647, 320, 160},
+        {-2147483647 - 1, 32, 8},
+        {120000, 128, 128},
     };
     for (const auto& c : cases) {
         CAPTURE(c.asked);

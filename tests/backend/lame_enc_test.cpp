@@ -42,7 +42,10 @@ struct Bench {
         return window.runUntil([&] { return done >= count; });
     }
 
-    int kilobitsOf(const Text& name) { return static_cast<std::uint8_t>(fileBytes(folder / name).at(2)) >> 4; }
+    int kilobitsOf(const Text& name)
+    {
+        return static_cast<std::uint8_t>(fileBytes(folder / name).at(2)) >> 4;
+    }
 };
 
 }
@@ -217,7 +220,8 @@ private:
 
 }
 
-TEST_CASE("A program that ends in the middle leaves no file under a final name, and a note of the unfinished one")
+TEST_CASE(
+    "A program that ends in the middle leaves no file under a final name, and a note of the unfinished one")
 {
     TemporaryFolder folder;
     putPcmWav(folder / "long.wav", music(44100 * 60));

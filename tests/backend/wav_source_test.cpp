@@ -117,7 +117,8 @@ TEST_CASE("A sound can be taken up at any place")
             CAPTURE(at);
             source.seek(static_cast<std::int64_t>(at));
             source.read(block, 10);
-            CHECK(std::equal(block.left.begin(), block.left.end(), whole.left.begin() + static_cast<long>(at)));
+            CHECK(
+                std::equal(block.left.begin(), block.left.end(), whole.left.begin() + static_cast<long>(at)));
         }
     }
 }
@@ -162,7 +163,8 @@ TEST_CASE("What a truncated file still holds is encoded")
         {"sizes that a stream leaves unknown", endless, 30000, 30000},
         {"sizes that were never filled in", unfinished, 30000, 30000},
         {"sizes never filled in, and yet no sound", unfinished.substr(0, 44), 0, 0},
-        {"sizes never filled in, a list behind", unfinished.substr(0, 44) + "LIST\4" + Text(3, '\0') + "INFO", 0, 0},
+        {"sizes never filled in, a list behind", unfinished.substr(0, 44) + "LIST\4" + Text(3, '\0') + "INFO",
+         0, 0},
         {"ADPCM cut in a block", adpcm.substr(0, adpcm.size() / 2 + 11), 14000, 17000},
     };
     for (const auto& c : cases) {
@@ -205,7 +207,8 @@ TEST_CASE("Numbers that are none, and sounds past full scale, stay within it")
     TemporaryFolder folder;
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float inf = std::numeric_limits<float>::infinity();
-    const auto sound = readAll(floatWav(folder / "odd.wav", {0.5f, nan, inf, -inf, 3.0f, -1e30f, 1e-40f, -0.25f}));
+    const auto sound =
+        readAll(floatWav(folder / "odd.wav", {0.5f, nan, inf, -inf, 3.0f, -1e30f, 1e-40f, -0.25f}));
     CHECK(sound.left == std::vector<float>{16384, 0, 32768, -32768, 32768, -32768, 32768 * 1e-40f, -8192});
 
     std::vector<float> wild(50000);
@@ -232,10 +235,10 @@ TEST_CASE("More channels are mixed down to two at no more than full scale")
         CHECK(left == doctest::Approx(1));
         CHECK(right == doctest::Approx(1));
     }
-    CHECK(mixDown(4)[2].right == 0); // quadraphonic: rear left
+    CHECK(mixDown(4)[2].right == 0);                  // quadraphonic: rear left
     CHECK(mixDown(6)[2].left == mixDown(6)[2].right); // centre
-    CHECK(mixDown(6)[3].left == 0); // bass
-    CHECK(mixDown(6)[5].left == 0); // rear right
+    CHECK(mixDown(6)[3].left == 0);                   // bass
+    CHECK(mixDown(6)[5].left == 0);                   // rear right
 
     TemporaryFolder folder;
     Pcm six{44100, 6, std::vector<std::int16_t>(6 * 100)};

@@ -52,10 +52,13 @@ private:
     std::vector<ZooFile> files_;
 };
 
-inline Text lameRate(int rate) { return std::to_string(rate / 1000) + "." + std::to_string(rate % 1000 / 10); }
+inline Text lameRate(int rate)
+{
+    return std::to_string(rate / 1000) + "." + std::to_string(rate % 1000 / 10);
+}
 
-// At every rate that the format has, mono and stereo: constant, average and variable bit rate by lame, and what ffmpeg
-// makes. Either all of them or one of the four in turn.
+// At every rate that the format has, mono and stereo: constant, average and variable bit rate by lame, and
+// what ffmpeg makes. Either all of them or one of the four in turn.
 inline void fillHealthy(Mp3Zoo& zoo, std::int64_t seconds, bool all)
 {
     int turn = 0;
@@ -96,7 +99,8 @@ inline void fillDamaged(Mp3Zoo& zoo, const std::vector<Text>& healthy, int count
             zoo.put("lost bytes" + number, bytes.erase(at, upTo(700)));
             break;
         case 2:
-            zoo.put("foreign bytes" + number, bytes.insert(at, Text(upTo(900), static_cast<char>(upTo(255)))));
+            zoo.put("foreign bytes" + number,
+                    bytes.insert(at, Text(upTo(900), static_cast<char>(upTo(255)))));
             break;
         case 3:
             zoo.put("lost beginning" + number, bytes.substr(at));

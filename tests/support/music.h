@@ -30,9 +30,9 @@ public:
         double left = 0;
         double right = 0;
         for (auto& tone : tones_) {
-            tone.phase += tone.step;
-            tone.level *= tone.decay;
-            const double value = tone.level * (std::sin(tone.phase) + std::sin(3 * tone.phase) / 3);
+            const double sine = tone.turn();
+            const double value =
+                0.15 * sine * (2 - sine * sine * 4 / 3); // with a third of its third harmonic
             left += value * tone.place;
             right += value * (1 - tone.place);
         }
@@ -44,8 +44,17 @@ public:
     }
 
 private:
+    // A decaying oscillation, turned on from sample to sample: the sines for minutes of music would take as
+    // long as encoding it.
     struct Tone {
-        double phase, step, level, decay, place;
+        double sine, cosine, stepSine, stepCosine, place;
+
+        double turn()
+        {
+            const double turned = sine * stepCosine + cosine * stepSine;
+            cosine = cosine * stepCosine - sine * stepSine;
+            return sine = turned;
+        }
     };
 
     double noise() { return static_cast<double>(random_()) / 1073741823.5 - 1; }
@@ -56,8 +65,9 @@ private:
             tones_.erase(tones_.begin(), tones_.begin() + 3);
         for (int i = 0; i < 3; ++i) {
             const double hertz = 110 * std::pow(2, random_() % 36 / 12.0);
-            tones_.push_back(
-                {0, 2 * std::numbers::pi * hertz / rate_, 0.15, 1 - 2.5 / rate_, 0.5 + 0.4 * noise()});
+            const double step = 2 * std::numbers::pi * hertz / rate_;
+            const double decay = 1 - 2.5 / rate_;
+            tones_.push_back({0, 1, decay * std::sin(step), decay * std::cos(step), 0.5 + 0.4 * noise()});
         }
         drum_ = 0.4;
     }
