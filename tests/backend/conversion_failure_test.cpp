@@ -178,7 +178,9 @@ TEST_CASE("One file cannot be source and target, by whatever names")
         const Text hard = place.folder / "hard";
         std::filesystem::create_symlink(conversion.source, soft);
         std::filesystem::create_hard_link(conversion.source, hard);
-        for (const auto& target : {conversion.source, soft, hard, place.folder.path() + "/./" + conversion.source.substr(place.folder.path().size() + 1)})
+        for (const auto& target :
+             {conversion.source, soft, hard,
+              place.folder.path() + "/./" + conversion.source.substr(place.folder.path().size() + 1)})
             CHECK(failureIn(conversion, target) == 75);
         CHECK(fileBytes(conversion.source) == bytes);
         std::filesystem::remove(soft);
