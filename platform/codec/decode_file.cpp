@@ -1,7 +1,7 @@
 #include "platform/codec/decode_file.h"
 
-#include "platform/codec/frame_cut.h"
 #include "platform/codec/part_file.h"
+#include "platform/codec/piece_decoder.h"
 #include "platform/codec/wav_header.h"
 #include "platform/failure.h"
 
@@ -148,64 +148,18 @@ private:
     bool decode(std::int64_t begin, const std::stop_token& stop)
     {
         const std::int64_t end = std::min(begin + framesInCut, table_.frames());
-        FrameCut cut(file_, table_, begin, end);
-        FrameDecoder decoder(cut, FrameDecoder::Kind::Frames);
-        std::span<const std::int16_t> samples;
-        for (std::int64_t i = 0; i < cut.leadIn(); ++i)
-            if (!decoder.next(samples))
-                return false;
-
         SampleWriter writer(part_, placeOf(std::max(begin * table_.first.samples, table_.trim.begin)));
-        bool isWatched = false;
+        PieceDecoder decoder(file_, table_, begin, end);
+        std::span<const std::int16_t> samples;
         for (std::int64_t frame = begin; frame < end; ++frame) {
-            if (isSpoilt_ || !decoder.next(samples) || samples.size() != samplesInFrame())
-                return false;
-            if (!isIntact(decoder, samples, frame, isWatched))
-                return false;
             throwIfStopped(stop);
+            if (isSpoilt_ || !decoder.next(samples))
+                return false;
             writer.write(trimmed(samples, frame));
         }
         writer.flush();
         progress_.add(table_.positions[end] - table_.positions[begin]);
         return true;
-    }
-
-    std::size_t samplesInFrame() const
-    {
-        return static_cast<std::size_t>(table_.first.samples * table_.first.channels);
-    }
-
-    // A frame that broke off ends so; few others do.
-    bool endsSilent(std::span<const std::int16_t> samples) const
-    {
-        const auto lastGranule = samples.last(static_cast<std::size_t>(576 * table_.first.channels));
-        return std::all_of(lastGranule.rbegin(), lastGranule.rend(), [](auto sample) { return sample == 0; });
-    }
-
-    // Watching every frame would cost time: it begins with the first that looks broken.
-    bool isIntact(FrameDecoder& decoder, std::span<const std::int16_t> samples, std::int64_t frame,
-                  bool& isWatched)
-    {
-        if (isWatched)
-            return decoder.wasWhole();
-        if (!endsSilent(samples))
-            return true;
-        decoder.watch();
-        isWatched = true;
-        return isWhole(frame);
-    }
-
-    bool isWhole(std::int64_t frame) const
-    {
-        const std::int64_t begin = frame / FrameCut::windowTurn * FrameCut::windowTurn;
-        FrameCut cut(file_, table_, begin, frame + 1);
-        FrameDecoder decoder(cut, FrameDecoder::Kind::Frames);
-        decoder.watch();
-        std::span<const std::int16_t> samples;
-        for (std::int64_t i = begin - cut.leadIn(); i <= frame; ++i)
-            if (!decoder.next(samples))
-                return false;
-        return decoder.wasWhole();
     }
 
     std::span<const std::int16_t> trimmed(std::span<const std::int16_t> samples, std::int64_t frame) const

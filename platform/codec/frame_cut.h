@@ -13,7 +13,7 @@ namespace codec
 // What a decoder needs to give frame `begin` exactly as if it came from the file's beginning. A frame's main
 // data may begin up to 511 bytes back, in frames before it (the bit reservoir), so those come first,
 // silenced; then frames for the overlap of one frame into the next.
-class FrameCut final : public ByteSource
+class FrameCut
 {
 public:
     // The frames in which a decoder's synthesis window turns once: its roundings depend on where in the turn
@@ -24,14 +24,11 @@ public:
     FrameCut(const InputFile& file, const FrameTable& table, std::int64_t begin, std::int64_t end);
 
     std::int64_t leadIn() const { return leadIn_; } // frames that come before `begin`
-
-    std::int64_t read(void* bytes, std::size_t count) override;
-    std::int64_t seek(std::int64_t offset, int whence) override;
+    ByteSource& source() { return source_; }
 
 private:
-    std::vector<std::uint8_t> bytes_;
-    std::size_t at_ = 0;
-    std::int64_t leadIn_ = 0;
+    std::int64_t leadIn_;
+    MemorySource source_;
 };
 
 }

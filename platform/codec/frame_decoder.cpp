@@ -2,6 +2,7 @@
 
 #include "platform/failure.h"
 
+#include <algorithm>
 #include <mpg123.h>
 
 namespace codec
@@ -42,11 +43,17 @@ void allowRates(mpg123_handle* handle)
 
 }
 
+std::int64_t MemorySource::read(void* bytes, std::size_t count)
+{
+    count = std::min(count, bytes_.size() - at_);
+    std::copy_n(bytes_.begin() + static_cast<std::ptrdiff_t>(at_), count, static_cast<std::uint8_t*>(bytes));
+    at_ += count;
+    return static_cast<std::int64_t>(count);
+}
+
 struct FrameDecoder::Parts {
     std::unique_ptr<mpg123_handle, Deleter> handle;
     SoundFormat format;
-    bool isTold = false;
-    mpg123_moreinfo told{}; // the decoder writes into it once a granule is decoded
 
     void prepareFile() { require(mpg123_param(handle.get(), MPG123_RESYNC_LIMIT, -1, 0)); }
 
@@ -91,7 +98,6 @@ FrameDecoder::~FrameDecoder() = default;
 
 bool FrameDecoder::next(std::span<const std::int16_t>& samples)
 {
-    parts_->told.mainbits[0][0] = parts_->told.mainbits[1][0] = -1;
     for (;;) {
         off_t number = 0;
         unsigned char* bytes = nullptr;
@@ -111,17 +117,6 @@ bool FrameDecoder::next(std::span<const std::int16_t>& samples)
 SoundFormat FrameDecoder::format() const
 {
     return parts_->format;
-}
-
-void FrameDecoder::watch()
-{
-    parts_->isTold = mpg123_set_moreinfo(parts_->handle.get(), &parts_->told) == MPG123_OK;
-}
-
-bool FrameDecoder::wasWhole() const
-{
-    const int lastGranule = parts_->format.rate < 32000 ? 0 : 1;
-    return parts_->isTold && parts_->told.mainbits[lastGranule][0] >= 0;
 }
 
 }

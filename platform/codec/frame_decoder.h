@@ -1,11 +1,10 @@
 // libmpg123 on a source of bytes: gives 16-bit samples frame by frame.
 #pragma once
 
-#include "platform/codec/input_file.h"
-
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 namespace codec
 {
@@ -18,6 +17,20 @@ public:
 
     virtual std::int64_t read(void* bytes, std::size_t count) = 0;  // bytes read; 0 at the end
     virtual std::int64_t seek(std::int64_t offset, int whence) = 0; // as lseek
+};
+
+// Bytes that go by once.
+class MemorySource final : public ByteSource
+{
+public:
+    explicit MemorySource(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {}
+
+    std::int64_t read(void* bytes, std::size_t count) override;
+    std::int64_t seek(std::int64_t, int) override { return -1; }
+
+private:
+    std::vector<std::uint8_t> bytes_;
+    std::size_t at_ = 0;
 };
 
 struct SoundFormat {
@@ -45,12 +58,6 @@ public:
 
     // Of the first frame; known after the first call of `next`.
     SoundFormat format() const;
-
-    // From the next frame on `wasWhole` is known. Costs a twentieth of the decoder's time.
-    void watch();
-
-    // False when the last frame broke off and was filled up with silence, and on a library that cannot tell.
-    bool wasWhole() const;
 
 private:
     struct Parts;

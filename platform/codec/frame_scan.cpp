@@ -244,13 +244,13 @@ std::optional<FrameHeader> parseHeader(const std::uint8_t* bytes)
         return std::nullopt;
 
     const bool low = version != 3;
-    const bool isProtected = !(bits >> 16 & 1);
     FrameHeader header;
     header.bits = bits;
     header.rate = rates[rate] >> (low ? (version == 0 ? 2 : 1) : 0);
     header.channels = (bits >> 6 & 3) == 3 ? 1 : 2;
     header.samples = low ? 576 : 1152;
-    header.sideInfo = 4 + (isProtected ? 2 : 0) + (header.channels == 2 ? (low ? 17 : 32) : (low ? 9 : 17));
+    header.sideInfo =
+        4 + (header.isProtected() ? 2 : 0) + (header.channels == 2 ? (low ? 17 : 32) : (low ? 9 : 17));
     if (bitrate == 0)
         return header;
     header.bytes = header.samples / 8 * 1000 * kilobits[low][bitrate] / header.rate + (bits >> 9 & 1);

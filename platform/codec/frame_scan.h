@@ -20,6 +20,7 @@ struct FrameHeader {
     int sideInfo = 0; // where the main data begin, counted from the frame's first byte
 
     bool isLowRate() const { return samples == 576; }
+    bool isProtected() const { return !(bits >> 16 & 1); }
     int mainData() const { return bytes - sideInfo; }
 
     // The largest step back that main_data_begin can express.

@@ -20,8 +20,8 @@ public:
 
     std::int64_t size() const { return size_; } // bytes, when it was opened
 
-    // Reads up to `count` bytes at `at`; fewer only at the end of the file. Fails with 57, also when the file has become
-    // shorter since it was opened.
+    // Reads up to `count` bytes at `at`; fewer only at the end of the file. Fails with 57, also when the file
+    // has become shorter since it was opened.
     std::size_t read(void* bytes, std::size_t count, std::int64_t at) const;
 
 private:

@@ -14,8 +14,8 @@ class QuietSearch
 public:
     QuietSearch(WavSource& source, const EncodeClock& clock) : source_(source), clock_(clock) {}
 
-    // The one of `count` frames from `first` on with the least power in it and the frames behind it; the first of
-    // equals.
+    // The one of `count` frames from `first` on with the least power in it and the frames behind it; the
+    // first of equals.
     std::int64_t operator()(std::int64_t first, std::int64_t count);
 
 private:

@@ -52,7 +52,8 @@ std::optional<std::int64_t> unfilledSoundSize(const InputFile& file)
         const auto chunk = chunkAt(file, position);
         const auto behind = position + 8;
         if (chunk.name() == "data") {
-            const bool isUnfilled = chunk.size() == 0 && behind < file.size() && !chunkAt(file, behind).isNamed();
+            const bool isUnfilled =
+                chunk.size() == 0 && behind < file.size() && !chunkAt(file, behind).isNamed();
             return isUnfilled ? std::optional(position + 4) : std::nullopt;
         }
         position = behind + chunk.size() + chunk.size() % 2;

@@ -9,7 +9,8 @@
 namespace codec
 {
 
-// Where the size of the sound stands, in a file that gives it as 0 although sound follows; nullopt in every other.
+// Where the size of the sound stands, in a file that gives it as 0 although sound follows; nullopt in every
+// other.
 std::optional<std::int64_t> unfilledSoundSize(const InputFile& file);
 
 }

@@ -27,8 +27,8 @@ struct Closer {
     void operator()(SNDFILE* sound) const { sf_close(sound); }
 };
 
-// A file as libsndfile reads it, with a position of its own. A size that was never filled in reads as the largest one,
-// which is taken for "up to the end of the file".
+// A file as libsndfile reads it, with a position of its own. A size that was never filled in reads as the
+// largest one, which is taken for "up to the end of the file".
 struct Reader {
     explicit Reader(const InputFile& from) : file(from), unfilledSize(unfilledSoundSize(from).value_or(-4)) {}
 

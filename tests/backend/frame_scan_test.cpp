@@ -200,7 +200,7 @@ TEST_CASE("Frames cut out of a file come with silenced ones that fill the reserv
         // The first frame points nowhere back; those behind it, as far as there is something, to 511 bytes at
         // most.
         std::vector<std::uint8_t> bytes(200000);
-        bytes.resize(static_cast<std::size_t>(cut.read(bytes.data(), bytes.size())));
+        bytes.resize(static_cast<std::size_t>(cut.source().read(bytes.data(), bytes.size())));
         std::size_t at = 0;
         int reservoir = 0;
         for (std::int64_t i = 0; i < cut.leadIn() - 8; ++i) {
@@ -213,6 +213,6 @@ TEST_CASE("Frames cut out of a file come with silenced ones that fill the reserv
             at += static_cast<std::size_t>(head->bytes);
         }
         CHECK(reservoir == 511);
-        CHECK(cut.read(bytes.data(), 1) == 0);
+        CHECK(cut.source().read(bytes.data(), 1) == 0);
     }
 }
