@@ -6,9 +6,10 @@
 
 #include <memory>
 
+class PartNotes;
 class Post;
 class Shell;
 class SoundOutput;
 
 // `post` wakes the window thread when a file has been heard to its end. What is given outlives the engine.
-std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell);
+std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes);

@@ -15,9 +15,11 @@ std::shared_ptr<const InputFile> InputFile::open(const Text& path)
     std::shared_ptr<const InputFile> file(new InputFile(descriptor));
     struct stat status {
     };
-    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
-        return nullptr;
-    return file;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
+        return file;
+    file.reset();
+    errno = EINVAL;
+    return nullptr;
 }
 
 InputFile::~InputFile() { ::close(descriptor_); }

@@ -10,7 +10,8 @@
 class InputFile
 {
 public:
-    // nullptr for whatever is no readable regular file; a pipe or a device is not waited for.
+    // nullptr for whatever is no readable regular file, the reason in `errno`; a pipe or a device is not
+    // waited for.
     static std::shared_ptr<const InputFile> open(const Text& path);
 
     ~InputFile();

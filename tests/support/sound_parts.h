@@ -5,6 +5,7 @@
 #include "platform/audio/mpg123_play.h"
 #include "platform/audio/sndfile_control.h"
 #include "platform/audio/sound_output.h"
+#include "platform/part_notes.h"
 #include "platform/post.h"
 #include "platform/shell.h"
 #include "tests/support/temporary_folder.h"
@@ -60,7 +61,7 @@ struct SoundParts {
     NotedShell shell;
     CountedActivity activity;
     SoundOutput output{folder / "state/levels", activity};
-    std::unique_ptr<Mp3Play> mp3 = makeMpg123Play(output, post, shell);
+    std::unique_ptr<Mp3Play> mp3 = makeMpg123Play(output, post, shell, NoPartNotes::instance());
     std::unique_ptr<MMControl> wav = makeSndfileControl(output);
 
     void openWav(const Text& path)
