@@ -1,6 +1,7 @@
 #include "platform/failure.h"
 #include "platform/toolkit/list_box.h"
 #include "platform/toolkit/toolkit.h"
+#include "support/failures.h"
 #include "support/list_hand.h"
 
 #include <QDropEvent>
@@ -52,14 +53,6 @@ struct Shown {
     ctl::ListBox& list = form.list;
     ListHand hand{form, form.list};
 };
-
-template <typename Call>
-int failureNumber(Call&& call)
-{
-    int number = 0;
-    guarded([&](const Failure& failure) { number = failure.number; }, call);
-    return number;
-}
 
 }
 
@@ -138,12 +131,12 @@ TEST_CASE("Only a selection that really changes raises Click")
 TEST_CASE("Rows outside the list")
 {
     Shown window(3);
-    CHECK(failureNumber([&] { window.list.setListIndex(3); }) == 380);
-    CHECK(failureNumber([&] { window.list.setListIndex(-2); }) == 380);
-    CHECK(failureNumber([&] { window.list.RemoveItem(3); }) == 5);
-    CHECK(failureNumber([&] { window.list.RemoveItem(-1); }) == 5);
-    CHECK(failureNumber([&] { window.list.AddItem("/x", 4); }) == 5);
-    CHECK(failureNumber([&] { window.list.setSelected(3, true); }) == 381);
+    CHECK(failureOf([&] { window.list.setListIndex(3); }) == 380);
+    CHECK(failureOf([&] { window.list.setListIndex(-2); }) == 380);
+    CHECK(failureOf([&] { window.list.RemoveItem(3); }) == 5);
+    CHECK(failureOf([&] { window.list.RemoveItem(-1); }) == 5);
+    CHECK(failureOf([&] { window.list.AddItem("/x", 4); }) == 5);
+    CHECK(failureOf([&] { window.list.setSelected(3, true); }) == 381);
     CHECK(window.list.List(3) == "");
     CHECK(window.list.List(-1) == "");
     CHECK(window.list.Text() == "");
