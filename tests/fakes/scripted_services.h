@@ -308,6 +308,7 @@ public:
 
     std::map<Text, Text> files;
     std::map<Text, int> failures; // the failure of opening a path for output, or of reading it
+    std::map<Text, int> outputFailures; // of opening for output alone
     std::optional<int> writeFails;
     std::function<void(std::string_view)> onWrite;
     bool measures = true; // false: the length of an unreadable file cannot be told either
@@ -315,8 +316,9 @@ public:
     std::unique_ptr<TextOutput> openForOutput(const Text& path) override
     {
         log_.add("Files.open " + path);
-        if (const auto fails = failures.find(path); fails != failures.end())
-            throw failure(fails->second);
+        for (const auto* refused : {&failures, &outputFailures})
+            if (const auto fails = refused->find(path); fails != refused->end())
+                throw failure(fails->second);
         return std::make_unique<Output>(*this, path);
     }
     bool stillHolds(const Text& path, std::uint64_t revision) override

@@ -59,7 +59,7 @@ struct Shown {
 TEST_CASE("A row that is removed leaves the selection as this table says")
 {
     struct Case {
-        const char* what;
+        Text what;
         int selected, removed, then;
     };
     const Case cases[] = {
@@ -84,7 +84,7 @@ TEST_CASE("A row that is removed leaves the selection as this table says")
 TEST_CASE("A row that is inserted leaves the selection as this table says")
 {
     struct Case {
-        const char* what;
+        Text what;
         int selected, at, then;
     };
     const Case cases[] = {
@@ -189,7 +189,7 @@ TEST_CASE("A selection from code comes into view")
 TEST_CASE("The arrow keys and their like move the selection and raise Click")
 {
     struct Case {
-        const char* key;
+        Text key;
         int code, from, to;
         Qt::KeyboardModifiers held;
     };
@@ -227,7 +227,7 @@ TEST_CASE("An arrow key at the list's end changes nothing and raises nothing")
 TEST_CASE("Every key that a handler knows arrives with its code and its shift state")
 {
     struct Case {
-        const char* key;
+        Text key;
         int code;
         const char16_t* text;
         Qt::KeyboardModifiers held;
@@ -427,7 +427,7 @@ Drop dropOn(const ListHand& hand, const QByteArray& addresses, Qt::DropActions o
 TEST_CASE("Dropped files arrive in their order, each as the bytes of its path")
 {
     struct Case {
-        const char* what;
+        Text what;
         const char* addresses;
         std::vector<Text> paths;
     };

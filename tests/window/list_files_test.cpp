@@ -45,7 +45,7 @@ TEST_CASE("Each command prepares its dialog in its own way")
     const Text lists = "Velmora Playlist|*.vlp|M3U Playlists|*.m3u|All Files|*.*";
     const Text songs = "Mp3 Files|*.mp3|Wav Files|*.wav";
     struct Case {
-        const char* what;
+        Text what;
         Command command;
         Lines calls;
     };
@@ -96,7 +96,7 @@ TEST_CASE("The question before overwriting is the dialog's, about the name as it
 TEST_CASE("A dialog that cannot be prepared is reported and not shown")
 {
     struct Case {
-        const char* what;
+        Text what;
         Command command;
         bool named;
     };
@@ -139,7 +139,7 @@ TEST_CASE("The lines of a text replace the ones before; an empty text leaves non
 TEST_CASE("A list file gives these rows, whatever its name ends in")
 {
     struct Case {
-        const char* what;
+        Text what;
         Text text;
         Lines rows;
     };
@@ -260,7 +260,7 @@ TEST_CASE("A list that is opened selects nothing and leaves the cursor of Next")
 TEST_CASE("A direct Save writes what the name's last three letters say")
 {
     struct Case {
-        const char* name;
+        Text name;
         bool isM3u;
     };
     const Case cases[] = {
@@ -320,8 +320,8 @@ TEST_CASE("A dialog that was never on a filter saves the own format under the na
 TEST_CASE("An empty list is a file of 0 bytes, and in M3U a header alone")
 {
     struct Case {
-        const char* name;
-        const char* text;
+        Text name;
+        Text text;
     };
     for (const auto& c : {Case{"/list.vlp", ""}, Case{"/list.m3u", "#EXTM3U\r\n"}}) {
         ListProgram direct;
@@ -332,7 +332,7 @@ TEST_CASE("An empty list is a file of 0 bytes, and in M3U a header alone")
 
         ListProgram through;
         through.file(c.name) = "older";
-        through.willChoose({c.name}, c.text[0] ? m3u : own);
+        through.willChoose({c.name}, !c.text.empty() ? m3u : own);
         through.list.GoDoSaveAs();
         CHECK(through.file(c.name) == c.text);
     }
@@ -428,7 +428,7 @@ TEST_CASE("A file that never opens keeps the M3U save for ever, and the old file
 TEST_CASE("The rows that change under a waiting save: texts are read anew, their number is not")
 {
     struct Case {
-        const char* what;
+        Text what;
         std::function<void(ListProgram&)> change;
         const char* lines;
     };
@@ -540,7 +540,7 @@ TEST_CASE("A cancel that is no failure saves under the bare letters of the filte
 {
     struct Case {
         std::int16_t filter;
-        const char* name;
+        Text name;
     };
     for (const auto& c : {Case{own, ".vlp"}, Case{m3u, ".m3u"}}) {
         TwoSongs start;
