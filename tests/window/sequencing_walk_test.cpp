@@ -201,7 +201,7 @@ TEST_CASE("Whatever the user does and whenever, the nest of runs is where the ru
     for (unsigned seed = 1; seed <= 100; ++seed) {
         Walk walk(seed);
         const Text difference = walk.differs(1500);
-        CHECK_MESSAGE(difference.empty(), "seed ", seed, " ", difference);
+        REQUIRE_MESSAGE(difference.empty(), "seed ", seed, " ", difference);
         deepest = std::max(deepest, walk.deepest());
         acts += walk.done();
     }
