@@ -155,6 +155,15 @@ TEST_CASE("A row keeps its bytes, whatever they are")
         CHECK(window.list.List(i) == rows[i]);
 }
 
+TEST_CASE("A row with line ends in it is as high as any other")
+{
+    Shown window(0);
+    window.list.AddItem("\r\n/a.mp3\n\n");
+    window.list.AddItem("/b.mp3");
+    CHECK(window.hand.view().sizeHintForRow(0) == window.hand.view().sizeHintForRow(1));
+    CHECK(window.list.List(0) == "\r\n/a.mp3\n\n");
+}
+
 TEST_CASE("Getting the focus selects nothing")
 {
     for (const auto reason : {Qt::TabFocusReason, Qt::ActiveWindowFocusReason, Qt::MouseFocusReason}) {
