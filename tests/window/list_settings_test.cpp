@@ -60,25 +60,6 @@ TEST_CASE("The reader is never handed the default: planting it is the program's 
     CHECK(start.platform.log.count("Profile.write Key = 1") == 1);
 }
 
-TEST_CASE("On a read-only medium writing fails without a word, and reading gives the default on and on")
-{
-    ListProgram start;
-    start.platform.profile.readOnly = true;
-    for (int time = 0; time < 2; ++time)
-        CHECK(read(start, "FileType", "1") == "1");
-    CHECK_FALSE(start.player.AddToINI("Playlist Editor", "FileType", "2", file));
-    CHECK(start.platform.profile.values.empty());
-    CHECK(start.platform.boxes.shown.empty());
-}
-
-TEST_CASE("Writing says that it went well")
-{
-    ListProgram start;
-    CHECK(start.player.AddToINI("Playlist Editor", "PlayList", "", file));
-    CHECK(start.player.AddToINI("Playlist Editor", "PlayList", "/list.vlp", file));
-    CHECK(stored(start, "PlayList") == "/list.vlp");
-}
-
 TEST_CASE("A list whose path is longer than a value can be does not come back at the next start")
 {
     ListProgram start;
@@ -90,12 +71,4 @@ TEST_CASE("A list whose path is longer than a value can be does not come back at
     const auto next = ListProgram::after(start);
     CHECK(next.rows().empty());
     CHECK(next.list.PlayListFileName.Text() == path.substr(0, 254));
-}
-
-TEST_CASE("A text ends at its first NUL, wherever that is")
-{
-    CHECK(StartUp::StripTerminator("") == "");
-    CHECK(StartUp::StripTerminator("abc") == "abc");
-    CHECK(StartUp::StripTerminator(Text("a\0b", 3)) == "a");
-    CHECK(StartUp::StripTerminator(Text("\0b", 2)) == "");
 }
