@@ -307,7 +307,7 @@ public:
     explicit FilesInMemory(CallLog& log) : log_(log) {}
 
     std::map<Text, Text> files;
-    std::map<Text, int> failures; // the failure of opening a path for output, or of reading it
+    std::map<Text, int> failures;       // the failure of opening a path for output, or of reading it
     std::map<Text, int> outputFailures; // of opening for output alone
     std::optional<int> writeFails;
     std::function<void(std::string_view)> onWrite;
