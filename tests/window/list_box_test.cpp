@@ -419,14 +419,15 @@ struct Drop {
     Qt::DropAction action;
 };
 
+// With Shift held the desktop proposes a move wherever one is offered.
 Drop dropOn(const ListHand& hand, const QByteArray& addresses, Qt::DropActions offered)
 {
     QMimeData data;
     if (!addresses.isEmpty())
         data.setData("text/uri-list", addresses);
-    QDragEnterEvent enter({5, 5}, offered, &data, Qt::LeftButton, Qt::NoModifier);
+    QDragEnterEvent enter({5, 5}, offered, &data, Qt::LeftButton, Qt::ShiftModifier);
     QApplication::sendEvent(hand.view().viewport(), &enter);
-    QDropEvent drop({5, 5}, offered, &data, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop({5, 5}, offered, &data, Qt::LeftButton, Qt::ShiftModifier);
     QApplication::sendEvent(hand.view().viewport(), &drop);
     return {drop.isAccepted(), drop.dropAction()};
 }

@@ -455,6 +455,8 @@ TEST_CASE("The rows that change under a waiting save: texts are read anew, their
             start.platform.scriptedPump.steps = {[&] { c.change(start); }};
             start.list.GoDoSave();
             CHECK(start.file("/list.m3u") == c.lines);
+            const Text nowFirst = start.rows().front();
+            CHECK(start.platform.log.of("Mp3Player2")[1] == "Mp3Player2.Open(" + nowFirst + ")");
         }
 }
 
