@@ -34,7 +34,8 @@ struct Toolkit::Parts final : QObject, Post {
     void pressed(QObject* object)
     {
         auto* widget = qobject_cast<QWidget*>(object);
-        if (auto* window = widget ? dynamic_cast<FormWidget*>(widget->window()) : nullptr)
+        auto* window = widget ? dynamic_cast<FormWidget*>(widget->window()) : nullptr;
+        if (window && &window->form().toolkit() == &toolkit)
             toolkit.outermost([&] { toolkit.activated(window->form()); });
     }
 

@@ -30,7 +30,7 @@ public:
     // In pixels of the window.
     Pointer& to(QPointF place)
     {
-        place_ = place;
+        place_ = window_->mapToGlobal(place);
         send(QEvent::MouseMove, Qt::NoButton);
         return *this;
     }
@@ -78,11 +78,11 @@ private:
 
     void send(QEvent::Type type, Qt::MouseButton button)
     {
-        qt_handleMouseEvent(window_, place_, window_->mapToGlobal(place_), buttons_, button, type, keys,
+        qt_handleMouseEvent(window_, window_->mapFromGlobal(place_), place_, buttons_, button, type, keys,
                             clock());
     }
 
     QWindow* window_;
-    QPointF place_;
+    QPointF place_; // on the screen: it stays there when the window moves away under it
     Qt::MouseButtons buttons_;
 };
