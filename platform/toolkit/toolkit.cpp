@@ -54,7 +54,8 @@ struct Toolkit::Parts final : QObject, Post {
 
 Toolkit::Toolkit(Timers timers) : parts_(std::make_unique<Parts>(*this, timers)) {}
 
-Toolkit::~Toolkit() = default;
+// A call that never ran may hold a window, which takes its leave of a whole toolkit.
+Toolkit::~Toolkit() { QCoreApplication::removePostedEvents(parts_.get()); }
 
 void Toolkit::outermost(const std::function<void()>& call)
 {

@@ -23,7 +23,7 @@ struct Player {
 
     // `prepare` sets what the start meets.
     explicit Player(const std::function<void(FakePlatform&)>& prepare = [](FakePlatform&) {}) :
-        program((prepare(platform), platform)), window(program.startUp())
+        program((giveOutputDirectory(), prepare(platform), platform)), window(program.startUp())
     {
         platform.log.clear();
     }
@@ -49,6 +49,13 @@ struct Player {
         const Text all = lines(platform.log.all());
         platform.log.clear();
         return all;
+    }
+
+    // One that a directory list can really stand on.
+    void giveOutputDirectory()
+    {
+        platform.outputDirectory = "/";
+        platform.scan.folders["/*.*"] = {{FoundFile::directory, "."}};
     }
 
     Text stored(const Text& section, const Text& key) { return platform.store.values[{section, key}]; }
