@@ -62,6 +62,7 @@ TEST_CASE("The bar shows the share that has played, and is back at its start in 
         {"9.95 of 10 seconds", "9950", "10000", 0},
         {"the whole", "10000", "10000", 0},
         {"past the whole", "10026.12", "10000", 0},
+        {"so far past it that no integer holds the share", "2147483647", "1", 0},
         {"single text against a whole length", "26122.447", "60000", 44},
         {"no length, and no division", "5000", "0", 0},
         {"neither", "0", "0", 0},

@@ -124,6 +124,22 @@ TEST_CASE("A stored place is taken as it is, and a stored side raises its flag a
     }
 }
 
+TEST_CASE("Placing the list from the store lets go of the side before")
+{
+    for (const Text side : {"bottom", "top", "right", "left"}) {
+        CAPTURE(side);
+        Docking p([](FakePlatform& platform) { storeList(platform, "0", "0", ""); });
+        p.setDocked(side);
+        p.window.dock_side = side;
+        p.window.get_reg_settings_plse();
+        CHECK(p.docked().empty());
+        CHECK(p.window.dock_side == side);
+        CHECK(p.stored(listPlace, "POS") == side);
+        p.window.get_reg_settings_plse();
+        CHECK(p.docked() == side + " ");
+    }
+}
+
 TEST_CASE("The stored side is wiped when the list is placed, and written again by its activation")
 {
     Text calls;

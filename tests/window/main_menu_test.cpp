@@ -218,6 +218,28 @@ TEST_CASE("The settings window opens with these Apply buttons disabled")
     }
 }
 
+TEST_CASE("An Apply button that the loading enabled is disabled afterwards, the others stay as they are")
+{
+    struct Row {
+        std::int32_t item;
+        bool enc, dec;
+    };
+    for (const auto& row : {Row{11, false, true}, Row{14, true, false}}) {
+        CAPTURE(row.item);
+        Player p;
+        choose(p, 19);
+        p.store("Encoder Settings", "Settings Saved", "yes");
+        p.store("Encoder Settings", "Bitrate", "320000");
+        p.store("Decoder Settings", "Settings Saved", "yes");
+        p.store("Decoder Settings", "SaveDirectory", "/usr");
+        choose(p, row.item);
+        CHECK(p.program.settings().SetEncBitr1.Value());
+        CHECK(p.program.settings().Dir2.Path() == "/usr");
+        CHECK(p.program.settings().SetEncApp.Enabled() == row.enc);
+        CHECK(p.program.settings().SetDecApp.Enabled() == row.dec);
+    }
+}
+
 TEST_CASE("The last Settings keeps the tab where the user had it")
 {
     Player p;

@@ -346,6 +346,22 @@ TEST_CASE("A known file asks neither the dialog nor the store")
     CHECK(p.platform.store.reads.empty());
 }
 
+TEST_CASE("A known file of any other kind than MP3 goes to the WAV engine, whichever image is clicked")
+{
+    for (const std::int16_t other : {0, 1, 3, -1}) {
+        CAPTURE(other);
+        Player p;
+        p.current(song, other);
+        p.window.Image1_Click();
+        CHECK(p.calls() ==
+              "MMControl1.Close\nMMControl1.FileName = /m/a.mp3\nMMControl1.Open\nMMControl1.Play\n");
+        p.window.Image2_Click();
+        CHECK(p.calls() == "MMControl1.Close\n");
+        p.window.playfunction1();
+        CHECK(p.calls().ends_with("MMControl1.Open\nMMControl1.Play\n"));
+    }
+}
+
 TEST_CASE("Play goes on only when the flag is 1, Pause goes on whenever it is not 0")
 {
     Player p;
