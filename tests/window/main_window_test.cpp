@@ -395,6 +395,7 @@ TEST_CASE("Any other way of closing stops and closes both engines first, once")
     p.calls();
     p.window.page()->close();
     CHECK(p.calls() == "Mp3Player.Stop\nMp3Player.Close\nMMControl1.Close\n");
+    CHECK(p.window.Visible()); // to the very end of the program
     CHECK(p.platform.ends == 1);
 }
 

@@ -160,6 +160,15 @@ TEST_CASE("Show activates at once: first the old window goes, then the new one c
     CHECK(pair.told().empty());
 }
 
+TEST_CASE("A window that hears of its activation is visible already")
+{
+    Pair pair;
+    bool visible = false;
+    pair.one.Activate.calls([&] { visible = pair.one.Visible(); });
+    pair.one.Show();
+    CHECK(visible);
+}
+
 TEST_CASE("Show of the active window raises nothing")
 {
     Pair pair;
@@ -194,6 +203,30 @@ TEST_CASE("A press activates its window before the control hears of it, whicheve
         pointer.click(pair.one.key, button);
         CHECK(pair.told() == "pressed\n");
     }
+}
+
+TEST_CASE("A quick second press activates, too")
+{
+    Pair pair;
+    pair.one.Show();
+    Pointer pointer(pair.one);
+    pointer.click(pair.one.key);
+    pair.other.Show();
+    pair.told();
+    pointer.pressQuickly();
+    CHECK(pair.told() == "other off\none on\n");
+}
+
+TEST_CASE("A window that went while it was active is forgotten")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    {
+        Face face(toolkit);
+        face.Show();
+    }
+    Face next(toolkit);
+    next.Show();
+    CHECK(next.told() == "Activate\n");
 }
 
 TEST_CASE("A press on the bare face activates, too")
@@ -328,13 +361,13 @@ TEST_CASE("A minimised window keeps its place, whatever the system says of it")
 {
     Toolkit toolkit(Toolkit::Timers::byHand);
     Face face(toolkit);
-    face.setLeft(1500);
-    face.setTop(600);
     face.Show();
-    QApplication::processEvents();
+    REQUIRE(waitFor([&] {
+        face.page()->move(100, 40);
+        return face.Left() == 1500;
+    }));
     face.setWindowState(Form::minimized);
     face.page()->move(-32000, -32000);
-    QApplication::processEvents();
     CHECK(face.Left() == 1500);
     CHECK(face.Top() == 600);
 }
