@@ -178,6 +178,11 @@ public:
         Text caption;
         std::int32_t parent;
         Text key;
+        Text helpText;
+        std::int32_t itemData;
+        std::int32_t iconIndex;
+        bool checked;
+        bool enabled;
     };
 
     ScriptedMenu(CallLog& log, Text name) : log_(log), name_(std::move(name)) {}
@@ -190,10 +195,11 @@ public:
         say("Clear");
         items.clear();
     }
-    std::int32_t AddItem(const Text& caption, const Text&, std::int32_t, std::int32_t parent, std::int32_t,
-                         bool, bool, const Text& key) override
+    std::int32_t AddItem(const Text& caption, const Text& helpText, std::int32_t itemData,
+                         std::int32_t parent, std::int32_t iconIndex, bool checked, bool enabled,
+                         const Text& key) override
     {
-        items.push_back({caption, parent, key});
+        items.push_back({caption, parent, key, helpText, itemData, iconIndex, checked, enabled});
         return static_cast<std::int32_t>(items.size());
     }
     void Store(const Text& tree) override { say("Store(" + tree + ")"); }
@@ -223,9 +229,11 @@ public:
     explicit StoreInMemory(CallLog& log) : log_(log) {}
 
     std::map<std::pair<Text, Text>, Text> values;
+    std::vector<Text> reads; // "section/key"
 
     Text GetSetting(const Text&, const Text& section, const Text& key) override
     {
+        reads.push_back(section + "/" + key);
         const auto value = values.find({section, key});
         return value == values.end() ? Text() : value->second;
     }
