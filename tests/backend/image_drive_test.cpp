@@ -1,4 +1,5 @@
 #include "platform/failure.h"
+#include "tests/support/child.h"
 #include "tests/support/disc_desk.h"
 
 #include <doctest/doctest.h>
@@ -345,6 +346,26 @@ TEST_CASE("No folder and no image list nothing")
     putFile(desk.discs, "a file");
     CHECK(namesOf(imagesIn(desk.folders)).empty());
     CHECK_FALSE(std::filesystem::exists(desk.folders.home + "/Velmora Discs"));
+}
+
+TEST_CASE("A folder that may not be read lists nothing, and a sheet that may not be read has no disc")
+{
+    const DiscDesk desk;
+    const Text below = desk.folders.home + "/Velmora Discs";
+    std::filesystem::create_directory(below);
+    putFile(desk.discs + "/Unseen.cue", "");
+    putFile(below + "/Locked.cue", oneTrack);
+    putFile(below + "/a.bin", noise(300 * bytesOfSector));
+    chmod(desk.folder.path().c_str(), 0755);
+    chmod(desk.discs.c_str(), 0);
+    chmod((below + "/Locked.cue").c_str(), 0);
+    Child child([&] {
+        becomeNobody();
+        endUnless(namesOf(imagesIn(desk.folders)) == std::vector<Text>{"Disc image: Locked"}, 1);
+        endUnless(imagesIn(desk.folders)()[0]->contents() == DiscContents(), 2);
+    });
+    CHECK(child.wait() == 0);
+    chmod(desk.discs.c_str(), 0755);
 }
 
 TEST_CASE("New discs go under the music folder where there is one, else under home")
