@@ -99,7 +99,7 @@ def machine():
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--driver", default=str(ROOT / "build/dev/bench/codec_bench"))
+    parser.add_argument("--driver", default=str(ROOT / "build/release/bench/codec_bench"))
     parser.add_argument("--pairs", type=int, default=7)
     parser.add_argument("--seconds", type=int, default=600, help="length of the sound")
     parser.add_argument("--workers", default=str(os.cpu_count()))

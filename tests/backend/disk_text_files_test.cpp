@@ -4,12 +4,12 @@
 #include "tests/support/child.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
+#include "tests/support/small_disk.h"
 #include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
 #include <fcntl.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -45,33 +45,6 @@ struct Desk {
         stat(path.c_str(), &status);
         return status;
     }
-};
-
-// A file system of `kilobytes`, unmounted at the end; without the right to mount there is none.
-class SmallDisk
-{
-public:
-    SmallDisk(const Text& folder, int kilobytes) : folder_(folder)
-    {
-        std::filesystem::create_directory(folder);
-        const Text size = "size=" + std::to_string(kilobytes) + "k";
-        mounted_ = mount("tmpfs", folder.c_str(), "tmpfs", 0, size.c_str()) == 0;
-        if (!mounted_)
-            MESSAGE("skipped: this process may not mount a file system");
-    }
-    ~SmallDisk()
-    {
-        if (mounted_)
-            umount2(folder_.c_str(), MNT_DETACH);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-    explicit operator bool() const { return mounted_; }
-
-private:
-    Text folder_;
-    bool mounted_;
 };
 
 const Text oldRows = "/music/old one.mp3\r\n/music/old two.mp3\r\n";
