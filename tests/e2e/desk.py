@@ -14,6 +14,8 @@ import sys
 import tempfile
 import time
 
+from reader import ScreenReader
+
 LIMIT = float(os.environ.get("VELMORA_TEST_LIMIT", "60"))
 TWIPS = 15  # to the pixel
 
@@ -50,17 +52,19 @@ class Desk:
         self.music.mkdir(parents=True)
         self.runtime.mkdir(mode=0o700)
         self.processes = []
+        self.recordings = []
         self.environment = {key: value for key, value in os.environ.items()
                             if not key.startswith(("XDG_", "QT_", "PULSE_", "DBUS_", "WAYLAND"))}
         self.environment.update(
             HOME=str(self.home), XDG_RUNTIME_DIR=str(self.runtime), LC_ALL="C.UTF-8",
             PULSE_RUNTIME_PATH=str(self.runtime / "pulse"), PULSE_STATE_PATH=str(self.runtime / "pulse-state"),
-            PULSE_SERVER=f"unix:{self.runtime}/native", DBUS_SESSION_BUS_ADDRESS="disabled:")
+            PULSE_SERVER=f"unix:{self.runtime}/native", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
         if scale != 1:
             self.environment["QT_SCALE_FACTOR"] = str(scale)
-        self.sound = None
+        self.sound = self.bus = self.reader = None
         try:
             self._start_display(size)
+            self._start_bus()
             if manager:
                 self._start_manager()
             if sound:
@@ -93,8 +97,14 @@ class Desk:
                 process.wait()
 
     def close(self):
+        if self.reader:
+            self.reader.close()
         for process in reversed(self.processes):
             self.end(process)
+        for recording in self.recordings:
+            recording.file.close()
+        if self.bus:
+            self._end_group(self.bus)
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def run(self, *command):
@@ -110,6 +120,23 @@ class Desk:
         if not number:
             raise AssertionError("Xvfb did not start")
         self.environment["DISPLAY"] = f":{number}"
+
+    # What the bus starts on demand belongs to its process group.
+    @staticmethod
+    def _end_group(leader):
+        try:
+            os.killpg(leader.pid, signal.SIGTERM)
+        except ProcessLookupError:
+            pass
+
+    def _start_bus(self):
+        read, write = os.pipe()
+        self.bus = self.spawn("dbus-daemon", "--session", "--nofork", "--nopidfile", f"--print-address={write}",
+                              pass_fds=[write])
+        os.close(write)
+        with os.fdopen(read) as answer:
+            self.environment["DBUS_SESSION_BUS_ADDRESS"] = answer.readline().strip()
+        self.reader = ScreenReader(self.environment["DBUS_SESSION_BUS_ADDRESS"])
 
     def _start_manager(self):
         self.spawn("openbox", "--sm-disable")
@@ -132,7 +159,8 @@ class Desk:
         self.run("import", "-window", str(window), str(path))
 
     def record(self):
-        return Recording(self)
+        self.recordings.append(Recording(self))
+        return self.recordings[-1]
 
 
 class Recording:
@@ -157,6 +185,13 @@ class Recording:
         """Frames so far."""
         return self.path.stat().st_size // 4
 
+    def heard_second(self):
+        """Where in a counting signal the sound is by now; the signal counts its frames from 1."""
+        with open(self.path, "rb") as file:
+            file.seek(max(self.length() - 1, 0) * 4)
+            left, right = array.array("h", file.read(4))
+        return (left | (right - 1) << 15) / 44100
+
     def stop(self):
         self.desk.end(self.process, signal.SIGINT)
         self.file.close()
@@ -176,8 +211,8 @@ class Velmora:
         self.process = None
 
     def start(self, wait=True):
-        self.output = open(self.desk.folder / "output.txt", "ab")
-        self.process = self.desk.spawn(str(self.folder / "velmora"), stdout=self.output, stderr=self.output)
+        with open(self.desk.folder / "output.txt", "ab") as output:
+            self.process = self.desk.spawn(str(self.folder / "velmora"), stdout=output, stderr=output)
         if wait:
             self.window("Velmora v2.0")
         return self
@@ -275,8 +310,42 @@ class Velmora:
     def _click_pixels(self, window, x, y):
         self.desk.run("xdotool", "mousemove", "--sync", "--window", str(window), str(x), str(y), "click", "1")
 
-    def menu(self, window, *keys):
-        """Opens the window's menu by its image and walks it by keys."""
+    def popups(self):
+        """How many menus are open: the windows that no window manager manages."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "velmora"], capture_output=True,
+                               text=True, env=self.desk.environment)
+        states = [subprocess.run(["xprop", "-id", window, "WM_STATE"], capture_output=True, text=True,
+                                 env=self.desk.environment).stdout for window in found.stdout.split()]
+        return sum("not found" in state for state in states)
+
+    def menu(self, window, *mnemonics):
+        """Opens the window's menu by its image and walks it by its underlined letters."""
         self.click(window, (0, 0, 240, 225))
-        time.sleep(0.3)
-        self.key(*keys)
+        for depth, letter in enumerate(mnemonics, 1):
+            wait_for(lambda: self.popups() >= depth, f"menu {depth} opens")
+            self.key(letter)
+        wait_for(lambda: self.popups() == 0, "the menus close")
+
+    # What a screen reader reads
+
+    def controls(self, title):
+        return self.desk.reader.controls(title)
+
+    def control(self, title, role, name):
+        return wait_for(lambda: next((c for c in self.controls(title) if (c.role, c.name) == (role, name)), None),
+                        f"{role} {name!r} in {title!r}")
+
+    def label_at(self, title, place):
+        """The label that stands there, its place in twips of the window."""
+        window = self.geometry(self.window(title))
+        wanted = (round(place[0] / TWIPS) + window[0], round(place[1] / TWIPS) + window[1])
+        return next(c for c in self.controls(title) if c.role == "label" and c.place()[:2] == wanted)
+
+    def press(self, title, role, name):
+        """Clicks into the middle of a control with the mouse."""
+        self.click_control(self.control(title, role, name))
+
+    def click_control(self, control, times=1):
+        left, top, width, height = control.place()
+        self.desk.run("xdotool", "mousemove", "--sync", str(left + width // 2), str(top + height // 2),
+                      "click", "--repeat", str(times), "--delay", "60", "1")
