@@ -265,7 +265,7 @@ class Velmora:
     # Mouse and keys. Places are in twips of a window.
 
     def point(self, window, left, top):
-        self.desk.run("xdotool", "mousemove", "--sync", "--window", str(window), str(round(left / TWIPS)),
+        self.desk.run("xdotool", "mousemove", "--window", str(window), str(round(left / TWIPS)),
                       str(round(top / TWIPS)))
 
     def click(self, window, place, button=1, times=1):
@@ -274,14 +274,27 @@ class Velmora:
         self.point(window, left + width / 2, top + height / 2)
         self.desk.run("xdotool", "click", "--repeat", str(times), "--delay", "60", str(button))
 
-    def drag(self, window, start, end, steps=10, pause=0.01):
-        """From one point to another, both in twips of the window, by way of many."""
-        self.point(window, *start)
-        self.desk.run("xdotool", "mousedown", "1")
+    def grip(self, window, place):
+        """Presses the button on a control and keeps it down. Returns the pointer's place on the screen."""
+        left, top, _, _ = self.geometry(window)
+        x, y = left + round((place[0] + place[2] / 2) / TWIPS), top + round((place[1] + place[3] / 2) / TWIPS)
+        self.desk.run("xdotool", "mousemove", str(x), str(y), "mousedown", "1")
+        return x, y
+
+    def pull(self, start, end, steps=8):
+        """Moves the pointer, step by step."""
         for step in range(1, steps + 1):
-            self.point(window, *(a + (b - a) * step / steps for a, b in zip(start, end)))
-            time.sleep(pause)
+            at = (round(a + (b - a) * step / steps) for a, b in zip(start, end))
+            self.desk.run("xdotool", "mousemove", *map(str, at))
+
+    def release(self):
         self.desk.run("xdotool", "mouseup", "1")
+
+    def drag(self, window, place, by):
+        """Drags a control by so many pixels."""
+        x, y = self.grip(window, place)
+        self.pull((x, y), (x + by[0], y + by[1]))
+        self.release()
 
     def key(self, *keys):
         self.desk.run("xdotool", "key", "--delay", "30", *keys)
@@ -308,7 +321,7 @@ class Velmora:
         self.gone(title)
 
     def _click_pixels(self, window, x, y):
-        self.desk.run("xdotool", "mousemove", "--sync", "--window", str(window), str(x), str(y), "click", "1")
+        self.desk.run("xdotool", "mousemove", "--window", str(window), str(x), str(y), "click", "1")
 
     def popups(self):
         """How many menus are open: the windows that no window manager manages."""
@@ -347,5 +360,5 @@ class Velmora:
 
     def click_control(self, control, times=1):
         left, top, width, height = control.place()
-        self.desk.run("xdotool", "mousemove", "--sync", str(left + width // 2), str(top + height // 2),
+        self.desk.run("xdotool", "mousemove", str(left + width // 2), str(top + height // 2),
                       "click", "--repeat", str(times), "--delay", "60", "1")
