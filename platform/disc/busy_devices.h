@@ -1,0 +1,49 @@
+// Which devices are in use, so that no two jobs meet on one. From any thread.
+#pragma once
+
+#include "platform/text.h"
+
+#include <condition_variable>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <stop_token>
+
+class BusyDevices : public std::enable_shared_from_this<BusyDevices>
+{
+public:
+    enum class Use { reading, writing };
+
+    // Holds the device until it goes out of scope.
+    class Claim
+    {
+    public:
+        Claim(Claim&&) noexcept = default;
+        Claim& operator=(Claim&&) = delete;
+        ~Claim();
+
+    private:
+        friend BusyDevices;
+        Claim(std::shared_ptr<BusyDevices> devices, Text device) :
+            devices_(std::move(devices)), device_(std::move(device))
+        {
+        }
+
+        std::shared_ptr<BusyDevices> devices_;
+        Text device_;
+    };
+
+    // Nothing when the device is in use.
+    std::optional<Claim> claim(const Text& device, Use use);
+
+    // Waits until it is free; nothing after a stop.
+    std::optional<Claim> waitFor(const Text& device, Use use, const std::stop_token& stop);
+
+    bool isWriting(const Text& device);
+
+private:
+    std::mutex mutex_;
+    std::condition_variable_any freed_;
+    std::map<Text, Use> inUse_;
+};

@@ -1,0 +1,38 @@
+// A WAV file that is fit for an audio CD: PCM of 16 bits, 2 channels, 44100 Hz. It stays readable when the
+// file is renamed or removed.
+#pragma once
+
+#include "platform/text.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+class CdSound
+{
+public:
+    // Nothing for whatever is no such file, or holds not one frame.
+    static std::optional<CdSound> open(const Text& path);
+
+    CdSound(CdSound&&) noexcept;
+    CdSound& operator=(CdSound&&) noexcept;
+    ~CdSound();
+
+    std::int64_t frames() const;
+    std::int64_t sectors() const; // that it fills on a disc: whole ones, and at least 300 (IEC 60908)
+
+    void seek(std::int64_t frame);
+
+    // Fills `samples` from the current frame on with 16-bit little-endian samples, left and right in turn.
+    // Returns the bytes that it filled: whole frames, fewer than asked for only at the end, 0 when reading
+    // failed.
+    std::size_t read(std::span<std::byte> samples);
+
+private:
+    struct Opened;
+    explicit CdSound(std::unique_ptr<Opened> opened);
+
+    std::unique_ptr<Opened> opened_;
+};

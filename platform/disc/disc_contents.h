@@ -1,0 +1,25 @@
+// A disc's table of contents.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+inline constexpr std::int32_t sectorsPerSecond = 75;
+inline constexpr std::int32_t sectorBytes = 2352; // of audio
+inline constexpr std::int32_t sectorFrames = 588; // of 44100 Hz, 16 bits, stereo
+
+// Sectors count from the start of the program area: most first tracks start at 0.
+struct DiscTrack {
+    bool isAudio = true;
+    std::int32_t start = 0;
+    std::int32_t sectors = 0; // up to where the next track starts, or its session ends
+
+    bool operator==(const DiscTrack&) const = default;
+};
+
+struct DiscContents {
+    std::vector<DiscTrack> tracks; // track 1 first; none without a disc
+    std::int32_t leadOut = 0;
+
+    bool operator==(const DiscContents&) const = default;
+};
