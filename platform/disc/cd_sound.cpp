@@ -15,7 +15,6 @@
 namespace
 {
 
-constexpr std::size_t frameBytes = 4;
 constexpr std::int32_t fewestSectors = 300;
 
 // The library reads the machine's own order, which is the disc's.

@@ -13,6 +13,8 @@
 class CdSound
 {
 public:
+    static constexpr std::int64_t frameBytes = 4;
+
     // Nothing for whatever is no such file, or holds not one frame.
     static std::optional<CdSound> open(const Text& path);
 
@@ -25,9 +27,9 @@ public:
 
     void seek(std::int64_t frame);
 
-    // Fills `samples` from the current frame on with 16-bit little-endian samples, left and right in turn.
-    // Returns the bytes that it filled: whole frames, fewer than asked for only at the end, 0 when reading
-    // failed.
+    // Fills `samples`, whole frames, from the current frame on with 16-bit little-endian samples, left and
+    // right in turn. Returns the bytes that it filled: fewer only at the end, or where the file cannot be
+    // read.
     std::size_t read(std::span<std::byte> samples);
 
 private:

@@ -8,6 +8,10 @@ inline constexpr std::int32_t sectorsPerSecond = 75;
 inline constexpr std::int32_t sectorBytes = 2352; // of audio
 inline constexpr std::int32_t sectorFrames = 588; // of 44100 Hz, 16 bits, stereo
 
+// The lead-out begins at 99:59:74 at the latest, and times count from two seconds before sector 0 (IEC
+// 60908).
+inline constexpr std::int32_t mostSectors = 100 * 60 * sectorsPerSecond - 1 - 2 * sectorsPerSecond;
+
 // Sectors count from the start of the program area: most first tracks start at 0.
 struct DiscTrack {
     bool isAudio = true;

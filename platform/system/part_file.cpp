@@ -11,6 +11,19 @@
 namespace
 {
 
+// Some file systems, on the network above all, cannot do both in one step.
+bool renameWithoutReplacing(const Text& from, const Text& to)
+{
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    struct stat status;
+    if (lstat(to.c_str(), &status) == 0)
+        errno = EEXIST;
+    return errno == ENOENT && rename(from.c_str(), to.c_str()) == 0;
+}
+
 // A long title is cut: the target's name may be as long as the file system allows, and this one is longer.
 Text partPath(const Text& target)
 {
@@ -40,6 +53,14 @@ PartFile::~PartFile()
 bool PartFile::takePlace()
 {
     if (rename(path_.c_str(), target_.c_str()) != 0)
+        return false;
+    stands_ = false;
+    return true;
+}
+
+bool PartFile::takeFreePlace(const Text& path)
+{
+    if (!renameWithoutReplacing(path_, path))
         return false;
     stands_ = false;
     return true;

@@ -23,6 +23,9 @@ public:
     // The target is the file from now on. False when it is not, and the system's error number says why.
     bool takePlace();
 
+    // The same under another name in the target's folder; with EEXIST where something stands under it.
+    bool takeFreePlace(const Text& path);
+
     // Hands the descriptor over.
     Descriptor release() { return std::move(file_); }
 

@@ -1,0 +1,18 @@
+#include "platform/disc/disc_folders.h"
+
+#include "platform/paths.h"
+#include "platform/system/folders.h"
+
+namespace
+{
+
+constexpr std::string_view folderName = "Velmora Discs";
+
+}
+
+Text DiscFolders::toWrite() const { return joined(isFolder(music) ? music : home, folderName); }
+
+std::vector<Text> DiscFolders::toRead() const
+{
+    return {joined(music, folderName), joined(home, folderName)};
+}

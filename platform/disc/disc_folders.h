@@ -1,0 +1,15 @@
+// Where disc images are kept.
+#pragma once
+
+#include "platform/text.h"
+
+#include <vector>
+
+// The user's folder for music, which need not exist, and home.
+struct DiscFolders {
+    Text music;
+    Text home;
+
+    Text toWrite() const;             // `Velmora Discs`; it need not exist either
+    std::vector<Text> toRead() const; // those that a disc may have been written to at any time
+};

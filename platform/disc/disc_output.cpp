@@ -1,0 +1,94 @@
+#include "platform/disc/disc_output.h"
+
+#include "platform/failure.h"
+#include "platform/paths.h"
+#include "platform/system/folders.h"
+
+#include <cerrno>
+#include <fcntl.h>
+
+namespace
+{
+
+[[noreturn]] void fail(int systemError)
+{
+    throw systemError == ENOENT ? failure(76) : fileFailure(systemError);
+}
+
+}
+
+// A rename would take the place of a device, and of a file that may not be written. Behind a NUL the system
+// sees nothing.
+DiscOutput::Target DiscOutput::targetOf(const Text& path)
+{
+    Target target{path.find('\0') == Text::npos ? resolvedLinks(path) : Text(), std::nullopt};
+    if (target.path.empty() || endsInSeparator(target.path))
+        throw failure(75);
+    struct stat status;
+    if (stat(target.path.c_str(), &status) != 0)
+        return target;
+    if (!S_ISREG(status.st_mode))
+        throw failure(75);
+    if (faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0)
+        fail(errno);
+    target.old = status;
+    return target;
+}
+
+DiscOutput::DiscOutput(const Target& target, PartNotes& notes) :
+    target_(target), part_(target_.path, target_.old ? &*target_.old : nullptr, notes)
+{
+    if (part_.error() != 0)
+        fail(part_.error());
+}
+
+// Where the file system cannot promise the room, the writing finds out.
+void DiscOutput::makeRoom(std::int64_t bytes)
+{
+    if (fallocate(part_.file().number(), FALLOC_FL_KEEP_SIZE, 0, bytes) != 0 && errno == ENOSPC)
+        fail(errno);
+}
+
+void DiscOutput::append(std::span<const std::byte> bytes)
+{
+    write(bytes, bytes_);
+    bytes_ += static_cast<std::int64_t>(bytes.size());
+}
+
+void DiscOutput::rewriteStart(std::span<const std::byte> bytes) { write(bytes, 0); }
+
+void DiscOutput::write(std::span<const std::byte> bytes, std::int64_t offset)
+{
+    while (!bytes.empty()) {
+        const ssize_t written = pwrite(part_.file().number(), bytes.data(), bytes.size(), offset);
+        if (written < 0 && errno != EINTR)
+            fail(errno);
+        const auto done = static_cast<std::size_t>(std::max<ssize_t>(written, 0));
+        bytes = bytes.subspan(done);
+        offset += static_cast<std::int64_t>(done);
+    }
+}
+
+void DiscOutput::startFlush() { sync_file_range(part_.file().number(), 0, 0, SYNC_FILE_RANGE_WRITE); }
+
+// Some file systems know no flush, and say so; that is no failure.
+void DiscOutput::flush()
+{
+    if (fdatasync(part_.file().number()) != 0 && errno != EINVAL && errno != ENOSYS)
+        fail(errno);
+}
+
+void DiscOutput::takePlace()
+{
+    if (!part_.takePlace())
+        fail(errno);
+}
+
+bool DiscOutput::takeFreePlace(const Text& path)
+{
+    if (part_.takeFreePlace(path))
+        return true;
+    if (errno != EEXIST)
+        fail(errno);
+    return false;
+}

@@ -1,0 +1,46 @@
+// A file that is made from a disc, or for one. It stands beside its target until it is whole; without that
+// nothing is left behind, and what stood under the target's name stands there still.
+#pragma once
+
+#include "platform/part_notes.h"
+#include "platform/system/part_file.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+class DiscOutput
+{
+public:
+    // All fail with 57, 61, 70, 75 or 76.
+    DiscOutput(const Text& path, PartNotes& notes) : DiscOutput(targetOf(path), notes) {}
+
+    void makeRoom(std::int64_t bytes); // now, rather than that the disk is found full later
+    void append(std::span<const std::byte> bytes);
+    void rewriteStart(std::span<const std::byte> bytes);
+    void startFlush(); // the disk begins with what was written, and nobody waits
+    void flush();      // waits until the disk has what was written
+
+    void takePlace(); // what was written is the target now
+
+    // The same under another name in the folder. False when that name is taken.
+    bool takeFreePlace(const Text& path);
+
+    std::int64_t bytes() const { return bytes_; } // appended so far
+    bool replacesFile() const { return target_.old.has_value(); }
+
+private:
+    struct Target {
+        Text path; // without links
+        std::optional<struct stat> old;
+    };
+
+    DiscOutput(const Target& target, PartNotes& notes);
+    static Target targetOf(const Text& path);
+    void write(std::span<const std::byte> bytes, std::int64_t offset);
+
+    Target target_;
+    PartFile part_;
+    std::int64_t bytes_ = 0;
+};

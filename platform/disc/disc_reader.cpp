@@ -1,0 +1,180 @@
+#include "platform/disc/disc_reader.h"
+
+#include "platform/disc/reader_table.h"
+#include "platform/disc/track_copy.h"
+#include "platform/failure.h"
+#include "platform/numbers.h"
+#include "platform/post.h"
+
+#include <algorithm>
+#include <limits>
+#include <system_error>
+
+namespace
+{
+
+constexpr std::int16_t started = 0;
+constexpr std::int16_t refused = 1;
+
+// A number that the program can hold.
+template <typename Number>
+Number clamped(std::int64_t number)
+{
+    return static_cast<Number>(std::min<std::int64_t>(number, std::numeric_limits<Number>::max()));
+}
+
+const DiscTrack* trackOf(const DiscContents& contents, std::int16_t track)
+{
+    const bool isThere = track > 0 && static_cast<std::size_t>(track) <= contents.tracks.size();
+    return isThere ? &contents.tracks[static_cast<std::size_t>(track) - 1] : nullptr;
+}
+
+class DiscReader final : public ACD
+{
+public:
+    DiscReader(std::shared_ptr<ReaderTable> drives, std::shared_ptr<BusyDevices> devices, Post& post,
+               Shell& shell, PartNotes& notes, SleepLock& sleepLock) :
+        table_(std::move(drives)),
+        devices_(std::move(devices)), post_(post), shell_(shell), notes_(notes), sleepLock_(sleepLock)
+    {
+    }
+
+    std::int16_t Init() override { return started; }
+    std::int16_t DriveCount() override;
+    Text DriveName(std::int16_t drive) const override;
+    void SelectDrive(std::int16_t drive) override;
+    std::int16_t TrackCount() override;
+    std::int32_t TrackLength(std::int16_t track) override;
+    std::int16_t ReadTrack(std::int16_t track, const Text& path) override;
+    void Stop() override;
+
+private:
+    std::shared_ptr<ReaderDrive> drive(std::int16_t number) const;
+    std::shared_ptr<ReaderDrive> current() const;
+    void startCopy(std::int16_t track, const Text& path);
+    void finished();
+    template <typename Call>
+    void deliver(Call call);
+
+    std::shared_ptr<ReaderTable> table_;
+    std::shared_ptr<BusyDevices> devices_;
+    Post& post_;
+    Shell& shell_;
+    PartNotes& notes_;
+    SleepLock& sleepLock_;
+    Text device_; // of the current drive; that of the first until another is selected
+    std::shared_ptr<DiscReader*> self_ = std::make_shared<DiscReader*>(this); // calls under way end with it
+    std::unique_ptr<TrackCopy> copy_; // until its end has been told; the last member: its thread ends first
+};
+
+// Drives count from 1.
+std::shared_ptr<ReaderDrive> DiscReader::drive(std::int16_t number) const
+{
+    const auto drives = table_->drives();
+    const auto index = static_cast<std::size_t>(number) - 1;
+    return number > 0 && index < drives.size() ? drives[index] : nullptr;
+}
+
+// A drive that is gone makes place for the first.
+std::shared_ptr<ReaderDrive> DiscReader::current() const
+{
+    const auto drives = table_->drives();
+    const auto found =
+        std::ranges::find_if(drives, [&](const auto& each) { return each->device() == device_; });
+    return found == drives.end() ? drives.front() : *found;
+}
+
+std::int16_t DiscReader::DriveCount()
+{
+    table_->scan();
+    return clamped<std::int16_t>(static_cast<std::int64_t>(table_->drives().size()));
+}
+
+Text DiscReader::DriveName(std::int16_t number) const
+{
+    const auto found = drive(number);
+    return found ? found->name() : Text();
+}
+
+void DiscReader::SelectDrive(std::int16_t number)
+{
+    if (const auto found = drive(number))
+        device_ = found->device();
+}
+
+std::int16_t DiscReader::TrackCount()
+{
+    return static_cast<std::int16_t>(table_->contents(*current()).tracks.size());
+}
+
+std::int32_t DiscReader::TrackLength(std::int16_t number)
+{
+    const auto contents = table_->contents(*current());
+    const DiscTrack* const track = trackOf(contents, number);
+    if (track == nullptr || !track->isAudio)
+        return 0;
+    return clamped<std::int32_t>(std::int64_t{track->sectors} * 1000 / sectorsPerSecond);
+}
+
+std::int16_t DiscReader::ReadTrack(std::int16_t track, const Text& path)
+{
+    if (copy_)
+        return refused;
+    try {
+        startCopy(track, path);
+        return started;
+    } catch (const Failure& failure) {
+        shell_.notify("A track could not be read", path + ": " + failure.description);
+    } catch (const std::system_error& error) {
+        shell_.notify("A track could not be read", path + ": " + error.what());
+    }
+    deliver([](DiscReader& self) { self.Done.raise(); });
+    return refused;
+}
+
+void DiscReader::startCopy(std::int16_t number, const Text& path)
+{
+    const auto drive = current();
+    const auto contents = table_->lastContents(*drive);
+    const DiscTrack* const track = trackOf(contents, number);
+    if (track == nullptr || !track->isAudio || track->sectors == 0)
+        throw Failure{9, "There is no sound in track " + textOf(std::int32_t{number}) + "."};
+    if (devices_->isWriting(drive->device()))
+        throw Failure{70, drive->name() + " is in use."};
+    auto output = std::make_unique<WavOutput>(path, notes_);
+    copy_ = std::make_unique<TrackCopy>(
+        TrackCopy::Job{drive, number, track->sectors, path, std::move(output)}, devices_, shell_, sleepLock_,
+        TrackCopy::Events{[this](std::int32_t thousandths) {
+                              deliver([=](DiscReader& self) { self.Progress.raise(thousandths); });
+                          },
+                          [this] { deliver([](DiscReader& self) { self.finished(); }); }});
+}
+
+void DiscReader::Stop()
+{
+    if (copy_)
+        copy_->stop();
+}
+
+void DiscReader::finished()
+{
+    copy_.reset();
+    Done.raise();
+}
+
+template <typename Call>
+void DiscReader::deliver(Call call)
+{
+    post_.post([weak = std::weak_ptr(self_), call] {
+        if (const auto self = weak.lock())
+            call(**self);
+    });
+}
+
+}
+
+std::unique_ptr<ACD> makeDiscReader(std::shared_ptr<ReaderTable> drives, std::shared_ptr<BusyDevices> devices,
+                                    Post& post, Shell& shell, PartNotes& notes, SleepLock& sleepLock)
+{
+    return std::make_unique<DiscReader>(std::move(drives), std::move(devices), post, shell, notes, sleepLock);
+}

@@ -1,0 +1,271 @@
+#include "platform/disc/image_drive.h"
+
+#include "platform/disc/image_file.h"
+#include "platform/disc/image_layout.h"
+#include "platform/failure.h"
+#include "platform/paths.h"
+#include "platform/system/folders.h"
+
+#include <algorithm>
+#include <compare>
+#include <sys/stat.h>
+
+namespace
+{
+
+constexpr std::int32_t pieceSectors = 445; // about a megabyte
+constexpr std::size_t longestSheet = 1 << 20;
+constexpr std::string_view sheetEnding = ".cue";
+
+// What a file is told by, and whether it has changed.
+struct Stamp {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    std::int64_t changedNs = 0;
+
+    bool isSameFile(const Stamp& other) const
+    {
+        return inode != 0 && inode == other.inode && device == other.device;
+    }
+    bool operator==(const Stamp&) const = default;
+};
+
+// That of no file where there is none.
+Stamp stampOf(const Text& path)
+{
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0)
+        return {};
+    const std::int64_t seconds = status.st_mtim.tv_sec;
+    return {status.st_dev, status.st_ino, status.st_size, seconds * 1'000'000'000 + status.st_mtim.tv_nsec};
+}
+
+Text sheetText(const Text& path)
+{
+    const auto file = ImageFile::open(path, CueSheet::Kind::binary);
+    const std::int64_t size = file ? file->bytes() : 0;
+    if (size > static_cast<std::int64_t>(longestSheet))
+        return {};
+    Text text(static_cast<std::size_t>(size), '\0');
+    if (file)
+        text.resize(file->read(std::as_writable_bytes(std::span(text)), 0));
+    return text;
+}
+
+Text withoutEnding(std::string_view title)
+{
+    return Text(title.substr(0, title.size() - sheetEnding.size()));
+}
+
+// The file of that name in the folder, also when its letters have another case.
+Text foundIn(const Text& folder, std::string_view name)
+{
+    const Text exact = joined(folder, name);
+    if (isFile(exact))
+        return exact;
+    for (const Text& each : namesIn(folder))
+        if (equalWithoutCase(each, name) && isFile(joined(folder, each)))
+            return joined(folder, each);
+    return {};
+}
+
+// Sheets come from other systems and from folders that were moved: a path that leads nowhere from here is
+// followed with its separators turned, and then only its last name is looked for beside the sheet.
+Text filePath(const Text& folder, const Text& name)
+{
+    Text turned = name;
+    std::ranges::replace(turned, '\\', pathSeparator);
+    for (const Text& each : {name, turned})
+        if (const Text path = each.front() == pathSeparator ? each : joined(folder, each); isFile(path))
+            return path;
+    const Text beside = foundIn(folder, fileTitle(turned));
+    return beside.empty() ? joined(folder, name) : beside;
+}
+
+class ImageDrive final : public ReaderDrive
+{
+public:
+    explicit ImageDrive(Text sheetPath) : path_(std::move(sheetPath)) {}
+
+    Text name() const override { return "Disc image: " + withoutEnding(fileTitle(path_)); }
+    Text device() const override { return path_; }
+
+    DiscContents contents() override
+    {
+        refresh();
+        return layout_.contents;
+    }
+
+    std::int32_t readTrack(std::int16_t track, TrackSink& sink, const std::stop_token& stop) override;
+    bool readsFrom(const Text& path) const override;
+
+private:
+    void refresh();
+    void load();
+    std::vector<Stamp> stamps() const;
+    std::vector<std::int64_t> fileBytes() const;
+    void readExtent(const Extent& extent, TrackSink& sink, const std::stop_token& stop) const;
+
+    Text path_;
+    CueSheet sheet_;
+    std::vector<Text> files_; // of the sheet
+    ImageLayout layout_;
+    std::vector<Stamp> stamps_;
+};
+
+// The part of `extent` that lies from sector `from` up to `to` of the disc.
+Extent cutTo(Extent extent, std::int32_t from, std::int32_t to)
+{
+    const std::int32_t skipped = std::max(from - extent.start, 0);
+    extent.offset += std::int64_t{skipped} * extent.bytesOfSector;
+    extent.start += skipped;
+    extent.sectors = std::min(extent.sectors - skipped, to - extent.start);
+    return extent;
+}
+
+// Data beside the sound of each sector is left out.
+void keepSound(std::vector<std::byte>& sectors, std::size_t bytesOfSector)
+{
+    const std::size_t count = sectors.size() / bytesOfSector;
+    for (std::size_t i = 1; i < count; ++i)
+        std::copy_n(sectors.begin() + static_cast<std::ptrdiff_t>(i * bytesOfSector), sectorBytes,
+                    sectors.begin() + static_cast<std::ptrdiff_t>(i * sectorBytes));
+    sectors.resize(count * sectorBytes);
+}
+
+std::vector<std::byte> silenceOf(const Extent& extent)
+{
+    return std::vector<std::byte>(static_cast<std::size_t>(extent.sectors) * sectorBytes);
+}
+
+// The last sector is filled up with silence where the file ends within it.
+std::vector<std::byte> soundOf(const Extent& extent, ImageFile& file)
+{
+    const auto bytesOfSector = static_cast<std::size_t>(extent.bytesOfSector);
+    std::vector<std::byte> sectors(static_cast<std::size_t>(extent.sectors) * bytesOfSector);
+    if (file.read(sectors, extent.offset) + bytesOfSector <= sectors.size())
+        throw Failure{62, "The disc image is cut short."};
+    if (bytesOfSector != sectorBytes)
+        keepSound(sectors, bytesOfSector);
+    return sectors;
+}
+
+void ImageDrive::refresh()
+{
+    if (stamps_.empty() || stamps() != stamps_)
+        load();
+}
+
+void ImageDrive::load()
+{
+    const auto sheet = cueSheetIn(sheetText(path_));
+    sheet_ = sheet.value_or(CueSheet());
+    files_.clear();
+    for (const auto& file : sheet_.files)
+        files_.push_back(filePath(folderOf(path_), file.name));
+    stamps_ = stamps();
+    const auto layout = sheet ? layoutOf(sheet_, fileBytes()) : std::nullopt;
+    layout_ = layout.value_or(ImageLayout());
+}
+
+// A file that was missing may appear under any of the names that it is looked for by: the folder tells.
+std::vector<Stamp> ImageDrive::stamps() const
+{
+    std::vector<Stamp> all{stampOf(path_), stampOf(folderOf(path_))};
+    for (const Text& file : files_)
+        all.push_back(stampOf(file));
+    return all;
+}
+
+std::vector<std::int64_t> ImageDrive::fileBytes() const
+{
+    std::vector<std::int64_t> all;
+    for (std::size_t i = 0; i < files_.size(); ++i) {
+        const auto file = ImageFile::open(files_[i], sheet_.files[i].kind);
+        all.push_back(file ? file->bytes() : 0);
+    }
+    return all;
+}
+
+std::int32_t ImageDrive::readTrack(std::int16_t track, TrackSink& sink, const std::stop_token& stop)
+{
+    const ImageLayout listed = layout_;
+    refresh();
+    if (layout_ != listed)
+        throw Failure{68, "The disc image has changed."};
+    const DiscTrack& whole = layout_.contents.tracks.at(static_cast<std::size_t>(track - 1));
+    for (const Extent& extent : layout_.extents) {
+        const Extent part = cutTo(extent, whole.start, whole.start + whole.sectors);
+        if (part.sectors > 0)
+            readExtent(part, sink, stop);
+    }
+    return 0;
+}
+
+// Data sectors between tracks are silent, as they are for a player.
+void ImageDrive::readExtent(const Extent& extent, TrackSink& sink, const std::stop_token& stop) const
+{
+    const bool isSound = extent.file && extent.isAudio;
+    const auto file =
+        isSound ? ImageFile::open(files_[*extent.file], sheet_.files[*extent.file].kind) : nullptr;
+    if (isSound && !file)
+        throw Failure{53, files_[*extent.file] + " cannot be read."};
+    for (std::int32_t at = extent.start; at < extent.end() && !stop.stop_requested(); at += pieceSectors) {
+        const Extent piece = cutTo(extent, at, at + pieceSectors);
+        sink.take(file ? soundOf(piece, *file) : silenceOf(piece));
+    }
+}
+
+bool ImageDrive::readsFrom(const Text& path) const
+{
+    const Stamp stamp = stampOf(path);
+    const auto isIt = [&](const Text& file) { return stampOf(file).isSameFile(stamp); };
+    return isIt(path_) || std::ranges::any_of(files_, isIt);
+}
+
+struct FoundSheet {
+    Text path;
+    Stamp stamp;
+};
+
+bool isSheetName(const Text& name)
+{
+    return name.size() > sheetEnding.size() && name.front() != '.' &&
+           equalWithoutCase(name.substr(name.size() - sheetEnding.size()), sheetEnding);
+}
+
+// Both folders may be one.
+void addSheets(std::vector<FoundSheet>& sheets, const Text& folder)
+{
+    for (const Text& name : namesIn(folder)) {
+        const Text path = joined(folder, name);
+        const Stamp stamp = stampOf(path);
+        const bool isKnown =
+            std::ranges::any_of(sheets, [&](const FoundSheet& each) { return each.stamp.isSameFile(stamp); });
+        if (isSheetName(name) && isFile(path) && !isKnown)
+            sheets.push_back({path, stamp});
+    }
+}
+
+}
+
+std::shared_ptr<ReaderDrive> makeImageDrive(const Text& sheetPath)
+{
+    return std::make_shared<ImageDrive>(sheetPath);
+}
+
+ListReaders imagesIn(DiscFolders folders)
+{
+    return [folders = std::move(folders)] {
+        std::vector<FoundSheet> sheets;
+        for (const Text& folder : folders.toRead())
+            addSheets(sheets, folder);
+        std::ranges::sort(
+            sheets, {}, [](const FoundSheet& sheet) { return std::pair(sheet.stamp.changedNs, sheet.path); });
+        std::vector<std::shared_ptr<ReaderDrive>> drives;
+        for (const FoundSheet& sheet : sheets)
+            drives.push_back(makeImageDrive(sheet.path));
+        return drives;
+    };
+}

@@ -1,0 +1,10 @@
+// Disc images as drives: a CUE sheet and the files it names, always with their disc in.
+#pragma once
+
+#include "platform/disc/disc_folders.h"
+#include "platform/disc/reader_drive.h"
+
+std::shared_ptr<ReaderDrive> makeImageDrive(const Text& sheetPath);
+
+// A drive for each sheet in the folders, the oldest first: a new image changes no other one's number.
+ListReaders imagesIn(DiscFolders folders);

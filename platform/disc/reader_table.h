@@ -1,0 +1,38 @@
+// The drives that discs are read from, by number, and what is known to lie in them. From any thread; waits
+// for no job.
+#pragma once
+
+#include "platform/disc/busy_devices.h"
+#include "platform/disc/reader_drive.h"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+class ReaderTable
+{
+public:
+    // The drives of the first list come first. There is always one: an empty one where the lists have none.
+    ReaderTable(std::vector<ListReaders> lists, std::shared_ptr<BusyDevices> devices);
+
+    void scan(); // looks for drives anew
+
+    std::vector<std::shared_ptr<ReaderDrive>> drives(); // as the last scan found them; the first is made here
+
+    // The disc in the drive; while the drive is in use, as it was last seen.
+    DiscContents contents(ReaderDrive& drive);
+
+    // As it was last seen; only a drive that was never asked is asked now.
+    DiscContents lastContents(ReaderDrive& drive);
+
+private:
+    void scanLocked();
+    std::optional<DiscContents> seen(const ReaderDrive& drive);
+
+    std::vector<ListReaders> lists_;
+    std::shared_ptr<BusyDevices> devices_;
+    std::mutex mutex_;
+    std::vector<std::shared_ptr<ReaderDrive>> drives_;
+    std::map<Text, DiscContents> seen_; // by device
+};

@@ -1,0 +1,113 @@
+#include "platform/disc/track_copy.h"
+
+#include "platform/failure.h"
+
+#include <algorithm>
+#include <exception>
+
+namespace
+{
+
+TrackPipe::Outcome read(ReaderDrive& drive, std::int16_t track, const Text& path, TrackPipe& pipe)
+{
+    try {
+        if (drive.readsFrom(path))
+            return {0, "The disc image is made of this file."};
+        return {drive.readTrack(track, pipe, pipe.stopToken())};
+    } catch (const Failure& failure) {
+        return {0, failure.description};
+    } catch (const std::exception& error) {
+        return {0, error.what()};
+    }
+}
+
+// A drive may hold this thread for as long as it likes, also after the copy is gone. Whoever learns of the
+// end finds the drive free.
+void readInto(const std::shared_ptr<TrackPipe>& pipe, const std::shared_ptr<BusyDevices>& devices,
+              ReaderDrive& drive, std::int16_t track, const Text& path)
+{
+    TrackPipe::Outcome outcome;
+    if (const auto claim = devices->waitFor(drive.device(), BusyDevices::Use::reading, pipe->stopToken()))
+        outcome = read(drive, track, path, *pipe);
+    pipe->end(std::move(outcome));
+}
+
+}
+
+TrackCopy::TrackCopy(Job job, std::shared_ptr<BusyDevices> devices, Shell& shell, SleepLock& sleepLock,
+                     Events events) :
+    job_(std::move(job)),
+    devices_(std::move(devices)), shell_(shell), sleepLock_(sleepLock), events_(std::move(events)),
+    writing_([this] { run(); })
+{
+}
+
+TrackCopy::~TrackCopy()
+{
+    givenUp_ = true;
+    pipe_->stop();
+    writing_.join();
+}
+
+void TrackCopy::run()
+{
+    sleepLock_.begin("Reading a disc");
+    try {
+        copy();
+    } catch (const Failure& failure) {
+        tell("A track could not be read", job_.path + ": " + failure.description);
+    } catch (const std::exception& error) {
+        tell("A track could not be read", job_.path + ": " + error.what());
+    }
+    pipe_->stop();
+    job_.output.reset();
+    sleepLock_.end();
+    events_.done();
+}
+
+void TrackCopy::copy()
+{
+    std::thread([pipe = pipe_, devices = devices_, drive = job_.drive, track = job_.track, path = job_.path] {
+        readInto(pipe, devices, *drive, track, path);
+    }).detach();
+    while (const auto samples = pipe_->next()) {
+        if (givenUp_)
+            return;
+        job_.output->append(*samples);
+        report();
+    }
+    if (!givenUp_)
+        finish();
+}
+
+void TrackCopy::report()
+{
+    const std::int64_t all = std::int64_t{job_.sectors} * sectorBytes;
+    const auto thousandths =
+        static_cast<std::int32_t>(std::min<std::int64_t>(job_.output->soundBytes() * 1000 / all, 1000));
+    if (thousandths <= reported_)
+        return;
+    reported_ = thousandths;
+    events_.progress(thousandths);
+}
+
+void TrackCopy::finish()
+{
+    if (pipe_->stopToken().stop_requested()) {
+        job_.output->breakOff();
+        return;
+    }
+    const auto outcome = pipe_->outcome();
+    if (outcome.failure)
+        throw Failure{57, *outcome.failure};
+    job_.output->finish();
+    if (outcome.unreadableSectors > 0)
+        tell("A disc is damaged", job_.path + ": " + std::to_string(outcome.unreadableSectors) +
+                                      " sectors could not be read and are silent.");
+}
+
+void TrackCopy::tell(const Text& title, const Text& message)
+{
+    if (!givenUp_)
+        shell_.notify(title, message);
+}

@@ -1,0 +1,58 @@
+// One track on its way from a drive into a WAV file, on threads of its own.
+#pragma once
+
+#include "platform/disc/busy_devices.h"
+#include "platform/disc/reader_drive.h"
+#include "platform/disc/track_pipe.h"
+#include "platform/disc/wav_output.h"
+#include "platform/shell.h"
+#include "platform/sleep_lock.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <thread>
+
+class TrackCopy
+{
+public:
+    struct Job {
+        std::shared_ptr<ReaderDrive> drive;
+        std::int16_t track = 0;
+        std::int32_t sectors = 0;
+        Text path;
+        std::unique_ptr<WavOutput> output;
+    };
+
+    // Both are called on a thread of the copy's own, `done` once and last.
+    struct Events {
+        std::function<void(std::int32_t)> progress; // in thousandths, rising
+        std::function<void()> done;
+    };
+
+    TrackCopy(Job job, std::shared_ptr<BusyDevices> devices, Shell& shell, SleepLock& sleepLock,
+              Events events);
+
+    // Gives up what is not done and leaves no file. The drive is let go when it next answers.
+    ~TrackCopy();
+
+    // Breaks off, keeping what was read.
+    void stop() { pipe_->stop(); }
+
+private:
+    void run();
+    void copy();
+    void report();
+    void finish();
+    void tell(const Text& title, const Text& message);
+
+    Job job_;
+    std::shared_ptr<BusyDevices> devices_;
+    Shell& shell_;
+    SleepLock& sleepLock_;
+    Events events_;
+    std::shared_ptr<TrackPipe> pipe_ = std::make_shared<TrackPipe>();
+    std::atomic<bool> givenUp_ = false;
+    std::int32_t reported_ = 0;
+    std::thread writing_;
+};

@@ -1,0 +1,46 @@
+#include "platform/disc/track_pipe.h"
+
+namespace
+{
+
+constexpr std::size_t mostWaitingBytes = 8 << 20;
+
+}
+
+void TrackPipe::take(std::vector<std::byte> samples)
+{
+    std::unique_lock guard(mutex_);
+    const auto token = stop_.get_token();
+    if (!changed_.wait(guard, token, [&] { return waitingBytes_ < mostWaitingBytes; }) ||
+        token.stop_requested())
+        return;
+    waitingBytes_ += samples.size();
+    waiting_.push_back(std::move(samples));
+    changed_.notify_all();
+}
+
+void TrackPipe::end(Outcome outcome)
+{
+    const std::lock_guard guard(mutex_);
+    outcome_ = std::move(outcome);
+    changed_.notify_all();
+}
+
+std::optional<std::vector<std::byte>> TrackPipe::next()
+{
+    std::unique_lock guard(mutex_);
+    changed_.wait(guard, stop_.get_token(), [&] { return !waiting_.empty() || outcome_; });
+    if (waiting_.empty())
+        return std::nullopt;
+    auto samples = std::move(waiting_.front());
+    waiting_.pop_front();
+    waitingBytes_ -= samples.size();
+    changed_.notify_all();
+    return samples;
+}
+
+TrackPipe::Outcome TrackPipe::outcome()
+{
+    const std::lock_guard guard(mutex_);
+    return outcome_.value_or(Outcome());
+}

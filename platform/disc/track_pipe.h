@@ -1,0 +1,39 @@
+// The way of a track's sound from the thread that reads the drive to the one that writes the file. The
+// writing one can leave at any time, however long the drive holds the other.
+#pragma once
+
+#include "platform/disc/reader_drive.h"
+
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <optional>
+
+class TrackPipe final : public TrackSink
+{
+public:
+    struct Outcome {
+        std::int32_t unreadableSectors = 0;
+        std::optional<Text> failure = std::nullopt;
+    };
+
+    // For the reading thread. After a stop nothing that it brings is taken.
+    void take(std::vector<std::byte> samples) override;
+    void end(Outcome outcome);
+    std::stop_token stopToken() const { return stop_.get_token(); }
+
+    // For the writing thread: the next samples, or nothing when all were taken that came before the end or
+    // the stop. Waits for either.
+    std::optional<std::vector<std::byte>> next();
+    Outcome outcome(); // when there is no next
+
+    void stop() { stop_.request_stop(); } // from any thread
+
+private:
+    std::stop_source stop_;
+    std::mutex mutex_;
+    std::condition_variable_any changed_;
+    std::deque<std::vector<std::byte>> waiting_;
+    std::size_t waitingBytes_ = 0;
+    std::optional<Outcome> outcome_;
+};
