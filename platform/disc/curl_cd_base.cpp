@@ -1,6 +1,7 @@
 #include "platform/disc/curl_cd_base.h"
 
 #include "platform/disc/cddb_answer.h"
+#include "platform/disc/disc_id.h"
 #include "platform/disc/download.h"
 #include "platform/disc/title_cache.h"
 #include "platform/failure.h"
@@ -73,18 +74,18 @@ private:
     void find()
     {
         const auto disc = disc_();
-        if (disc && !disc->trackStarts.empty() && !takenFromCache(*disc))
-            askServers(*disc);
+        if (!disc.tracks.empty() && !takenFromCache(disc))
+            askServers(disc);
     }
 
-    bool takenFromCache(const CddbDisc& disc)
+    bool takenFromCache(const DiscContents& disc)
     {
         const auto answer = cache_.answer(disc);
         return answer && taken(*answer);
     }
 
     // A silent server takes no more than its share of the time from the next.
-    void askServers(const CddbDisc& disc)
+    void askServers(const DiscContents& disc)
     {
         auto left = static_cast<int>(addresses_.size());
         for (const Text& address : addresses_) {
@@ -95,7 +96,7 @@ private:
     }
 
     // Whether the server was heard to the end: that it does not know the disc is an answer too.
-    bool gaveItsWord(const Text& address, const CddbDisc& disc, Deadline deadline)
+    bool gaveItsWord(const Text& address, const DiscContents& disc, Deadline deadline)
     {
         const auto page = ask(address, queryCommand(disc), deadline);
         const auto matches = page ? matchesIn(*page) : std::nullopt;
@@ -123,7 +124,7 @@ private:
         return downloaded(url, deadline);
     }
 
-    const std::function<std::optional<CddbDisc>()> disc_;
+    const std::function<DiscContents()> disc_;
     const std::vector<Text> addresses_;
     const TitleCache cache_;
     const Text greeting_;

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "platform/cd_base.h"
-#include "platform/disc/cddb_disc.h"
+#include "platform/disc/disc_contents.h"
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 struct CddbAccess {
@@ -20,9 +19,8 @@ struct CddbAccess {
     // The name of the reader's first drive; "" when there is none. It touches no drive.
     std::function<Text()> firstDrive = {};
 
-    // The disc in that drive; nothing when there is none. Called on a worker that may outlive the control, so
-    // it holds what it needs.
-    std::function<std::optional<CddbDisc>()> disc = {};
+    // The disc in that drive. Called on a worker that may outlive the control, so it holds what it needs.
+    std::function<DiscContents()> disc = {};
 };
 
 std::unique_ptr<CdBase> makeCurlCdBase(CddbAccess access);

@@ -1,5 +1,6 @@
 #include "platform/disc/title_cache.h"
 
+#include "platform/disc/disc_id.h"
 #include "platform/paths.h"
 
 #include <unistd.h>
@@ -13,7 +14,7 @@ namespace
 {
 
 // A file begins with the disc's own line: two discs may share an id.
-Text firstLine(const CddbDisc& disc) { return queryCommand(disc) + '\n'; }
+Text firstLine(const DiscContents& disc) { return queryCommand(disc) + '\n'; }
 
 bool wrote(const Text& path, const Text& bytes)
 {
@@ -25,7 +26,7 @@ bool wrote(const Text& path, const Text& bytes)
 
 }
 
-std::optional<Text> TitleCache::answer(const CddbDisc& disc) const
+std::optional<Text> TitleCache::answer(const DiscContents& disc) const
 {
     std::ifstream file(joined(folder_, discId(disc)), std::ios::binary);
     const Text bytes(std::istreambuf_iterator<char>(file), {});
@@ -36,7 +37,7 @@ std::optional<Text> TitleCache::answer(const CddbDisc& disc) const
 }
 
 // Not synced to the disk: an answer cut short shows as one, and is asked for again.
-void TitleCache::keep(const CddbDisc& disc, const Text& answer) const
+void TitleCache::keep(const DiscContents& disc, const Text& answer) const
 {
     std::error_code error;
     std::filesystem::create_directories(folder_, error);

@@ -1,7 +1,8 @@
 // The answers that the CDDB gave, one file a disc, so that a disc is asked for once.
 #pragma once
 
-#include "platform/disc/cddb_disc.h"
+#include "platform/disc/disc_contents.h"
+#include "platform/text.h"
 
 #include <optional>
 
@@ -11,10 +12,10 @@ public:
     explicit TitleCache(Text folder) : folder_(std::move(folder)) {} // made when first needed
 
     // The answer kept for that disc. Discs of one id and different tracks are told apart.
-    std::optional<Text> answer(const CddbDisc& disc) const;
+    std::optional<Text> answer(const DiscContents& disc) const;
 
     // Never fails: what cannot be kept is asked for again.
-    void keep(const CddbDisc& disc, const Text& answer) const;
+    void keep(const DiscContents& disc, const Text& answer) const;
 
 private:
     Text folder_;

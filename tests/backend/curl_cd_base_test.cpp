@@ -1,5 +1,6 @@
 #include "platform/disc/curl_cd_base.h"
 
+#include "platform/disc/disc_id.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
 #include "tests/support/loopback_server.h"
@@ -60,8 +61,8 @@ private:
 
 Gate* resolverGate = nullptr;
 
-const CddbDisc disc{{150, 28615, 51027, 75835, 102620, 121460, 148977, 175697, 204322, 231082, 268002},
-                    3826 * 75};
+const DiscContents disc{{{true, 0, 28465}, {true, 28465, 22412}, {true, 50877, 24808}}, 75685};
+const Text id = discId(disc);
 constexpr const char* exact = "200 rock 920ef00b Some Band / Some Disc\r\n";
 constexpr const char* entry = "210 rock 920ef00b CD database entry follows (until terminating `.')\r\n"
                               "# xmcd\r\nDISCID=920ef00b\r\nDTITLE=Some Band / Some Disc\r\n"
@@ -80,10 +81,10 @@ LoopbackServer::Manner silent()
     return [](const Text&, const LoopbackServer::Client& client) { client.isGone(-1); };
 }
 
-// The control on servers of the test's own.
+// The control on servers of the test's own. A search that was left behind still asks for the disc.
 struct Titles {
     TemporaryFolder folder;
-    std::optional<CddbDisc> inserted = disc;
+    const std::shared_ptr<DiscContents> inserted = std::make_shared<DiscContents>(disc);
     Text drive = "Drive (/dev/sr0)";
     std::unique_ptr<CdBase> control;
 
@@ -92,7 +93,7 @@ struct Titles {
         control = makeCurlCdBase({.addresses = std::move(addresses),
                                   .cacheFolder = folder / "cache/cddb",
                                   .firstDrive = [this] { return drive; },
-                                  .disc = [this] { return inserted; }});
+                                  .disc = [contents = inserted] { return *contents; }});
         control->setContactIdentity("ann@host.test");
     }
 
@@ -232,18 +233,18 @@ TEST_CASE("A disc that is known is asked for once")
     REQUIRE(server.requests().size() == 2);
     CHECK(titles.lookedUp().TrackTitle(2) == "Second");
     CHECK(server.requests().size() == 2);
-    CHECK(namesInFolder(titles.folder / "cache/cddb") == std::set<Text>{"920ef00b"});
+    CHECK(namesInFolder(titles.folder / "cache/cddb") == std::set<Text>{id});
 
     SUBCASE("but not another disc with the same id")
     {
-        titles.inserted->trackStarts[1] += 1;
+        titles.inserted->tracks[1].start += 1;
         REQUIRE(discId(*titles.inserted) == discId(disc));
         titles.lookedUp();
         CHECK(server.requests().size() == 4);
     }
     SUBCASE("but not when its kept answer is cut short")
     {
-        const Text path = titles.folder / "cache/cddb/920ef00b";
+        const Text path = titles.folder / "cache/cddb/" + id;
         putFile(path, fileBytes(path).substr(0, fileBytes(path).size() - 4));
         CHECK(titles.lookedUp().TrackTitle(2) == "Second");
         CHECK(server.requests().size() == 4);
@@ -321,7 +322,7 @@ TEST_CASE("Where the first address gives no answer the second is asked")
         CHECK(titles.lookedUp().TrackTitle(1) == "First");
         Titles alone({first.address(c.scheme)});
         CHECK(alone.lookedUp().TrackTitle(1) == "");
-        CHECK_FALSE(std::filesystem::exists(alone.folder / "cache/cddb/920ef00b"));
+        CHECK_FALSE(std::filesystem::exists(alone.folder / "cache/cddb/" + id));
     }
     Titles refused({refusedAddress("https"), good.address()});
     CHECK(refused.lookedUp().TrackTitle(1) == "First");
@@ -413,10 +414,11 @@ TEST_CASE("A drive that hangs holds up no lookup past its limit, and no second s
     const auto control = makeCurlCdBase({.addresses = {server.address()},
                                          .cacheFolder = folder / "cache",
                                          .firstDrive = [] { return "drive"; },
-                                         .disc = [gate]() -> std::optional<CddbDisc> {
-                                             gate->pass();
-                                             return disc;
-                                         }});
+                                         .disc =
+                                             [gate] {
+                                                 gate->pass();
+                                                 return disc;
+                                             }});
     control->setTimeLimit(100);
     for (int i = 0; i < 3; ++i)
         CHECK(timeOf([&] { control->Lookup(); }) < milliseconds(300));
@@ -432,9 +434,7 @@ TEST_CASE("A lookup without a disc asks nobody")
 {
     LoopbackServer server(pages(exact, entry));
     Titles titles({server.address()});
-    titles.inserted.reset();
-    CHECK(titles.lookedUp().DiscArtist() == "");
-    titles.inserted = CddbDisc{};
+    *titles.inserted = {};
     CHECK(titles.lookedUp().DiscArtist() == "");
     CHECK(server.requests().empty());
 }
@@ -456,7 +456,7 @@ TEST_CASE("Open needs the reader's first drive and no disc")
     LoopbackServer server(pages(exact, entry));
     Titles titles({server.address()});
     const auto open = [&] { titles.control->setCommand("Open"); };
-    titles.inserted.reset();
+    *titles.inserted = {};
     CHECK(failureOf(open) == 68);
     titles.control->setDevice("another drive");
     CHECK(failureOf(open) == 68);
@@ -473,7 +473,7 @@ TEST_CASE("A lookup that finds nothing leaves no earlier titles")
     LoopbackServer server(pages(exact, entry));
     Titles titles({server.address()});
     titles.lookedUp();
-    titles.inserted.reset();
+    *titles.inserted = {};
     titles.control->Lookup();
     CHECK(titles.control->DiscArtist() == "");
     CHECK(titles.control->TrackTitle(1) == "");
