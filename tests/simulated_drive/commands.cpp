@@ -192,7 +192,8 @@ bool comesInTheMiddle(const Writing& writing, std::int32_t start)
 
 void storeSectors(const Call& call, std::int32_t start)
 {
-    const int file = open((statePath(call.number) + ".sectors").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    const int file =
+        open((statePath(call.number) + ".sectors").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     const std::int32_t left = std::max(-start, 0) * sectorBytes; // the first pause is not kept
     const auto bytes = static_cast<std::int32_t>(call.data.size());
     if (left < bytes)
@@ -340,8 +341,14 @@ Bytes sessionContents(const Call& call)
     const Medium& medium = call.medium();
     const int first = firstTrackOfSession(medium, medium.sessions);
     const Track& track = medium.tracks[first - 1];
-    Bytes bytes = {0, 0, 1, static_cast<std::uint8_t>(medium.sessions), 0, control(track),
-                   static_cast<std::uint8_t>(first), 0};
+    Bytes bytes = {0,
+                   0,
+                   1,
+                   static_cast<std::uint8_t>(medium.sessions),
+                   0,
+                   control(track),
+                   static_cast<std::uint8_t>(first),
+                   0};
     addAddress(bytes, call, track.start);
     return bytes;
 }
@@ -385,8 +392,14 @@ Bytes pregroove(const Call& call)
 {
     if (call.medium().kind != Kind::recordable && call.medium().kind != Kind::rewritable)
         throw invalidField;
-    Bytes bytes = {0, 0, 0, 0, 0xD0, 0x40,
-                   static_cast<std::uint8_t>(call.medium().kind == Kind::rewritable ? 0xC0 : 0x80), 0};
+    Bytes bytes = {0,
+                   0,
+                   0,
+                   0,
+                   0xD0,
+                   0x40,
+                   static_cast<std::uint8_t>(call.medium().kind == Kind::rewritable ? 0xC0 : 0x80),
+                   0};
     addTime(bytes, leadInStart);
     bytes.push_back(0);
     addTime(bytes, call.medium().capacity);
@@ -496,10 +509,16 @@ std::size_t readTrackInformation(Call& call)
         throw invalidField;
     const std::int32_t start = track ? track->start : nextWritable(medium);
     const std::int32_t free = track || medium.isSpoiled ? 0 : medium.capacity - start;
-    Bytes bytes = {0, 0, static_cast<std::uint8_t>(asked),
-                   static_cast<std::uint8_t>(track ? track->session : medium.sessions + 1), 0, 0, 0, 0};
-    bytes[5] = static_cast<std::uint8_t>((track && track->isData ? 4 : 0) |
-                                         (!track && medium.isSpoiled ? 0x20 : 0));
+    Bytes bytes = {0,
+                   0,
+                   static_cast<std::uint8_t>(asked),
+                   static_cast<std::uint8_t>(track ? track->session : medium.sessions + 1),
+                   0,
+                   0,
+                   0,
+                   0};
+    bytes[5] =
+        static_cast<std::uint8_t>((track && track->isData ? 4 : 0) | (!track && medium.isSpoiled ? 0x20 : 0));
     bytes[6] = static_cast<std::uint8_t>(track ? 0x0F : 0x4F);
     bytes[7] = !track && !medium.isSpoiled ? 1 : 0;
     for (const std::int32_t value : {start, track ? 0 : start, free, 0, track ? track->sectors : free, 0})
@@ -571,8 +590,8 @@ Bytes capabilities(const Call& call)
 {
     constexpr int speeds[] = {4234, 2824, 1411, 706};
     const int writes = call.drive.canWrite ? 3 : 0;
-    Bytes page = {0x2A, 0, 0x03, static_cast<std::uint8_t>(writes | (call.drive.canSimulate ? 4 : 0)), 0xF1,
-                  0x77, 0x29, 0x23};
+    Bytes page = {0x2A, 0,    0x03, static_cast<std::uint8_t>(writes | (call.drive.canSimulate ? 4 : 0)),
+                  0xF1, 0x77, 0x29, 0x23};
     for (const int value : {8467, 256, 2048, 8467, 0, speeds[0], speeds[0], 0, 0, 0, speeds[0], 4})
         add16(page, value);
     for (const int speed : speeds) {

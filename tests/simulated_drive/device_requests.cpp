@@ -72,8 +72,7 @@ int sendCommand(const Opened& drive, sg_io_hdr_t& header)
 int sendPacket(const Opened& drive, cdrom_generic_command& packet)
 {
     try {
-        carryOut(*drive.state, drive.number, packet.cmd,
-                 {packet.buffer, packet.buffer ? packet.buflen : 0});
+        carryOut(*drive.state, drive.number, packet.cmd, {packet.buffer, packet.buffer ? packet.buflen : 0});
         return 0;
     } catch (const Sense& sense) {
         if (packet.sense)
@@ -94,10 +93,7 @@ bool carriedOut(const Opened& drive, std::array<std::uint8_t, 12> command, std::
 }
 
 // The system hears of a new medium itself, and tells programs only that there is one.
-bool isReady(const Opened& drive)
-{
-    return carriedOut(drive, {}, {}) || carriedOut(drive, {}, {});
-}
+bool isReady(const Opened& drive) { return carriedOut(drive, {}, {}) || carriedOut(drive, {}, {}); }
 
 int driveStatus(const Opened& drive)
 {
@@ -111,8 +107,8 @@ int capabilities(const Opened& drive)
 {
     const Lock lock(*drive.state);
     const int writing = drive.state->canWrite ? CDC_CD_R | CDC_CD_RW : 0;
-    return CDC_CLOSE_TRAY | CDC_OPEN_TRAY | CDC_LOCK | CDC_SELECT_SPEED | CDC_MULTI_SESSION | CDC_MEDIA_CHANGED |
-           CDC_PLAY_AUDIO | CDC_RESET | CDC_DRIVE_STATUS | CDC_GENERIC_PACKET | writing;
+    return CDC_CLOSE_TRAY | CDC_OPEN_TRAY | CDC_LOCK | CDC_SELECT_SPEED | CDC_MULTI_SESSION |
+           CDC_MEDIA_CHANGED | CDC_PLAY_AUDIO | CDC_RESET | CDC_DRIVE_STATUS | CDC_GENERIC_PACKET | writing;
 }
 
 using Contents = std::array<std::uint8_t, 804>;
@@ -120,10 +116,10 @@ using Contents = std::array<std::uint8_t, 804>;
 bool readContents(const Opened& drive, std::uint8_t format, Contents& contents)
 {
     const auto size = static_cast<std::uint8_t>(contents.size() >> 8);
-    return isReady(drive) && carriedOut(drive,
-                                        {0x43, 2, format, 0, 0, 0, 0, size,
-                                         static_cast<std::uint8_t>(contents.size() & 0xFF)},
-                                        contents);
+    return isReady(drive) &&
+           carriedOut(drive,
+                      {0x43, 2, format, 0, 0, 0, 0, size, static_cast<std::uint8_t>(contents.size() & 0xFF)},
+                      contents);
 }
 
 int contentsHeader(const Opened& drive, cdrom_tochdr& header)

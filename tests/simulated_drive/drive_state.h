@@ -71,15 +71,15 @@ struct Drive {
     bool isLocked;
     bool hasNewMedium; // nobody was told yet
 
-    std::int32_t hangingCommand;       // that operation code is not answered; -1 none
-    std::int32_t hanging;              // how many commands wait for that
-    std::int32_t millisecondsToRead;   // a sector
-    std::int32_t millisecondsToWrite;  // a sector
-    std::int32_t writeErrorAt;         // sector; `never`
-    std::int32_t written;              // sectors that came, simulated ones too
-    std::int32_t opened;               // how often
-    std::uint32_t commands[256];       // how often each operation code came
-    std::int32_t writeSpeed;           // kB/s, as set last
+    std::int32_t hangingCommand;      // that operation code is not answered; -1 none
+    std::int32_t hanging;             // how many commands wait for that
+    std::int32_t millisecondsToRead;  // a sector
+    std::int32_t millisecondsToWrite; // a sector
+    std::int32_t writeErrorAt;        // sector; `never`
+    std::int32_t written;             // sectors that came, simulated ones too
+    std::int32_t opened;              // how often
+    std::uint32_t commands[256];      // how often each operation code came
+    std::int32_t writeSpeed;          // kB/s, as set last
 
     Medium medium;
     Medium rehearsal; // stands in for the medium while writing is simulated

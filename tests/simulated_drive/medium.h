@@ -6,8 +6,8 @@
 namespace simulated
 {
 
-inline constexpr std::int32_t pregap = 150;     // sectors before a track
-inline constexpr std::int32_t runOut = 2;       // behind a track that was written at once
+inline constexpr std::int32_t pregap = 150;        // sectors before a track
+inline constexpr std::int32_t runOut = 2;          // behind a track that was written at once
 inline constexpr std::int32_t fewestSectors = 300; // that a track has
 
 bool isBlank(const Medium& medium);

@@ -1,11 +1,13 @@
 // Stands before the C library: the devices /dev/sr0, /dev/sr1 ... are the simulated drives, and no real one
 // is ever reached.
 #include "tests/simulated_drive/device_requests.h"
+#include "tests/simulated_drive/system_files.h"
 
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -33,10 +35,7 @@ int nextOpen(const char* path, int flags, mode_t mode = 0)
 }
 
 // As with the system, an exclusive opening is refused while another stands, a plain one never.
-bool isRefused(int file, int flags)
-{
-    return (flags & O_EXCL) != 0 && flock(file, LOCK_EX | LOCK_NB) != 0;
-}
+bool isRefused(int file, int flags) { return (flags & O_EXCL) != 0 && flock(file, LOCK_EX | LOCK_NB) != 0; }
 
 int openDrive(int number, int flags)
 {
@@ -84,10 +83,19 @@ int answerStatus(const char* name, int version, const char* path, Status* status
     return next<int(int, const char*, Status*)>(name)(version, path, status);
 }
 
+int openText(const std::string& text)
+{
+    const int file = memfd_create("simulated", MFD_CLOEXEC);
+    (void)!pwrite(file, text.data(), text.size(), 0);
+    return file;
+}
+
 int answerOpen(const char* path, int flags, va_list rest)
 {
     if (const auto number = simulated::driveNumber(path))
         return openDrive(*number, flags);
+    if (const auto text = simulated::systemFile(path))
+        return openText(*text);
     const bool hasMode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
     return nextOpen(path, flags, hasMode ? va_arg(rest, mode_t) : 0);
 }
@@ -124,7 +132,10 @@ int stat64(const char* path, struct stat64* status) noexcept { return answerStat
 
 int lstat(const char* path, struct stat* status) noexcept { return answerStatus("lstat", path, status); }
 
-int lstat64(const char* path, struct stat64* status) noexcept { return answerStatus("lstat64", path, status); }
+int lstat64(const char* path, struct stat64* status) noexcept
+{
+    return answerStatus("lstat64", path, status);
+}
 
 int __xstat(int version, const char* path, struct stat* status)
 {

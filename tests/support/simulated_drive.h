@@ -1,5 +1,5 @@
-// A CD drive for tests: there while the object lives. Its disc, tray and troubles are a test's to choose; what
-// it was asked and what was written to it can be looked at.
+// A CD drive for tests: there while the object lives. Its disc, tray and troubles are a test's to choose;
+// what it was asked and what was written to it can be looked at.
 #pragma once
 
 #include "platform/text.h"
@@ -8,8 +8,8 @@
 #include "tests/support/temporary_folder.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 #include <sys/mman.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -160,7 +160,8 @@ public:
     Text sectors(std::int32_t start, std::int32_t count) const
     {
         Text bytes = fileBytes(path_ + ".sectors");
-        bytes.resize(std::max(bytes.size(), static_cast<std::size_t>((start + count) * simulated::sectorBytes)));
+        bytes.resize(
+            std::max(bytes.size(), static_cast<std::size_t>((start + count) * simulated::sectorBytes)));
         return bytes.substr(static_cast<std::size_t>(start) * simulated::sectorBytes,
                             static_cast<std::size_t>(count) * simulated::sectorBytes);
     }
