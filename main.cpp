@@ -4,8 +4,8 @@
 
 int main(int argc, char** argv)
 {
-    raiseStackLimit();
-    Desktop desktop(argc, argv); // toolkit, sound, discs, store: the real parts
+    const rlimit stackLimit = raiseStackLimit();
+    Desktop desktop(argc, argv, stackLimit); // toolkit, sound, discs, store: the real parts
     Program program(desktop);
     return desktop.run([&] { program.start(); });
 }

@@ -6,6 +6,7 @@
 #include "platform/message_boxes.h"
 #include "platform/numbers.h"
 #include "platform/toolkit/toolkit.h"
+#include "player/remote_control.h"
 #include "player/start_up.h"
 #include "playlist/play_list_editor.h"
 #include "settingsdlg/settings.h"
@@ -15,7 +16,11 @@ Program::Program(Platform& platform) : platform_(platform), settingsStore_(platf
 
 Program::~Program() = default;
 
-void Program::start() { startUp().Show(); }
+void Program::start()
+{
+    startUp().Show();
+    remoteControl_ = std::make_unique<RemoteControl>(*this);
+}
 
 template <typename Window>
 Window& Program::touched(std::unique_ptr<Window>& window)

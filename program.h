@@ -12,6 +12,7 @@ class AboutFrame;
 class Error;
 class Mp3Encoder;
 class PlayListEditor;
+class RemoteControl;
 class Settings;
 class StartUp;
 class editfileinfoform;
@@ -61,4 +62,5 @@ private:
     std::unique_ptr<editfileinfoform> editFileInfoForm_;
     std::unique_ptr<AboutFrame> aboutFrame_;
     std::unique_ptr<Error> error_;
+    std::unique_ptr<RemoteControl> remoteControl_;
 };

@@ -12,6 +12,7 @@ class CdBase;
 class DirectoryScan;
 class Drives;
 class KeyValueStore;
+class MediaRemote;
 class MessageBoxes;
 class MMControl;
 class Mp3Enc;
@@ -41,6 +42,7 @@ public:
     virtual std::unique_ptr<ACD> makeACD() = 0;
     virtual std::unique_ptr<ACDWRITE> makeACDWRITE() = 0;
     virtual std::unique_ptr<CdBase> makeCdBase() = 0;
+    virtual std::unique_ptr<MediaRemote> makeMediaRemote() = 0;
 
     virtual KeyValueStore& keyValueStore() = 0;
     virtual ProfileFile& profileFile() = 0;

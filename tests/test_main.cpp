@@ -34,6 +34,12 @@ struct Counter : doctest::IReporter {
 
 DOCTEST_REGISTER_LISTENER("counter", 1, Counter);
 
+// These are built without the thread sanitizer, which therefore sees none of the locks inside them.
+extern "C" const char* __tsan_default_suppressions()
+{
+    return "race:libQt6\nrace:libglib-2.0\nrace:libdbus-1\n";
+}
+
 int main(int argc, char** argv)
 {
 #ifdef VELMORA_WINDOW_TESTS

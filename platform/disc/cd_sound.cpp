@@ -48,9 +48,10 @@ bool fitsDisc(const SF_INFO& info)
 }
 
 struct CdSound::Opened {
-    explicit Opened(Descriptor wav) : file(std::move(wav)) {}
+    Opened(Text name, Descriptor wav) : path(std::move(name)), file(std::move(wav)) {}
     ~Opened() { sf_close(sound); }
 
+    Text path;
     Descriptor file;
     SF_INFO info{};
     SNDFILE* sound = sf_open_fd(file.number(), SFM_READ, &info, SF_FALSE);
@@ -62,7 +63,7 @@ std::optional<CdSound> CdSound::open(const Text& path)
     Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!file || !isRegular(file) || !hasWavHeader(file))
         return std::nullopt;
-    auto opened = std::make_unique<Opened>(std::move(file));
+    auto opened = std::make_unique<Opened>(path, std::move(file));
     if (opened->sound == nullptr || !fitsDisc(opened->info))
         return std::nullopt;
     return CdSound(std::move(opened));
@@ -72,6 +73,8 @@ CdSound::CdSound(std::unique_ptr<Opened> opened) : opened_(std::move(opened)) {}
 CdSound::CdSound(CdSound&&) noexcept = default;
 CdSound& CdSound::operator=(CdSound&&) noexcept = default;
 CdSound::~CdSound() = default;
+
+const Text& CdSound::path() const { return opened_->path; }
 
 std::int64_t CdSound::frames() const { return opened_->info.frames; }
 

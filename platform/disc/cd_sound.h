@@ -22,6 +22,7 @@ public:
     CdSound& operator=(CdSound&&) noexcept;
     ~CdSound();
 
+    const Text& path() const; // that it was opened under
     std::int64_t frames() const;
     std::int64_t sectors() const; // that it fills on a disc: whole ones, and at least 300 (IEC 60908)
 

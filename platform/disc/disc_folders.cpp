@@ -14,5 +14,9 @@ Text DiscFolders::toWrite() const { return joined(isFolder(music) ? music : home
 
 std::vector<Text> DiscFolders::toRead() const
 {
-    return {joined(music, folderName), joined(home, folderName)};
+    std::vector<Text> folders;
+    for (const Text& each : {music, home})
+        if (!each.empty())
+            folders.push_back(joined(each, folderName));
+    return folders;
 }

@@ -25,8 +25,11 @@ DiscOutput::Target DiscOutput::targetOf(const Text& path)
     if (target.path.empty() || endsInSeparator(target.path))
         throw failure(75);
     struct stat status;
-    if (stat(target.path.c_str(), &status) != 0)
+    if (stat(target.path.c_str(), &status) != 0) {
+        if (errno != ENOENT)
+            fail(errno);
         return target;
+    }
     if (!S_ISREG(status.st_mode))
         throw failure(75);
     if (faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0)

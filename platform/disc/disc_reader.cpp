@@ -2,9 +2,9 @@
 
 #include "platform/disc/reader_table.h"
 #include "platform/disc/track_copy.h"
+#include "platform/disc/window_calls.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
-#include "platform/post.h"
 
 #include <algorithm>
 #include <limits>
@@ -35,7 +35,8 @@ public:
     DiscReader(std::shared_ptr<ReaderTable> drives, std::shared_ptr<BusyDevices> devices, Post& post,
                Shell& shell, PartNotes& notes, SleepLock& sleepLock) :
         table_(std::move(drives)),
-        devices_(std::move(devices)), post_(post), shell_(shell), notes_(notes), sleepLock_(sleepLock)
+        devices_(std::move(devices)), shell_(shell), notes_(notes), sleepLock_(sleepLock),
+        window_(post, *this)
     {
     }
 
@@ -53,17 +54,14 @@ private:
     std::shared_ptr<ReaderDrive> current() const;
     void startCopy(std::int16_t track, const Text& path);
     void finished();
-    template <typename Call>
-    void deliver(Call call);
 
     std::shared_ptr<ReaderTable> table_;
     std::shared_ptr<BusyDevices> devices_;
-    Post& post_;
     Shell& shell_;
     PartNotes& notes_;
     SleepLock& sleepLock_;
     Text device_; // of the current drive; that of the first until another is selected
-    std::shared_ptr<DiscReader*> self_ = std::make_shared<DiscReader*>(this); // calls under way end with it
+    WindowCalls<DiscReader> window_;
     std::unique_ptr<TrackCopy> copy_; // until its end has been told; the last member: its thread ends first
 };
 
@@ -128,7 +126,7 @@ std::int16_t DiscReader::ReadTrack(std::int16_t track, const Text& path)
     } catch (const std::system_error& error) {
         shell_.notify("A track could not be read", path + ": " + error.what());
     }
-    deliver([](DiscReader& self) { self.Done.raise(); });
+    window_.post([](DiscReader& self) { self.Done.raise(); });
     return refused;
 }
 
@@ -145,9 +143,9 @@ void DiscReader::startCopy(std::int16_t number, const Text& path)
     copy_ = std::make_unique<TrackCopy>(
         TrackCopy::Job{drive, number, track->sectors, path, std::move(output)}, devices_, shell_, sleepLock_,
         TrackCopy::Events{[this](std::int32_t thousandths) {
-                              deliver([=](DiscReader& self) { self.Progress.raise(thousandths); });
+                              window_.post([=](DiscReader& self) { self.Progress.raise(thousandths); });
                           },
-                          [this] { deliver([](DiscReader& self) { self.finished(); }); }});
+                          [this] { window_.post([](DiscReader& self) { self.finished(); }); }});
 }
 
 void DiscReader::Stop()
@@ -160,15 +158,6 @@ void DiscReader::finished()
 {
     copy_.reset();
     Done.raise();
-}
-
-template <typename Call>
-void DiscReader::deliver(Call call)
-{
-    post_.post([weak = std::weak_ptr(self_), call] {
-        if (const auto self = weak.lock())
-            call(**self);
-    });
 }
 
 }

@@ -6,15 +6,16 @@
 #include "platform/audio/sndfile_control.h"
 #include "platform/audio/sound_output.h"
 #include "platform/cd_base.h"
-#include "platform/drives.h"
 #include "platform/mp3_enc.h"
 #include "platform/numbers.h"
-#include "platform/registry.h"
-#include "platform/shell.h"
+#include "platform/paths.h"
 #include "platform/system/appearance.h"
+#include "platform/system/desktop_shell.h"
 #include "platform/system/disk_profile_file.h"
 #include "platform/system/disk_text_files.h"
 #include "platform/system/folder_scan.h"
+#include "platform/system/mounted_drives.h"
+#include "platform/system/mpris_remote.h"
 #include "platform/system/places.h"
 #include "platform/system/qt_message_boxes.h"
 #include "platform/system/qt_open_save_dialog.h"
@@ -22,12 +23,13 @@
 #include "platform/system/qt_pump.h"
 #include "platform/system/sqlite_store.h"
 #include "platform/system/state_part_notes.h"
+#include "platform/system/tool_registry.h"
 #include "platform/toolkit/qt_bridge.h"
 #include "platform/toolkit/toolkit.h"
 
 #include <QApplication>
 #include <clocale>
-#include <iostream>
+#include <cstdlib>
 #include <unistd.h>
 
 namespace
@@ -37,10 +39,18 @@ constexpr int failedStatus = 1;
 
 void endProcess(int status) { _exit(status); }
 
+Text searchPath()
+{
+    const char* path = std::getenv("PATH");
+    return path ? path : "";
+}
+
 }
 
 struct Desktop::Parts {
-    Parts(int& argc, char** argv) : application(argc, argv) {}
+    Parts(int& argc, char** argv, rlim_t stackLimit) : application(argc, argv), shell(environment, stackLimit)
+    {
+    }
 
     Environment environment = environmentOfProcess();
     QApplication application;
@@ -49,16 +59,19 @@ struct Desktop::Parts {
     DiskTextFiles textFiles{partNotes};
     DiskProfileFile profileFile{textFiles};
     FolderScan directoryScan;
-    SqliteStore store{configFolder(environment) + "/settings.sqlite"};
-    SoundOutput sound{stateFolder(environment) + "/levels", toolkit.activity()};
+    SqliteStore store{joined(configFolder(environment), "settings.sqlite")};
+    SoundOutput sound{joined(stateFolder(environment), "levels"), toolkit.activity()};
+    DesktopShell shell;
+    MountedDrives drives{{.home = homeFolder(environment)}};
+    ToolRegistry registry{searchPath()};
     QtMessageBoxes messageBoxes;
     QtPump pump;
 };
 
-Desktop::Desktop(int& argc, char** argv)
+Desktop::Desktop(int& argc, char** argv, const rlimit& stackLimit)
 {
     chooseWindowSystem();
-    parts_ = std::make_unique<Parts>(argc, argv);
+    parts_ = std::make_unique<Parts>(argc, argv, stackLimit.rlim_cur);
     dressApplication();
     removeNotedParts(stateFolder(parts_->environment));
     fillApplicationFolder(parts_->environment, parts_->textFiles);
@@ -90,6 +103,11 @@ std::unique_ptr<OpenSaveDialog> Desktop::makeOpenSaveDialog() { return std::make
 
 std::unique_ptr<PopupMenu> Desktop::makePopupMenu() { return std::make_unique<QtPopupMenu>(parts_->toolkit); }
 
+std::unique_ptr<MediaRemote> Desktop::makeMediaRemote()
+{
+    return makeMprisRemote(sessionBusAddress(parts_->environment), parts_->toolkit.post());
+}
+
 KeyValueStore& Desktop::keyValueStore() { return parts_->store; }
 
 ProfileFile& Desktop::profileFile() { return parts_->profileFile; }
@@ -97,6 +115,12 @@ ProfileFile& Desktop::profileFile() { return parts_->profileFile; }
 DirectoryScan& Desktop::directoryScan() { return parts_->directoryScan; }
 
 TextFiles& Desktop::textFiles() { return parts_->textFiles; }
+
+Drives& Desktop::drives() { return parts_->drives; }
+
+Registry& Desktop::registry() { return parts_->registry; }
+
+Shell& Desktop::shell() { return parts_->shell; }
 
 MessageBoxes& Desktop::messageBoxes() { return parts_->messageBoxes; }
 

@@ -5,11 +5,13 @@
 
 #include <functional>
 #include <memory>
+#include <sys/resource.h>
 
 class Desktop final : public Platform
 {
 public:
-    Desktop(int& argc, char** argv);
+    // Programs that this one starts get back the stack limit.
+    Desktop(int& argc, char** argv, const rlimit& stackLimit);
     ~Desktop() override;
 
     // Runs `start`, then the window events. Returns the process's exit status.
@@ -24,6 +26,7 @@ public:
     std::unique_ptr<ACD> makeACD() override;
     std::unique_ptr<ACDWRITE> makeACDWRITE() override;
     std::unique_ptr<CdBase> makeCdBase() override;
+    std::unique_ptr<MediaRemote> makeMediaRemote() override;
     KeyValueStore& keyValueStore() override;
     ProfileFile& profileFile() override;
     DirectoryScan& directoryScan() override;

@@ -3,9 +3,6 @@
 #include "platform/failure.h"
 #include "platform/system/profile_text.h"
 
-#include <algorithm>
-#include <cstring>
-
 namespace
 {
 
@@ -20,8 +17,7 @@ std::size_t put(std::string_view text, char* buffer, std::size_t size)
 {
     if (size == 0)
         return 0;
-    const std::size_t length = std::min(text.size(), size - 1);
-    std::memcpy(buffer, text.data(), length);
+    const std::size_t length = text.copy(buffer, size - 1);
     buffer[length] = '\0';
     return length;
 }

@@ -1,5 +1,4 @@
-// Private profile files on the disk. Nothing is kept between the calls: another program's change is seen at
-// once.
+// Private profile files on the disk. Nothing is kept between calls: another program's change is seen at once.
 #pragma once
 
 #include "platform/profile_file.h"

@@ -133,6 +133,9 @@ std::int64_t DiskTextFiles::length(const Text& path)
         throw failure(errno == EACCES ? 70 : 53);
     if (!S_ISREG(status.st_mode))
         throw failure(53);
+    // What cannot be read has no length for the caller either: it would go on to read it.
+    if (access(path.c_str(), R_OK) != 0)
+        throw failure(70);
     return status.st_size;
 }
 

@@ -3,6 +3,7 @@
 #include "platform/paths.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -39,7 +40,10 @@ bool makeFolders(const Text& folder)
 
 bool isFolder(const Text& path) { return hasType(path, S_IFDIR); }
 bool isFile(const Text& path) { return hasType(path, S_IFREG); }
-bool isExecutable(const Text& path) { return isFile(path) && access(path.c_str(), X_OK) == 0; }
+bool isExecutable(const Text& path)
+{
+    return isFile(path) && faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
+}
 
 Text withoutSeparatorBehind(Text path)
 {

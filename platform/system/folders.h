@@ -18,8 +18,7 @@ Text withoutSeparatorBehind(Text path);
 // What a path's last name lies in; "." for a name alone.
 Text folderOf(const Text& path);
 
-// The path itself, or what it leads to when it is a link; also when that does not exist yet. "" for links in
-// a ring.
+// The path itself, or what it leads to when it is a link, existing or not. "" for links in a ring.
 Text resolvedLinks(const Text& path);
 
 // A name that nobody else chooses: sixteen hexadecimal digits.

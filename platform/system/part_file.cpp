@@ -31,12 +31,23 @@ Text partPath(const Text& target)
     return target.substr(0, target.rfind(pathSeparator) + 1) + title + '.' + randomName() + ".part";
 }
 
+// Asked before the note is made: a tick that is refused again and again would write notes for ever.
+bool takesFiles(const Text& folder)
+{
+    return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
 }
 
 PartFile::PartFile(const Text& target, const struct stat* status, PartNotes& notes) :
     target_(target), path_(partPath(target)), notes_(notes)
 {
+    if (!takesFiles(folderOf(path_))) {
+        error_ = errno;
+        return;
+    }
     notes_.note(path_);
+    noted_ = true;
     file_ = Descriptor(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, status ? 0600 : 0666));
     stands_ = static_cast<bool>(file_);
     if (!file_ || (status && !resembles(*status)))
@@ -47,7 +58,8 @@ PartFile::~PartFile()
 {
     if (stands_)
         unlink(path_.c_str());
-    notes_.done(path_);
+    if (noted_)
+        notes_.done(path_);
 }
 
 bool PartFile::takePlace()

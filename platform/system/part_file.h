@@ -37,5 +37,6 @@ private:
     PartNotes& notes_;
     Descriptor file_;
     int error_ = 0;
+    bool noted_ = false;
     bool stands_ = false; // under its own name
 };

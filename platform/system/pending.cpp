@@ -11,25 +11,6 @@
 #include <iostream>
 namespace
 {
-struct PShell : Shell {
-    void startProgram(const Text&) override { throw failure(53); }
-    void notify(const Text& t, const Text& m) override { std::cerr << t << ": " << m << '\n'; }
-};
-struct PDrives : Drives {
-    std::vector<Drive> all() override { return {{"/", ""}}; }
-};
-struct PRegistry : Registry {
-    std::int32_t RegOpenKeyEx(std::uint32_t, const Text&, std::uint32_t, Key& k) override
-    {
-        k = 0;
-        return 2;
-    }
-    std::int32_t RegQueryValueEx(Key, const Text&, std::uint32_t&, Text&, std::uint32_t&) override
-    {
-        return 2;
-    }
-    std::int32_t RegCloseKey(Key) override { return 0; }
-};
 struct PEnc : Mp3Enc {
     std::int32_t b = 0;
     std::int32_t Bitrate() const override { return b; }
@@ -83,18 +64,3 @@ std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc() { return std::make_unique<PEnc>();
 std::unique_ptr<ACD> Desktop::makeACD() { return std::make_unique<PAcd>(); }
 std::unique_ptr<ACDWRITE> Desktop::makeACDWRITE() { return std::make_unique<PWr>(); }
 std::unique_ptr<CdBase> Desktop::makeCdBase() { return std::make_unique<PCd>(); }
-Drives& Desktop::drives()
-{
-    static PDrives d;
-    return d;
-}
-Registry& Desktop::registry()
-{
-    static PRegistry d;
-    return d;
-}
-Shell& Desktop::shell()
-{
-    static PShell d;
-    return d;
-}

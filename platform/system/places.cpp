@@ -98,7 +98,10 @@ Environment environmentOfProcess()
             .configHome = variable("XDG_CONFIG_HOME"),
             .dataHome = variable("XDG_DATA_HOME"),
             .stateHome = variable("XDG_STATE_HOME"),
-            .cacheHome = variable("XDG_CACHE_HOME")};
+            .cacheHome = variable("XDG_CACHE_HOME"),
+            .runtimeFolder = variable("XDG_RUNTIME_DIR"),
+            .searchPath = variable("PATH"),
+            .busAddress = variable("DBUS_SESSION_BUS_ADDRESS")};
 }
 
 Text homeFolder(const Environment& environment)

@@ -28,8 +28,7 @@ FileIdentity identityOf(const Text& path)
     return stat(path.c_str(), &status) == 0 ? FileIdentity{status.st_dev, status.st_ino} : FileIdentity{};
 }
 
-// The lock is on the damaged file itself: of two processes, the second finds another file there when it has
-// it.
+// The lock is on the damaged file itself: of two processes, the second then finds another file there.
 void setAside(const Text& path, const FileIdentity& damaged)
 {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));

@@ -12,10 +12,8 @@ using Outcome = SettingsDatabase::Outcome;
 // The window thread waits here when another copy of the program writes at the same moment.
 constexpr int longestWaitMs = 50;
 
-// A log of this many pages of 1 KB is read again in half a millisecond at the next start.
-constexpr int longestLog = 1000;
-
-// A new file has nothing to lose until it has its table: the first start does not wait for the disk.
+// A new file has nothing to lose until it has its table: the first start does not wait for the disk. Pages
+// are small because each write adds one to a log of up to a thousand, which the next start reads.
 constexpr const char* preparation = "PRAGMA synchronous = OFF;"
                                     "PRAGMA page_size = 1024;"
                                     "PRAGMA journal_mode = WAL;"
@@ -45,8 +43,7 @@ Outcome outcomeOf(int result)
     }
 }
 
-// Two processes that begin one file together get in each other's way, and SQLite then does not wait by
-// itself.
+// Two processes that begin one file together get in each other's way, and SQLite does not wait then.
 int prepare(sqlite3* connection)
 {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(longestWaitMs);
@@ -83,36 +80,23 @@ Text column(sqlite3_stmt* statement)
 void SettingsDatabase::Close::operator()(sqlite3* connection) const { sqlite3_close(connection); }
 void SettingsDatabase::Close::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
-SettingsDatabase::SettingsDatabase(const Text& path) : path_(path), outcome_(open()) {}
+SettingsDatabase::SettingsDatabase(const Text& path) : outcome_(open(path)) {}
 
-SettingsDatabase::~SettingsDatabase()
-{
-    if (mover_.joinable())
-        mover_.join();
-}
-
-SettingsDatabase::Connection SettingsDatabase::connected(const Text& path, int& result)
+SettingsDatabase::Outcome SettingsDatabase::open(const Text& path)
 {
     constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX;
     sqlite3* connection = nullptr;
-    result = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
+    int result = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
+    connection_.reset(connection);
     sqlite3_busy_timeout(connection, longestWaitMs);
-    return Connection(connection);
-}
-
-SettingsDatabase::Outcome SettingsDatabase::open()
-{
-    int result = SQLITE_OK;
-    connection_ = connected(path_, result);
     if (result == SQLITE_OK)
-        result = prepare(connection_.get());
+        result = prepare(connection);
     for (auto [text, statement] : {std::pair(reading, &read_), std::pair(writing, &write_)}) {
         sqlite3_stmt* prepared = nullptr;
         if (result == SQLITE_OK)
-            result = sqlite3_prepare_v2(connection_.get(), text, -1, &prepared, nullptr);
+            result = sqlite3_prepare_v2(connection, text, -1, &prepared, nullptr);
         statement->reset(prepared);
     }
-    sqlite3_wal_hook(connection_.get(), &SettingsDatabase::committed, this);
     return outcomeOf(result);
 }
 
@@ -133,26 +117,4 @@ SettingsDatabase::Outcome SettingsDatabase::write(const SettingName& name, const
     const int result = sqlite3_step(write_.get());
     sqlite3_reset(write_.get());
     return outcomeOf(result);
-}
-
-// Called after each write.
-int SettingsDatabase::committed(void* database, sqlite3*, const char*, int pages)
-{
-    auto* self = static_cast<SettingsDatabase*>(database);
-    if (pages >= longestLog && !self->moving_.exchange(true))
-        self->moveLog();
-    return SQLITE_OK;
-}
-
-// Moving the log into the file waits for the disk, for seconds when it is busy; no window may wait for that.
-void SettingsDatabase::moveLog()
-{
-    if (mover_.joinable())
-        mover_.join();
-    mover_ = std::thread([this] {
-        int result = SQLITE_OK;
-        const Connection own = connected(path_, result);
-        sqlite3_exec(own.get(), "PRAGMA wal_checkpoint(PASSIVE)", nullptr, nullptr, nullptr);
-        moving_ = false;
-    });
 }

@@ -1,13 +1,10 @@
-// The settings table in its SQLite file. Every call says how it went; what to do about it is the caller's
-// business.
+// The settings table in its SQLite file. Every call says how it went; what to do then is the caller's.
 #pragma once
 
 #include "platform/text.h"
 
-#include <atomic>
-#include <compare>
 #include <memory>
-#include <thread>
+#include <tuple>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -17,7 +14,10 @@ struct SettingName {
     Text section;
     Text key;
 
-    auto operator<=>(const SettingName&) const = default;
+    bool operator<(const SettingName& other) const
+    {
+        return std::tie(application, section, key) < std::tie(other.application, other.section, other.key);
+    }
 };
 
 // For one thread.
@@ -32,7 +32,6 @@ public:
 
     // Opens the file and makes its table; `outcome` says how that went.
     explicit SettingsDatabase(const Text& path);
-    ~SettingsDatabase();
 
     Outcome outcome() const { return outcome_; }
 
@@ -47,16 +46,10 @@ private:
     using Connection = std::unique_ptr<sqlite3, Close>;
     using Statement = std::unique_ptr<sqlite3_stmt, Close>;
 
-    Outcome open();
-    static Connection connected(const Text& path, int& result);
-    static int committed(void* database, sqlite3*, const char*, int pages);
-    void moveLog();
+    Outcome open(const Text& path);
 
-    Text path_;
     Connection connection_;
     Statement read_;
     Statement write_;
-    std::thread mover_;
-    std::atomic<bool> moving_ = false;
     Outcome outcome_;
 };

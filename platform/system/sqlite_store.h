@@ -15,8 +15,7 @@ class SqliteStore final : public KeyValueStore
 {
 public:
     // The file and its folder are made at the first use. A damaged file is set aside, its name with
-    // ".damaged" behind it, and a new one begun. What the disk refuses for now is kept and offered to it
-    // again.
+    // ".damaged" behind it, and a new one begun. What the disk refuses is kept and offered again.
     explicit SqliteStore(Text path) : path_(std::move(path)) {}
 
     Text GetSetting(const Text& application, const Text& section, const Text& key) override;

@@ -74,8 +74,7 @@ void StatePartNotes::note(const Text& partPath)
         appendRecord(file_, partPath);
 }
 
-// Records are only added, and all go when the last one is done: no instant has an open part without its
-// record.
+// Records are only added, and all go when the last one is done: no open part is ever without its record.
 void StatePartNotes::done(const Text& partPath)
 {
     const std::lock_guard guard(mutex_);

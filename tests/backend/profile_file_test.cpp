@@ -74,7 +74,7 @@ TEST_CASE("A value is found whatever the file looks like")
         {"the key alone", "[Playlist Editor]\r\nPlayList\r\n", "<missing>"},
         {"nothing behind the sign", "[Playlist Editor]\r\nPlayList=\r\n", ""},
         {"a bracket that does not close", "[Playlist Editor\r\nPlayList=/a.vlp\r\n", "<missing>"},
-        {"a NUL in the value", Text("[Playlist Editor]\nPlayList=/a \0b\n", 34), "/a"},
+        {"a NUL in the value", Text("[Playlist Editor]\nPlayList=/a \0b\n", 33), "/a"},
         {"a NUL in another line", Text("x\0y\n[Playlist Editor]\nPlayList=/a.vlp\n", 38), "/a.vlp"},
         {"bytes that are no UTF-8", "[Playlist Editor]\r\nPlayList=/caf\xE9\r\n", "/caf\xE9"},
         {"an empty file", "", "<missing>"},
@@ -229,6 +229,7 @@ TEST_CASE("A file that cannot be written or read is left as it is, without a wor
             endUnless(!profile.write("PlayList", "/b.vlp"), 1);
         });
         CHECK(child.wait() == 0);
+        chmod(profile.path.c_str(), 0644);
         CHECK(fileBytes(profile.path) == before);
     }
 }

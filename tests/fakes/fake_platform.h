@@ -38,6 +38,7 @@ public:
     RecordingACD* CDtoWAV = nullptr;
     RecordingACDWRITE* CDWriter = nullptr;
     RecordingCdBase* CdBase1 = nullptr;
+    RecordingRemote* remote = nullptr;
 
     // Before the windows are made, so that their engines begin with the switches that a test needs.
     std::function<void(RecordingMp3Play&, const Text&)> onMp3Play;
@@ -97,6 +98,7 @@ public:
             onCdBase(*titles);
         return titles;
     }
+    std::unique_ptr<MediaRemote> makeMediaRemote() override { return made(remote); }
     KeyValueStore& keyValueStore() override { return store; }
     ProfileFile& profileFile() override { return profile; }
     DirectoryScan& directoryScan() override { return scan; }

@@ -6,6 +6,7 @@
 #include "platform/acd_write.h"
 #include "platform/cd_base.h"
 #include "platform/failure.h"
+#include "platform/media_remote.h"
 #include "platform/mm_control.h"
 #include "platform/mp3_enc.h"
 #include "platform/mp3_play.h"
@@ -302,4 +303,12 @@ private:
     void say(const Text& call) const { log_.add("CdBase1." + call); }
 
     CallLog& log_;
+};
+
+class RecordingRemote final : public MediaRemote
+{
+public:
+    Shown shown;
+
+    void show(const Shown& now) override { shown = now; }
 };

@@ -1,4 +1,4 @@
-// A folder of a test's own, removed with everything in it.
+// A folder of a test's own, removed with everything in it, whatever the test has forbidden there.
 #pragma once
 
 #include "platform/text.h"
@@ -12,8 +12,13 @@ public:
     TemporaryFolder() { path_ = mkdtemp(path_.data()); }
     ~TemporaryFolder()
     {
+        namespace fs = std::filesystem;
         std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
+        fs::permissions(path_, fs::perms::owner_all, ignored);
+        for (const auto& entry : fs::recursive_directory_iterator(path_, ignored))
+            if (!entry.is_symlink() && entry.is_directory())
+                fs::permissions(entry, fs::perms::owner_all, ignored);
+        fs::remove_all(path_, ignored);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

@@ -1,0 +1,54 @@
+#include "platform/disc/disc_writing.h"
+
+#include "platform/failure.h"
+
+#include <exception>
+
+namespace
+{
+
+constexpr std::int16_t whole = 100;
+constexpr std::int16_t finished = 0;
+constexpr std::int16_t failed = 1;
+
+}
+
+DiscWriting::DiscWriting(Job job, Shell& shell, SleepLock& sleepLock, Events events) :
+    job_(std::move(job)), shell_(shell), sleepLock_(sleepLock), events_(std::move(events)),
+    writing_([this](const std::stop_token& stop) { run(stop); })
+{
+}
+
+void DiscWriting::run(const std::stop_token& stop)
+{
+    sleepLock_.begin("Writing a disc");
+    const bool isWritten = write(stop);
+    job_.reset();
+    sleepLock_.end();
+    events_.done(isWritten ? finished : failed);
+}
+
+bool DiscWriting::write(const std::stop_token& stop)
+{
+    Text reason;
+    try {
+        job_->run->write([this](std::int16_t percent) { report(percent); }, stop);
+        report(whole);
+        return true;
+    } catch (const Failure& failure) {
+        reason = failure.description;
+    } catch (const std::exception& error) {
+        reason = error.what();
+    }
+    if (!stop.stop_requested())
+        shell_.notify("The disc could not be written", reason);
+    return false;
+}
+
+void DiscWriting::report(std::int16_t percent)
+{
+    if (percent <= reported_ || percent > whole)
+        return;
+    reported_ = percent;
+    events_.progress(percent);
+}

@@ -1,0 +1,209 @@
+#include "platform/disc/image_recorder.h"
+
+#include "platform/disc/disc_contents.h"
+#include "platform/disc/disc_output.h"
+#include "platform/failure.h"
+#include "platform/paths.h"
+#include "platform/system/folders.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <sys/stat.h>
+
+namespace
+{
+
+constexpr std::int16_t imageRecorder = 2;
+constexpr std::int64_t pieceBytes = 445 * sectorBytes; // about a megabyte
+
+// "Disc YYYY-MM-DD HH.MM.SS", in the user's own time.
+Text discName(std::time_t time)
+{
+    std::tm parts{};
+    localtime_r(&time, &parts);
+    char name[64];
+    return {name, std::strftime(name, sizeof name, "Disc %Y-%m-%d %H.%M.%S", &parts)};
+}
+
+Text twoDigits(std::int64_t number)
+{
+    const Text digits = std::to_string(number);
+    return digits.size() < 2 ? "0" + digits : digits;
+}
+
+// "MM:SS:FF" (CDRWIN user's guide).
+Text timeText(std::int64_t sector)
+{
+    const std::int64_t seconds = sector / sectorsPerSecond;
+    return twoDigits(seconds / 60) + ':' + twoDigits(seconds % 60) + ':' +
+           twoDigits(sector % sectorsPerSecond);
+}
+
+Text sheetText(const Text& soundName, const std::vector<CdSound>& tracks)
+{
+    Text sheet = "FILE \"" + soundName + "\" BINARY\n";
+    std::int64_t start = 0;
+    for (std::size_t i = 0; i < tracks.size(); ++i) {
+        sheet += "  TRACK " + twoDigits(static_cast<std::int64_t>(i) + 1) + " AUDIO\n    INDEX 01 " +
+                 timeText(start) + '\n';
+        start += tracks[i].sectors();
+    }
+    return sheet;
+}
+
+std::int64_t soundBytes(const std::vector<CdSound>& tracks)
+{
+    std::int64_t sectors = 0;
+    for (const auto& track : tracks)
+        sectors += track.sectors();
+    return sectors * sectorBytes;
+}
+
+// The two files of a disc in the making.
+class NewImage
+{
+public:
+    NewImage(Text folder, std::int64_t bytes, PartNotes& notes) :
+        folder_(std::move(folder)), sound_(pathOf(".bin", begun_), notes),
+        sheet_(pathOf(".cue", begun_), notes)
+    {
+        sound_.makeRoom(bytes);
+    }
+
+    // The disk keeps step, so that the end need not wait for it.
+    void append(std::span<const std::byte> sectors)
+    {
+        sound_.append(sectors);
+        sound_.startFlush();
+    }
+
+    void finish(const std::vector<CdSound>& tracks);
+
+private:
+    Text pathOf(std::string_view ending, std::time_t time) const
+    {
+        return joined(folder_, discName(time)).append(ending);
+    }
+    std::time_t placeSound();
+    void placeSheet(const Text& text, std::time_t time);
+
+    Text folder_;
+    std::time_t begun_ = std::time(nullptr);
+    DiscOutput sound_;
+    DiscOutput sheet_;
+};
+
+// The sheet comes last: whoever sees it finds a whole disc.
+void NewImage::finish(const std::vector<CdSound>& tracks)
+{
+    sound_.flush();
+    const std::time_t time = placeSound();
+    try {
+        placeSheet(sheetText(discName(time) + ".bin", tracks), time);
+    } catch (const Failure&) {
+        unlink(pathOf(".bin", time).c_str());
+        throw;
+    }
+}
+
+// Two discs of one second get names of different ones. Returns that of this disc.
+std::time_t NewImage::placeSound()
+{
+    for (std::time_t time = begun_;; ++time)
+        if (!isFile(pathOf(".cue", time)) && sound_.takeFreePlace(pathOf(".bin", time)))
+            return time;
+}
+
+void NewImage::placeSheet(const Text& text, std::time_t time)
+{
+    sheet_.append(std::as_bytes(std::span(text)));
+    sheet_.flush();
+    if (!sheet_.takeFreePlace(pathOf(".cue", time)))
+        throw failure(75);
+}
+
+class ImageRun final : public WriteRun
+{
+public:
+    // Without an image it goes through the writing and writes nothing.
+    ImageRun(std::vector<CdSound> tracks, std::unique_ptr<NewImage> image) :
+        tracks_(std::move(tracks)), image_(std::move(image)), bytes_(soundBytes(tracks_))
+    {
+    }
+
+    void write(const WriteProgress& progress, const std::stop_token& stop) override;
+
+private:
+    void writeTrack(CdSound& track, const WriteProgress& progress, const std::stop_token& stop);
+
+    std::vector<CdSound> tracks_;
+    std::unique_ptr<NewImage> image_;
+    std::int64_t bytes_;
+    std::int64_t written_ = 0;
+};
+
+void ImageRun::write(const WriteProgress& progress, const std::stop_token& stop)
+{
+    for (auto& track : tracks_)
+        writeTrack(track, progress, stop);
+    if (image_ && !stop.stop_requested())
+        image_->finish(tracks_);
+}
+
+// The last sector, and a track that is too short, are filled up with silence.
+void ImageRun::writeTrack(CdSound& track, const WriteProgress& progress, const std::stop_token& stop)
+{
+    std::int64_t soundLeft = track.frames() * CdSound::frameBytes;
+    std::vector<std::byte> piece;
+    for (std::int64_t left = track.sectors() * sectorBytes; left > 0 && !stop.stop_requested();) {
+        piece.assign(static_cast<std::size_t>(std::min(left, pieceBytes)), std::byte{});
+        const auto sound = std::span(piece).first(static_cast<std::size_t>(std::min(soundLeft, pieceBytes)));
+        if (track.read(sound) != sound.size())
+            throw Failure{62, track.path() + " is cut short."};
+        soundLeft -= static_cast<std::int64_t>(sound.size());
+        left -= static_cast<std::int64_t>(piece.size());
+        if (image_)
+            image_->append(piece);
+        written_ += static_cast<std::int64_t>(piece.size());
+        progress(static_cast<std::int16_t>(written_ * 100 / bytes_));
+    }
+}
+
+class ImageRecorder final : public WriterDrive
+{
+public:
+    ImageRecorder(DiscFolders folders, PartNotes& notes) : folders_(std::move(folders)), notes_(notes) {}
+
+    Text name() const override { return "Disc image recorder"; }
+    Text device() const override { return "disc images"; }
+    std::int16_t type() const override { return imageRecorder; }
+    bool hasWritableDisc() override { return true; }
+
+    std::unique_ptr<WriteRun> prepare(std::vector<CdSound> tracks, const WriteSettings& settings) override
+    {
+        const std::int64_t bytes = soundBytes(tracks);
+        if (bytes > std::int64_t{mostSectors} * sectorBytes)
+            throw Failure{61, "The tracks are too long for a disc."};
+        auto image = settings.simulate ? nullptr : newImage(bytes);
+        return std::make_unique<ImageRun>(std::move(tracks), std::move(image));
+    }
+
+private:
+    std::unique_ptr<NewImage> newImage(std::int64_t bytes)
+    {
+        const Text folder = folders_.toWrite();
+        mkdir(folder.c_str(), 0777);
+        return std::make_unique<NewImage>(folder, bytes, notes_);
+    }
+
+    DiscFolders folders_;
+    PartNotes& notes_;
+};
+
+}
+
+std::shared_ptr<WriterDrive> makeImageRecorder(DiscFolders folders, PartNotes& notes)
+{
+    return std::make_shared<ImageRecorder>(std::move(folders), notes);
+}

@@ -1,0 +1,10 @@
+// The recorder that everybody has: it makes disc images.
+#pragma once
+
+#include "platform/disc/disc_folders.h"
+#include "platform/disc/writer_drive.h"
+#include "platform/part_notes.h"
+
+// Each disc becomes a CUE sheet and one file of raw sectors, both named for the time at which its writing
+// began.
+std::shared_ptr<WriterDrive> makeImageRecorder(DiscFolders folders, PartNotes& notes);

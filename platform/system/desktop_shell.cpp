@@ -1,0 +1,58 @@
+#include "platform/system/desktop_shell.h"
+
+#include "platform/failure.h"
+#include "platform/paths.h"
+#include "platform/system/folders.h"
+#include "platform/system/programs.h"
+
+#include <sys/stat.h>
+
+#include <iterator>
+#include <sstream>
+
+namespace
+{
+
+bool exists(const Text& path)
+{
+    struct stat status;
+    return stat(path.c_str(), &status) == 0;
+}
+
+std::vector<Text> words(const Text& path)
+{
+    if (isFile(path))
+        return {path};
+    std::istringstream line(path);
+    return {std::istream_iterator<Text>(line), {}};
+}
+
+}
+
+DesktopShell::DesktopShell(const Environment& environment, std::optional<rlim_t> stackLimit) :
+    searchPath_(environment.searchPath), stackLimit_(stackLimit),
+    notifications_(sessionBusAddress(environment))
+{
+}
+
+void DesktopShell::startProgram(const Text& path)
+{
+    std::vector<Text> command = words(path);
+    if (command.empty() || (command[0] = programAt(searchPath_, command[0])).empty())
+        throw failure(53);
+    if (const int error = startDetached(command, stackLimit_); error != 0)
+        throw fileFailure(error);
+}
+
+void DesktopShell::notify(const Text& title, const Text& message) { notifications_.post(title, message); }
+
+Text sessionBusAddress(const Environment& environment)
+{
+    if (environment.busAddress.find("autolaunch:") != Text::npos)
+        return {};
+    if (!environment.busAddress.empty())
+        return environment.busAddress;
+    const Text usual = joined(environment.runtimeFolder, "bus");
+    return environment.runtimeFolder.starts_with(pathSeparator) && exists(usual) ? "unix:path=" + usual
+                                                                                 : Text();
+}

@@ -1,0 +1,31 @@
+// The desktop around the program: other programs, and notifications over the session bus.
+#pragma once
+
+#include "platform/shell.h"
+#include "platform/system/notifications.h"
+#include "platform/system/places.h"
+
+#include <sys/resource.h>
+
+#include <optional>
+
+class DesktopShell final : public Shell
+{
+public:
+    // `stackLimit` is the soft limit of the stack that started programs get.
+    explicit DesktopShell(const Environment& environment, std::optional<rlim_t> stackLimit = std::nullopt);
+
+    // A path that is a file is started as it is; otherwise its words are a program, by path or looked for in
+    // the search path, and arguments.
+    void startProgram(const Text& path) override;
+
+    void notify(const Text& title, const Text& message) override;
+
+private:
+    Text searchPath_;
+    std::optional<rlim_t> stackLimit_;
+    Notifications notifications_;
+};
+
+// The session bus that runs; "" when there is none. Never one that a library would start on its own account.
+Text sessionBusAddress(const Environment& environment);

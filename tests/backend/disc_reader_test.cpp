@@ -1,0 +1,620 @@
+#include "tests/support/child.h"
+#include "tests/support/disc_desk.h"
+#include "tests/support/scripted_reader.h"
+#include "tests/support/small_disk.h"
+
+#include <doctest/doctest.h>
+
+#include <sys/stat.h>
+#include <thread>
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+// A desk with one real drive and its reader.
+struct Reading {
+    DiscDesk desk;
+    std::shared_ptr<ScriptedReader> drive = std::make_shared<ScriptedReader>("/dev/sr0");
+    std::unique_ptr<ACD> reader;
+    std::unique_ptr<Heard<ACD>> heard;
+    Text wav = desk.output + "/Track1.wav";
+
+    Reading()
+    {
+        desk.readers = {drive};
+        makeReader();
+    }
+    ~Reading() { drive->letGo(); }
+
+    void makeReader()
+    {
+        reader = desk.reader();
+        heard = std::make_unique<Heard<ACD>>(desk.window, *reader);
+    }
+
+    bool waitUntilHolding()
+    {
+        const auto end = Clock::now() + std::chrono::seconds(60);
+        while (!drive->isHolding && Clock::now() < end)
+            std::this_thread::yield();
+        return drive->isHolding;
+    }
+
+    // What holds whenever nothing is being read.
+    void checkIdle()
+    {
+        desk.window.runPosted();
+        CHECK(desk.sleepLock.held == 0);
+        CHECK(desk.parts.open().empty());
+        for (const Text& name : namesInFolder(desk.output))
+            CHECK_FALSE(name.ends_with(".part"));
+    }
+};
+
+// An image of two tracks in the folder for discs.
+struct ImageReading : Reading {
+    Text sound = noise(2000 * bytesOfSector);
+
+    ImageReading()
+    {
+        desk.readers.clear();
+        putFile(desk.discs + "/A.bin", sound);
+        putFile(desk.discs + "/A.cue", sheetOf("A.bin", {"00:00:00", "00:20:00"}));
+        makeReader();
+        reader->DriveCount();
+    }
+};
+
+}
+
+TEST_CASE("Real drives come first, then images, and each has its number")
+{
+    Reading r;
+    r.desk.readers.push_back(std::make_shared<ScriptedReader>("/dev/sr1"));
+    putFile(r.desk.discs + "/Mine.cue", "");
+    CHECK(r.reader->Init() == 0);
+    CHECK(r.reader->DriveCount() == 3);
+    CHECK(r.reader->DriveName(1) == "Maker Model (/dev/sr0)");
+    CHECK(r.reader->DriveName(2) == "Maker Model (/dev/sr1)");
+    CHECK(r.reader->DriveName(3) == "Disc image: Mine");
+}
+
+TEST_CASE("There is always a drive, and an empty one answers everything")
+{
+    Reading r;
+    r.desk.readers.clear();
+    CHECK(r.reader->Init() == 0);
+    CHECK(r.reader->DriveCount() == 1);
+    CHECK(r.reader->DriveName(1) == "Disc image: none");
+    r.reader->SelectDrive(1);
+    CHECK(r.reader->TrackCount() == 0);
+    CHECK(r.reader->TrackLength(1) == 0);
+    CHECK(r.reader->ReadTrack(1, r.wav) != 0);
+    CHECK(r.heard->end());
+    r.checkIdle();
+}
+
+TEST_CASE("Only counting the drives looks for them")
+{
+    Reading r;
+    CHECK(r.reader->DriveCount() == 1);
+    r.desk.readers.push_back(std::make_shared<ScriptedReader>("/dev/sr1"));
+    CHECK(r.reader->Init() == 0);
+    r.reader->SelectDrive(2);
+    CHECK(r.reader->DriveName(2) == "");
+    CHECK(r.reader->DriveCount() == 2);
+    CHECK(r.reader->DriveName(2) == "Maker Model (/dev/sr1)");
+}
+
+TEST_CASE("Numbers out of range give nothing, fail never, and keep the drive")
+{
+    Reading r;
+    auto second = std::make_shared<ScriptedReader>("/dev/sr1");
+    second->disc = {{{true, 0, 750}}, 750};
+    r.desk.readers.push_back(second);
+    r.reader->DriveCount();
+    r.reader->SelectDrive(2);
+    for (const std::int16_t number : {-32768, -1, 0, 3, 100, 32767}) {
+        CAPTURE(number);
+        r.reader->SelectDrive(number);
+        CHECK(r.reader->DriveName(number) == "");
+        CHECK(r.reader->TrackCount() == 1);
+        CHECK(r.reader->TrackLength(number) == 0);
+    }
+    CHECK(r.reader->TrackLength(1) == 10000);
+}
+
+TEST_CASE("The drive that was selected stays selected when others come and go")
+{
+    Reading r;
+    auto second = std::make_shared<ScriptedReader>("/dev/sr1");
+    second->disc = {{{true, 0, 750}}, 750};
+    r.desk.readers = {r.drive, second};
+    r.reader->DriveCount();
+    r.reader->SelectDrive(2);
+    r.desk.readers = {second};
+    r.reader->DriveCount();
+    CHECK(r.reader->TrackLength(1) == 10000);
+    r.desk.readers = {r.drive};
+    r.reader->DriveCount();
+    CHECK(r.reader->TrackLength(1) == 4000);
+}
+
+TEST_CASE("Lengths are whole milliseconds, and none for data")
+{
+    Reading r;
+    r.drive->disc = {{{true, 0, 300}, {false, 300, 300}, {true, 600, 1}, {true, 601, 0}}, 601};
+    CHECK(r.reader->TrackCount() == 4);
+    CHECK(r.reader->TrackLength(1) == 4000);
+    CHECK(r.reader->TrackLength(2) == 0);
+    CHECK(r.reader->TrackLength(3) == 13);
+    CHECK(r.reader->TrackLength(4) == 0);
+}
+
+TEST_CASE("A track of a drive is copied to a WAV file bit for bit")
+{
+    Reading r;
+    REQUIRE(r.reader->ReadTrack(2, r.wav) == 0);
+    CHECK(r.heard->end());
+    CHECK(soundOfWav(r.wav) == r.drive->sound(2));
+    CHECK(r.heard->done == 1);
+    CHECK(r.heard->rises());
+    CHECK(r.heard->progress.back() == 1000);
+    CHECK(r.heard->progress.size() == 40);
+    CHECK(r.desk.shell.told().empty());
+    CHECK(r.desk.sleepLock.begun == 1);
+    r.checkIdle();
+}
+
+TEST_CASE("A track of an image is copied to a WAV file bit for bit")
+{
+    ImageReading r;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    CHECK(r.heard->end());
+    CHECK(soundOfWav(r.wav) == r.sound.substr(0, 1500 * bytesOfSector));
+    CHECK(r.heard->rises());
+    CHECK(r.heard->progress.back() == 1000);
+    r.checkIdle();
+}
+
+TEST_CASE("One track after the other is read, each with its own end")
+{
+    ImageReading r;
+    for (std::int16_t track = 1; track <= 2; ++track) {
+        REQUIRE(r.reader->ReadTrack(track, r.wav) == 0);
+        CHECK(r.desk.window.runUntil([&] { return r.heard->done == track; }));
+    }
+    CHECK(soundOfWav(r.wav) == r.sound.substr(1500 * bytesOfSector));
+    r.checkIdle();
+}
+
+TEST_CASE("A file of that name is replaced only when the track is whole, and keeps its rights")
+{
+    Reading r;
+    putFile(r.wav, "an old track");
+    chmod(r.wav.c_str(), 0640);
+    r.drive->holdsBehind = 100;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    REQUIRE(r.waitUntilHolding());
+    CHECK(fileBytes(r.wav) == "an old track");
+    CHECK(r.desk.parts.open().size() == 1);
+    r.drive->letGo();
+    CHECK(r.heard->end());
+    CHECK(soundOfWav(r.wav) == r.drive->sound(1));
+    struct stat status;
+    CHECK(stat(r.wav.c_str(), &status) == 0);
+    CHECK((status.st_mode & 07777) == 0640);
+    r.checkIdle();
+}
+
+TEST_CASE("A link stays a link, and what it leads to is written")
+{
+    Reading r;
+    const Text target = r.desk.output + "/real.wav";
+    std::filesystem::create_symlink("real.wav", r.wav);
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    CHECK(r.heard->end());
+    CHECK(std::filesystem::is_symlink(r.wav));
+    CHECK(soundOfWav(target) == r.drive->sound(1));
+}
+
+TEST_CASE("What cannot be started says so, ends once, and leaves no file")
+{
+    const struct {
+        const char* what;
+        std::int16_t track;
+        const char* file;
+    } cases[] = {
+        {"track 0", 0, "/a.wav"},
+        {"a track behind the last", 4, "/a.wav"},
+        {"a negative track", -1, "/a.wav"},
+        {"a data track", 3, "/a.wav"},
+        {"a missing folder", 1, "/none/a.wav"},
+        {"a folder for a file", 1, "/folder"},
+        {"a name that ends in a separator", 1, "/a.wav/"},
+        {"below a file", 1, "/file/a.wav"},
+        {"a pipe", 1, "/pipe"},
+        {"a name too long for any disk", 1,
+         "/nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn"
+         "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn"
+         "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn"
+         "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn"},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        Reading r;
+        r.drive->disc.tracks.push_back({false, 700, 300});
+        std::filesystem::create_directory(r.desk.output + "/folder");
+        putFile(r.desk.output + "/file", "");
+        mkfifo((r.desk.output + "/pipe").c_str(), 0666);
+        const auto before = namesInFolder(r.desk.output);
+        CHECK(r.reader->ReadTrack(c.track, r.desk.output + c.file) != 0);
+        CHECK(r.heard->done == 0);
+        CHECK(r.heard->end());
+        r.desk.window.runPosted();
+        CHECK(r.heard->done == 1);
+        CHECK(r.drive->reads == 0);
+        CHECK(r.desk.shell.told().size() == 1);
+        CHECK(namesInFolder(r.desk.output) == before);
+        r.checkIdle();
+    }
+}
+
+TEST_CASE("A NUL in a path is refused")
+{
+    Reading r;
+    CHECK(r.reader->ReadTrack(1, r.wav + Text("\0x", 2)) != 0);
+    CHECK(r.heard->end());
+    CHECK(namesInFolder(r.desk.output).empty());
+}
+
+TEST_CASE("A folder and a file that may not be written are refused at once")
+{
+    Reading r;
+    const Text shut = r.desk.folder / "shut";
+    std::filesystem::create_directory(shut);
+    putFile(shut + "/locked.wav", "old");
+    chmod(r.desk.folder.path().c_str(), 0755);
+    chmod(shut.c_str(), 0555);
+    chmod(r.desk.output.c_str(), 0777);
+    putFile(r.desk.output + "/locked.wav", "old");
+    chmod((r.desk.output + "/locked.wav").c_str(), 0444);
+    Child child([&] {
+        becomeNobody();
+        endUnless(r.reader->ReadTrack(1, shut + "/new.wav") != 0, 1);
+        endUnless(r.reader->ReadTrack(1, shut + "/locked.wav") != 0, 2);
+        endUnless(r.reader->ReadTrack(1, r.desk.output + "/locked.wav") != 0, 3);
+        endUnless(r.desk.window.runUntil([&] { return r.heard->done == 3; }), 4);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(fileBytes(r.desk.output + "/locked.wav") == "old");
+}
+
+TEST_CASE("A second read is refused without an end of its own")
+{
+    Reading r;
+    r.drive->holdsBehind = 100;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    CHECK(r.reader->ReadTrack(2, r.desk.output + "/Track2.wav") != 0);
+    CHECK(r.reader->ReadTrack(9, "/none/at/all") != 0);
+    r.drive->letGo();
+    CHECK(r.heard->end());
+    r.desk.window.runPosted();
+    CHECK(r.heard->done == 1);
+    CHECK(soundOfWav(r.wav) == r.drive->sound(1));
+    CHECK(namesInFolder(r.desk.output).size() == 1);
+    CHECK(r.desk.shell.told().empty());
+}
+
+TEST_CASE("A new read can begin in the end of the last")
+{
+    Reading r;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    int ends = 0;
+    r.reader->Done.calls([&] {
+        if (++ends == 1)
+            CHECK(r.reader->ReadTrack(2, r.desk.output + "/Track2.wav") == 0);
+    });
+    CHECK(r.desk.window.runUntil([&] { return ends == 2; }));
+    CHECK(soundOfWav(r.desk.output + "/Track2.wav") == r.drive->sound(2));
+}
+
+TEST_CASE("A read that fails leaves no file, keeps the old one, tells the desktop and ends")
+{
+    Reading r;
+    r.drive->failure = "The laser is off.";
+    for (const bool isThere : {false, true}) {
+        CAPTURE(isThere);
+        if (isThere)
+            putFile(r.wav, "an old track");
+        r.heard->done = 0;
+        REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+        CHECK(r.heard->end());
+        CHECK(fileBytes(r.wav) == (isThere ? "an old track" : ""));
+        CHECK(namesInFolder(r.desk.output).size() == (isThere ? 1 : 0));
+        CHECK(r.desk.shell.told().back() == "A track could not be read | " + r.wav + ": The laser is off.");
+        r.checkIdle();
+    }
+}
+
+TEST_CASE("An image that is cut short, missing or gone fails while it is read")
+{
+    const struct {
+        const char* what;
+        void (*harm)(const Text& image);
+    } cases[] = {
+        {"cut short", [](const Text& image) { std::filesystem::resize_file(image, 100 * bytesOfSector); }},
+        {"missing", [](const Text& image) { std::filesystem::remove(image); }},
+        {"a folder",
+         [](const Text& image) {
+             std::filesystem::remove(image);
+             std::filesystem::create_directory(image);
+         }},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        ImageReading r;
+        c.harm(r.desk.discs + "/A.bin");
+        CHECK(r.reader->TrackCount() == 2);
+        REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+        CHECK(r.heard->end());
+        CHECK(namesInFolder(r.desk.output).empty());
+        CHECK(r.desk.shell.told().size() == 1);
+        CHECK(r.reader->ReadTrack(2, r.wav) != 0);
+        r.checkIdle();
+    }
+}
+
+TEST_CASE("An image that vanishes after it was listed fails, and its drive is empty")
+{
+    ImageReading r;
+    CHECK(r.reader->TrackCount() == 2);
+    std::filesystem::remove(r.desk.discs + "/A.cue");
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    CHECK(r.heard->end());
+    CHECK(r.desk.shell.told().size() == 1);
+    CHECK(r.reader->TrackCount() == 0);
+    CHECK(r.reader->DriveCount() == 1);
+    CHECK(r.reader->DriveName(1) == "Disc image: none");
+}
+
+TEST_CASE("A track is never copied over its own image")
+{
+    ImageReading r;
+    r.reader->TrackCount();
+    for (const char* file : {"/A.bin", "/A.cue"}) {
+        CAPTURE(file);
+        const Text before = fileBytes(r.desk.discs + file);
+        r.heard->done = 0;
+        r.reader->ReadTrack(1, r.desk.discs + file);
+        CHECK(r.heard->end());
+        CHECK(fileBytes(r.desk.discs + file) == before);
+    }
+    CHECK(r.desk.shell.told().size() == 2);
+    CHECK(namesInFolder(r.desk.discs).size() == 2);
+}
+
+TEST_CASE("Sectors that could not be read are told, and the file stays")
+{
+    Reading r;
+    r.drive->unreadable = 3;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    CHECK(r.heard->end());
+    CHECK(soundOfWav(r.wav) == r.drive->sound(1));
+    REQUIRE(r.desk.shell.told().size() == 1);
+    CHECK(r.desk.shell.told()[0].find("3 sectors") != Text::npos);
+}
+
+TEST_CASE("Stop answers at once and keeps what was read, however long the drive holds on")
+{
+    Reading r;
+    r.drive->holdsBehind = 100;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    REQUIRE(r.waitUntilHolding());
+    const auto begun = Clock::now();
+    r.reader->Stop();
+    CHECK(r.heard->end());
+    CHECK(Clock::now() - begun < std::chrono::milliseconds(100));
+    CHECK(soundOfWav(r.wav) == r.drive->sound(1).substr(0, 100 * bytesOfSector));
+    CHECK(r.drive->isHolding);
+    CHECK(r.desk.sleepLock.held == 0);
+    r.drive->letGo();
+    r.checkIdle();
+    CHECK(r.heard->done == 1);
+    CHECK(r.desk.shell.told().empty());
+}
+
+TEST_CASE("Stop before the first sample keeps an empty track")
+{
+    Reading r;
+    r.drive->holdsBehind = 0;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    REQUIRE(r.waitUntilHolding());
+    r.reader->Stop();
+    r.reader->Stop();
+    CHECK(r.heard->end());
+    CHECK(fileBytes(r.wav) == wavFile(""));
+    r.desk.window.runPosted();
+    CHECK(r.heard->done == 1);
+}
+
+TEST_CASE("Stop in the middle of an image keeps its beginning")
+{
+    ImageReading r;
+    Text begin;
+    r.reader->Progress.calls([&](std::int32_t) { r.reader->Stop(); });
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    CHECK(r.heard->end());
+    const Text kept = soundOfWav(r.wav);
+    CHECK(kept.size() > 0);
+    CHECK(kept == r.sound.substr(0, kept.size()));
+    r.checkIdle();
+}
+
+TEST_CASE("Stop when nothing is read does nothing")
+{
+    Reading r;
+    r.reader->Stop();
+    r.reader->DriveCount();
+    r.reader->Stop();
+    r.desk.window.runPosted();
+    CHECK(r.heard->done == 0);
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    CHECK(r.heard->end());
+    r.reader->Stop();
+    r.desk.window.runPosted();
+    CHECK(r.heard->done == 1);
+    CHECK(soundOfWav(r.wav) == r.drive->sound(1));
+}
+
+TEST_CASE("The next read waits for a drive that a stopped one still holds")
+{
+    Reading r;
+    r.drive->holdsBehind = 100;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    REQUIRE(r.waitUntilHolding());
+    r.reader->Stop();
+    CHECK(r.heard->end());
+    CHECK(r.reader->TrackCount() == 2);
+    REQUIRE(r.reader->ReadTrack(2, r.desk.output + "/Track2.wav") == 0);
+    r.desk.window.runPosted();
+    CHECK(r.drive->reads == 1);
+    r.drive->letGo();
+    CHECK(r.desk.window.runUntil([&] { return r.heard->done == 2; }));
+    CHECK(soundOfWav(r.desk.output + "/Track2.wav") == r.drive->sound(2));
+    r.checkIdle();
+}
+
+TEST_CASE("A read that waits for its drive can be stopped")
+{
+    Reading r;
+    r.drive->holdsBehind = 0;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    REQUIRE(r.waitUntilHolding());
+    r.reader->Stop();
+    CHECK(r.heard->end());
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    r.reader->Stop();
+    CHECK(r.desk.window.runUntil([&] { return r.heard->done == 2; }));
+    CHECK(r.drive->reads == 1);
+    r.drive->letGo();
+}
+
+TEST_CASE("While a drive is read, it answers from what was seen, and is not disturbed")
+{
+    Reading r;
+    r.reader->DriveCount();
+    CHECK(r.reader->TrackCount() == 2);
+    const int asked = r.drive->asked;
+    r.drive->holdsBehind = 100;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    REQUIRE(r.waitUntilHolding());
+    CHECK(r.reader->Init() == 0);
+    CHECK(r.reader->DriveCount() == 1);
+    r.reader->SelectDrive(1);
+    CHECK(r.reader->TrackCount() == 2);
+    CHECK(r.reader->TrackLength(2) == 5333);
+    CHECK(r.drive->asked == asked);
+    r.drive->letGo();
+    CHECK(r.heard->end());
+    CHECK(soundOfWav(r.wav) == r.drive->sound(1));
+    CHECK(r.reader->TrackCount() == 2);
+    CHECK(r.drive->asked == asked + 1);
+}
+
+TEST_CASE("Another drive may be selected and listed while one is read")
+{
+    Reading r;
+    auto second = std::make_shared<ScriptedReader>("/dev/sr1");
+    second->disc = {{{true, 0, 750}}, 750};
+    r.desk.readers.push_back(second);
+    r.reader->DriveCount();
+    r.drive->holdsBehind = 100;
+    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+    REQUIRE(r.waitUntilHolding());
+    r.reader->SelectDrive(2);
+    CHECK(r.reader->TrackCount() == 1);
+    CHECK(r.reader->TrackLength(1) == 10000);
+    r.drive->letGo();
+    CHECK(r.heard->end());
+    CHECK(soundOfWav(r.wav) == r.drive->sound(1));
+}
+
+TEST_CASE("A drive that is written is not read")
+{
+    Reading r;
+    r.reader->DriveCount();
+    CHECK(r.reader->TrackCount() == 2);
+    {
+        const auto claim = r.desk.devices->claim("/dev/sr0", BusyDevices::Use::writing);
+        REQUIRE(claim.has_value());
+        CHECK(r.reader->ReadTrack(1, r.wav) != 0);
+        CHECK(r.heard->end());
+        CHECK(r.reader->TrackCount() == 2);
+        CHECK(r.drive->reads == 0);
+        CHECK(namesInFolder(r.desk.output).empty());
+    }
+    CHECK(r.reader->ReadTrack(1, r.wav) == 0);
+    CHECK(r.desk.window.runUntil([&] { return r.heard->done == 2; }));
+}
+
+TEST_CASE("A reader that goes while it reads leaves no file and tells nobody")
+{
+    for (const bool isHeld : {false, true}) {
+        CAPTURE(isHeld);
+        Reading r;
+        putFile(r.wav, "an old track");
+        r.drive->holdsBehind = 100;
+        REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+        if (isHeld)
+            REQUIRE(r.waitUntilHolding());
+        r.reader.reset();
+        CHECK(fileBytes(r.wav) == "an old track");
+        r.checkIdle();
+        r.drive->letGo();
+        r.desk.window.runPosted();
+        CHECK(r.heard->done == 0);
+        CHECK(r.desk.shell.told().empty());
+    }
+}
+
+TEST_CASE("A reader that goes when its end is already told tells it no more")
+{
+    Reading r;
+    CHECK(r.reader->ReadTrack(9, r.wav) != 0);
+    r.reader.reset();
+    r.desk.window.runPosted();
+    CHECK(r.heard->done == 0);
+}
+
+TEST_CASE("A full disk fails, leaves no file and keeps the old one")
+{
+    ImageReading r;
+    const Text disk = r.desk.folder / "disk";
+    const SmallDisk mounted(disk, 1024);
+    if (!mounted)
+        return;
+    putFile(disk + "/Track1.wav", "an old track");
+    for (const char* name : {"/Track1.wav", "/new.wav"}) {
+        CAPTURE(name);
+        r.heard->done = 0;
+        REQUIRE(r.reader->ReadTrack(1, disk + name) == 0);
+        CHECK(r.heard->end());
+    }
+    CHECK(fileBytes(disk + "/Track1.wav") == "an old track");
+    CHECK(namesInFolder(disk).size() == 1);
+    REQUIRE(r.desk.shell.told().size() == 2);
+    CHECK(r.desk.shell.told()[0].find("Disk full") != Text::npos);
+    r.checkIdle();
+}
+
+TEST_CASE("Bytes that are no text name a file like any other")
+{
+    Reading r;
+    const Text odd = r.desk.output + "/\xFF\xC3 \xE4.wav";
+    REQUIRE(r.reader->ReadTrack(1, odd) == 0);
+    CHECK(r.heard->end());
+    CHECK(soundOfWav(odd) == r.drive->sound(1));
+}

@@ -1,0 +1,281 @@
+"""A private desk for the real program: display, window manager, sound server and home of its own.
+
+Everything is started by this process and ended by its process id. Nothing here waits for a time: it waits for a condition,
+with a generous limit.
+"""
+import array
+import os
+import pathlib
+import shutil
+import signal
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import time
+
+LIMIT = float(os.environ.get("VELMORA_TEST_LIMIT", "60"))
+TWIPS = 15  # to the pixel
+
+
+class Impatient(AssertionError):
+    """A condition did not come true within the limit."""
+
+
+def wait_for(condition, what, limit=LIMIT, pause=0.02):
+    """The first true answer of `condition`."""
+    end = time.monotonic() + limit
+    while True:
+        answer = condition()
+        if answer:
+            return answer
+        if time.monotonic() > end:
+            raise Impatient(f"{what}: not within {limit:g} s")
+        time.sleep(pause)
+
+
+def run(*command, **options):
+    """What the command prints. Fails when it does."""
+    return subprocess.run(command, check=True, capture_output=True, text=True, **options).stdout
+
+
+class Desk:
+    """Use as a context: everything it started has ended when the context does."""
+
+    def __init__(self, size="1280x900", sound=True, manager=True, scale=1):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="velmora-desk-"))
+        self.home = self.folder / "home"
+        self.music = self.home / "Music"
+        self.runtime = self.folder / "run"
+        self.music.mkdir(parents=True)
+        self.runtime.mkdir(mode=0o700)
+        self.processes = []
+        self.environment = {key: value for key, value in os.environ.items()
+                            if not key.startswith(("XDG_", "QT_", "PULSE_", "DBUS_", "WAYLAND"))}
+        self.environment.update(
+            HOME=str(self.home), XDG_RUNTIME_DIR=str(self.runtime), LC_ALL="C.UTF-8",
+            PULSE_RUNTIME_PATH=str(self.runtime / "pulse"), PULSE_STATE_PATH=str(self.runtime / "pulse-state"),
+            PULSE_SERVER=f"unix:{self.runtime}/native", DBUS_SESSION_BUS_ADDRESS="disabled:")
+        if scale != 1:
+            self.environment["QT_SCALE_FACTOR"] = str(scale)
+        self.sound = None
+        try:
+            self._start_display(size)
+            if manager:
+                self._start_manager()
+            if sound:
+                self.start_sound()
+        except BaseException:
+            self.close()
+            raise
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def spawn(self, *command, **options):
+        options.setdefault("stdout", subprocess.DEVNULL)
+        options.setdefault("stderr", subprocess.DEVNULL)
+        process = subprocess.Popen(command, env=self.environment, start_new_session=True, **options)
+        self.processes.append(process)
+        return process
+
+    def end(self, process, how=signal.SIGTERM):
+        if process.poll() is None:
+            process.send_signal(signal.SIGCONT)
+            process.send_signal(how)
+            try:
+                process.wait(10)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
+
+    def close(self):
+        for process in reversed(self.processes):
+            self.end(process)
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def run(self, *command):
+        return run(*command, env=self.environment)
+
+    def _start_display(self, size):
+        read, write = os.pipe()
+        self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{size}x24", "-nolisten", "tcp", pass_fds=[write])
+        os.close(write)
+        with os.fdopen(read) as answer:
+            number = answer.readline().strip()
+        if not number:
+            raise AssertionError("Xvfb did not start")
+        self.environment["DISPLAY"] = f":{number}"
+
+    def _start_manager(self):
+        self.spawn("openbox", "--sm-disable")
+        wait_for(lambda: "window id" in subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"],
+                                                       env=self.environment, capture_output=True, text=True).stdout,
+                 "the window manager answers")
+
+    def start_sound(self):
+        socket = f"{self.runtime}/native"
+        pathlib.Path(socket).unlink(missing_ok=True)
+        self.sound = self.spawn(
+            "pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--disallow-exit=yes",
+            "--realtime=no", "--high-priority=no", "-L",
+            "module-null-sink sink_name=testsink format=s16le rate=44100 channels=2 norewinds=1", "-L",
+            f"module-native-protocol-unix socket={socket} auth-anonymous=1")
+        wait_for(lambda: subprocess.run(["pactl", "info"], env=self.environment, capture_output=True).returncode == 0,
+                 "the sound server answers")
+
+    def screenshot(self, path, window="root"):
+        self.run("import", "-window", str(window), str(path))
+
+    def record(self):
+        return Recording(self)
+
+
+class Recording:
+    """Everything that sounds from its start on: interleaved signed 16-bit stereo at 44100 Hz."""
+
+    def __init__(self, desk):
+        self.desk = desk
+        self.path = desk.folder / f"recording-{len(desk.processes)}.raw"
+        self.file = open(self.path, "wb")
+        self.process = desk.spawn("parec", "-d", "testsink.monitor", "--raw", "--format=s16le", "--rate=44100",
+                                  "--channels=2", "--latency-msec=10", stdout=self.file)
+        wait_for(lambda: self.path.stat().st_size > 0, "the recorder runs")
+
+    def frames(self):
+        data = self.path.read_bytes()
+        samples = array.array("h", data[:len(data) // 4 * 4])
+        if sys.byteorder == "big":
+            samples.byteswap()
+        return samples
+
+    def length(self):
+        """Frames so far."""
+        return self.path.stat().st_size // 4
+
+    def stop(self):
+        self.desk.end(self.process, signal.SIGINT)
+        self.file.close()
+        return self.frames()
+
+
+class Velmora:
+    """The running program. Its folder is a portable copy of the build's, so it is the application folder, too."""
+
+    def __init__(self, desk, build, folder=None):
+        self.desk = desk
+        self.folder = pathlib.Path(folder or desk.folder / "app")
+        if not self.folder.exists():
+            self.folder.mkdir()
+            for name in ("velmora", "conf.mp3", "updates.txt"):
+                shutil.copy2(pathlib.Path(build) / name, self.folder / name)
+        self.process = None
+
+    def start(self, wait=True):
+        self.output = open(self.desk.folder / "output.txt", "ab")
+        self.process = self.desk.spawn(str(self.folder / "velmora"), stdout=self.output, stderr=self.output)
+        if wait:
+            self.window("Velmora v2.0")
+        return self
+
+    def said(self):
+        return (self.desk.folder / "output.txt").read_text(errors="replace")
+
+    def kill(self):
+        self.process.kill()
+        self.process.wait()
+
+    def alive(self):
+        return self.process.poll() is None
+
+    # Settings, as they stand on the disk.
+
+    def store_path(self):
+        return self.desk.home / ".config/Velmora/settings.sqlite"
+
+    def setting(self, section, key):
+        if not self.store_path().exists():
+            return ""
+        with sqlite3.connect(f"file:{self.store_path()}?mode=ro", uri=True, timeout=5) as store:
+            table = store.execute("select name from sqlite_master where type = 'table'").fetchone()
+            if not table:
+                return ""
+            row = store.execute(f"select value from {table[0]} where section = ? and key = ?", (section, key)).fetchone()
+        return row[0] if row and isinstance(row[0], str) else (row[0].decode() if row else "")
+
+    # Windows
+
+    def windows(self, title):
+        """The visible windows of that title."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"],
+                               env=self.desk.environment, capture_output=True, text=True)
+        return found.stdout.split()
+
+    def window(self, title, limit=LIMIT):
+        return wait_for(lambda: self.windows(title), f"the window {title!r} shows", limit)[-1]
+
+    def gone(self, title):
+        wait_for(lambda: not self.windows(title), f"the window {title!r} goes")
+
+    def geometry(self, window):
+        """Left, top, width, height in pixels of the screen."""
+        lines = self.desk.run("xdotool", "getwindowgeometry", "--shell", str(window))
+        values = dict(line.split("=") for line in lines.split())
+        return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    # Mouse and keys. Places are in twips of a window.
+
+    def point(self, window, left, top):
+        self.desk.run("xdotool", "mousemove", "--sync", "--window", str(window), str(round(left / TWIPS)),
+                      str(round(top / TWIPS)))
+
+    def click(self, window, place, button=1, times=1):
+        """Into the middle of a control's place: left, top, width, height."""
+        left, top, width, height = place
+        self.point(window, left + width / 2, top + height / 2)
+        self.desk.run("xdotool", "click", "--repeat", str(times), "--delay", "60", str(button))
+
+    def drag(self, window, start, end, steps=10, pause=0.01):
+        """From one point to another, both in twips of the window, by way of many."""
+        self.point(window, *start)
+        self.desk.run("xdotool", "mousedown", "1")
+        for step in range(1, steps + 1):
+            self.point(window, *(a + (b - a) * step / steps for a, b in zip(start, end)))
+            time.sleep(pause)
+        self.desk.run("xdotool", "mouseup", "1")
+
+    def key(self, *keys):
+        self.desk.run("xdotool", "key", "--delay", "30", *keys)
+
+    def type(self, text):
+        self.desk.run("xdotool", "type", "--delay", "4", text)
+
+    # The dialogs
+
+    def choose_file(self, title, path, filter_row=None):
+        """Types a path into the file dialog of that title. `filter_row` counts the filters from 0."""
+        dialog = self.window(title)
+        self.desk.run("xdotool", "windowfocus", "--sync", dialog)
+        _, _, width, height = self.geometry(dialog)
+        if filter_row is not None:
+            self._click_pixels(dialog, width // 2, height - 23)
+            time.sleep(0.2)
+            self.key("Home", *["Down"] * filter_row, "Return")
+            time.sleep(0.1)
+        self._click_pixels(dialog, width // 2, height - 53)
+        self.key("ctrl+a")
+        self.type(str(path))
+        self.key("Return")
+        self.gone(title)
+
+    def _click_pixels(self, window, x, y):
+        self.desk.run("xdotool", "mousemove", "--sync", "--window", str(window), str(x), str(y), "click", "1")
+
+    def menu(self, window, *keys):
+        """Opens the window's menu by its image and walks it by keys."""
+        self.click(window, (0, 0, 240, 225))
+        time.sleep(0.3)
+        self.key(*keys)
