@@ -167,8 +167,10 @@ private:
 
     void requireWholeTracks() const
     {
-        if (std::ranges::any_of(sources_, [](const auto& source) { return source->wasCutShort(); }))
-            throw Failure{57, "A file could not be read to its end: the disc is silent in its place."};
+        for (const auto& source : sources_)
+            if (source->wasCutShort())
+                throw Failure{62,
+                              source->path() + " could not be read to its end: the disc is silent there."};
     }
 
     std::unique_ptr<BurnRecorder> recorder_; // the first member: the job's parts go before it is let go

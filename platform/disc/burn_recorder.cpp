@@ -4,7 +4,6 @@
 
 #include <libburn/libburn.h>
 
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstdlib>
@@ -36,13 +35,7 @@ bool isStarted()
     return started;
 }
 
-// Of rising gravity.
-int gravity(std::string_view severity)
-{
-    constexpr std::string_view names[] = {"SORRY", "FAILURE", "FATAL", "ABORT"};
-    const auto* const found = std::ranges::find(names, severity);
-    return static_cast<int>(found - std::begin(names));
-}
+bool isFatal(std::string_view severity) { return severity == "FATAL" || severity == "ABORT"; }
 
 bool isCd(burn_drive* drive)
 {
@@ -119,18 +112,20 @@ int BurnRecorder::tracksOnDisc() const
 
 void BurnRecorder::ejectAtTheEnd() { parts_->ejects = true; }
 
+// What the library says after the first is what follows from it, but for what it ends with.
 Text BurnRecorder::complaint(const Text& otherwise)
 {
     char least[] = "SORRY";
     std::array<char, BURN_MSGS_MESSAGE_LEN> message{};
     std::array<char, 80> severity{};
-    int code = 0, systemError = 0, gravest = -1;
-    Text words = otherwise;
+    int code = 0, systemError = 0;
+    Text first, firstFatal;
     while (burn_msgs_obtain(least, &code, message.data(), &systemError, severity.data()) == 1) {
-        if (gravity(severity.data()) <= gravest)
-            continue;
-        gravest = gravity(severity.data());
-        words = message.data();
+        Text& words = isFatal(severity.data()) ? firstFatal : first;
+        words = words.empty() ? message.data() : words;
     }
-    return words;
+    for (const Text& words : {firstFatal, first})
+        if (!words.empty())
+            return words;
+    return otherwise;
 }

@@ -32,8 +32,7 @@ public:
     // Opens the tray when the recorder is let go.
     void ejectAtTheEnd();
 
-    // The gravest of the library's messages since it was last asked, in its own words; `otherwise` without
-    // one.
+    // What the library complained of since it was last asked, in its own words; `otherwise` without that.
     static Text complaint(const Text& otherwise);
 
 private:

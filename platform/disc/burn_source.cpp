@@ -10,8 +10,6 @@
 namespace
 {
 
-constexpr std::int64_t frameBytes = sectorBytes / sectorFrames;
-
 using Held = std::shared_ptr<BurnSource>;
 
 Held& held(burn::burn_source* source) { return *static_cast<Held*>(source->data); }
@@ -32,11 +30,12 @@ void letGo(burn::burn_source* source) { delete &held(source); }
 
 void BurnSource::read(std::span<std::byte> samples)
 {
-    const auto wanted = std::min<std::int64_t>(left_, static_cast<std::int64_t>(samples.size()) / frameBytes);
-    const auto got = sound_.read(samples.first(static_cast<std::size_t>(wanted * frameBytes)));
+    const auto wanted =
+        std::min<std::int64_t>(left_, static_cast<std::int64_t>(samples.size()) / CdSound::frameBytes);
+    const auto got = sound_.read(samples.first(static_cast<std::size_t>(wanted * CdSound::frameBytes)));
     std::ranges::fill(samples.subspan(got), std::byte{0});
     left_ -= wanted;
-    wasCutShort_ = wasCutShort_ || got < static_cast<std::size_t>(wanted * frameBytes);
+    wasCutShort_ = wasCutShort_ || got < static_cast<std::size_t>(wanted * CdSound::frameBytes);
 }
 
 // The library frees the object by itself.

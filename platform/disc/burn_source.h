@@ -17,6 +17,7 @@ class BurnSource
 public:
     explicit BurnSource(CdSound sound) : sound_(std::move(sound)), left_(sound_.frames()) {}
 
+    const Text& path() const { return sound_.path(); }
     std::int64_t sectors() const { return sound_.sectors(); }
 
     // True when the file ended before its time.

@@ -18,7 +18,7 @@ namespace
 constexpr auto readyLimit = std::chrono::seconds(10);
 constexpr auto readyPause = std::chrono::milliseconds(20);
 
-constexpr int mostTableBytes = 4 + 8 * 100;
+constexpr std::uint16_t mostTableBytes = 8192;
 
 // The library's own handler prints, and ends the program on an error.
 void ignoreLog(cdio_log_level_t, const char*) {}
@@ -42,11 +42,44 @@ bool isOnTheWay(const CdIo_t* cdio)
     return key == unitAttention || (key == notReady && code == becomingReady);
 }
 
-DiscTrack trackOf(cdrom_drive_t* sound, track_t track)
+// The answer to READ TOC/PMA/ATIP in that format (MMC-5); empty when there is none.
+std::vector<std::byte> tableIn(const CdIo_t* cdio, std::uint8_t format)
+{
+    constexpr std::uint8_t asTimes = 2;
+    std::vector<std::byte> table(mostTableBytes);
+    const mmc_cdb_t command = {
+        {0x43, asTimes, format, 0, 0, 0, 0, mostTableBytes >> 8, mostTableBytes & 0xFF}};
+    if (mmc_run_cmd(cdio, 0, &command, SCSI_MMC_DATA_READ, mostTableBytes, table.data()) != DRIVER_OP_SUCCESS)
+        return {};
+    const auto length = std::to_integer<std::size_t>(table[0]) << 8 | std::to_integer<std::size_t>(table[1]);
+    table.resize(std::min(length + 2, table.size()));
+    return table;
+}
+
+// Where the sessions end. The library knows of no end but the disc's and that of sound before data.
+std::vector<std::int32_t> sessionEnds(const CdIo_t* cdio)
+{
+    constexpr std::uint8_t fullFormat = 2;
+    constexpr std::byte leadOut{0xA2};
+    constexpr std::size_t headerBytes = 4, entryBytes = 11;
+    const auto table = tableIn(cdio, fullFormat);
+    const auto number = [&](std::size_t at) { return std::to_integer<std::int32_t>(table[at]); };
+    std::vector<std::int32_t> ends;
+    for (std::size_t at = headerBytes; at + entryBytes <= table.size(); at += entryBytes)
+        if (table[at + 3] == leadOut)
+            ends.push_back((number(at + 8) * 60 + number(at + 9)) * sectorsPerSecond + number(at + 10) -
+                           CDIO_PREGAP_SECTORS);
+    return ends;
+}
+
+DiscTrack trackOf(cdrom_drive_t* sound, track_t track, const std::vector<std::int32_t>& ends)
 {
     const std::int32_t start = cdio_cddap_track_firstsector(sound, track);
-    const std::int32_t last = cdio_cddap_track_lastsector(sound, track);
-    return {cdio_cddap_track_audiop(sound, track) == 1, start, std::max(last - start + 1, 0)};
+    std::int32_t end = cdio_cddap_track_lastsector(sound, track) + 1;
+    for (const std::int32_t sessionEnd : ends)
+        if (sessionEnd > start)
+            end = std::min(end, sessionEnd);
+    return {cdio_cddap_track_audiop(sound, track) == 1, start, std::max(end - start, 0)};
 }
 
 }
@@ -97,17 +130,7 @@ bool CdioDisc::isReady() const
     return parts_->cdio != nullptr;
 }
 
-std::vector<std::byte> CdioDisc::table() const
-{
-    std::vector<std::byte> table(mostTableBytes);
-    mmc_cdb_t command = {{0x43, 0, 0, 0, 0, 0, 0, mostTableBytes >> 8, mostTableBytes & 0xFF}};
-    if (mmc_run_cmd(parts_->cdio, 0, &command, SCSI_MMC_DATA_READ, mostTableBytes, table.data()) !=
-        DRIVER_OP_SUCCESS)
-        return {};
-    const auto length = std::to_integer<std::size_t>(table[0]) << 8 | std::to_integer<std::size_t>(table[1]);
-    table.resize(std::min(length + 2, table.size()));
-    return table;
-}
+std::vector<std::byte> CdioDisc::table() const { return tableIn(parts_->cdio, 0); }
 
 DiscContents CdioDisc::contents()
 {
@@ -118,9 +141,10 @@ DiscContents CdioDisc::contents()
     const int count = cdio_cddap_tracks(sound);
     if (count == CDIO_INVALID_TRACK)
         return {};
+    const auto ends = sessionEnds(parts_->cdio);
     DiscContents contents;
     for (int track = first; track < first + count; ++track)
-        contents.tracks.push_back(trackOf(sound, static_cast<track_t>(track)));
+        contents.tracks.push_back(trackOf(sound, static_cast<track_t>(track), ends));
     contents.leadOut = cdio_get_track_lsn(parts_->cdio, CDIO_CDROM_LEADOUT_TRACK);
     return contents;
 }

@@ -1,9 +1,9 @@
 #include "platform/disc/download.h"
 
 #include <curl/curl.h>
+#include <dlfcn.h>
 
 #include <memory>
-#include <mutex>
 
 namespace
 {
@@ -12,10 +12,43 @@ constexpr std::size_t mostBytes = 1024 * 1024;
 constexpr long mostRedirections = 5;
 constexpr const char* userAgent = "Velmora/" VELMORA_VERSION;
 
-void startCurl()
+template <typename Function>
+void find(void* library, Function*& function, const char* name)
 {
-    static std::once_flag once;
-    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
+    function = library ? reinterpret_cast<Function*>(dlsym(library, name)) : nullptr;
+}
+
+// The library, and the thirty that it brings, come when the first page is wanted: the program's start shall
+// not pay for them.
+struct Curl {
+    Curl()
+    {
+        void* const library = dlopen("libcurl.so.4", RTLD_NOW | RTLD_LOCAL);
+        decltype(curl_global_init)* start = nullptr;
+        find(library, start, "curl_global_init");
+        find(library, begin, "curl_easy_init");
+        find(library, end, "curl_easy_cleanup");
+        find(library, set, "curl_easy_setopt");
+        find(library, perform, "curl_easy_perform");
+        find(library, escape, "curl_easy_escape");
+        find(library, release, "curl_free");
+        isThere = start && begin && end && set && perform && escape && release &&
+                  start(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    }
+
+    decltype(curl_easy_init)* begin = nullptr;
+    decltype(curl_easy_cleanup)* end = nullptr;
+    decltype(curl_easy_setopt)* set = nullptr;
+    decltype(curl_easy_perform)* perform = nullptr;
+    decltype(curl_easy_escape)* escape = nullptr;
+    decltype(curl_free)* release = nullptr;
+    bool isThere = false;
+};
+
+const Curl& curl()
+{
+    static const Curl library;
+    return library;
 }
 
 std::size_t keep(const char* bytes, std::size_t, std::size_t count, void* page)
@@ -35,8 +68,10 @@ long millisecondsUntil(Deadline deadline)
 
 Text escaped(std::string_view value)
 {
-    const std::unique_ptr<char, void (*)(void*)> text(
-        curl_easy_escape(nullptr, value.data(), static_cast<int>(value.size())), curl_free);
+    if (!curl().isThere)
+        return {};
+    const std::unique_ptr<char, decltype(curl_free)*> text(
+        curl().escape(nullptr, value.data(), static_cast<int>(value.size())), curl().release);
     return text ? text.get() : "";
 }
 
@@ -56,26 +91,27 @@ Text withFields(const Text& address,
 
 std::optional<Text> downloaded(const Text& url, Deadline deadline)
 {
-    startCurl();
-    const std::unique_ptr<CURL, void (*)(CURL*)> transfer(curl_easy_init(), curl_easy_cleanup);
     const long limit = millisecondsUntil(deadline);
-    if (!transfer || limit <= 0)
+    if (limit <= 0 || !curl().isThere)
+        return std::nullopt;
+    const std::unique_ptr<CURL, decltype(curl_easy_cleanup)*> transfer(curl().begin(), curl().end);
+    if (!transfer)
         return std::nullopt;
     Text page;
-    CURL* const curl = transfer.get();
-    curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
-    curl_easy_setopt(curl, CURLOPT_USERAGENT, userAgent);
-    curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
-    curl_easy_setopt(curl, CURLOPT_FOLLOWLOCATION, 1L);
-    curl_easy_setopt(curl, CURLOPT_MAXREDIRS, mostRedirections);
-    curl_easy_setopt(curl, CURLOPT_FAILONERROR, 1L);
-    curl_easy_setopt(curl, CURLOPT_TIMEOUT_MS, limit);
-    curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
+    const auto set = [&](CURLoption option, auto value) { curl().set(transfer.get(), option, value); };
+    set(CURLOPT_URL, url.c_str());
+    set(CURLOPT_USERAGENT, userAgent);
+    set(CURLOPT_PROTOCOLS_STR, "http,https");
+    set(CURLOPT_FOLLOWLOCATION, 1L);
+    set(CURLOPT_MAXREDIRS, mostRedirections);
+    set(CURLOPT_FAILONERROR, 1L);
+    set(CURLOPT_TIMEOUT_MS, limit);
+    set(CURLOPT_NOSIGNAL, 1L);
     // A resolver that hangs is left alone with its thread, which ends by the resolver's own limit.
-    curl_easy_setopt(curl, CURLOPT_QUICK_EXIT, 1L);
-    curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, &keep);
-    curl_easy_setopt(curl, CURLOPT_WRITEDATA, &page);
-    if (curl_easy_perform(curl) != CURLE_OK)
+    set(CURLOPT_QUICK_EXIT, 1L);
+    set(CURLOPT_WRITEFUNCTION, &keep);
+    set(CURLOPT_WRITEDATA, &page);
+    if (curl().perform(transfer.get()) != CURLE_OK)
         return std::nullopt;
     return page;
 }

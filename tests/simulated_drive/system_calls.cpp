@@ -169,10 +169,11 @@ int ioctl(int file, unsigned long request, ...) noexcept
     return nextIoctl(file, request, argument);
 }
 
-// The recording library rests for whole seconds where a real drive needs time to settle.
+// The recording library rests for whole seconds where a real drive needs time to settle: here a thousandth
+// of that will do.
 int usleep(useconds_t microseconds)
 {
-    const timespec pause{0, static_cast<long>(microseconds) * 1000 / 100};
+    const timespec pause{0, static_cast<long>(microseconds)};
     return nanosleep(&pause, nullptr);
 }
 

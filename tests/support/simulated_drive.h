@@ -157,13 +157,14 @@ public:
             lock.wait();
     }
 
+    // What lies there, silence where nothing was put.
     Text sectors(std::int32_t start, std::int32_t count) const
     {
-        Text bytes = fileBytes(path_ + ".sectors");
-        bytes.resize(
-            std::max(bytes.size(), static_cast<std::size_t>((start + count) * simulated::sectorBytes)));
-        return bytes.substr(static_cast<std::size_t>(start) * simulated::sectorBytes,
-                            static_cast<std::size_t>(count) * simulated::sectorBytes);
+        Text bytes(static_cast<std::size_t>(count) * simulated::sectorBytes, '\0');
+        const int file = open((path_ + ".sectors").c_str(), O_RDONLY | O_CLOEXEC);
+        (void)!pread(file, bytes.data(), bytes.size(), static_cast<off_t>(start) * simulated::sectorBytes);
+        close(file);
+        return bytes;
     }
 
     // The sound of a recorded track.
