@@ -2,8 +2,11 @@
 #include "platform/system/stack_limit.h"
 #include "program.h"
 
+#include <csignal>
+
 int main(int argc, char** argv)
 {
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is a failed write, not the end
     const rlimit stackLimit = raiseStackLimit();
     Desktop desktop(argc, argv, stackLimit); // toolkit, sound, discs, store: the real parts
     Program program(desktop);

@@ -112,8 +112,10 @@ void PlayListEditor::saveDirectly(const Text& name)
         writeLine(output.get(), m3uHeader);
     const std::int32_t count = PlayListLB.ListCount();
     for (std::int32_t row = 0; row < count; ++row) {
-        if (m3u)
+        if (m3u) {
             writeLine(output.get(), m3uInformation(row));
+            Mp3Player2->Close();
+        }
         writeLine(output.get(), PlayListLB.List(row));
     }
     output->finish();
@@ -137,7 +139,7 @@ void PlayListEditor::saveThroughDialog()
     const std::int32_t count = PlayListLB.ListCount();
     for (std::int32_t row = 0; row < count; ++row) {
         if (OpenSaveDialogP->FilterIndex() == listFilterM3u)
-            succeeds([&] { writeLine(output.get(), m3uInformation(row)); });
+            skipping([&] { writeLine(output.get(), m3uInformation(row)); }, [this] { Mp3Player2->Close(); });
         succeeds([&] { writeLine(output.get(), PlayListLB.List(row)); });
     }
     if (output)
@@ -145,7 +147,8 @@ void PlayListEditor::saveThroughDialog()
     PlayListFileName.setText(name);
 }
 
-// The line that other players read before the row's own: the engine keeps trying until it has the file open.
+// The line that other players read before the row's own. The engine keeps trying until it has the file open,
+// and still has it when this returns.
 Text PlayListEditor::m3uInformation(std::int32_t row)
 {
     while (Mp3Player2->Open(PlayListLB.List(row), "") != 0)
@@ -153,9 +156,7 @@ Text PlayListEditor::m3uInformation(std::int32_t row)
     const std::int32_t length = Mp3Player2->Length();
     const Text artist = Mp3Player2->Artist();
     const Text title = Mp3Player2->Title();
-    const Text line = m3uInformationLine(length, artist, title);
-    Mp3Player2->Close();
-    return line;
+    return m3uInformationLine(length, artist, title);
 }
 
 void PlayListEditor::GoDoAddSongs()

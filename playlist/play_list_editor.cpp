@@ -117,15 +117,16 @@ void PlayListEditor::writeWorkingCopy()
     const auto revision = PlayListLB.revision();
     if (files.stillHolds(DefaultListPath, revision))
         return;
+    const auto output = files.openForOutput(DefaultListPath);
     if (PlayListLB.ListCount() == 0)
         keepLastRows();
-    const auto output = files.openForOutput(DefaultListPath);
     for (std::int32_t row = 0; row < PlayListLB.ListCount(); ++row)
         output->write(PlayListLB.List(row).append(lineEnd));
     output->finish(revision);
 }
 
-// A working copy that is about to become empty stays beside it: the program never reads it, a user can.
+// A working copy that is about to become empty stays beside it: the program never reads it, a user can. Only
+// once the new one could be opened: a copy that cannot change would be kept anew on each tick.
 void PlayListEditor::keepLastRows()
 {
     succeeds([this] {

@@ -18,9 +18,11 @@ std::optional<std::vector<Text>> splitListText(std::string_view text, std::strin
         return std::nullopt;
     std::vector<Text> lines;
     for (std::size_t start = 0; start < text.size();) {
-        std::size_t end = text.find(delimiter, start + characterBytes(text, start));
-        if (end == std::string_view::npos)
-            end = start + withoutLastCharacter(text.substr(start)).size();
+        const std::size_t end = text.find(delimiter, start + characterBytes(text, start));
+        if (end == std::string_view::npos) {
+            lines.emplace_back(withoutLastCharacter(text.substr(start)));
+            break;
+        }
         lines.emplace_back(text.substr(start, end - start));
         start = end + delimiter.size();
     }

@@ -87,9 +87,10 @@ void StartUp::balbar_bg_DragDrop(ctl::Image&, Twips X, Twips)
 
 void StartUp::vslider_bg_MouseDown(ctl::Button, std::int16_t, Twips X, Twips)
 {
-    slider_step = stepTowards(X + vslider_bg.Left(), vslider_img2.Left(), vslider_img2.Width());
-    if (slider_step == 0)
+    const auto step = stepTowards(X + vslider_bg.Left(), vslider_img2.Left(), vslider_img2.Width());
+    if (step == 0)
         return;
+    slider_step = step;
     const Twips left = vslider_img2.Left() + static_cast<Twips>(slider_step);
     if (fits(left, vslider_bg, vslider_img2)) {
         vslider_img2.setLeft(left);
@@ -100,9 +101,10 @@ void StartUp::vslider_bg_MouseDown(ctl::Button, std::int16_t, Twips X, Twips)
 
 void StartUp::balbar_bg_MouseDown(ctl::Button, std::int16_t, Twips X, Twips)
 {
-    slider_step = stepTowards(X + balbar_bg.Left(), balbar_img2.Left(), balbar_img2.Width());
-    if (slider_step == 0)
+    const auto step = stepTowards(X + balbar_bg.Left(), balbar_img2.Left(), balbar_img2.Width());
+    if (step == 0)
         return;
+    slider_step = step;
     const Twips left = balbar_img2.Left() + static_cast<Twips>(slider_step);
     if (fits(left, balbar_bg, balbar_img2)) {
         balbar_img2.setLeft(left);

@@ -13,8 +13,7 @@ public:
     CubebDevice();
     ~CubebDevice(); // does not wait for a server that hangs
 
-    // Opens a way to the listener for `stream`, which learns by `write` that it is open, and by `fail` that
-    // it is not.
+    // Opens a way to the listener: sound is asked of `stream` from then on, or it fails.
     void open(std::shared_ptr<Stream> stream);
 
     // What is left unheard is dropped with it.

@@ -7,11 +7,13 @@ namespace
 
 // How far decoding runs ahead: enough for a busy machine, little to throw away at a seek.
 constexpr int feedsPerSecond = 4;
+constexpr int smallestFeed = 1024; // frames
 
 }
 
 Feed::Feed(int rate, std::int64_t start, std::uint64_t serial) :
-    rate_(rate), start_(start), serial_(serial), capacity_(static_cast<std::size_t>(rate / feedsPerSecond)),
+    rate_(rate), start_(start), serial_(serial),
+    capacity_(static_cast<std::size_t>(std::max(rate / feedsPerSecond, smallestFeed))),
     samples_(capacity_ * 2)
 {
 }
@@ -23,15 +25,9 @@ std::span<std::int16_t> Feed::space()
     return std::span(samples_).subspan(first * 2, frames * 2);
 }
 
-void Feed::commit(std::size_t frames)
-{
-    written_ += static_cast<std::int64_t>(frames);
-}
+void Feed::commit(std::size_t frames) { written_ += static_cast<std::int64_t>(frames); }
 
-void Feed::finish()
-{
-    finished_ = true;
-}
+void Feed::finish() { finished_ = true; }
 
 std::size_t Feed::read(std::int16_t* samples, std::size_t frames)
 {

@@ -30,10 +30,10 @@ public:
     // The asking thread: the run in which the stream's frame `at` lies. Places before it are forgotten.
     const Run& runAt(std::int64_t at);
 
-    // The run behind the one that `runAt` gave, as far as noted.
+    // The run behind the one that `runAt` gave, if it knew of one.
     const Run* nextRun() const { return runs_.size() > 1 ? &runs_[1] : nullptr; }
 
-    // Where the end of the feed lies in the stream, as far as noted.
+    // Where the end of the feed lies in the stream, if `runAt` knew of it.
     std::optional<std::int64_t> end() const;
 
 private:

@@ -39,14 +39,16 @@ void Mp3Source::seek(std::int64_t frame)
         return;
     }
     std::int64_t mpegFrame = 0;
+    int rateThere = rate();
     for (const auto& stretch : facts_.stretches) {
         const std::int64_t whole = std::min(frame / stretch.samples, stretch.frames);
         mpegFrame += whole;
         frame -= whole * stretch.samples;
+        rateThere = stretch.rate;
         if (whole < stretch.frames)
             break;
     }
-    decoder_.seekFrame(mpegFrame);
+    decoder_.seekFrame(mpegFrame, rateThere);
     skip(frame);
 }
 
@@ -73,8 +75,7 @@ Timeline timelineOf(const Mp3Facts& facts)
     return Timeline(std::move(stretches));
 }
 
-// In a damaged file the decoder finds more or fewer frames than their headers promise; its own count is the
-// length.
+// In a damaged file the decoder finds more or fewer frames than the headers promise: its count holds.
 void recount(Mp3Facts& facts, const std::shared_ptr<const InputFile>& file)
 {
     Mpg123File counter(file, facts, {.forceStereo = true, .gapless = false});

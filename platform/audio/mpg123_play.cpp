@@ -27,7 +27,7 @@ constexpr std::int64_t mostSteps = std::numeric_limits<std::int16_t>::max();
 class Mpg123Play final : public Mp3Play
 {
 public:
-    Mpg123Play(SoundOutput& output, Post& post, Shell& shell);
+    Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes);
 
     std::int16_t Open(const Text& path, const Text& output) override;
     void Close() override;
@@ -75,6 +75,7 @@ private:
     SoundOutput& output_;
     Post& post_;
     Shell& shell_;
+    PartNotes& notes_;
     std::optional<OpenedSound> sound_;
     Voice voice_;
     std::optional<DecodeJobs> jobs_; // from the first decoding on
@@ -84,8 +85,9 @@ private:
     mutable std::optional<Tag> tag_; // read when it is first asked for
 };
 
-Mpg123Play::Mpg123Play(SoundOutput& output, Post& post, Shell& shell) :
-    output_(output), post_(post), shell_(shell), voice_(output, AtEnd::rewinds, [&post] { post.post([] {}); })
+Mpg123Play::Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes) :
+    output_(output), post_(post), shell_(shell), notes_(notes),
+    voice_(output, AtEnd::rewinds, [&post] { post.post([] {}); })
 {
 }
 
@@ -103,7 +105,8 @@ std::int16_t Mpg123Play::openDecoding(const Text& path, const Text& output)
     if (!jobs_)
         jobs_.emplace(post_, shell_,
                       DecodeJobs::Events{[this](std::int32_t position) { Progress.raise(position); },
-                                         [this] { Done.raise(); }});
+                                         [this] { Done.raise(); }},
+                      notes_);
     const std::int16_t status = jobs_->open(path, output);
     keepTagOf(status == opened ? path : "");
     return status;
@@ -155,8 +158,11 @@ std::int64_t Mpg123Play::step() const
 
 void Mpg123Play::Seek(std::int32_t frame)
 {
-    if (sound_)
-        voice_.seek(sound_->timeline.frameAtEven(std::max(frame, 0) * step()));
+    if (!sound_)
+        return;
+    const Timeline& timeline = sound_->timeline;
+    const std::int64_t end = timeline.even(timeline.frames());
+    voice_.seek(timeline.frameAtEven(std::min(std::max(frame, 0) * step(), end)));
 }
 
 void Mpg123Play::SetVolume(std::int16_t left, std::int16_t right)
@@ -211,7 +217,7 @@ void Mpg123Play::WriteTag()
 
 }
 
-std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell)
+std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes)
 {
-    return std::make_unique<Mpg123Play>(output, post, shell);
+    return std::make_unique<Mpg123Play>(output, post, shell, notes);
 }

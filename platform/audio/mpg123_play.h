@@ -1,14 +1,15 @@
-// The MP3 engine on libmpg123. WAV files play, too, as files without tags.
+// The MP3 engine on libmpg123. WAV files play, too, as files without tags. Making one is cheap: its thread,
+// and the sound server, wait for the first `Play`.
 #pragma once
 
 #include "platform/mp3_play.h"
 
 #include <memory>
 
+class PartNotes;
 class Post;
 class Shell;
 class SoundOutput;
 
-// `post` wakes the window thread when a file has been heard to its end. Nothing is started before something
-// plays.
-std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell);
+// `post` wakes the window thread when a file has been heard to its end. What is given outlives the engine.
+std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes);

@@ -20,8 +20,7 @@ public:
     // The stream that sounds; nullptr when the way is closed.
     const std::shared_ptr<Stream>& stream() const { return stream_; }
 
-    // The stream for that rate, made when the present one has another or there is none. A new one sounds
-    // after `start`.
+    // The stream for that rate, a new one if the present one has another. A new one sounds after `start`.
     std::shared_ptr<Stream> streamFor(int rate);
     void start();
 

@@ -1,5 +1,5 @@
-// Sound that can be read from any place of it, as 16-bit stereo. A frame is one sample of both channels. For
-// one thread at a time.
+// Sound that can be read from any place of it, as 16-bit stereo, by one thread at a time. A frame is one
+// sample of both channels.
 #pragma once
 
 #include <cstddef>

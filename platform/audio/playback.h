@@ -21,9 +21,8 @@ public:
         State state = State::idle;
         std::shared_ptr<PcmSource> source;
         std::int64_t from = 0;    // frame
-        std::uint64_t serial = 0; // changes whenever the sound must be heard from another frame
-        std::uint64_t cut =
-            0; // changes whenever what is under way to the listener must not be heard any more
+        std::uint64_t serial = 0; // another one: the sound must be heard from another frame
+        std::uint64_t cut = 0;    // another one: what is under way to the listener must not be heard
     };
 
     Playback(Activity& activity, AtEnd atEnd) : activity_(activity), atEnd_(atEnd) {}
@@ -40,11 +39,10 @@ public:
 
     // The engine's thread. Where `serial` is no longer current, these do nothing and are false.
     Wish wish() const;
-    bool hearFrom(std::uint64_t serial,
-                  std::shared_ptr<Stream> stream);          // the position comes from it; lets it flow
-    bool standAt(std::uint64_t serial, std::int64_t frame); // the position comes from no stream
-    bool restart(std::uint64_t serial, std::int64_t frame); // as `seek`, when a stream was lost
-    bool end(std::uint64_t serial);                         // the last frame was heard
+    bool hearFrom(std::uint64_t serial, std::shared_ptr<Stream> stream); // whose position it is; lets it flow
+    bool standAt(std::uint64_t serial, std::int64_t frame);              // the position is no stream's
+    bool restart(std::uint64_t serial, std::int64_t frame);              // as `seek`, when a stream was lost
+    bool end(std::uint64_t serial);                                      // the last frame was heard
 
 private:
     void enter(State state);

@@ -27,5 +27,5 @@ void SilentClock::advance(Stream::Clock::time_point now)
 
 Stream::Clock::time_point SilentClock::nextAdvance(Stream::Clock::time_point now) const
 {
-    return std::min(now + pace, stream_->expectedEnd().value_or(now + pace));
+    return std::min(now + pace, stream_->nextLook(now));
 }

@@ -1,5 +1,5 @@
-// The sound output of the process, which all engines share: its two levels are the volume of whichever plays.
-// It is silent, and touches no sound server, until an engine plays.
+// The sound output of the process, which all engines share and which outlives them: its two levels are the
+// volume of whichever plays. It is silent, and touches no sound server, until an engine plays.
 #pragma once
 
 #include "platform/activity.h"

@@ -1,38 +1,29 @@
 #include "platform/audio/stereo_mix.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string>
 
 namespace
 {
 
-// L and R before the listener, C between them, E the low-frequency effects, l and r at the sides and behind,
-// c behind.
-// clang-format off
+// L, C and R before the listener, l and r at the sides or behind, c behind, E the low-frequency effects.
 constexpr const char* orders[] = {"", "C", "LR", "LRC", "LRlr", "LRClr", "LRCElr", "LRCEclr", "LRCElrlr"};
-// clang-format on
 
 constexpr float halfPower = 0.70710678F;
 
-StereoMix::Frame weightOf(char place)
-{
-    switch (place) {
-    case 'L':
-        return {1, 0};
-    case 'R':
-        return {0, 1};
-    case 'C':
-        return {halfPower, halfPower};
-    case 'l':
-        return {halfPower, 0};
-    case 'r':
-        return {0, halfPower};
-    case 'c':
-        return {halfPower / 2, halfPower / 2};
-    default:
-        return {0, 0};
-    }
-}
+struct Place {
+    char name;
+    StereoMix::Frame weight;
+};
+
+constexpr Place places[] = {
+    {'L', {1, 0}},         {'R', {0, 1}},         {'C', {halfPower, halfPower}},
+    {'l', {halfPower, 0}}, {'r', {0, halfPower}}, {'c', {halfPower / 2, halfPower / 2}},
+    {'E', {0, 0}},
+};
+
+StereoMix::Frame weightOf(char name) { return std::ranges::find(places, name, &Place::name)->weight; }
 
 std::string orderOf(std::size_t channels)
 {
@@ -62,8 +53,10 @@ StereoMix::Frame StereoMix::operator()(std::span<const float> channels) const
 {
     Frame mixed{0, 0};
     for (std::size_t channel = 0; channel < weights_.size(); ++channel) {
-        mixed.left += channels[channel] * weights_[channel].left;
-        mixed.right += channels[channel] * weights_[channel].right;
+        // What is no number would make one of neither side.
+        const float value = std::isfinite(channels[channel]) ? channels[channel] : 0;
+        mixed.left += value * weights_[channel].left;
+        mixed.right += value * weights_[channel].right;
     }
     return mixed;
 }

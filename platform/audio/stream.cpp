@@ -12,6 +12,11 @@ namespace
 constexpr int runawayFactor = 4;
 constexpr auto runawayAllowance = 500ms;
 
+// Between looks the clock tells the position. The end of a feed is looked for at its own moment.
+constexpr Stream::Clock::duration lookEvery = 100ms;
+constexpr Stream::Clock::duration lookForStart = 5ms;
+constexpr Stream::Clock::duration lookSoonest = 1ms;
+
 std::int64_t framesIn(std::chrono::duration<double> time, int rate)
 {
     return static_cast<std::int64_t>(time.count() * rate);
@@ -33,12 +38,15 @@ Stream::Stream(std::shared_ptr<const Levels> levels, std::shared_ptr<Bell> bell,
 void Stream::attach(std::shared_ptr<Feed> feed)
 {
     std::unique_lock lock(mutex_);
+    given_ = given();
     owned_.swap(feed);
     feed_ = owned_.get();
     lock.unlock();
     while (feed != nullptr && inUse_ == feed.get())
         std::this_thread::sleep_for(100us);
 }
+
+std::int64_t Stream::given() const { return owned_ != nullptr ? owned_->position() : given_; }
 
 bool Stream::isSilent() const
 {
@@ -67,7 +75,7 @@ std::optional<std::int64_t> Stream::position(std::uint64_t serial, Clock::time_p
     if (run.kind != Heard::sound)
         return run.source;
     const std::int64_t there = run.source + report_.frames - run.at;
-    return std::min(there + framesIn(now - report_.when, rate_), report_.limit);
+    return std::min(there + framesIn(now - report_.when, rate_), given());
 }
 
 // The feed that is current, and will not be freed before `inUse_` is cleared.
@@ -102,7 +110,7 @@ bool Stream::runsAway()
     return written_ > framesIn(plausible, rate_);
 }
 
-void Stream::write(std::int16_t* samples, std::size_t frames)
+bool Stream::write(std::int16_t* samples, std::size_t frames)
 {
     if (runsAway())
         failed_ = true;
@@ -116,6 +124,7 @@ void Stream::write(std::int16_t* samples, std::size_t frames)
     inUse_ = nullptr;
     std::fill(samples + sound * 2, samples + frames * 2, std::int16_t{0});
     written_ += static_cast<std::int64_t>(frames);
+    return !failed_;
 }
 
 void Stream::heard(std::int64_t frames, Clock::time_point now)
@@ -124,15 +133,11 @@ void Stream::heard(std::int64_t frames, Clock::time_point now)
         bell_->ring();
         return;
     }
-    const std::int64_t written = written_;
     const Run run = log_.runAt(frames);
-    const Run* next = log_.nextRun();
-    const std::int64_t end = next != nullptr ? next->at : written;
-    const std::int64_t limit = run.kind == Heard::sound ? run.source + end - run.at : run.source;
 
     const std::lock_guard lock(mutex_);
     const bool isNews = run.kind == Heard::end && report_.run.kind != Heard::end;
-    report_ = {run, frames, limit, next == nullptr, now};
+    report_ = {run, frames, log_.nextRun() == nullptr, now};
     if (isNews)
         bell_->ring();
 }
@@ -146,13 +151,14 @@ std::optional<std::int64_t> Stream::frameOfEnd() const
     return written_ + static_cast<std::int64_t>(owned_->available());
 }
 
-std::optional<Stream::Clock::time_point> Stream::expectedEnd() const
+Stream::Clock::time_point Stream::nextLook(Clock::time_point now) const
 {
     const std::lock_guard lock(mutex_);
+    const auto next = now + (report_.run.kind == Heard::nothing ? lookForStart : lookEvery);
     const auto end = frameOfEnd();
     if (!end || *end <= report_.frames)
-        return std::nullopt;
-    return report_.when + timeOf(*end - report_.frames, rate_);
+        return next;
+    return std::clamp(report_.when + timeOf(*end - report_.frames, rate_), now + lookSoonest, next);
 }
 
 void Stream::fail()

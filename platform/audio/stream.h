@@ -42,15 +42,14 @@ public:
 
     // The output's side.
 
-    // Sets `frames` frames. Never waits, never allocates.
-    void write(std::int16_t* samples, std::size_t frames);
+    // Sets `frames` frames. Never waits, never allocates. False: the stream has failed, and takes no more.
+    bool write(std::int16_t* samples, std::size_t frames);
 
     // So many of the frames written have been heard at `now`.
     void heard(std::int64_t frames, Clock::time_point now);
 
-    // When the end of the feed is likely to be heard; nothing while that is far off. For the thread that
-    // calls `heard`.
-    std::optional<Clock::time_point> expectedEnd() const;
+    // When to call `heard` again at the latest. For the thread that calls it.
+    Clock::time_point nextLook(Clock::time_point now) const;
 
     void fail();
 
@@ -59,12 +58,12 @@ private:
     struct Report {
         Run run;
         std::int64_t frames = 0; // of the stream
-        std::int64_t limit = 0;  // the source's frame up to which sound follows without a break
         bool isLast = false;     // nothing else has been written
         Clock::time_point when;
     };
 
     Feed* claim();
+    std::int64_t given() const;
     std::optional<std::int64_t> frameOfEnd() const;
     std::size_t writeSound(Feed* feed, std::int16_t* samples, std::size_t frames);
     bool runsAway();
@@ -84,5 +83,6 @@ private:
 
     mutable std::mutex mutex_; // never held by `write`
     std::shared_ptr<Feed> owned_;
+    std::int64_t given_ = 0; // the source's frame up to which `owned_`, or the feed before, was given away
     Report report_;
 };

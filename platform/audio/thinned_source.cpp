@@ -64,7 +64,7 @@ void ThinnedSource::seek(std::int64_t frame)
 
 OpenedSound playable(OpenedSound sound)
 {
-    const int factor = (sound.timeline.rate() + highestRate - 1) / highestRate;
+    const int factor = (sound.timeline.rate() - 1) / highestRate + 1;
     if (factor < 2)
         return sound;
     sound.timeline = Timeline({{sound.timeline.frames() / factor, sound.timeline.rate() / factor}});

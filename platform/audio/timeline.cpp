@@ -3,11 +3,6 @@
 #include <algorithm>
 #include <limits>
 
-int Timeline::rate() const
-{
-    return stretches_.empty() ? 0 : stretches_.front().rate;
-}
-
 std::int64_t Timeline::frames() const
 {
     std::int64_t sum = 0;
@@ -21,7 +16,7 @@ std::int64_t Timeline::even(std::int64_t frame) const
     std::int64_t sum = 0;
     for (const auto& stretch : stretches_) {
         const std::int64_t part = std::min(frame, stretch.frames);
-        sum += part * rate() / stretch.rate;
+        sum += part * base() / stretch.rate;
         frame -= part;
     }
     return sum;
@@ -31,9 +26,9 @@ std::int64_t Timeline::frameAtEven(std::int64_t even) const
 {
     std::int64_t sum = 0;
     for (const auto& stretch : stretches_) {
-        const std::int64_t frames = std::min(even * stretch.rate / rate(), stretch.frames);
+        const std::int64_t frames = std::min(even * stretch.rate / base(), stretch.frames);
         sum += frames;
-        even -= frames * rate() / stretch.rate;
+        even -= frames * base() / stretch.rate;
     }
     return sum;
 }
@@ -42,7 +37,7 @@ std::int32_t Timeline::milliseconds(std::int64_t frame) const
 {
     if (stretches_.empty())
         return 0;
-    const std::int64_t exact = even(frame) * 1000 / rate();
+    const std::int64_t exact = even(frame) * 1000 / base();
     return static_cast<std::int32_t>(std::min<std::int64_t>(exact, std::numeric_limits<std::int32_t>::max()));
 }
 

@@ -1,5 +1,4 @@
-// Where the frames of a sound lie in time. A sound has one rate, or stretches of several, as joined files
-// have.
+// Where the frames of a sound lie in time. A sound has one rate, or, from joined files, stretches of several.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +15,7 @@ public:
     Timeline() = default; // of no length
     explicit Timeline(std::vector<Stretch> stretches) : stretches_(std::move(stretches)) {}
 
-    int rate() const; // of the first stretch, in which `even` counts; 0 when there is none
+    int rate() const { return stretches_.empty() ? 0 : base(); } // hertz, of the first stretch
 
     std::int64_t frames() const;
 
@@ -28,5 +27,7 @@ public:
     std::int64_t frameAtMilliseconds(std::int32_t milliseconds) const;
 
 private:
+    int base() const { return stretches_.front().rate; }
+
     std::vector<Stretch> stretches_;
 };

@@ -8,6 +8,7 @@
 #include <memory>
 
 class SoundOutput;
+class VoiceWorker;
 
 class Voice
 {
@@ -27,12 +28,10 @@ public:
     std::int64_t position() const { return playback_.position(); }
 
 private:
-    class Worker;
-
     void wake();
 
     SoundOutput& output_;
     std::function<void()> ended_;
     Playback playback_;
-    std::unique_ptr<Worker> worker_;
+    std::unique_ptr<VoiceWorker> worker_;
 };

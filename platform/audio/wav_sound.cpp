@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
 #include <sndfile.h>
 #include <string_view>
 #include <vector>
@@ -21,8 +20,6 @@ constexpr int stepFrames = 1152;
 
 std::int16_t toSample(float value)
 {
-    if (std::isnan(value))
-        return 0;
     const float scaled = std::clamp(value * 32768, -32768.0F, 32767.0F);
     return static_cast<std::int16_t>(std::lrint(scaled));
 }
@@ -43,6 +40,7 @@ public:
     explicit WavSource(std::shared_ptr<const InputFile> file) : file_(std::move(file)), window_(file_)
     {
         open();
+        rate_ = info_.samplerate;
     }
     ~WavSource() override { sf_close(sound_); }
 
@@ -51,7 +49,7 @@ public:
     std::int32_t bitsPerSecond() const;
 
     std::size_t read(std::span<std::int16_t> samples) override;
-    int rate() const override { return info_.samplerate; }
+    int rate() const override { return rate_; }
     void seek(std::int64_t frame) override;
 
 private:
@@ -70,6 +68,7 @@ private:
     std::int64_t at_ = 0; // byte
     SNDFILE* sound_ = nullptr;
     SF_INFO info_{};
+    int rate_ = 0;
     std::optional<StereoMix> mix_;
     std::vector<float> unmixed_;
 };

@@ -1,11 +1,80 @@
 #include "platform/codec/decode_jobs.h"
 
+#include "platform/codec/conversion_queue.h"
+#include "platform/codec/decode_file.h"
+#include "platform/codec/frame_scan.h"
+#include "platform/codec/part_file.h"
+#include "platform/failure.h"
+
 struct DecodeJobs::Parts {
+    struct Job {
+        std::uint64_t number = 0; // 0: nothing was opened
+        Text input;
+        Text output;
+        bool isOpen = false;
+    };
+
+    Events events;
+    PartNotes& notes;
+    std::uint64_t opened = 0;    // calls of `open`
+    Job job;                     // opened last
+    std::uint64_t delivered = 0; // the job whose `done` is being delivered
+    int unfinished = 0;
+    codec::ConversionQueue queue; // the last member: its conversion ends first
+
+    Parts(Post& post, Shell& shell, Events to, PartNotes& book) :
+        events(std::move(to)), notes(book),
+        queue(post, shell, "Decoding failed",
+              {[this](std::int32_t position) { events.progress(position); },
+               [this](std::uint64_t number) { finish(number); }})
+    {
+    }
+
+    void finish(std::uint64_t number)
+    {
+        const Delivery ended{*this};
+        --unfinished;
+        delivered = number;
+        events.done();
+    }
+
+    struct Delivery {
+        Parts& parts;
+        ~Delivery() { parts.delivered = 0; }
+    };
 };
 
-DecodeJobs::DecodeJobs(Post&, Shell&, Events) {}
+DecodeJobs::DecodeJobs(Post& post, Shell& shell, Events events, PartNotes& notes) :
+    parts_(std::make_unique<Parts>(post, shell, std::move(events), notes))
+{
+}
+
 DecodeJobs::~DecodeJobs() = default;
-std::int16_t DecodeJobs::open(const Text&, const Text&) { return 1; }
-void DecodeJobs::start() {}
-void DecodeJobs::close() {}
-std::int32_t DecodeJobs::length() const { return 0; }
+
+std::int16_t DecodeJobs::open(const Text& input, const Text& output)
+{
+    bool isOpen = false;
+    succeeds([&] { isOpen = codec::isMp3(codec::SourceFile(input)) && !codec::isSameFile(input, output); });
+    parts_->job = {++parts_->opened, input, output, isOpen};
+    return isOpen ? 0 : 1;
+}
+
+// Also what could not be opened is tried: the reason may have passed, and `done` must come.
+void DecodeJobs::start()
+{
+    const auto& job = parts_->job;
+    ++parts_->unfinished;
+    parts_->queue.add({job.number, job.input,
+                       [input = job.input, output = job.output,
+                        &notes = parts_->notes](const codec::Report& report, const std::stop_token& stop) {
+                           codec::decodeFile(input, output, codec::coreCount(), report, stop, notes);
+                       }});
+}
+
+void DecodeJobs::close()
+{
+    if (parts_->delivered == 0 || parts_->delivered == parts_->job.number)
+        parts_->job = {};
+}
+
+std::int32_t DecodeJobs::length() const { return parts_->job.isOpen || parts_->unfinished > 0 ? 1000 : 0; }

@@ -2,6 +2,7 @@
 // with.
 #pragma once
 
+#include "platform/part_notes.h"
 #include "platform/post.h"
 #include "platform/shell.h"
 #include "platform/text.h"
@@ -19,7 +20,10 @@ public:
         std::function<void()> done;                 // exactly once for each `start`
     };
 
-    DecodeJobs(Post& post, Shell& shell, Events events);
+    // `post`, `shell` and `notes` outlive the jobs.
+    DecodeJobs(Post& post, Shell& shell, Events events, PartNotes& notes = NoPartNotes::instance());
+
+    // On the window thread. Breaks off the running job; nothing is delivered afterwards.
     ~DecodeJobs();
 
     // Names the next job. 0 when `input` is an MP3 file and `output` another file; never aborts a running

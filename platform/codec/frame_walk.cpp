@@ -39,8 +39,7 @@ bool FrameWalk::beginsLike(const MpegHeader& header, std::int64_t at)
     return other && other->agreesWith(header);
 }
 
-// The frames of free format are equally long but for a byte of padding: a distance that repeats is their
-// length.
+// Frames of free format are equally long but for a byte of padding: a distance that repeats is their length.
 bool FrameWalk::resolveFreeFormat(std::int64_t at, const MpegHeader& header)
 {
     for (int distance = shortestFreeFrame; distance <= longestFreeFrame; ++distance) {

@@ -15,15 +15,14 @@ std::shared_ptr<const InputFile> InputFile::open(const Text& path)
     std::shared_ptr<const InputFile> file(new InputFile(descriptor));
     struct stat status {
     };
-    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
-        return nullptr;
-    return file;
+    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
+        return file;
+    file.reset();
+    errno = EINVAL;
+    return nullptr;
 }
 
-InputFile::~InputFile()
-{
-    ::close(descriptor_);
-}
+InputFile::~InputFile() { ::close(descriptor_); }
 
 std::ptrdiff_t InputFile::read(void* into, std::size_t size, std::int64_t offset) const
 {
@@ -49,10 +48,7 @@ std::int64_t InputFile::size() const
     return fstat(descriptor_, &status) == 0 ? status.st_size : 0;
 }
 
-bool FileWindow::covers(std::int64_t offset) const
-{
-    return offset >= start_ && offset < start_ + filled_;
-}
+bool FileWindow::covers(std::int64_t offset) const { return offset >= start_ && offset < start_ + filled_; }
 
 std::ptrdiff_t FileWindow::read(void* into, std::size_t size, std::int64_t offset)
 {

@@ -10,7 +10,8 @@
 class InputFile
 {
 public:
-    // nullptr for whatever is no readable regular file; a pipe or a device is not waited for.
+    // nullptr for whatever is no readable regular file, the reason in `errno`; a pipe or a device is not
+    // waited for.
     static std::shared_ptr<const InputFile> open(const Text& path);
 
     ~InputFile();
@@ -37,7 +38,7 @@ public:
 
     explicit FileWindow(std::shared_ptr<const InputFile> file) : file_(std::move(file)) {}
 
-    // As `InputFile::read`.
+    // Reads up to `size` bytes at `offset`, fewer at the end of the file, and where reading fails.
     std::ptrdiff_t read(void* into, std::size_t size, std::int64_t offset);
 
 private:

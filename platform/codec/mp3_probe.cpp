@@ -41,7 +41,10 @@ public:
 
     std::optional<Mp3Facts> facts()
     {
-        first_ = *walk_.headerAt(facts_.begin);
+        const auto first = walk_.headerAt(facts_.begin);
+        if (!first)
+            return std::nullopt;
+        first_ = *first;
         readInfoFrame();
         if (isInfoTrusted())
             believeInfo();
@@ -163,16 +166,19 @@ std::int64_t Mp3Facts::samples() const
     return std::max<std::int64_t>(sum - skipAtStart - skipAtEnd, 0);
 }
 
-std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const InputFile>& file)
+std::optional<std::int64_t> firstMp3Frame(const std::shared_ptr<const InputFile>& file)
 {
     FileWindow window(file);
     const std::int64_t start = endOfLeadingTags(window);
-    const std::int64_t end = startOfTrailingTags(*file);
     if (isForeign(window, 0) || isForeign(window, start))
         return std::nullopt;
-    FrameWalk walk(file, end);
-    const auto begin = walk.findStream(start, searchRange);
+    return FrameWalk(file, startOfTrailingTags(*file)).findStream(start, searchRange);
+}
+
+std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const InputFile>& file)
+{
+    const auto begin = firstMp3Frame(file);
     if (!begin)
         return std::nullopt;
-    return Prober(file, *begin, end).facts();
+    return Prober(file, *begin, startOfTrailingTags(*file)).facts();
 }

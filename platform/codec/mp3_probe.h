@@ -32,6 +32,9 @@ struct Mp3Facts {
     std::int64_t samples() const; // that are left to hear
 };
 
+// The byte of the first frame; nothing for a file that is not MPEG Layer III. Only its two ends are read.
+std::optional<std::int64_t> firstMp3Frame(const std::shared_ptr<const InputFile>& file);
+
 // Nothing for a file that is not MPEG Layer III. The length comes from an Info frame whose byte count agrees
 // with the file; without one, every frame header is read.
 std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const InputFile>& file);

@@ -1,5 +1,4 @@
-// The four bytes at the start of a Layer III frame (ISO/IEC 11172-3, 13818-3, and the half rates of
-// MPEG-2.5).
+// The four bytes at the start of a Layer III frame: ISO/IEC 11172-3 and 13818-3, and MPEG-2.5's half rates.
 #pragma once
 
 #include <cstdint>

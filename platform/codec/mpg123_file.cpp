@@ -10,8 +10,8 @@ namespace
 // How much damage is skipped in one place before the file counts as ended, bytes.
 constexpr long resyncLimit = 1024 * 1024;
 
-// A frame can draw on so many frames before it that their decoding must come first for exact samples after a
-// seek.
+// A frame can draw on so many before it: after a seek they must be decoded first, or its samples are not
+// exact.
 constexpr long framesBeforeSeek = 10;
 
 void configure(mpg123_handle* handle, Mpg123File::Options options)
@@ -73,10 +73,7 @@ Mpg123File::Mpg123File(std::shared_ptr<const InputFile> file, const Mp3Facts& fa
     rate_ = nextRate_;
 }
 
-Mpg123File::~Mpg123File()
-{
-    mpg123_delete(handle_);
-}
+Mpg123File::~Mpg123File() { mpg123_delete(handle_); }
 
 bool Mpg123File::learnFormat()
 {
@@ -102,13 +99,11 @@ std::size_t Mpg123File::read(std::span<std::int16_t> samples)
     return bytes / sizeof(std::int16_t);
 }
 
-bool Mpg123File::seek(std::int64_t sample)
-{
-    return mpg123_seek(handle_, sample, SEEK_SET) >= 0;
-}
+bool Mpg123File::seek(std::int64_t sample) { return mpg123_seek(handle_, sample, SEEK_SET) >= 0; }
 
-bool Mpg123File::seekFrame(std::int64_t frame)
+bool Mpg123File::seekFrame(std::int64_t frame, int rate)
 {
+    rate_ = nextRate_ = rate;
     return mpg123_seek_frame(handle_, frame, SEEK_SET) >= 0;
 }
 

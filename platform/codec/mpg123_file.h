@@ -32,8 +32,8 @@ public:
     int rate() const { return rate_; } // hertz, of what `read` gave last and gives next
     int channels() const { return channels_; }
 
-    bool seek(std::int64_t sample);     // of each channel, gapless ones counted
-    bool seekFrame(std::int64_t frame); // an Info frame is not counted
+    bool seek(std::int64_t sample);               // of each channel, skipped ones not counted
+    bool seekFrame(std::int64_t frame, int rate); // an Info frame not counted; `rate` is that frame's
 
     // Reads every frame's header as the decoder itself does, and counts their samples.
     std::int64_t countSamples();

@@ -13,7 +13,8 @@
 namespace
 {
 
-constexpr std::int32_t pieceSectors = 445; // about a megabyte
+// Under 128 KB: the allocator has larger pieces mapped anew each time, which takes longer than to read them.
+constexpr std::int32_t pieceSectors = 54;
 constexpr std::size_t longestSheet = 1 << 20;
 constexpr std::string_view sheetEnding = ".cue";
 

@@ -8,6 +8,9 @@
 namespace
 {
 
+constexpr std::int32_t whole = 1000;
+constexpr auto fastestReports = std::chrono::milliseconds(10); // more often than a window can show
+
 TrackPipe::Outcome read(ReaderDrive& drive, std::int16_t track, const Text& path, TrackPipe& pipe)
 {
     try {
@@ -84,10 +87,12 @@ void TrackCopy::report()
 {
     const std::int64_t all = std::int64_t{job_.sectors} * sectorBytes;
     const auto thousandths =
-        static_cast<std::int32_t>(std::min<std::int64_t>(job_.output->soundBytes() * 1000 / all, 1000));
-    if (thousandths <= reported_)
+        static_cast<std::int32_t>(std::min<std::int64_t>(job_.output->soundBytes() * whole / all, whole));
+    const auto now = std::chrono::steady_clock::now();
+    if (thousandths <= reported_ || (thousandths < whole && now < nextReport_))
         return;
     reported_ = thousandths;
+    nextReport_ = now + fastestReports;
     events_.progress(thousandths);
 }
 

@@ -9,6 +9,7 @@
 #include "platform/sleep_lock.h"
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <thread>
@@ -54,5 +55,6 @@ private:
     std::shared_ptr<TrackPipe> pipe_ = std::make_shared<TrackPipe>();
     std::atomic<bool> givenUp_ = false;
     std::int32_t reported_ = 0;
+    std::chrono::steady_clock::time_point nextReport_;
     std::thread writing_;
 };

@@ -3,10 +3,11 @@
 namespace
 {
 
-constexpr std::size_t mostWaitingBytes = 8 << 20;
+constexpr std::size_t mostWaitingBytes = 1 << 20;
 
 }
 
+// A thread that had to wait is woken for a good deal of work, not for each piece: waking takes its time, too.
 void TrackPipe::take(std::vector<std::byte> samples)
 {
     std::unique_lock guard(mutex_);
@@ -16,7 +17,8 @@ void TrackPipe::take(std::vector<std::byte> samples)
         return;
     waitingBytes_ += samples.size();
     waiting_.push_back(std::move(samples));
-    changed_.notify_all();
+    if (waiting_.size() == 1)
+        changed_.notify_all();
 }
 
 void TrackPipe::end(Outcome outcome)
@@ -35,7 +37,8 @@ std::optional<std::vector<std::byte>> TrackPipe::next()
     auto samples = std::move(waiting_.front());
     waiting_.pop_front();
     waitingBytes_ -= samples.size();
-    changed_.notify_all();
+    if (waitingBytes_ < mostWaitingBytes / 2)
+        changed_.notify_all();
     return samples;
 }
 

@@ -6,7 +6,7 @@
 #include "platform/audio/sndfile_control.h"
 #include "platform/audio/sound_output.h"
 #include "platform/cd_base.h"
-#include "platform/mp3_enc.h"
+#include "platform/codec/lame_enc.h"
 #include "platform/numbers.h"
 #include "platform/paths.h"
 #include "platform/system/appearance.h"
@@ -94,7 +94,12 @@ Toolkit& Desktop::toolkit() { return parts_->toolkit; }
 
 std::unique_ptr<Mp3Play> Desktop::makeMp3Play()
 {
-    return makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell());
+    return makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell(), parts_->partNotes);
+}
+
+std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc()
+{
+    return makeLameEnc(parts_->toolkit.post(), shell(), parts_->partNotes);
 }
 
 std::unique_ptr<MMControl> Desktop::makeMMControl() { return makeSndfileControl(parts_->sound); }

@@ -4,23 +4,12 @@
 #include "platform/cd_base.h"
 #include "platform/drives.h"
 #include "platform/failure.h"
-#include "platform/mp3_enc.h"
 #include "platform/registry.h"
 #include "platform/shell.h"
 #include "platform/system/desktop.h"
 #include <iostream>
 namespace
 {
-struct PEnc : Mp3Enc {
-    std::int32_t b = 0;
-    std::int32_t Bitrate() const override { return b; }
-    void setBitrate(std::int32_t v) override { b = v; }
-    void setBitrate(const Text&) override {}
-    void setHalfSampleRate(bool) override {}
-    std::int16_t Open(const Text&, const Text&) override { return 1; }
-    void Start() override {}
-    std::int32_t Length() const override { return 0; }
-};
 struct PAcd : ACD {
     std::int16_t Init() override { return 0; }
     std::int16_t DriveCount() override { return 1; }
@@ -60,7 +49,6 @@ struct PCd : CdBase {
     Text TrackTitle(std::int16_t) const override { return ""; }
 };
 }
-std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc() { return std::make_unique<PEnc>(); }
 std::unique_ptr<ACD> Desktop::makeACD() { return std::make_unique<PAcd>(); }
 std::unique_ptr<ACDWRITE> Desktop::makeACDWRITE() { return std::make_unique<PWr>(); }
 std::unique_ptr<CdBase> Desktop::makeCdBase() { return std::make_unique<PCd>(); }

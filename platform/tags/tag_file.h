@@ -3,10 +3,13 @@
 
 #include "platform/tags/tag.h"
 
-// ID3v2 first, then APE, then ID3v1, field by field. An empty tag for a file without one, or one that cannot
-// be read.
+// ID3v2 first, then APE, then ID3v1, field by field. An empty tag for a file without one, for one that cannot
+// be read, and for what is no MP3 file.
 Tag readTag(const Text& path);
 
 // Makes the file's tag say `tag`; a field that says so already stays as it is, byte for byte. "" when that is
-// done, otherwise the reason in words, and the file is as it was.
+// done, otherwise the reason in words, and the file is as it was. ID3v1 is always written, the other formats
+// where they are present; ID3v2 is made where ID3v1 cannot hold a field. The file is replaced by a changed
+// copy, whole at every moment, so it takes as long as copying it to the disk; other hard links keep the old
+// file.
 Text writeTag(const Text& path, const Tag& tag);

@@ -17,6 +17,9 @@ namespace
 // An answer of the window manager that comes later than this is news, no echo.
 constexpr auto echoLimit = 1s;
 
+// For so long after a window was shown, a place of the window manager's own choice is put right.
+constexpr auto appearing = 500ms;
+
 Qt::WindowFlags flagsFor(Form::Border border)
 {
     if (border == Form::Border::none)
@@ -39,13 +42,13 @@ FormWidget::FormWidget(Form& form, const char* name, Form::Border border, Extent
 
 void FormWidget::setPlace(QPoint place)
 {
-    place_ = place;
-    if (isVisible())
+    if (std::exchange(place_, place) != place && isVisible())
         carryOut();
 }
 
 void FormWidget::carryOut()
 {
+    forgetOldMoves();
     ownMoves_.push_back({place_, Clock::now()});
     moving_ = true;
     move(place_);
@@ -122,10 +125,15 @@ void FormWidget::moveEvent(QMoveEvent*)
     settle(pos());
 }
 
-bool FormWidget::isEcho(QPoint place)
+void FormWidget::forgetOldMoves()
 {
     while (!ownMoves_.empty() && Clock::now() - ownMoves_.front().at > echoLimit)
         ownMoves_.pop_front();
+}
+
+bool FormWidget::isEcho(QPoint place)
+{
+    forgetOldMoves();
     for (std::size_t i = 0; i < ownMoves_.size(); ++i) {
         if (ownMoves_[i].place != place)
             continue;
@@ -141,7 +149,7 @@ bool FormWidget::isEcho(QPoint place)
 // afterwards.
 void FormWidget::settle(QPoint place)
 {
-    if (placesItself() && Clock::now() - shownAt_ < echoLimit / 2)
+    if (placesItself() && Clock::now() - shownAt_ < appearing)
         carryOut();
     else
         place_ = place;

@@ -49,6 +49,7 @@ private:
     };
 
     void carryOut();
+    void forgetOldMoves();
     bool isEcho(QPoint place);
     void settle(QPoint place);
 

@@ -10,4 +10,7 @@ Image::Image(Container& container, const char* name, Place place, const Text& to
 {
 }
 
+// The form's widgets outlive its controls: none of them may tell of the end of a press any more.
+Image::~Image() { static_cast<ImageWidget*>(widget_)->letGo(); }
+
 }

@@ -20,6 +20,7 @@ public:
 
     Image(Container& container, const char* name, Place place, const Text& toolTip = {},
           Use use = Use::picture);
+    ~Image();
 
     Event<> Click; // a left press and its release inside
 

@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QtMath>
 
 namespace ctl
 {
@@ -52,6 +53,8 @@ Button buttonOf(const QMouseEvent& event)
     return event.button() == Qt::MiddleButton ? Button::middle : Button::left;
 }
 
+QPoint pixelAt(QPointF place) { return {qFloor(place.x()), qFloor(place.y())}; }
+
 Twips twipsAt(qreal pixels) { return static_cast<Twips>(pixels) * twipsPerPixel; }
 
 Qt::CursorShape pointerFor(Image::Use use)
@@ -62,8 +65,6 @@ Qt::CursorShape pointerFor(Image::Use use)
 }
 
 ImageWidget::ImageWidget(Image& image, Image::Use use) : image_(image) { setCursor(pointerFor(use)); }
-
-ImageWidget::~ImageWidget() = default;
 
 void ImageWidget::act()
 {
@@ -76,7 +77,7 @@ bool ImageWidget::event(QEvent* event)
 {
     const bool lost = event->type() == QEvent::UngrabMouse || event->type() == QEvent::WindowDeactivate;
     if (lost && outline_)
-        endDrag();
+        endGesture();
     return QWidget::event(event);
 }
 
@@ -86,7 +87,7 @@ void ImageWidget::paintEvent(QPaintEvent*)
     auto state = Skin::State::normal;
     if (!isEnabled())
         state = Skin::State::disabled;
-    else if (pressed_)
+    else if (down_.testFlag(Qt::LeftButton))
         state = Skin::State::pressed;
     else if (hovered_)
         state = Skin::State::hover;
@@ -95,9 +96,11 @@ void ImageWidget::paintEvent(QPaintEvent*)
 
 void ImageWidget::mousePressEvent(QMouseEvent* event)
 {
-    pressed_ = event->button() == Qt::LeftButton;
+    if (outline_)
+        return; // a drag has the pointer to itself
+    down_.setFlag(event->button());
     update();
-    if (pressed_ && image_.use() == Image::Use::thumb)
+    if (event->button() == Qt::LeftButton && image_.use() == Image::Use::thumb)
         startDrag(event->position().toPoint());
     image_.fromOutside([&] {
         image_.MouseDown.raise(buttonOf(*event), shiftStateOf(*event), twipsAt(event->position().x()),
@@ -113,28 +116,30 @@ void ImageWidget::mouseMoveEvent(QMouseEvent* event)
 
 void ImageWidget::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton || !std::exchange(pressed_, false))
+    if (!down_.testFlag(event->button()))
         return;
-    update();
-    const bool inside = rect().contains(event->position().toPoint());
+    const bool inside = rect().contains(pixelAt(event->position()));
     if (outline_) {
+        letGo(); // first: the drop's handler may wait for long
         if (!inside)
             drop(mapTo(window(), event->position()));
-        endDrag();
+        tellRelease();
         return;
     }
+    down_.setFlag(event->button(), false);
+    update();
     image_.fromOutside([&] {
         image_.MouseUp.raise(buttonOf(*event), shiftStateOf(*event), twipsAt(event->position().x()),
                              twipsAt(event->position().y()));
     });
-    if (inside)
+    if (inside && event->button() == Qt::LeftButton)
         act();
 }
 
 void ImageWidget::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape && outline_)
-        endDrag();
+        endGesture();
     else
         QWidget::keyPressEvent(event);
 }
@@ -153,15 +158,26 @@ void ImageWidget::leaveEvent(QEvent*)
 
 void ImageWidget::hideEvent(QHideEvent*)
 {
-    pressed_ = false;
-    if (outline_)
-        endDrag();
+    if (down_)
+        endGesture();
 }
 
 void ImageWidget::startDrag(QPoint grip)
 {
-    outline_ = std::make_unique<DragOutline>(*this, grip);
+    outline_ = new DragOutline(*this, grip);
+    down_ = Qt::LeftButton;
     grabKeyboard();
+}
+
+void ImageWidget::letGo()
+{
+    if (auto* outline = std::exchange(outline_, nullptr)) {
+        outline->hide();
+        outline->deleteLater(); // a window that hides is just going through its widgets
+        releaseKeyboard();
+    }
+    down_ = {};
+    update();
 }
 
 void ImageWidget::drop(QPointF inForm)
@@ -175,13 +191,15 @@ void ImageWidget::drop(QPointF inForm)
     image_.fromOutside([&] { target.DragDrop.raise(image_, x, y); });
 }
 
-// However the drag ended, it ends with the thumb's release.
-void ImageWidget::endDrag()
+// However it ended, it ends with a release.
+void ImageWidget::endGesture()
 {
-    outline_.reset();
-    pressed_ = false;
-    releaseKeyboard();
-    update();
+    letGo();
+    tellRelease();
+}
+
+void ImageWidget::tellRelease()
+{
     image_.fromOutside([this] { image_.MouseUp.raise(Button::left, 0, 0, 0); });
 }
 
@@ -189,8 +207,7 @@ ImageWidget* ImageWidget::trackUnder(QPointF inForm) const
 {
     for (auto* child : window()->children()) {
         auto* other = dynamic_cast<ImageWidget*>(child);
-        if (other && other->image().use() == Image::Use::track &&
-            other->dropZone().contains(inForm.toPoint()))
+        if (other && other->image().use() == Image::Use::track && other->dropZone().contains(pixelAt(inForm)))
             return other;
     }
     return nullptr;

@@ -4,7 +4,6 @@
 #include "platform/toolkit/image.h"
 
 #include <QWidget>
-#include <memory>
 
 class QMouseEvent;
 
@@ -17,10 +16,10 @@ class ImageWidget final : public QWidget
 {
 public:
     ImageWidget(Image& image, Image::Use use);
-    ~ImageWidget() override;
 
     Image& image() const { return image_; }
-    void act(); // what a click does
+    void act();   // what a click does
+    void letGo(); // ends a press or a drag without a word
 
     // The place in which a track takes drops: over the height of a thumb.
     QRect dropZone() const;
@@ -40,13 +39,14 @@ protected:
 private:
     void startDrag(QPoint grip);
     void drop(QPointF inForm);
-    void endDrag();
+    void endGesture();
+    void tellRelease();
     ImageWidget* trackUnder(QPointF inForm) const;
 
     Image& image_;
-    std::unique_ptr<DragOutline> outline_; // while a drag goes on
+    DragOutline* outline_ = nullptr; // while a drag goes on; the window's own
+    Qt::MouseButtons down_;          // whose press was told and whose release is owed
     bool hovered_ = false;
-    bool pressed_ = false;
 };
 
 }

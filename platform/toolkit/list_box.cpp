@@ -15,7 +15,7 @@ const Text& DroppedFiles::item(std::int32_t number) const
 }
 
 ListBox::ListBox(Container& container, const char* name, Place place, Style style) :
-    Control(container, name, place, new ListView(*this, style == Style::checks)),
+    Control(container, name, place, new ListView(*this)),
     rows_(std::make_unique<ListRows>(style == Style::checks)), view_(static_cast<ListView*>(widget_))
 {
     view_->setModel(rows_.get());

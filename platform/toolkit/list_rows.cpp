@@ -2,6 +2,17 @@
 
 #include "platform/toolkit/qt_bridge.h"
 
+namespace
+{
+
+// A row is one line, also when its text holds line ends; the first row's height is that of all.
+QString onOneLine(const Text& text)
+{
+    return shown(text).replace(u'\r', u'\u240D').replace(u'\n', u'\u240A');
+}
+
+}
+
 namespace ctl
 {
 
@@ -49,7 +60,7 @@ QVariant ListRows::data(const QModelIndex& index, int role) const
     if (!index.isValid() || index.row() >= count())
         return {};
     if (role == Qt::DisplayRole)
-        return shown(text(index.row()));
+        return onOneLine(text(index.row()));
     if (role == Qt::CheckStateRole && checks_)
         return isChecked(index.row()) ? Qt::Checked : Qt::Unchecked;
     return {};

@@ -26,15 +26,23 @@ std::vector<Text> filesIn(const QMimeData& data)
     return paths;
 }
 
+// As copies, whatever the other program offers first: a move would delete its files.
+bool offerCopy(QDropEvent& event)
+{
+    const bool takes = event.mimeData()->hasUrls() && event.possibleActions().testFlag(Qt::CopyAction);
+    event.setDropAction(Qt::CopyAction);
+    event.setAccepted(takes);
+    return takes;
+}
+
 }
 
 namespace ctl
 {
 
-ListView::ListView(ListBox& list, bool checks) : list_(list)
+ListView::ListView(ListBox& list) : list_(list)
 {
     setUniformItemSizes(true);
-    setSelectionMode(checks ? QAbstractItemView::NoSelection : QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     setTextElideMode(Qt::ElideMiddle);
@@ -44,13 +52,18 @@ void ListView::showSelection(std::int32_t index)
 {
     quietly([&] {
         const QModelIndex row = model()->index(index, 0);
-        if (row.isValid()) {
+        if (row.isValid())
             selectionModel()->setCurrentIndex(row, QItemSelectionModel::ClearAndSelect);
-            scrollTo(row);
-        } else {
+        else
             selectionModel()->clear();
-        }
     });
+}
+
+// Whatever the pointer or a key does, the view only moves its current row: the list box hears of that and
+// answers by `showSelection`.
+QItemSelectionModel::SelectionFlags ListView::selectionCommand(const QModelIndex&, const QEvent*) const
+{
+    return QItemSelectionModel::NoUpdate;
 }
 
 void ListView::currentChanged(const QModelIndex& current, const QModelIndex& previous)
@@ -66,8 +79,6 @@ void ListView::mousePressEvent(QMouseEvent* event)
     quietly([&] { QListView::mousePressEvent(event); });
     if (row.isValid())
         list_.chosen(row.row());
-    else
-        showSelection(list_.ListIndex());
 }
 
 void ListView::mouseDoubleClickEvent(QMouseEvent* event)
@@ -79,39 +90,30 @@ void ListView::mouseDoubleClickEvent(QMouseEvent* event)
         list_.fromOutside([this] { list_.DblClick.raise(); });
 }
 
-// Letters would search the rows, which all begin alike: they are the window's own.
 void ListView::keyPressEvent(QKeyEvent* event)
 {
     const auto code = keyCodeOf(*event);
     if (code != 0)
         list_.fromOutside([&] { list_.KeyDown.raise(code, shiftStateOf(*event)); });
-    if (event->text().isEmpty() || event->key() == Qt::Key_Space)
-        QListView::keyPressEvent(event);
+    QListView::keyPressEvent(event);
 }
 
-// Getting the focus selects nothing.
+// Getting the focus selects nothing, and scrolls nowhere: a click's place must still lie on the row that the
+// user saw there.
 void ListView::focusInEvent(QFocusEvent* event)
 {
     quietly([&] { QListView::focusInEvent(event); });
     showSelection(list_.ListIndex());
 }
 
-void ListView::dragEnterEvent(QDragEnterEvent* event) { dragMoveEvent(event); }
+void ListView::dragEnterEvent(QDragEnterEvent* event) { offerCopy(*event); }
 
-// As copies, whatever the other program offers first: a move would delete its files.
-void ListView::dragMoveEvent(QDragMoveEvent* event)
-{
-    if (!event->mimeData()->hasUrls() || !event->possibleActions().testFlag(Qt::CopyAction)) {
-        event->ignore();
-        return;
-    }
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
-}
+void ListView::dragMoveEvent(QDragMoveEvent* event) { offerCopy(*event); }
 
 void ListView::dropEvent(QDropEvent* event)
 {
-    dragMoveEvent(static_cast<QDragMoveEvent*>(event));
+    if (!offerCopy(*event))
+        return;
     const DroppedFiles files(filesIn(*event->mimeData()));
     list_.fromOutside([&] { list_.OLEDragDrop.raise(files); });
 }

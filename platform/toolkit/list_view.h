@@ -12,7 +12,7 @@ namespace ctl
 class ListView final : public QListView
 {
 public:
-    ListView(ListBox& list, bool checks);
+    explicit ListView(ListBox& list);
 
     // Changes the rows or the selection without taking it for the user's doing.
     template <typename Change>
@@ -25,7 +25,13 @@ public:
 
     void showSelection(std::int32_t index);
 
+    // Letters are the window's own; searching with them would stop at nothing useful, as all rows begin
+    // alike.
+    void keyboardSearch(const QString&) override {}
+
 protected:
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;

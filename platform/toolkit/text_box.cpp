@@ -10,21 +10,34 @@
 namespace
 {
 
-// Refuses what would make a full box longer; a box that the program filled past its bound can still be
-// shortened.
+// Takes of what is typed or pasted as much as there is room for. A box that the program filled past its bound
+// can still be shortened.
 class LengthBound final : public QValidator
 {
 public:
-    LengthBound(QLineEdit* box, std::size_t characters) : QValidator(box), box_(box), bound_(characters) {}
+    LengthBound(QObject* owner, const ctl::TextBox& box, std::size_t characters) :
+        QValidator(owner), box_(box), bound_(characters)
+    {
+    }
 
-    State validate(QString& text, int&) const override
+    // The new text stands before the cursor, so that is where its end is cut.
+    State validate(QString& text, int& cursor) const override
     {
         const std::size_t length = characterCount(bytesOf(text));
-        return length <= bound_ || length <= characterCount(bytesOf(box_->text())) ? Acceptable : Invalid;
+        const std::size_t room = std::max(bound_, characterCount(box_.Text()));
+        if (length <= room)
+            return Acceptable;
+        const Text head = bytesOf(text.left(cursor));
+        if (characterCount(head) < length - room)
+            return Invalid;
+        const QString kept = shown(Text(firstCharacters(head, characterCount(head) - (length - room))));
+        text = kept + text.mid(cursor);
+        cursor = static_cast<int>(kept.size());
+        return text == shown(box_.Text()) ? Invalid : Acceptable;
     }
 
 private:
-    QLineEdit* box_;
+    const ctl::TextBox& box_; // still with the text before the change
     std::size_t bound_;
 };
 
@@ -102,7 +115,7 @@ void TextBox::setLocked(bool locked)
 void TextBox::setMaxLength(std::size_t characters)
 {
     if (auto* line = qobject_cast<QLineEdit*>(widget_))
-        line->setValidator(new LengthBound(line, characters));
+        line->setValidator(new LengthBound(line, *this, characters));
 }
 
 void TextBox::setSelStart(std::ptrdiff_t start)

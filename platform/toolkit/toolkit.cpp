@@ -34,7 +34,8 @@ struct Toolkit::Parts final : QObject, Post {
     void pressed(QObject* object)
     {
         auto* widget = qobject_cast<QWidget*>(object);
-        if (auto* window = widget ? dynamic_cast<FormWidget*>(widget->window()) : nullptr)
+        auto* window = widget ? dynamic_cast<FormWidget*>(widget->window()) : nullptr;
+        if (window && &window->form().toolkit() == &toolkit)
             toolkit.outermost([&] { toolkit.activated(window->form()); });
     }
 
@@ -53,7 +54,8 @@ struct Toolkit::Parts final : QObject, Post {
 
 Toolkit::Toolkit(Timers timers) : parts_(std::make_unique<Parts>(*this, timers)) {}
 
-Toolkit::~Toolkit() = default;
+// A call that never ran may hold a window, which takes its leave of a whole toolkit.
+Toolkit::~Toolkit() { QCoreApplication::removePostedEvents(parts_.get()); }
 
 void Toolkit::outermost(const std::function<void()>& call)
 {

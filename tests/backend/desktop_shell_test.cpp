@@ -4,6 +4,7 @@
 #include "platform/system/tool_registry.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
+#include "tests/support/private_bus.h"
 #include "tests/support/spawned.h"
 #include "tests/support/temporary_folder.h"
 
@@ -101,25 +102,7 @@ private:
     int before_;
 };
 
-// A bus of the test's own, on which no service is started by itself.
-struct Bus {
-    TemporaryFolder folder;
-    Text address = "unix:path=" + folder / "bus";
-    Spawned daemon = start();
-
-    Spawned start()
-    {
-        putFile(folder / "config",
-                "<busconfig><type>session</type><listen>" + address +
-                    "</listen><policy context='default'><allow send_destination='*' eavesdrop='true'/>"
-                    "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>");
-        return Spawned(
-            {"dbus-daemon", "--nofork", "--print-address=1", "--config-file=" + folder / "config"});
-    }
-    bool runs() { return daemon.line().starts_with(address); }
-};
-
-Spawned service(const Bus& bus, std::vector<Text> abilities = {})
+Spawned service(const PrivateBus& bus, std::vector<Text> abilities = {})
 {
     abilities.insert(abilities.begin(), {NOTIFICATION_SERVICE, bus.address});
     return Spawned(abilities);
@@ -338,7 +321,7 @@ TEST_CASE("A shell that has nothing to tell connects to nothing")
 
 TEST_CASE("A notification reaches the desktop's service")
 {
-    Bus bus;
+    PrivateBus bus;
     REQUIRE(bus.runs());
     Spawned desktop = service(bus);
     REQUIRE(desktop.line() == "ready");
@@ -357,7 +340,7 @@ TEST_CASE("A notification reaches the desktop's service")
 
 TEST_CASE("A service that takes markup gets names of files as they are meant")
 {
-    Bus bus;
+    PrivateBus bus;
     REQUIRE(bus.runs());
     Spawned desktop = service(bus, {"body", "body-markup"});
     REQUIRE(desktop.line() == "ready");
@@ -368,7 +351,7 @@ TEST_CASE("A service that takes markup gets names of files as they are meant")
 
 TEST_CASE("Threads notify without waiting, and nothing is lost")
 {
-    Bus bus;
+    PrivateBus bus;
     REQUIRE(bus.runs());
     Spawned desktop = service(bus);
     REQUIRE(desktop.line() == "ready");
@@ -389,7 +372,7 @@ TEST_CASE("Threads notify without waiting, and nothing is lost")
 
 TEST_CASE("A bus without the service, and one that is lost, leave the line on standard error")
 {
-    Bus bus;
+    PrivateBus bus;
     REQUIRE(bus.runs());
     CapturedErrors errors;
     {
@@ -408,7 +391,7 @@ TEST_CASE("A bus without the service, and one that is lost, leave the line on st
 
 TEST_CASE("A bus that comes back is found again")
 {
-    Bus bus;
+    PrivateBus bus;
     REQUIRE(bus.runs());
     CapturedErrors errors; // the answer to the first may be lost with the first bus
     DesktopShell shell({.busAddress = bus.address});

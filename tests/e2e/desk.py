@@ -102,7 +102,8 @@ class Desk:
 
     def _start_display(self, size):
         read, write = os.pipe()
-        self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{size}x24", "-nolisten", "tcp", pass_fds=[write])
+        self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{size}x24", "-nolisten", "tcp",
+                   "-noreset", pass_fds=[write])
         os.close(write)
         with os.fdopen(read) as answer:
             number = answer.readline().strip()

@@ -4,12 +4,21 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <functional>
 #include <vector>
 
 class CallLog
 {
 public:
-    void add(const Text& call) { calls_.push_back(call); }
+    // Sees each call as it is made; what it throws is the call's own failure.
+    std::function<void(const Text&)> onCall;
+
+    void add(const Text& call)
+    {
+        calls_.push_back(call);
+        if (onCall)
+            onCall(call);
+    }
     void clear() { calls_.clear(); }
 
     const std::vector<Text>& all() const { return calls_; }

@@ -24,6 +24,8 @@ public:
     // Asked at each `Open`, first one first; when they run out, 0.
     std::deque<std::int16_t> openResults;
     std::function<void()> onPlay;
+    std::function<void(const Text&)> onCall;     // each call, before it is answered
+    std::function<void(const Text&)> onQuestion; // length, artist and title asked for
     std::function<std::int16_t()> isPlaying = [] { return std::int16_t{0}; };
 
     bool isOpen = false;
@@ -74,14 +76,14 @@ public:
         say("RightVolume");
         return right;
     }
-    std::int32_t Length() const override { return length; }
+    std::int32_t Length() const override { return asked("Length", length); }
     std::int32_t Bitrate() const override { return bitrate; }
     std::int32_t Frequency() const override { return frequency; }
     std::int16_t CurrentFrame() const override { return currentFrame; }
     float FrameDuration() const override { return frameDuration; }
     std::int16_t IsPlaying() const override { return isPlaying(); }
-    Text Title() const override { return title; }
-    Text Artist() const override { return artist; }
+    Text Title() const override { return asked("Title", title); }
+    Text Artist() const override { return asked("Artist", artist); }
     Text Album() const override { return album; }
     Text Comment() const override { return comment; }
     std::int16_t Year() const override { return year; }
@@ -97,7 +99,20 @@ public:
     std::int32_t DecodeLength() const override { return decodeLength; }
 
 private:
-    void say(const Text& call) const { log_.add(name_ + "." + call); }
+    void say(const Text& call) const
+    {
+        log_.add(name_ + "." + call);
+        if (onCall)
+            onCall(call);
+    }
+
+    template <typename Answer>
+    Answer asked(const char* question, const Answer& answer) const
+    {
+        if (onQuestion)
+            onQuestion(question);
+        return answer;
+    }
 
     CallLog& log_;
     Text name_;
@@ -109,6 +124,7 @@ public:
     explicit RecordingMMControl(CallLog& log) : log_(log) {}
 
     std::int32_t length = 0, position = 0;
+    std::function<void(const Text&)> onCall;
 
     void setDeviceType(const Text& deviceType) override { say("DeviceType = " + deviceType); }
     void setFileName(const Text& path) override { say("FileName = " + path); }
@@ -118,7 +134,12 @@ public:
     void setFrom(std::int32_t from) override { say("From = " + textOf(from)); }
 
 private:
-    void say(const Text& call) const { log_.add("MMControl1." + call); }
+    void say(const Text& call) const
+    {
+        log_.add("MMControl1." + call);
+        if (onCall)
+            onCall(call);
+    }
 
     CallLog& log_;
 };

@@ -132,14 +132,18 @@ public:
     Text FileTitle() const override { return Text(fileTitle(FileName())); }
     void GetFileList(Text& folder, std::vector<Text>& names, std::int32_t& count) const override
     {
+        if (fileListFails)
+            throw failure(*fileListFails);
         const Text& first = paths.front();
-        folder = first.substr(0, first.rfind(pathSeparator));
+        folder = listFolder.value_or(first.substr(0, first.rfind(pathSeparator)));
         names.assign(1, "");
         for (const auto& path : paths)
             names.emplace_back(namesWithFolder ? path : Text(fileTitle(path)));
         count = static_cast<std::int32_t>(paths.size());
     }
     bool namesWithFolder = false;
+    std::optional<Text> listFolder; // in place of the first path's own
+    std::optional<int> fileListFails;
 
 private:
     void say(const Text& call) const { log_.add(name_ + "." + call); }
@@ -174,6 +178,11 @@ public:
         Text caption;
         std::int32_t parent;
         Text key;
+        Text helpText;
+        std::int32_t itemData;
+        std::int32_t iconIndex;
+        bool checked;
+        bool enabled;
     };
 
     ScriptedMenu(CallLog& log, Text name) : log_(log), name_(std::move(name)) {}
@@ -186,10 +195,11 @@ public:
         say("Clear");
         items.clear();
     }
-    std::int32_t AddItem(const Text& caption, const Text&, std::int32_t, std::int32_t parent, std::int32_t,
-                         bool, bool, const Text& key) override
+    std::int32_t AddItem(const Text& caption, const Text& helpText, std::int32_t itemData,
+                         std::int32_t parent, std::int32_t iconIndex, bool checked, bool enabled,
+                         const Text& key) override
     {
-        items.push_back({caption, parent, key});
+        items.push_back({caption, parent, key, helpText, itemData, iconIndex, checked, enabled});
         return static_cast<std::int32_t>(items.size());
     }
     void Store(const Text& tree) override { say("Store(" + tree + ")"); }
@@ -219,9 +229,11 @@ public:
     explicit StoreInMemory(CallLog& log) : log_(log) {}
 
     std::map<std::pair<Text, Text>, Text> values;
+    std::vector<Text> reads; // "section/key"
 
     Text GetSetting(const Text&, const Text& section, const Text& key) override
     {
+        reads.push_back(section + "/" + key);
         const auto value = values.find({section, key});
         return value == values.end() ? Text() : value->second;
     }
@@ -303,15 +315,18 @@ public:
     explicit FilesInMemory(CallLog& log) : log_(log) {}
 
     std::map<Text, Text> files;
-    std::map<Text, int> failures; // the failure of opening a path for output, or of reading it
+    std::map<Text, int> failures;       // the failure of opening a path for output, or of reading it
+    std::map<Text, int> outputFailures; // of opening for output alone
     std::optional<int> writeFails;
+    std::function<void(std::string_view)> onWrite;
     bool measures = true; // false: the length of an unreadable file cannot be told either
 
     std::unique_ptr<TextOutput> openForOutput(const Text& path) override
     {
         log_.add("Files.open " + path);
-        if (const auto fails = failures.find(path); fails != failures.end())
-            throw failure(fails->second);
+        for (const auto* refused : {&failures, &outputFailures})
+            if (const auto fails = refused->find(path); fails != refused->end())
+                throw failure(fails->second);
         return std::make_unique<Output>(*this, path);
     }
     bool stillHolds(const Text& path, std::uint64_t revision) override
@@ -342,6 +357,8 @@ private:
         Output(FilesInMemory& files, Text path) : files_(files), path_(std::move(path)) {}
         void write(std::string_view bytes) override
         {
+            if (files_.onWrite)
+                files_.onWrite(bytes);
             if (files_.writeFails) {
                 failed_ = true;
                 throw failure(*files_.writeFails);

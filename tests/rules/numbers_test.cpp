@@ -4,6 +4,7 @@
 
 #include <doctest/doctest.h>
 #include <limits>
+#include <string>
 
 namespace
 {
@@ -44,6 +45,32 @@ TEST_CASE("Text becomes a number without regard to the locale")
     CHECK(toInteger16("11.5") == 12);
     CHECK(toInteger16("2.5") == 2);
     CHECK(toInteger32("-2147483648") == std::numeric_limits<std::int32_t>::min());
+}
+
+TEST_CASE("Every place in twips reads back from its text")
+{
+    for (int step = -60000; step < 60000; ++step) {
+        const float place = static_cast<float>(step) / 7;
+        if (toSingle(textOf(place)) != place)
+            FAIL("it does not: " << place);
+    }
+}
+
+TEST_CASE("Text of a fraction becomes the nearest integer, halves the even one")
+{
+    struct Row {
+        const char* text;
+        std::int32_t integer;
+    };
+    for (const auto& row : {Row{"0.5", 0}, Row{"1.5", 2}, Row{"-0.5", 0}, Row{"-1.5", -2}, Row{"0.50001", 1},
+                            Row{"26122.447", 26122}, Row{"999.5", 1000}, Row{" 7 ", 7}, Row{"1e2", 100}}) {
+        CAPTURE(std::string(row.text));
+        CHECK(toInteger32(row.text) == row.integer);
+        CHECK(toInteger16(row.text) == row.integer);
+    }
+    CHECK(toInteger16("32767.4") == 32767);
+    CHECK(failureNumber([] { toInteger16("32767.5"); }) == 6);
+    CHECK(failureNumber([] { toInteger16("-32769"); }) == 6);
 }
 
 TEST_CASE("Text that is no number is a type mismatch, a number that does not fit overflows")

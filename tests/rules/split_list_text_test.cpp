@@ -6,7 +6,7 @@ namespace
 {
 
 struct Case {
-    const char* what;
+    Text what;
     Text text;
     std::vector<Text> lines;
 };
@@ -25,8 +25,23 @@ TEST_CASE("A list's text falls into these lines")
         {"bare LF line ends are no line ends", "a\nb\nc\n", {"a\nb\nc"}},
         {"the lost character is a whole one", "a\r\nb\xC3\xA9", {"a", "b"}},
         {"an invalid byte is one character", "a\r\nb\xE9", {"a", "b"}},
+        {"a lost character of three bytes brings no row of its own", "a\r\nb\xE2\x82\xAC", {"a", "b"}},
+        {"nor does one of four", "a\r\nb\xF0\x9F\x8E\xB5", {"a", "b"}},
+        {"a stray byte before it", "\x9F\xEF\x9F\x83", {"\x9F"}},
+        {"a character of three bytes cut short: its last byte", "a\xE2\x82", {"a\xE2"}},
         {"a single character", "a", {""}},
+        {"a single character of four bytes", "\xF0\x9F\x8E\xB5", {""}},
         {"a single line end", "\r\n", {"\r"}},
+        {"two line ends", "\r\n\r\n", {"\r\n"}},
+        {"three line ends", "\r\n\r\n\r\n", {"\r\n", "\r"}},
+        {"a CR alone", "\r", {""}},
+        {"an LF alone", "\n", {""}},
+        {"a CR as the first character of a line", "\r\r\na\r\n", {"\r", "a"}},
+        {"a CR as the last character of a line", "a\r\r\nb\r\n", {"a\r", "b"}},
+        {"a CR at the end of the text", "a\r\nb\r", {"a", "b"}},
+        {"LF and CR", "a\n\rb\r\n", {"a\n\rb"}},
+        {"a NUL", Text("a\0b\r\n", 5), {Text("a\0b", 3)}},
+        {"a comment stays a line", "#a\r\nb\r\n", {"#a", "b"}},
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);
@@ -34,6 +49,15 @@ TEST_CASE("A list's text falls into these lines")
         REQUIRE(lines.has_value());
         CHECK(*lines == c.lines);
     }
+}
+
+TEST_CASE("Any delimiter is sought from the second character of a line on")
+{
+    using Lines = std::vector<Text>;
+    CHECK(splitListText("a;b;", ";") == Lines{"a", "b"});
+    CHECK(splitListText(";a;", ";") == Lines{";a"});
+    CHECK(splitListText("a--b---c--", "--") == Lines{"a", "b", "-c"});
+    CHECK(splitListText("a\r\nb", ";") == Lines{"a\r\n"});
 }
 
 TEST_CASE("An empty text has no lines at all") { CHECK_FALSE(splitListText("", lineEnd).has_value()); }

@@ -9,7 +9,10 @@
 class TemporaryFolder
 {
 public:
-    TemporaryFolder() { path_ = mkdtemp(path_.data()); }
+    explicit TemporaryFolder(const Text& parent = "/tmp") : path_(parent + "/velmora-test-XXXXXX")
+    {
+        path_ = mkdtemp(path_.data());
+    }
     ~TemporaryFolder()
     {
         namespace fs = std::filesystem;
@@ -27,5 +30,8 @@ public:
     Text operator/(std::string_view name) const { return Text(path_).append("/").append(name); }
 
 private:
-    Text path_ = "/tmp/velmora-test-XXXXXX";
+    Text path_;
 };
+
+// A parent for the folders of tests that write more than a disk takes quickly.
+inline Text memoryFolder() { return std::filesystem::is_directory("/dev/shm") ? "/dev/shm" : "/tmp"; }

@@ -1,0 +1,122 @@
+#!/usr/bin/env python3
+"""Encoding and decoding one file, against lame, ffmpeg and mpg123.
+
+Each pair runs the peer and Velmora one right after the other, so that both meet the same machine; the table gives
+medians over the pairs. `wall` is what a person waits, `cpu` the processor time of all cores. Outputs are removed
+before each run. Velmora's times hold the writing through to the disk, which no peer does.
+"""
+
+import argparse
+import datetime
+import os
+import platform
+import statistics
+import subprocess
+import tempfile
+import time
+from dataclasses import dataclass
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+
+
+@dataclass
+class Run:
+    wall: float
+    cpu: float
+    peak: float  # MiB
+
+
+@dataclass
+class Row:
+    what: str
+    peer_name: str
+    peer: list
+    ours: list
+    outputs: list
+
+
+def measure(command, outputs):
+    for output in outputs:
+        Path(output).unlink(missing_ok=True)
+    start = time.monotonic()
+    child = subprocess.Popen(command, stdin=subprocess.DEVNULL)
+    _, status, usage = os.wait4(child.pid, 0)
+    wall = time.monotonic() - start
+    child.returncode = os.waitstatus_to_exitcode(status)
+    if child.returncode != 0:
+        raise SystemExit(f"{command} failed")
+    return Run(wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024)
+
+
+def rows(driver, place, workers):
+    full, half = str(place / "full.wav"), str(place / "half.wav")
+    theirs, ours, wav = str(place / "theirs"), str(place / "ours"), str(place / "source.mp3")
+    subprocess.run(["lame", "--quiet", "-b", "128", full, wav], check=True)
+
+    def encode(kilobits, is_half):
+        source = half if is_half else full
+        rate = ["--resample", "22.05"] if is_half else ["--resample", "44.1"]
+        what = f"encode, {kilobits} kbit/s" + (", 22.05 kHz" if is_half else "")
+        own = [driver, "encode", source, ours, str(kilobits), "half" if is_half else "full", workers]
+        lame = ["lame", "--quiet", "-b", str(kilobits), *rate, source, theirs]
+        ffmpeg = ["ffmpeg", "-nostdin", "-v", "error", "-y", "-i", source, "-c:a", "libmp3lame",
+                  "-b:a", f"{kilobits}k", "-f", "mp3", theirs]
+        yield Row(what, "lame", lame, own, [ours, theirs])
+        yield Row(what, "ffmpeg", ffmpeg, own, [ours, theirs])
+
+    yield from encode(128, False)
+    yield from encode(320, False)
+    yield from encode(64, True)
+
+    own = [driver, "decode", wav, ours, workers]
+    mpg123 = ["mpg123", "-q", "-w", theirs, wav]
+    ffmpeg = ["ffmpeg", "-nostdin", "-v", "error", "-y", "-i", wav, "-f", "wav", theirs]
+    synced = ["sh", "-c", 'mpg123 -q -w "$0" "$1" && sync "$0"', theirs, wav]
+    yield Row("decode", "mpg123 -w", mpg123, own, [ours, theirs])
+    yield Row("decode", "mpg123 -w, then sync", synced, own, [ours, theirs])
+    yield Row("decode", "ffmpeg", ffmpeg, own, [ours, theirs])
+
+
+def compare(row, pairs):
+    peer, ours = [], []
+    for _ in range(pairs):
+        peer.append(measure(row.peer, row.outputs))
+        ours.append(measure(row.ours, row.outputs))
+    middle = lambda runs, name: statistics.median(getattr(run, name) for run in runs)
+    ratio = lambda name: statistics.median(
+        getattr(mine, name) / getattr(theirs, name) for mine, theirs in zip(ours, peer))
+    print(f"| {row.what} | {row.peer_name} | {middle(peer, 'wall'):.2f} | {middle(ours, 'wall'):.2f} "
+          f"| **{ratio('wall'):.3f}** | {middle(peer, 'cpu'):.2f} | {middle(ours, 'cpu'):.2f} "
+          f"| {ratio('cpu'):.3f} | {middle(ours, 'peak'):.0f} |", flush=True)
+
+
+def machine():
+    model = next((line.split(":", 1)[1].strip() for line in open("/proc/cpuinfo") if line.startswith("model name")),
+                 platform.machine())
+    return f"{model}, {os.cpu_count()} cores, load {os.getloadavg()[0]:.1f}"
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--driver", default=str(ROOT / "build/release/bench/codec_bench"))
+    parser.add_argument("--pairs", type=int, default=7)
+    parser.add_argument("--seconds", type=int, default=600, help="length of the sound")
+    parser.add_argument("--workers", default=str(os.cpu_count()))
+    options = parser.parse_args()
+
+    with tempfile.TemporaryDirectory(prefix="velmora-bench-") as folder:
+        place = Path(folder)
+        for name, rate in (("full", 44100), ("half", 22050)):
+            subprocess.run([options.driver, "music", str(options.seconds), str(rate), str(place / f"{name}.wav")],
+                           check=True)
+        print(f"{options.seconds} s of sound, {options.workers} workers, {options.pairs} pairs; {machine()}; "
+              f"{datetime.date.today()}\n")
+        print("| what | peer | peer wall s | Velmora wall s | ratio | peer cpu s | Velmora cpu s | ratio | peak MiB |")
+        print("|---|---|---:|---:|---:|---:|---:|---:|---:|")
+        for row in rows(options.driver, place, options.workers):
+            compare(row, options.pairs)
+
+
+if __name__ == "__main__":
+    main()

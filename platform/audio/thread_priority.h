@@ -1,0 +1,5 @@
+// Sound that comes too late is a gap.
+#pragma once
+
+// Puts the calling thread, and those that it starts, before ordinary work, where the system allows it.
+void putBeforeOtherWork();

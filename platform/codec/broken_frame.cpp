@@ -1,0 +1,59 @@
+#include "platform/codec/broken_frame.h"
+
+#include "platform/codec/frame_bytes.h"
+#include "platform/codec/frame_decoder.h"
+#include "platform/codec/side_info.h"
+
+#include <algorithm>
+
+namespace codec
+{
+
+namespace
+{
+
+bool isMeantSilent(FrameBytes& bytes, std::int64_t frame)
+{
+    const auto header = bytes.header(frame);
+    return isEmpty(bytes.at(frame), header) ||
+           mainDataBegin(bytes.at(frame), header) > bytes.reservoirBefore(frame);
+}
+
+// A frame's sound reaches into the next: an empty one stands there.
+std::vector<std::uint8_t> emptyFrameBehind(FrameBytes& bytes, std::int64_t frame)
+{
+    const auto header = bytes.header(frame);
+    std::vector<std::uint8_t> empty(bytes.at(frame), bytes.at(frame) + header.bytes);
+    const int reservoir = bytes.reservoirBefore(frame) + header.mainData();
+    silence(empty.data(), header, std::min(reservoir, header.maxReservoir()));
+    return empty;
+}
+
+bool isHeard(std::vector<std::uint8_t> frames)
+{
+    MemorySource source(std::move(frames));
+    FrameDecoder decoder(source, FrameDecoder::Kind::Frames);
+    for (std::span<const std::int16_t> samples; decoder.next(samples);)
+        if (std::any_of(samples.begin(), samples.end(), [](std::int16_t sample) { return sample != 0; }))
+            return true;
+    return false;
+}
+
+}
+
+bool mayHaveBrokenOff(const SourceFile& file, const FrameTable& table, std::int64_t frame)
+{
+    const std::int64_t start = reservoirStart(table, frame);
+    FrameBytes bytes(file, table, start, frame + 1);
+    if (isMeantSilent(bytes, frame))
+        return false;
+    for (std::int64_t i = start; i < frame; ++i)
+        bytes.silence(i);
+    const auto behind = emptyFrameBehind(bytes, frame);
+    keepLastSound(bytes.at(frame), bytes.header(frame));
+    auto frames = bytes.take();
+    frames.insert(frames.end(), behind.begin(), behind.end());
+    return !isHeard(std::move(frames));
+}
+
+}

@@ -1,0 +1,14 @@
+// Finds the frames that a decoder breaks off.
+#pragma once
+
+#include "platform/codec/frame_scan.h"
+
+namespace codec
+{
+
+// For a frame that decoded to silence at its end, as one does that broke off: false when it surely did not. A
+// frame without values cannot, one that counts on a reservoir before the file's first frame is silent by
+// itself, and of a quiet one something is heard at full gain. Fails with 57.
+bool mayHaveBrokenOff(const SourceFile& file, const FrameTable& table, std::int64_t frame);
+
+}

@@ -1,0 +1,59 @@
+// Encodes one chunk of a sound into its place in the MP3 file.
+#pragma once
+
+#include "platform/codec/info_tag.h"
+#include "platform/codec/lame_encoder.h"
+#include "platform/codec/part_file.h"
+#include "platform/codec/tasks.h"
+
+namespace codec
+{
+
+// What the chunks of one file share.
+struct EncodeJob {
+    const SourceFile& file;
+    Mp3Settings settings;
+    EncodeClock clock;
+    std::int64_t tagBytes; // room for the info tag at the front; 0: the file has none
+    PartFile& part;
+    Progress& progress; // counts input samples
+};
+
+// What a chunk became.
+struct EncodedChunk {
+    std::int64_t frames = 0;
+    std::int64_t bytes = 0;
+    Checksum checksum;
+    Mp3Bytes tag; // of the last chunk: as its encoder fills it
+};
+
+class ChunkEncoder
+{
+public:
+    ChunkEncoder(const EncodeJob& job, const EncodeChunk& chunk);
+
+    // Fails with the reason. Throws `Stopped` when asked to stop.
+    EncodedChunk run(const std::stop_token& stop);
+
+private:
+    void leadIn(const std::stop_token& stop);
+    void encodeUntil(std::int64_t frame, const std::stop_token& stop);
+    void encodeToTheEnd(const std::stop_token& stop);
+    bool encodeBlock(std::size_t samples, const std::stop_token& stop);
+    void advance();
+    std::size_t blockBefore(std::int64_t frame) const;
+    std::int64_t frame() const { return chunk_.start + encoder_.frames(); }
+    void write();
+
+    const EncodeJob& job_;
+    EncodeChunk chunk_;
+    WavSource source_;
+    LameEncoder encoder_;
+    SoundBlock block_;
+    Mp3Bytes out_;
+    std::size_t tagInOut_; // bytes at the front of `out_` that are the room for the tag
+    std::int64_t at_;
+    EncodedChunk result_;
+};
+
+}

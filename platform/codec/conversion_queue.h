@@ -1,0 +1,61 @@
+// Runs conversions of files one after the other on a thread of its own.
+#pragma once
+
+#include "platform/codec/tasks.h"
+#include "platform/post.h"
+#include "platform/shell.h"
+#include "platform/text.h"
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace codec
+{
+
+class ConversionQueue
+{
+public:
+    // Both calls run on the window thread; no progress comes after its `done`. The number names the
+    // conversion.
+    struct Events {
+        std::function<void(std::int32_t)> progress;
+        std::function<void(std::uint64_t)> done;
+    };
+
+    struct Conversion {
+        std::uint64_t number = 0;
+        Text input; // what the desktop is told about when it fails
+        std::function<void(const Report&, const std::stop_token&)> work; // fails with the reason
+    };
+
+    // `failed` heads what the desktop is told: "Encoding failed".
+    ConversionQueue(Post& post, Shell& shell, Text failed, Events events);
+
+    // On the window thread. Breaks off the running conversion; nothing is delivered afterwards.
+    ~ConversionQueue();
+
+    void add(Conversion conversion);
+
+private:
+    void run(const std::stop_token& stop);
+    void convert(const Conversion& conversion, const std::stop_token& stop);
+    void tell(const Text& input, const Text& reason);
+    template <typename Call>
+    void deliver(Call call);
+
+    Post& post_;
+    Shell& shell_;
+    Text failed_;
+    std::shared_ptr<Events> events_; // calls under way hold it weakly: they end with this object
+    std::mutex mutex_;
+    std::condition_variable_any changed_;
+    std::deque<Conversion> waiting_;
+    std::jthread worker_; // the last member: it ends first
+};
+
+}

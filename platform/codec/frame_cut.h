@@ -1,0 +1,34 @@
+// Frames cut out of the middle of a file, made decodable from their first one on.
+#pragma once
+
+#include "platform/codec/frame_decoder.h"
+#include "platform/codec/frame_scan.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace codec
+{
+
+// What a decoder needs to give frame `begin` exactly as if it came from the file's beginning. A frame's main
+// data may begin up to 511 bytes back, in frames before it (the bit reservoir), so those come first,
+// silenced; then frames for the overlap of one frame into the next.
+class FrameCut
+{
+public:
+    // The frames in which a decoder's synthesis window turns once: its roundings depend on where in the turn
+    // a frame falls.
+    static constexpr std::int64_t windowTurn = 8;
+
+    // `begin` is a multiple of `windowTurn`. Fails with 57.
+    FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t begin, std::int64_t end);
+
+    std::int64_t leadIn() const { return leadIn_; } // frames that come before `begin`
+    ByteSource& source() { return source_; }
+
+private:
+    std::int64_t leadIn_;
+    MemorySource source_;
+};
+
+}

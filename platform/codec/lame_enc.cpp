@@ -1,0 +1,71 @@
+#include "platform/codec/lame_enc.h"
+
+#include "platform/codec/conversion_queue.h"
+#include "platform/codec/encode_file.h"
+#include "platform/codec/part_file.h"
+#include "platform/codec/wav_source.h"
+#include "platform/failure.h"
+#include "platform/numbers.h"
+
+namespace
+{
+
+class LameEnc final : public Mp3Enc
+{
+public:
+    LameEnc(Post& post, Shell& shell, PartNotes& notes) :
+        notes_(notes), queue_(post, shell, "Encoding failed",
+                              {[this](std::int32_t position) { Progress.raise(position); },
+                               [this](std::uint64_t) { finish(); }})
+    {
+    }
+
+    std::int32_t Bitrate() const override { return settings_.bitrate; }
+    void setBitrate(std::int32_t bitsPerSecond) override { settings_.bitrate = bitsPerSecond; }
+    void setBitrate(const Text& bitsPerSecond) override { settings_.bitrate = toInteger32(bitsPerSecond); }
+    void setHalfSampleRate(bool half) override { settings_.halfSampleRate = half; }
+
+    std::int16_t Open(const Text& input, const Text& output) override
+    {
+        input_ = input;
+        output_ = output;
+        isOpen_ = succeeds([&] { codec::WavSource(codec::SourceFile(input)); }) &&
+                  !codec::isSameFile(input, output);
+        return isOpen_ ? 0 : 1;
+    }
+
+    // Also what could not be opened is tried: the reason may have passed, and `Done` must come.
+    void Start() override
+    {
+        ++unfinished_;
+        queue_.add({0, input_,
+                    [input = input_, output = output_, settings = settings_,
+                     &notes = notes_](const codec::Report& report, const std::stop_token& stop) {
+                        codec::encodeFile(input, output, settings, codec::coreCount(), report, stop, notes);
+                    }});
+    }
+
+    std::int32_t Length() const override { return isOpen_ || unfinished_ > 0 ? 1000 : 0; }
+
+private:
+    void finish()
+    {
+        --unfinished_;
+        Done.raise();
+    }
+
+    PartNotes& notes_;
+    codec::Mp3Settings settings_;
+    Text input_;
+    Text output_;
+    bool isOpen_ = false;
+    int unfinished_ = 0;
+    codec::ConversionQueue queue_; // the last member: its conversion ends first
+};
+
+}
+
+std::unique_ptr<Mp3Enc> makeLameEnc(Post& post, Shell& shell, PartNotes& notes)
+{
+    return std::make_unique<LameEnc>(post, shell, notes);
+}

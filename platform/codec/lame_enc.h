@@ -1,0 +1,13 @@
+// The encoder on libmp3lame.
+#pragma once
+
+#include "platform/mp3_enc.h"
+#include "platform/part_notes.h"
+#include "platform/post.h"
+#include "platform/shell.h"
+
+#include <memory>
+
+// The events come through `post`; a failed conversion is told to the desktop through `shell`. Both, and
+// `notes`, outlive the encoder.
+std::unique_ptr<Mp3Enc> makeLameEnc(Post& post, Shell& shell, PartNotes& notes);

@@ -1,0 +1,25 @@
+// The file that a conversion reads, from any thread: what it lacks is a failure, not an end.
+#pragma once
+
+#include "platform/codec/input_file.h"
+
+namespace codec
+{
+
+class SourceFile
+{
+public:
+    explicit SourceFile(const Text& path); // fails with 53, 70, 75 or 76
+
+    std::int64_t size() const { return size_; } // bytes, when it was opened
+
+    // Reads up to `count` bytes at `at`; fewer only at the end of the file. Fails with 57, also when the file
+    // has become shorter since it was opened.
+    std::size_t read(void* bytes, std::size_t count, std::int64_t at) const;
+
+private:
+    std::shared_ptr<const InputFile> file_;
+    std::int64_t size_ = 0;
+};
+
+}

@@ -1,0 +1,83 @@
+#include "platform/tags/field_changes.h"
+
+#include "platform/tags/genre.h"
+#include "platform/tags/tag_text.h"
+
+namespace
+{
+
+constexpr std::int16_t noName = 80;
+
+struct TextField {
+    Field field;
+    Text Tag::*text;
+};
+
+constexpr TextField textFields[] = {
+    {Field::Title, &Tag::title},
+    {Field::Artist, &Tag::artist},
+    {Field::Album, &Tag::album},
+    {Field::Comment, &Tag::comment},
+};
+
+std::int16_t genreOf(const std::vector<Text>& values)
+{
+    for (const Text& value : values)
+        if (const std::int16_t genre = genreNumber(value); genre >= 0)
+            return genre;
+    return -1;
+}
+
+// 80 goes by its number: its name here is the program's own, and other programs would show it as a genre.
+Text genreText(std::int16_t genre)
+{
+    const Text name = genreName(genre);
+    return genre == noName || name.empty() ? std::to_string(genre) : name;
+}
+
+// A genre that only its text can say is 80 or -1 to the program; saving another field must not wipe it.
+bool genreStays(const Tag& wanted, const HeldTag& held, const Tag& shown)
+{
+    const std::int16_t genre = wanted.genreIndex;
+    if (held.tag.genreIndex >= 0 || held.genre.empty())
+        return held.tag.genreIndex == genre;
+    return genre == noName || genre == shown.genreIndex;
+}
+
+}
+
+HeldTag heldTag(const std::function<std::vector<Text>(Field)>& valuesOf)
+{
+    HeldTag held;
+    for (const auto& [field, text] : textFields)
+        held.tag.*text = joined(valuesOf(field));
+    const auto genres = valuesOf(Field::Genre);
+    held.tag.year = yearOf(joined(valuesOf(Field::Year)));
+    held.tag.genreIndex = genreOf(genres);
+    held.genre = joined(genres);
+    return held;
+}
+
+std::vector<FieldChange> changesTo(const Tag& wanted, const HeldTag& held, const Tag& shown)
+{
+    std::vector<FieldChange> changes;
+    for (const auto& [field, text] : textFields)
+        if (held.tag.*text != wanted.*text)
+            changes.push_back({field, wanted.*text});
+    if (held.tag.year != wanted.year)
+        changes.push_back({Field::Year, yearText(wanted.year)});
+    if (!genreStays(wanted, held, shown))
+        changes.push_back({Field::Genre, wanted.genreIndex < 0 ? "" : genreText(wanted.genreIndex)});
+    return changes;
+}
+
+void addMissing(Tag& tag, const Tag& other)
+{
+    for (const auto& [field, text] : textFields)
+        if ((tag.*text).empty())
+            tag.*text = other.*text;
+    if (tag.year == 0)
+        tag.year = other.year;
+    if (tag.genreIndex < 0)
+        tag.genreIndex = other.genreIndex;
+}

@@ -1,0 +1,23 @@
+// What an ID3v2 tag says.
+#pragma once
+
+#include "platform/tags/field_changes.h"
+#include "platform/tags/id3v2_layout.h"
+
+// The first readable frame of each kind answers; of the comments, the first without a description.
+HeldTag readId3v2(Id3v2Layout& layout);
+
+struct Id3v2Comment {
+    std::size_t frame; // its place among the layout's frames
+    Text language;     // three letters
+    Text description;
+    Text text;
+};
+
+// The readable comments in their order; the first hundred, for a file that was made to keep its reader busy.
+std::vector<Id3v2Comment> id3v2Comments(Id3v2Layout& layout);
+
+bool isPlain(const Id3v2Comment& comment);
+
+// The names of the frames that hold a field; the one that a tag of that version should have comes first.
+std::vector<Text> id3v2Names(Field field, int version);

@@ -1,0 +1,13 @@
+// How an ID3v2 tag comes to say something else, with every other byte kept.
+#pragma once
+
+#include "platform/tags/field_changes.h"
+#include "platform/tags/id3v2_layout.h"
+
+// The whole tag, header and padding included, after `changes`: of the same length where they fit, and of the
+// same version. Frames that no change names, and what this program does not understand, stay byte for byte.
+// Fails with words for a person where that cannot be done.
+Text id3v2With(Id3v2Layout& layout, const std::vector<FieldChange>& changes);
+
+// A whole new tag, of the version that the most players read.
+Text newId3v2(const std::vector<FieldChange>& changes);

@@ -1,0 +1,19 @@
+// Where the tags in an MP3 file lie: ID3v2 at its head, then the audio, then APE, then ID3v1.
+#pragma once
+
+#include "platform/tags/ape_tag.h"
+#include "platform/tags/byte_source.h"
+#include "platform/tags/id3v2_layout.h"
+
+#include <optional>
+
+struct TagParts {
+    std::optional<Id3v2Header> id3v2;
+    std::uint64_t audioBegin = 0;
+    std::optional<ApeTag> ape;
+    std::uint64_t audioEnd = 0;
+    Text id3v1; // the tag's bytes; empty when there is none
+};
+
+// `file` must outlive the result.
+TagParts tagPartsOf(ByteSource& file);

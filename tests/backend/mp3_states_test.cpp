@@ -1,0 +1,247 @@
+#include "tests/support/mp3_frames.h"
+#include "tests/support/no_sound.h"
+#include "tests/support/sound_files.h"
+#include "tests/support/sound_parts.h"
+#include "tests/support/wait_until.h"
+
+#include <doctest/doctest.h>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+constexpr std::size_t second = 44100;
+
+// Two files, and no sound server: the silent clock plays.
+struct Files : NoSound, SoundParts {
+    Files()
+    {
+        putFile(song, mp3Bytes(noise(second * 5)));
+        putFile(clip, silentFrames(3));
+    }
+
+    const Text song = folder / "song.mp3";
+    const Text clip = folder / "clip.mp3";
+};
+
+bool plays(const Mp3Play& mp3) { return mp3.IsPlaying() != 0; }
+
+}
+
+TEST_CASE("With nothing open every question has an answer, and no call does harm")
+{
+    SoundParts parts;
+    const auto check = [&] {
+        CHECK(parts.mp3->Length() == 0);
+        CHECK(parts.mp3->Bitrate() == 0);
+        CHECK(parts.mp3->Frequency() == 0);
+        CHECK(parts.mp3->CurrentFrame() == 0);
+        CHECK(parts.mp3->FrameDuration() == 26.122F);
+        CHECK(parts.mp3->LeftVolume() == 0);
+        CHECK(parts.mp3->RightVolume() == 0);
+        CHECK(parts.mp3->IsPlaying() == 0);
+        CHECK(parts.mp3->DecodeLength() == 0);
+        CHECK(parts.mp3->Title().empty());
+        CHECK(parts.mp3->Artist().empty());
+        CHECK(parts.mp3->Album().empty());
+        CHECK(parts.mp3->Comment().empty());
+        CHECK(parts.mp3->Year() == 0);
+        CHECK(parts.mp3->GenreIndex() == -1);
+    };
+    check();
+    parts.mp3->Close();
+    parts.mp3->Play();
+    parts.mp3->Pause();
+    parts.mp3->Stop();
+    parts.mp3->Seek(10);
+    parts.mp3->SetVolume(10, 10);
+    parts.mp3->WriteTag();
+    CHECK(parts.mp3->Open("", "") != 0);
+    check();
+    CHECK(parts.mp3->GenreName(-1).empty());
+    CHECK(parts.shell.notes.empty());
+}
+
+TEST_CASE("A file plays from Play on, also in a pause, and until Stop, Close or Open")
+{
+    Files files;
+    struct Case {
+        const char* what;
+        std::function<void(Mp3Play&)> act;
+        bool playsThen;
+        int sounds;
+    };
+    const Case cases[] = {
+        {"Play once more", [](Mp3Play& mp3) { mp3.Play(); }, true, 1},
+        {"Pause", [](Mp3Play& mp3) { mp3.Pause(); }, true, 0},
+        {"Pause twice",
+         [](Mp3Play& mp3) {
+             mp3.Pause();
+             mp3.Pause();
+         },
+         true, 0},
+        {"Pause and Play",
+         [](Mp3Play& mp3) {
+             mp3.Pause();
+             mp3.Play();
+         },
+         true, 1},
+        {"Seek", [](Mp3Play& mp3) { mp3.Seek(10); }, true, 1},
+        {"Stop", [](Mp3Play& mp3) { mp3.Stop(); }, false, 0},
+        {"Pause and Stop",
+         [](Mp3Play& mp3) {
+             mp3.Pause();
+             mp3.Stop();
+         },
+         false, 0},
+        {"Close", [](Mp3Play& mp3) { mp3.Close(); }, false, 0},
+        {"Open the same", [&](Mp3Play& mp3) { mp3.Open(files.song, ""); }, false, 0},
+        {"Open another", [&](Mp3Play& mp3) { mp3.Open(files.clip, ""); }, false, 0},
+        {"Open a missing one", [](Mp3Play& mp3) { mp3.Open("/missing", ""); }, false, 0},
+        {"Open for decoding", [&](Mp3Play& mp3) { mp3.Open(files.song, files.folder / "o.wav"); }, false, 0},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        REQUIRE(files.mp3->Open(files.song, "") == 0);
+        CHECK(files.mp3->IsPlaying() == 0);
+        files.mp3->Play();
+        CHECK(files.mp3->IsPlaying() == 1);
+        CHECK(files.activity.running == 1);
+        c.act(*files.mp3);
+        CHECK(plays(*files.mp3) == c.playsThen);
+        CHECK(files.activity.running == c.sounds);
+    }
+}
+
+TEST_CASE("The position is 0 after Open, Stop and Close, and stays in a pause")
+{
+    Files files;
+    const auto playOn = [&] {
+        files.mp3->Play();
+        REQUIRE(waitUntil([&] { return files.mp3->CurrentFrame() > 3; }));
+    };
+    files.mp3->Open(files.song, "");
+    CHECK(files.mp3->CurrentFrame() == 0);
+    playOn();
+    files.mp3->Pause();
+    CHECK(files.mp3->CurrentFrame() > 3);
+    files.mp3->Stop();
+    CHECK(files.mp3->CurrentFrame() == 0);
+    playOn();
+    CHECK(files.mp3->CurrentFrame() < 30);
+    files.mp3->Open(files.song, "");
+    CHECK(files.mp3->CurrentFrame() == 0);
+    playOn();
+    files.mp3->Close();
+    CHECK(files.mp3->CurrentFrame() == 0);
+}
+
+TEST_CASE("After Play on a file at least one question is answered with 1, however short the file is")
+{
+    Files files;
+    REQUIRE(files.mp3->Open(files.clip, "") == 0);
+    for (int time = 0; time < 3; ++time) {
+        files.mp3->Play();
+        CHECK(waitUntil([&] { return files.post.count() == static_cast<std::size_t>(time) + 1; }));
+        CHECK(files.mp3->IsPlaying() == 1);
+        CHECK(files.mp3->IsPlaying() == 0);
+        CHECK(files.mp3->CurrentFrame() == 0);
+    }
+    files.mp3->Play();
+    CHECK(waitUntil([&] { return files.post.count() == 4; }));
+    files.mp3->Stop();
+    CHECK(files.mp3->IsPlaying() == 0);
+}
+
+TEST_CASE("A seek before Play says where playing starts, and Stop forgets it")
+{
+    Files files;
+    files.mp3->Open(files.song, "");
+    files.mp3->Seek(100);
+    CHECK(files.mp3->CurrentFrame() == 100);
+    files.mp3->Play();
+    CHECK(waitUntil([&] { return files.mp3->CurrentFrame() > 102; }));
+    CHECK(files.mp3->CurrentFrame() < 120);
+    files.mp3->Seek(50);
+    files.mp3->Stop();
+    CHECK(files.mp3->CurrentFrame() == 0);
+}
+
+TEST_CASE("A pause at the very end is left by Play alone")
+{
+    Files files;
+    files.mp3->Open(files.song, "");
+    files.mp3->Play();
+    files.mp3->Pause();
+    files.mp3->Seek(1000000);
+    std::this_thread::sleep_for(100ms);
+    CHECK(files.mp3->IsPlaying() == 1);
+    files.mp3->Play();
+    CHECK(waitUntil([&] { return files.mp3->IsPlaying() == 0; }));
+}
+
+TEST_CASE("The tag fields answer for the file last opened, set values included, until an Open")
+{
+    Files files;
+    REQUIRE(files.mp3->Open(files.song, "") == 0);
+    files.mp3->setTitle("Title");
+    files.mp3->setArtist("Artist");
+    files.mp3->setAlbum("Album");
+    files.mp3->setComment("Comment");
+    files.mp3->setYear(1999);
+    files.mp3->setGenreIndex(17);
+    for (const bool closed : {false, true}) {
+        if (closed)
+            files.mp3->Close();
+        CHECK(files.mp3->Title() == "Title");
+        CHECK(files.mp3->Artist() == "Artist");
+        CHECK(files.mp3->Album() == "Album");
+        CHECK(files.mp3->Comment() == "Comment");
+        CHECK(files.mp3->Year() == 1999);
+        CHECK(files.mp3->GenreIndex() == 17);
+    }
+    CHECK(files.mp3->Open("/missing", "") != 0);
+    CHECK(files.mp3->Title().empty());
+    CHECK(files.mp3->Year() == 0);
+    CHECK(files.mp3->GenreIndex() == -1);
+    files.mp3->setTitle("Title");
+    files.mp3->WriteTag();
+    CHECK(files.shell.notes.empty()); // there is no file to write to
+}
+
+TEST_CASE("A tag that cannot be written is told to the desktop")
+{
+    Files files;
+    REQUIRE(files.mp3->Open(files.song, "") == 0);
+    files.mp3->setTitle("Title");
+    files.mp3->Close();
+    std::filesystem::remove(files.song);
+    files.mp3->WriteTag();
+    REQUIRE(files.shell.notes.size() == 1);
+    CHECK(files.shell.notes[0].find(files.song) != Text::npos);
+}
+
+TEST_CASE("An engine that goes while it plays leaves nothing behind")
+{
+    Files files;
+    files.mp3->Open(files.song, "");
+    files.mp3->Play();
+    CHECK(files.activity.running == 1);
+    files.mp3.reset();
+    CHECK(files.activity.running == 0);
+}
+
+TEST_CASE("Making an engine and opening a file starts no thread")
+{
+    const auto threads = [] {
+        const std::filesystem::directory_iterator tasks("/proc/self/task");
+        return std::distance(begin(tasks), end(tasks));
+    };
+    const auto before = threads();
+    Files files;
+    CHECK(files.mp3->Open(files.song, "") == 0);
+    files.mp3->SetVolume(70, 70);
+    files.openWav(files.song);
+    CHECK(threads() == before);
+}

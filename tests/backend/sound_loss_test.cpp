@@ -1,0 +1,266 @@
+#include "tests/support/no_sound.h"
+#include "tests/support/recordings.h"
+#include "tests/support/sound_files.h"
+#include "tests/support/sound_parts.h"
+
+#include <doctest/doctest.h>
+#include <sys/resource.h>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+constexpr std::size_t second = 44100;
+
+using Clock = std::chrono::steady_clock;
+
+double millisecondsSince(Clock::time_point then)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - then).count();
+}
+
+double processorSeconds()
+{
+    rusage used{};
+    getrusage(RUSAGE_SELF, &used);
+    return static_cast<double>(used.ru_utime.tv_sec + used.ru_stime.tv_sec) +
+           static_cast<double>(used.ru_utime.tv_usec + used.ru_stime.tv_usec) / 1e6;
+}
+
+// The largest difference between how the position advances and how the time does, milliseconds, over a while.
+double unsteadiness(const MMControl& wav, std::chrono::milliseconds time)
+{
+    const auto began = Clock::now();
+    const std::int32_t first = wav.Position();
+    double worst = 0;
+    while (Clock::now() - began < time) {
+        worst = std::max(worst, std::abs(wav.Position() - first - millisecondsSince(began)));
+        std::this_thread::sleep_for(2ms);
+    }
+    return worst;
+}
+
+}
+
+TEST_CASE("Without a sound server a file plays silently at the pace of the clock")
+{
+    NoSound none;
+    SoundParts parts;
+    const Text path = putWav(parts.folder / "a.wav", noise(second));
+    const auto then = Clock::now();
+    parts.mp3->Open(path, "");
+    parts.mp3->Play();
+    CHECK(millisecondsSince(then) < 50);
+    CHECK(parts.mp3->IsPlaying() == 1);
+    CHECK(waitUntil([&] { return parts.mp3->IsPlaying() == 0; }));
+    CHECK(millisecondsSince(then) >= 1000);
+    CHECK(millisecondsSince(then) < 1200);
+    CHECK(parts.post.count() == 1);
+}
+
+TEST_CASE("Without a sound server a file can be paused, continued, searched and stopped")
+{
+    NoSound none;
+    SoundParts parts;
+    parts.openWav(putWav(parts.folder / "a.wav", noise(second * 20)));
+    parts.wav->setCommand("Play");
+    REQUIRE(waitUntil([&] { return parts.wav->Position() > 200; }));
+    CHECK(unsteadiness(*parts.wav, 300ms) < 60);
+
+    parts.wav->setCommand("Stop");
+    const std::int32_t stopped = parts.wav->Position();
+    std::this_thread::sleep_for(100ms);
+    const std::int32_t standing = parts.wav->Position();
+    CHECK(standing - stopped < 60);
+    std::this_thread::sleep_for(100ms);
+    CHECK(parts.wav->Position() == standing);
+
+    parts.wav->setCommand("Play");
+    REQUIRE(waitUntil([&] { return parts.wav->Position() > standing + 100; }));
+    CHECK(parts.wav->Position() < standing + 300);
+    parts.wav->setFrom(10000);
+    parts.wav->setCommand("Play");
+    CHECK(parts.wav->Position() == 10000);
+    CHECK(waitUntil([&] { return parts.wav->Position() > 10100; }));
+    CHECK(parts.wav->Position() < 10300);
+    parts.wav->setCommand("Close");
+    CHECK(parts.wav->Position() == 0);
+    CHECK(parts.activity.running == 0);
+}
+
+TEST_CASE("An output that takes sound without end counts as none")
+{
+    NoSound none;
+    none.configureAlsa("pcm.!default { type null }\nctl.!default { type null }\n");
+    SoundParts parts;
+    parts.openWav(putWav(parts.folder / "a.wav", noise(second * 20)));
+    const double before = processorSeconds();
+    parts.wav->setCommand("Play");
+    std::int32_t last = 0;
+    const auto then = Clock::now();
+    while (millisecondsSince(then) < 1500) {
+        const std::int32_t position = parts.wav->Position();
+        CHECK(position >= last);
+        last = position;
+        CHECK(position < millisecondsSince(then) + 20);
+        std::this_thread::sleep_for(5ms);
+    }
+    CHECK(last > 1200);
+    CHECK(processorSeconds() - before < 0.3); // nothing spins meanwhile
+}
+
+TEST_CASE("A server that dies while a file plays is replaced by the clock, and sound returns with it")
+{
+    SoundServer server;
+    SoundParts parts;
+    parts.openWav(putWav(parts.folder / "a.wav", counting(second * 60)));
+    parts.wav->setCommand("Play");
+    REQUIRE(waitUntil([&] { return parts.wav->Position() > 300; }));
+    server.kill();
+    CHECK(unsteadiness(*parts.wav, 500ms) < 60);
+
+    server.start();
+    const auto then = Clock::now();
+    Recorder recorder(server);
+    recorder.waitForSound();
+    CHECK(millisecondsSince(then) < 3000);
+    MESSAGE("Sound was back " << millisecondsSince(then) << " ms after the server");
+    const std::int32_t position = parts.wav->Position();
+    const double heard = static_cast<double>(numberOf(recorder.latest().first)) / 44.1;
+    CHECK(std::abs(position - heard) < 60);
+    CHECK(unsteadiness(*parts.wav, 300ms) < 60);
+    CHECK(parts.activity.running == 1);
+}
+
+TEST_CASE("A server that comes after Play sounds from the place that was reached")
+{
+    SoundServer server;
+    server.kill();
+    SoundParts parts;
+    parts.mp3->Open(putWav(parts.folder / "a.wav", counting(second * 60)), "");
+    parts.mp3->Play();
+    REQUIRE(waitUntil([&] { return parts.mp3Milliseconds() > 300; }));
+    server.start();
+    Recorder recorder(server);
+    recorder.waitForSound();
+    CHECK(std::abs(parts.mp3Milliseconds() - static_cast<double>(numberOf(recorder.latest().first)) / 44.1) <
+          90);
+}
+
+TEST_CASE("While the server hangs every call returns at once, the file plays on, and sound returns")
+{
+    SoundServer server;
+    SoundParts parts;
+    const Text path = putWav(parts.folder / "a.wav", counting(second * 60));
+    parts.openWav(path);
+    parts.wav->setCommand("Play");
+    REQUIRE(waitUntil([&] { return parts.wav->Position() > 300; }));
+    server.hang();
+
+    double worst = 0;
+    const auto timed = [&](auto call) {
+        const auto then = Clock::now();
+        call();
+        worst = std::max(worst, millisecondsSince(then));
+    };
+    timed([&] { parts.mp3->Open(path, ""); });
+    timed([&] { parts.mp3->Play(); });
+    timed([&] { parts.mp3->SetVolume(100, 100); }); // the counting sound stays legible
+    timed([&] { parts.mp3->Seek(100); });
+    timed([&] { parts.mp3->Pause(); });
+    timed([&] { parts.mp3->Play(); });
+    timed([&] { parts.mp3->Stop(); });
+    timed([&] { parts.mp3->Close(); });
+    CHECK(worst < 50);
+
+    // Two seconds without a sign, and the clock takes over where the sound broke off.
+    const std::int32_t brokeOff = parts.wav->Position();
+    CHECK(waitUntil([&] { return parts.wav->Position() > brokeOff + 500; }, 5s));
+    CHECK(unsteadiness(*parts.wav, 300ms) < 60);
+
+    server.wakeUp();
+    const auto then = Clock::now();
+    Recorder recorder(server);
+    CHECK(waitUntil([&] {
+        const auto frame = recorder.latest().first;
+        return !frame.isSilent() &&
+               std::abs(static_cast<double>(numberOf(frame)) / 44.1 - parts.wav->Position()) < 60;
+    }));
+    CHECK(millisecondsSince(then) < 3000);
+}
+
+TEST_CASE("A program can end while the server hangs")
+{
+    SoundServer server;
+    const auto then = [&] {
+        SoundParts parts;
+        parts.openWav(putWav(parts.folder / "a.wav", noise(second * 60)));
+        parts.wav->setCommand("Play");
+        REQUIRE(waitUntil([&] { return parts.wav->Position() > 100; }));
+        server.hang();
+        return Clock::now();
+    }();
+    CHECK(millisecondsSince(then) < 2000);
+    server.wakeUp();
+}
+
+TEST_CASE("Pausing, while the server hangs or dies, loses nothing of the place")
+{
+    SoundServer server;
+    SoundParts parts;
+    parts.openWav(putWav(parts.folder / "a.wav", counting(second * 20)));
+    parts.wav->setCommand("Play");
+    REQUIRE(waitUntil([&] { return parts.wav->Position() > 300; }));
+    parts.wav->setCommand("Stop");
+    server.kill();
+    const std::int32_t paused = parts.wav->Position();
+    server.start();
+    Recorder recorder(server);
+    parts.wav->setCommand("Play");
+    recorder.waitForSound();
+    parts.wav->setCommand("Stop");
+    const double first = static_cast<double>(numberOf(trimmed(recorder.frames()).front())) / 44.1;
+    CHECK(std::abs(first - paused) < 60);
+}
+
+TEST_CASE("A server that hangs before anything has played holds up nothing")
+{
+    SoundServer server;
+    server.hang();
+    SoundParts parts;
+    const Text path = putWav(parts.folder / "a.wav", counting(second * 60));
+    const auto then = Clock::now();
+    parts.openWav(path);
+    parts.wav->setCommand("Play");
+    CHECK(millisecondsSince(then) < 100);
+    CHECK(waitUntil([&] { return parts.wav->Position() > 200; }, 5s));
+    server.wakeUp();
+    Recorder recorder(server);
+    recorder.waitForSound();
+    CHECK(millisecondsSince(then) < 6000);
+}
+
+TEST_CASE("A server that dies while a file is being started does not take the program with it")
+{
+    SoundServer server;
+    SoundParts parts;
+    parts.openWav(putWav(parts.folder / "a.wav", noise(second * 60)));
+    std::minstd_rand random(1);
+    for (int time = 0; time < 40; ++time) {
+        parts.wav->setCommand("Open");
+        parts.wav->setCommand("Play");
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
+        if (time % 2 == 0)
+            server.hang();
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 4000));
+        server.kill();
+        server.start();
+    }
+    CHECK(parts.activity.running == 1);
+    Recorder recorder(server);
+    parts.wav->setCommand("Open");
+    parts.wav->setCommand("Play");
+    recorder.waitForSound();
+    CHECK(!trimmed(recorder.frames()).empty());
+}

@@ -1,0 +1,135 @@
+#include "platform/audio/feed.h"
+#include "platform/audio/gain.h"
+#include "platform/audio/hearing_log.h"
+#include "platform/audio/timeline.h"
+
+#include <doctest/doctest.h>
+#include <numeric>
+#include <vector>
+
+TEST_CASE("A feed gives what was put into it, in order, however it is cut up")
+{
+    Feed feed(8000, 500, 7);
+    std::int16_t next = 0;
+    std::int16_t expected = 0;
+    std::vector<std::int16_t> read(2 * 300);
+    for (int time = 0; time < 100; ++time) {
+        const auto space = feed.space();
+        const std::size_t frames = std::min<std::size_t>(space.size() / 2, 170);
+        for (std::size_t n = 0; n < frames; ++n, ++next)
+            space[n * 2] = space[n * 2 + 1] = next;
+        feed.commit(frames);
+        CHECK(feed.end() == 500 + next);
+        const std::size_t got = feed.read(read.data(), 150);
+        for (std::size_t n = 0; n < got; ++n, ++expected)
+            REQUIRE((read[n * 2] == expected && read[n * 2 + 1] == expected));
+        CHECK(feed.position() == 500 + expected);
+        CHECK(feed.available() == static_cast<std::size_t>(next - expected));
+    }
+    while (!feed.space().empty())
+        feed.commit(feed.space().size() / 2);
+    CHECK(feed.available() == feed.capacity());
+}
+
+TEST_CASE("A place in a stream tells what is heard there")
+{
+    HearingLog log;
+    CHECK(log.runAt(10).kind == Heard::nothing);
+    log.note({Heard::sound, 0, 1000, 1});
+    log.note({Heard::sound, 441, 1441, 1}); // goes on
+    log.note({Heard::silence, 882, 1882, 1});
+    log.note({Heard::sound, 1323, 1882, 1});
+    log.note({Heard::sound, 2000, 90, 2}); // a seek
+    log.runAt(0);
+    CHECK(!log.end());
+    log.note({Heard::end, 2100, 190, 2});
+    log.runAt(0);
+    CHECK(log.end().value_or(0) == 2100);
+
+    struct Case {
+        std::int64_t at;
+        Heard kind;
+        std::int64_t source;
+        std::uint64_t serial;
+        std::int64_t nextAt; // 0: none
+    };
+    const Case cases[] = {
+        {0, Heard::sound, 1000, 1, 882},      {881, Heard::sound, 1000, 1, 882},
+        {882, Heard::silence, 1882, 1, 1323}, {1999, Heard::sound, 1882, 1, 2000},
+        {2000, Heard::sound, 90, 2, 2100},    {2100, Heard::end, 190, 2, 0},
+        {999999, Heard::end, 190, 2, 0},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.at);
+        const Run& run = log.runAt(c.at);
+        CHECK(run.kind == c.kind);
+        CHECK(run.source == c.source);
+        CHECK(run.serial == c.serial);
+        CHECK((log.nextRun() == nullptr ? 0 : log.nextRun()->at) == c.nextAt);
+    }
+}
+
+TEST_CASE("A log that nobody reads loses the newest runs, and never waits")
+{
+    HearingLog log;
+    for (std::int64_t n = 0; n < 1000; ++n)
+        log.note({n % 2 == 0 ? Heard::sound : Heard::silence, n * 10, n, 1});
+    CHECK(log.runAt(105).at == 100);
+    log.note({Heard::sound, 10000, 5000, 1});
+    CHECK(log.runAt(10001).source == 5000);
+}
+
+TEST_CASE("A timeline of several rates counts evenly in the first")
+{
+    const Timeline timeline({{44100, 44100}, {22050, 22050}, {96000, 48000}});
+    CHECK(timeline.rate() == 44100);
+    CHECK(timeline.frames() == 162150);
+    struct Case {
+        std::int64_t frame;
+        std::int64_t even;
+        std::int32_t milliseconds;
+    };
+    const Case cases[] = {
+        {0, 0, 0},
+        {44099, 44099, 999},
+        {44100, 44100, 1000},
+        {55125, 66150, 1500},
+        {66150, 88200, 2000},
+        {162150, 176400, 4000},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.frame);
+        CHECK(timeline.even(c.frame) == c.even);
+        CHECK(timeline.frameAtEven(c.even) == c.frame);
+        CHECK(timeline.milliseconds(c.frame) == c.milliseconds);
+    }
+    CHECK(timeline.frameAtEven(1000000) == 162150);
+}
+
+TEST_CASE("A place in milliseconds reads back as it was set")
+{
+    for (const int rate : {8000, 11025, 44100, 48000, 192000}) {
+        const Timeline timeline({{rate * 10, rate}});
+        for (std::int32_t milliseconds = 0; milliseconds <= 10000; milliseconds += 7)
+            CHECK(timeline.milliseconds(timeline.frameAtMilliseconds(milliseconds)) == milliseconds);
+        CHECK(timeline.frameAtMilliseconds(-5) == 0);
+    }
+    CHECK(Timeline().milliseconds(5) == 0);
+    CHECK(Timeline().frameAtMilliseconds(5) == 0);
+}
+
+TEST_CASE("Levels scale each side by itself, and 100 changes no sample")
+{
+    const auto levels = std::make_shared<Levels>();
+    std::vector<std::int16_t> all(65536);
+    std::iota(all.begin(), all.end(), std::int16_t{-32768});
+    auto played = all;
+    Gain(levels, 44100).apply(played.data(), played.size() / 2);
+    CHECK((played == all));
+
+    levels->set({50, 0});
+    std::vector<std::int16_t> loud(400, -32768);
+    Gain(levels, 44100).apply(loud.data(), loud.size() / 2); // a stream begins at the levels as they are
+    for (std::size_t n = 0; n < loud.size(); n += 2)
+        REQUIRE((loud[n] == -16384 && loud[n + 1] == 0));
+}

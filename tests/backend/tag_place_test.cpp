@@ -1,0 +1,423 @@
+// Where and under what rights a tag is written: what becomes of the file, its names and its folder.
+#include "platform/tags/tag_file.h"
+
+#include "platform/system/descriptor.h"
+#include "platform/tags/file_swap.h"
+#include "tests/support/child.h"
+#include "tests/support/failures.h"
+#include "tests/support/mp3_files.h"
+
+#include <doctest/doctest.h>
+
+#include <csignal>
+#include <future>
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sched.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/mman.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/xattr.h>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+const Text audio = mp3Frames(40);
+const Text v1Alone = audio + v1Tag({"Old"});
+const Text withV2 = v2Tag(3, v2Frame(3, "TIT2", latin1Text("Old"))) + audio + v1Tag({"Old"});
+const Tag wanted{"New", "", "", "", 0, -1};
+const Tag notForV1{"\xD0\x9F", "", "", "", 0, -1};
+
+struct stat statusOf(const Text& path)
+{
+    struct stat status = {};
+    stat(path.c_str(), &status);
+    return status;
+}
+
+constexpr uid_t nobody = 65534;
+
+void giveToNobody(const Text& path)
+{
+    if (geteuid() == 0)
+        REQUIRE(chown(path.c_str(), nobody, nobody) == 0);
+}
+
+const auto approved = [](const Text&) {};
+
+// What `work` says in a process of its own.
+Text answerOfChild(const std::function<Text()>& work)
+{
+    int ends[2];
+    REQUIRE(pipe(ends) == 0);
+    Child child([&] {
+        const Text answer = work();
+        endUnless(write(ends[1], answer.data(), answer.size()) >= 0, 1);
+    });
+    close(ends[1]);
+    Text answer;
+    char buffer[512];
+    for (ssize_t got; (got = read(ends[0], buffer, sizeof buffer)) > 0;)
+        answer.append(buffer, static_cast<std::size_t>(got));
+    close(ends[0]);
+    CHECK(child.wait() == 0);
+    return answer;
+}
+
+Text answerOfNobody(const std::function<Text()>& work)
+{
+    return answerOfChild([&] {
+        becomeNobody();
+        return work();
+    });
+}
+
+// What writing says in a folder that does not permit new files, with the file's bytes afterwards.
+struct Outcome {
+    Text reason;
+    Text bytes;
+    bool sameFile;
+};
+
+Outcome writtenInClosedFolder(const Text& bytes, const Tag& tag)
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, bytes);
+    giveToNobody(path);
+    giveToNobody(folder.path());
+    const auto inode = statusOf(path).st_ino;
+    fs::permissions(folder.path(), fs::perms(0555));
+    const Text reason = answerOfNobody([&] { return writeTag(path, tag); });
+    fs::permissions(folder.path(), fs::perms(0755));
+    CHECK(holdsOnlyTheSong(folder));
+    return {reason, fileBytes(path), statusOf(path).st_ino == inode};
+}
+
+}
+
+TEST_CASE("Mode, owner and attributes of a file are kept, and its time is new")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
+    if (geteuid() == 0)
+        REQUIRE(chown(path.c_str(), 1234, 2345) == 0);
+    fs::permissions(path, fs::perms(0640));
+    const bool hasAttributes = setxattr(path.c_str(), "user.rating", "5", 1, 0) == 0;
+    fs::last_write_time(path, fs::last_write_time(path) - std::chrono::hours(1));
+    const struct stat before = statusOf(path);
+
+    REQUIRE(writeTag(path, wanted) == "");
+    const struct stat after = statusOf(path);
+    CHECK(after.st_mode == before.st_mode);
+    CHECK(after.st_uid == before.st_uid);
+    CHECK(after.st_gid == before.st_gid);
+    CHECK(after.st_mtim.tv_sec > before.st_mtim.tv_sec);
+    char value = 0;
+    CHECK((!hasAttributes || (getxattr(path.c_str(), "user.rating", &value, 1) == 1 && value == '5')));
+}
+
+TEST_CASE("A symbolic link stays one, and the file that it leads to is written")
+{
+    const TemporaryFolder folder;
+    const TemporaryFolder other;
+    const Text path = putSong(other, withV2);
+    fs::create_symlink(path, other / "one.mp3");
+    fs::create_symlink(other / "one.mp3", folder / "two.mp3");
+    CHECK(writeTag(folder / "two.mp3", wanted) == "");
+    CHECK(fs::is_symlink(folder / "two.mp3"));
+    CHECK(fs::is_symlink(other / "one.mp3"));
+    CHECK_FALSE(fs::is_symlink(path));
+    CHECK(readTag(path).title == "New");
+    CHECK(namesInFolder(folder.path()) == std::set<Text>{"two.mp3"});
+    CHECK(namesInFolder(other.path()).size() == 2);
+}
+
+TEST_CASE("A link that leads nowhere, in a circle or to no file is refused and makes no file")
+{
+    const TemporaryFolder folder;
+    fs::create_symlink("missing.mp3", folder / "dangling.mp3");
+    fs::create_symlink("circle.mp3", folder / "circle.mp3");
+    fs::create_symlink("/dev/zero", folder / "device.mp3");
+    fs::create_symlink(".", folder / "folder.mp3");
+    for (const Text name : {"dangling.mp3", "circle.mp3", "device.mp3", "folder.mp3", "none.mp3", ""}) {
+        CAPTURE(name);
+        CHECK(writeTag(folder / name, wanted) != "");
+    }
+    CHECK(writeTag("", wanted) != "");
+    CHECK(namesInFolder(folder.path()).size() == 4);
+}
+
+TEST_CASE("A pipe is refused at once")
+{
+    const TemporaryFolder folder;
+    REQUIRE(mkfifo((folder / "pipe.mp3").c_str(), 0600) == 0);
+    CHECK(writeTag(folder / "pipe.mp3", wanted) != "");
+}
+
+TEST_CASE("Another hard link goes on naming the old file, whole")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
+    fs::create_hard_link(path, folder / "other.mp3");
+    CHECK(writeTag(path, wanted) == "");
+    CHECK(readTag(path).title == "New");
+    CHECK(fileBytes(folder / "other.mp3") == withV2);
+    CHECK(statusOf(path).st_nlink == 1);
+}
+
+TEST_CASE("A write-protected file is refused, also for an administrator")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, v1Alone);
+    fs::permissions(path, fs::perms(0444));
+    CHECK(writeTag(path, wanted) == "The file is write-protected: Permission denied.");
+    CHECK(fileBytes(path) == v1Alone);
+    CHECK(holdsOnlyTheSong(folder));
+}
+
+TEST_CASE("A file that only others may write is refused")
+{
+    if (geteuid() != 0)
+        return;
+    const TemporaryFolder folder;
+    fs::permissions(folder.path(), fs::perms(0777));
+    const Text path = putSong(folder, v1Alone);
+    fs::permissions(path, fs::perms(0644));
+    CHECK(answerOfNobody([&] { return writeTag(path, wanted); }) != "");
+    CHECK(fileBytes(path) == v1Alone);
+}
+
+TEST_CASE("In a folder that permits no copy, ID3v1 is written in its place where no other tag speaks")
+{
+    const auto overwritten = writtenInClosedFolder(v1Alone, wanted);
+    CHECK(overwritten.reason == "");
+    CHECK(overwritten.bytes == audio + v1Tag({"New"}));
+    CHECK(overwritten.sameFile);
+
+    const auto appended = writtenInClosedFolder(audio, wanted);
+    CHECK(appended.reason == "");
+    CHECK(appended.bytes == audio + v1Tag({"New"}));
+}
+
+TEST_CASE("In a folder that permits no copy, a file with other tags, or with need of one, is refused")
+{
+    const Text withApe = audio + apeTag({apeItem("Title", "Old")}) + v1Tag({"Old"});
+    for (const Text& bytes : {withV2, withApe}) {
+        const auto outcome = writtenInClosedFolder(bytes, wanted);
+        CHECK(outcome.reason == "A copy could not be made in the file's folder: Permission denied.");
+        CHECK(outcome.bytes == bytes);
+    }
+    const auto outcome = writtenInClosedFolder(v1Alone, notForV1);
+    CHECK(outcome.reason != "");
+    CHECK(outcome.bytes == v1Alone);
+}
+
+TEST_CASE("Where the owner cannot be kept, ID3v1 is written in its place, and anything more is refused")
+{
+    if (geteuid() != 0)
+        return;
+    const TemporaryFolder folder;
+    fs::permissions(folder.path(), fs::perms(0777));
+    for (const Text& bytes : {v1Alone, withV2}) {
+        const Text path = putSong(folder, bytes);
+        fs::permissions(path, fs::perms(0666));
+        const auto inode = statusOf(path).st_ino;
+        const Text reason = answerOfNobody([&] { return writeTag(path, wanted); });
+        CHECK((reason == "") == (bytes == v1Alone));
+        CHECK(fileBytes(path) == (bytes == v1Alone ? audio + v1Tag({"New"}) : withV2));
+        CHECK(statusOf(path).st_ino == inode);
+        CHECK(statusOf(path).st_uid == 0);
+        CHECK(holdsOnlyTheSong(folder));
+    }
+}
+
+TEST_CASE("A disk without room leaves the old file and no copy")
+{
+    const TemporaryFolder folder;
+    for (const Text& bytes : {withV2, v1Alone}) {
+        const Text path = putSong(folder, bytes);
+        const Text reason = answerOfChild([&] {
+            std::signal(SIGXFSZ, SIG_IGN);
+            const rlimit limit{10'000, 10'000};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            return writeTag(path, wanted);
+        });
+        CHECK(reason == "The copy could not be written: Disk full.");
+        CHECK(fileBytes(path) == bytes);
+        CHECK(holdsOnlyTheSong(folder));
+    }
+}
+
+TEST_CASE("A full file system leaves the old file and no copy")
+{
+    const TemporaryFolder folder;
+    const Text result = answerOfChild([&]() -> Text {
+        if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+            mount("none", folder.path().c_str(), "tmpfs", 0, "size=64k") != 0)
+            return "no rights";
+        const Text path = putSong(folder, mp3Frames(100) + v1Tag({"Old"}));
+        const Text reason = writeTag(path, wanted);
+        const bool whole = fileBytes(path) == mp3Frames(100) + v1Tag({"Old"});
+        return whole && namesInFolder(folder.path()).size() == 1 ? reason : "the file is damaged";
+    });
+    const bool expected = result == "no rights" || result == "The copy could not be written: Disk full.";
+    CAPTURE(result);
+    CHECK(expected);
+}
+
+TEST_CASE("A file that is a mount of its own cannot be replaced: ID3v1 in its place, or a reason")
+{
+    const TemporaryFolder folder;
+    for (const Text& bytes : {v1Alone, withV2}) {
+        const Text source = putSong(folder, bytes, "source.mp3");
+        const Text path = putSong(folder, "", "mounted.mp3");
+        const Text result = answerOfChild([&]() -> Text {
+            if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+                mount(source.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
+                return "no rights";
+            const Text reason = writeTag(path, wanted);
+            return namesInFolder(folder.path()).size() == 2 ? reason : "a copy stayed";
+        });
+        CAPTURE(result);
+        if (result == "no rights")
+            return;
+        CHECK(result ==
+              (bytes == v1Alone ? "" : "The copy could not be put in the file's place: Permission denied."));
+        CHECK(fileBytes(source) == (bytes == v1Alone ? audio + v1Tag({"New"}) : withV2));
+    }
+}
+
+TEST_CASE("An immutable file is refused")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, v1Alone);
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    int flags = 0;
+    if (ioctl(file.number(), FS_IOC_GETFLAGS, &flags) != 0)
+        return;
+    const int immutable = flags | FS_IMMUTABLE_FL;
+    if (ioctl(file.number(), FS_IOC_SETFLAGS, &immutable) != 0)
+        return;
+    const Text reason = writeTag(path, wanted);
+    ioctl(file.number(), FS_IOC_SETFLAGS, &flags);
+    CHECK(reason == "The file could not be opened for writing: Permission denied.");
+    CHECK(fileBytes(path) == v1Alone);
+    CHECK(holdsOnlyTheSong(folder));
+}
+
+TEST_CASE(
+    "A copy that a crash left is removed by the next writing in the folder; one at work and other files stay")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
+    const Text atWorkPath = putSong(folder, "at work", ".velmora-tag-0123456789abcdef.part");
+    const Descriptor atWork(open(atWorkPath.c_str(), O_RDONLY));
+    REQUIRE(flock(atWork.number(), LOCK_EX) == 0);
+    putSong(folder, "half a song", ".velmora-tag-0000000000000000.part");
+    putSong(folder, "a person's", ".velmora-tag-mine.part");
+    putSong(folder, "a person's", "velmora-tag-0000000000000000.part");
+    REQUIRE(mkfifo((folder / ".velmora-tag-1111111111111111.part").c_str(), 0600) == 0);
+    fs::create_directory(folder / ".velmora-tag-2222222222222222.part");
+    fs::create_symlink("song.mp3", folder / ".velmora-tag-3333333333333333.part");
+
+    CHECK(writeTag(path, wanted) == "");
+    CHECK(namesInFolder(folder.path()) ==
+          std::set<Text>{".velmora-tag-0123456789abcdef.part", ".velmora-tag-1111111111111111.part",
+                         ".velmora-tag-2222222222222222.part", ".velmora-tag-3333333333333333.part",
+                         ".velmora-tag-mine.part", "song.mp3", "velmora-tag-0000000000000000.part"});
+}
+
+TEST_CASE("Writers of two files in one folder leave each other's copies alone")
+{
+    const TemporaryFolder folder(memoryFolder());
+    const auto refusals = [&](const Text& name) {
+        const Text path = putSong(folder, withV2, name);
+        int count = 0;
+        for (int i = 0; i < 200; ++i)
+            count += writeTag(path, {std::to_string(i), "", "", "", 0, -1}) == "" ? 0 : 1;
+        return count;
+    };
+    auto other = std::async(std::launch::async, refusals, "other.mp3");
+    CHECK(refusals("song.mp3") == 0);
+    CHECK(other.get() == 0);
+    CHECK(namesInFolder(folder.path()) == std::set<Text>{"other.mp3", "song.mp3"});
+}
+
+TEST_CASE("What another program writes meanwhile is not undone")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    const StandingFile standing{path, file.number(), statusOf(path)};
+    putSong(folder, withV2 + "more");
+    CHECK(failureOf([&] { swapEnds(standing, {"", 0, 100, ""}, approved); }) == 75);
+    CHECK(failureOf([&] { overwriteEnd(standing, 0, "TAG"); }) == 75);
+    CHECK(fileBytes(path) == withV2 + "more");
+    CHECK(holdsOnlyTheSong(folder));
+}
+
+TEST_CASE("A copy that is not approved does not take the file's place")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, "old");
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    Text seen;
+    const auto refuse = [&](const Text& copy) {
+        seen = fileBytes(copy);
+        throw failure(75);
+    };
+    CHECK(failureOf([&] {
+              swapEnds({path, file.number(), statusOf(path)}, {"new ", 0, 3, ""}, refuse);
+          }) == 75);
+    CHECK(seen == "new old");
+    CHECK(fileBytes(path) == "old");
+    CHECK(holdsOnlyTheSong(folder));
+}
+
+TEST_CASE("The new ends stand around exactly the bytes that were asked for")
+{
+    const TemporaryFolder folder;
+    const Text bytes = mp3Frames(5000);
+    const Text path = putSong(folder, bytes);
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, approved);
+    CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
+}
+
+TEST_CASE("Bytes that the system does not copy by itself, as between two file systems, are copied by hand")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, "old");
+    const Descriptor elsewhere(memfd_create("song", MFD_CLOEXEC));
+    const Text bytes = mp3Frames(5000);
+    REQUIRE(write(elsewhere.number(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
+    swapEnds({path, elsewhere.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, approved);
+    CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
+}
+
+TEST_CASE("A file whose end cannot be read is not replaced by a shorter one")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, audio);
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    CHECK(failureOf([&] {
+              swapEnds({path, file.number(), statusOf(path)}, {"", 0, audio.size() + 1, ""}, approved);
+          }) == 57);
+    CHECK(fileBytes(path) == audio);
+    CHECK(holdsOnlyTheSong(folder));
+}
+
+TEST_CASE("Names of any bytes and of the greatest length are written")
+{
+    const TemporaryFolder folder;
+    for (const Text& name : {Text("caf\xE9 \xFF \n.mp3"), Text(251, 'n') + ".mp3"}) {
+        CAPTURE(name);
+        CHECK(writeTag(putSong(folder, withV2, name), wanted) == "");
+        CHECK(readTag(folder / name).title == "New");
+    }
+}

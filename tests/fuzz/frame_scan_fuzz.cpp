@@ -1,0 +1,23 @@
+// Whatever a file holds, looking for its frames ends, and the places that are found lie in order within it.
+#include "platform/codec/frame_scan.h"
+#include "tests/fuzz/input.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
+{
+    const FuzzedFile fuzzed(bytes, size);
+    const codec::SourceFile file(fuzzed.path());
+    codec::isMp3(file);
+    const auto table = codec::scanFrames(file);
+    if (!table)
+        return 0;
+    const auto& places = table->positions;
+    if (places.empty() || places.front() < 0 || places.back() > file.size() ||
+        std::adjacent_find(places.begin(), places.end(), std::greater_equal<>()) != places.end())
+        std::abort();
+    if (table->trim.begin < 0 || table->trim.end > table->frames() * table->first.samples)
+        std::abort();
+    return 0;
+}

@@ -1,0 +1,77 @@
+// Any bytes as the head and the tail of an MP3 file: reading its tags ends, and writing them changes nothing
+// else, or nothing at all.
+//
+// An input is the head of a file and its tail, with four MP3 frames between them, so that the file stays one
+// worth reading: a byte for the new tag, two for the length of the head, then both.
+#include "platform/tags/tag_file.h"
+
+#include "platform/tags/tag_parts.h"
+#include "tests/support/mp3_files.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace
+{
+
+const Text audio = mp3Frames(4);
+
+const Tag tags[] = {
+    {"Title", "Artist", "Album", "Comment", 1987, 17},
+    {"\xD0\x9F\xD1\x80\xD0\xB8", "caf\xC3\xA9", "", " ", 0, 80},
+    {Text(60, 'x'), "", "\xF0\x9F\x8E\xB5", Text(29, 'c'), 32767, -1},
+    {},
+};
+
+void require(bool holds, const char* what)
+{
+    if (holds)
+        return;
+    std::cerr << what << "\n";
+    std::abort();
+}
+
+Text fileOf(const Text& input)
+{
+    const auto length = static_cast<std::size_t>(static_cast<unsigned char>(input[1]) << 8 |
+                                                 static_cast<unsigned char>(input[2]));
+    const std::size_t head = std::min(length, input.size() - 3);
+    return input.substr(3, head) + audio + input.substr(3 + head);
+}
+
+// What lies between the tags; a damaged tag may claim some of the frames.
+Text soundIn(const Text& file)
+{
+    BytesInMemory bytes(file);
+    const TagParts parts = tagPartsOf(bytes);
+    const std::uint64_t begin = parts.id3v2 ? parts.id3v2->end : 0;
+    return begin < parts.audioEnd ? file.substr(begin, parts.audioEnd - begin) : "";
+}
+
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    if (size < 3)
+        return 0;
+    static const TemporaryFolder folder(memoryFolder());
+    const Text input(reinterpret_cast<const char*>(data), size);
+    const Text before = fileOf(input);
+    const Text path = putSong(folder, before);
+    const Tag shown = readTag(path);
+    for (const Text* text : {&shown.title, &shown.artist, &shown.album, &shown.comment})
+        require(isValidUtf8(*text), "a field is no valid text");
+
+    Tag wanted = tags[data[0] & 3];
+    if ((data[0] & 4) != 0)
+        wanted.title = shown.title;
+    const Text reason = writeTag(path, wanted);
+    const Text after = fileBytes(path);
+    require(namesInFolder(folder.path()).size() == 1, "a copy stayed");
+    require(after.find(soundIn(before)) != Text::npos, "the audio is damaged");
+    if (reason.empty())
+        require(readTag(path) == wanted, "the tag does not say what it should");
+    else
+        require(after == before, "a refused file has changed");
+    return 0;
+}

@@ -1,0 +1,38 @@
+// Whatever a file holds, it is refused or read to its end, and no sample exceeds full scale.
+#include "platform/codec/wav_source.h"
+#include "platform/failure.h"
+#include "tests/fuzz/input.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace
+{
+
+void readSome(codec::WavSource& source)
+{
+    codec::SoundBlock block;
+    for (int i = 0; i < 20; ++i) {
+        source.read(block, 1000);
+        for (const float sample : block.left)
+            if (!(std::abs(sample) <= 32768.5f))
+                std::abort();
+    }
+}
+
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
+{
+    const FuzzedFile fuzzed(bytes, size);
+    const codec::SourceFile file(fuzzed.path());
+    succeeds([&] {
+        codec::WavSource source(file);
+        if (source.channels() < 1 || source.channels() > 2 || source.frames() < 0)
+            std::abort();
+        readSome(source);
+        source.seek(source.frames() / 2);
+        readSome(source);
+    });
+    return 0;
+}

@@ -1,0 +1,74 @@
+// What the engines are given in place of the program around them, and the engines on it.
+#pragma once
+
+#include "platform/activity.h"
+#include "platform/audio/mpg123_play.h"
+#include "platform/audio/sndfile_control.h"
+#include "platform/audio/sound_output.h"
+#include "platform/part_notes.h"
+#include "platform/post.h"
+#include "platform/shell.h"
+#include "tests/support/temporary_folder.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <vector>
+
+// Counts the calls that would wake the window's thread.
+class CountedPost final : public Post
+{
+public:
+    void post(std::function<void()> call) override
+    {
+        const std::lock_guard lock(mutex_);
+        calls_.push_back(std::move(call));
+    }
+
+    std::size_t count() const
+    {
+        const std::lock_guard lock(mutex_);
+        return calls_.size();
+    }
+
+private:
+    mutable std::mutex mutex_;
+    std::vector<std::function<void()>> calls_;
+};
+
+class NotedShell final : public Shell
+{
+public:
+    void startProgram(const Text&) override {}
+    void notify(const Text& title, const Text& message) override { notes.push_back(title + "|" + message); }
+
+    std::vector<Text> notes;
+};
+
+class CountedActivity final : public Activity
+{
+public:
+    void begin() override { ++running; }
+    void end() override { --running; }
+
+    std::atomic<int> running{0};
+};
+
+// Both engines on one output.
+struct SoundParts {
+    TemporaryFolder folder;
+    CountedPost post;
+    NotedShell shell;
+    CountedActivity activity;
+    SoundOutput output{folder / "state/levels", activity};
+    std::unique_ptr<Mp3Play> mp3 = makeMpg123Play(output, post, shell, NoPartNotes::instance());
+    std::unique_ptr<MMControl> wav = makeSndfileControl(output);
+
+    void openWav(const Text& path)
+    {
+        wav->setFileName(path);
+        wav->setCommand("Open");
+    }
+
+    double mp3Milliseconds() const { return static_cast<double>(mp3->CurrentFrame()) * mp3->FrameDuration(); }
+};

@@ -1,0 +1,431 @@
+#include "platform/toolkit/toolkit.h"
+#include "support/face.h"
+#include "support/pointer.h"
+#include "support/waiting.h"
+
+#include <QApplication>
+#include <doctest/doctest.h>
+
+namespace
+{
+
+struct Rounded {
+    Text what;
+    Twips given;
+    Twips stands;
+};
+
+// Two windows that tell who of them was activated, in one log.
+struct Pair {
+    Toolkit toolkit{Toolkit::Timers::byHand};
+    Face one{toolkit, "one"};
+    Face other{toolkit, "other"};
+    Text heard;
+
+    Pair()
+    {
+        one.Activate.calls([this] { heard += "one on\n"; });
+        one.Deactivate.calls([this] { heard += "one off\n"; });
+        other.Activate.calls([this] { heard += "other on\n"; });
+        other.Deactivate.calls([this] { heard += "other off\n"; });
+    }
+
+    Text told() { return std::exchange(heard, {}); }
+};
+
+void saysTheWindowManager(Form& form, QEvent::Type type)
+{
+    QEvent event(type);
+    QApplication::sendEvent(form.page(), &event);
+}
+
+}
+
+TEST_CASE("A window stands on whole pixels, and what is set reads back so at once")
+{
+    const Rounded cases[] = {
+        {"a whole pixel", 300, 300},
+        {"just under half a pixel more", 307, 300},
+        {"half a pixel more", 307.5F, 315},
+        {"just over half a pixel more", 308, 315},
+        {"left of the screen", -6435, -6435},
+        {"a fraction left of the screen", -20, -15},
+        {"nothing", 0, 0},
+        {"far away", 150000, 150000},
+    };
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    for (const bool shown : {false, true}) {
+        CAPTURE(shown);
+        if (shown)
+            face.Show();
+        for (const auto& c : cases) {
+            CAPTURE(c.what);
+            face.setLeft(c.given);
+            CHECK(face.Left() == c.stands);
+            face.setTop(c.given);
+            CHECK(face.Top() == c.stands);
+            CHECK(face.Left() == c.stands);
+        }
+    }
+}
+
+TEST_CASE("A window has the size of its client area")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    CHECK(face.Width() == 3000);
+    CHECK(face.Height() == 3000);
+    face.Show();
+    CHECK(face.Width() == 3000);
+    CHECK(face.Height() == 3000);
+}
+
+TEST_CASE("A window that is shown comes up where it was placed while it was hidden")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.setLeft(1500);
+    face.setTop(600);
+    CHECK_FALSE(face.Visible());
+    face.Show();
+    QApplication::processEvents();
+    CHECK(face.Visible());
+    CHECK(face.page()->pos() == QPoint(100, 40));
+    CHECK(face.Left() == 1500);
+    CHECK(face.Top() == 600);
+}
+
+TEST_CASE("What the window manager says of a window's own moves does not change where the window stands")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.Show();
+    for (const Twips left : {300, 600, 900, 1200}) {
+        face.setLeft(left);
+        QApplication::processEvents();
+        CHECK(face.Left() == left);
+    }
+}
+
+TEST_CASE("A move by the user is adopted")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.setLeft(1500);
+    face.setTop(600);
+    face.Show();
+    // While a window appears, the choice of the window manager does not count.
+    face.page()->move(200, 200);
+    CHECK(face.Left() == 1500);
+    REQUIRE(waitFor([&] {
+        face.page()->move(200, 200);
+        return face.Left() == 3000;
+    }));
+    CHECK(face.Top() == 3000);
+    face.page()->move(150, 41);
+    CHECK(face.Left() == 2250);
+    CHECK(face.Top() == 615);
+}
+
+TEST_CASE("A repeated Left is no move")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.setLeft(1500);
+    face.setTop(600);
+    face.Show();
+    REQUIRE(waitFor([&] {
+        face.page()->move(200, 40);
+        return face.Left() == 3000;
+    }));
+    for (int i = 0; i < 5; ++i)
+        face.setLeft(3000);
+    face.page()->move(150, 40);
+    CHECK(face.Left() == 2250);
+    face.page()->move(200, 40);
+    CHECK(face.Left() == 3000);
+}
+
+TEST_CASE("Show activates at once: first the old window goes, then the new one comes")
+{
+    Pair pair;
+    pair.one.Show();
+    CHECK(pair.told() == "one on\n");
+    QApplication::processEvents();
+    CHECK(pair.told().empty());
+    pair.other.Show();
+    CHECK(pair.told() == "one off\nother on\n");
+    QApplication::processEvents();
+    CHECK(pair.told().empty());
+}
+
+TEST_CASE("A window that hears of its activation is visible already")
+{
+    Pair pair;
+    bool visible = false;
+    pair.one.Activate.calls([&] { visible = pair.one.Visible(); });
+    pair.one.Show();
+    CHECK(visible);
+}
+
+TEST_CASE("Show of the active window raises nothing")
+{
+    Pair pair;
+    pair.one.Show();
+    pair.told();
+    pair.one.Show();
+    CHECK(pair.told().empty());
+}
+
+TEST_CASE("Show of a visible window that is not active activates it")
+{
+    Pair pair;
+    pair.one.Show();
+    pair.other.Show();
+    pair.told();
+    pair.one.Show();
+    CHECK(pair.told() == "other off\none on\n");
+}
+
+TEST_CASE("A press activates its window before the control hears of it, whichever button it is")
+{
+    for (const auto button : {Qt::LeftButton, Qt::RightButton}) {
+        Pair pair;
+        pair.one.Show();
+        pair.other.Show();
+        pair.told();
+        pair.one.key.MouseDown.calls(
+            [&](ctl::Button, std::int16_t, Twips, Twips) { pair.heard += "pressed\n"; });
+        Pointer pointer(pair.one);
+        pointer.click(pair.one.key, button);
+        CHECK(pair.told() == "other off\none on\npressed\n");
+        pointer.click(pair.one.key, button);
+        CHECK(pair.told() == "pressed\n");
+    }
+}
+
+TEST_CASE("A quick second press activates, too")
+{
+    Pair pair;
+    pair.one.Show();
+    Pointer pointer(pair.one);
+    pointer.click(pair.one.key);
+    pair.other.Show();
+    pair.told();
+    pointer.pressQuickly();
+    CHECK(pair.told() == "other off\none on\n");
+}
+
+TEST_CASE("A window that went while it was active is forgotten")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    {
+        Face face(toolkit);
+        face.Show();
+    }
+    Face next(toolkit);
+    next.Show();
+    CHECK(next.told() == "Activate\n");
+}
+
+TEST_CASE("A press on the bare face activates, too")
+{
+    Pair pair;
+    pair.one.Show();
+    pair.other.Show();
+    pair.told();
+    Pointer(pair.one).to({190, 190}).press();
+    CHECK(pair.told() == "other off\none on\n");
+}
+
+TEST_CASE("The window manager's own word on a change that was told is swallowed")
+{
+    Pair pair;
+    pair.one.Show();
+    pair.other.Show();
+    pair.told();
+    saysTheWindowManager(pair.one, QEvent::WindowDeactivate);
+    saysTheWindowManager(pair.other, QEvent::WindowActivate);
+    CHECK(pair.told().empty());
+}
+
+TEST_CASE("A change that the window manager made is told")
+{
+    Pair pair;
+    pair.one.Show();
+    pair.other.Show();
+    pair.told();
+    SUBCASE("the new window first")
+    {
+        saysTheWindowManager(pair.one, QEvent::WindowActivate);
+        saysTheWindowManager(pair.other, QEvent::WindowDeactivate);
+        CHECK(pair.told() == "other off\none on\n");
+    }
+    SUBCASE("the old window first")
+    {
+        saysTheWindowManager(pair.other, QEvent::WindowDeactivate);
+        saysTheWindowManager(pair.one, QEvent::WindowActivate);
+        CHECK(pair.told() == "other off\none on\n");
+    }
+}
+
+TEST_CASE("A window that hides is deactivated; one that was not active is not")
+{
+    Pair pair;
+    pair.one.Show();
+    pair.other.Show();
+    pair.told();
+    pair.one.Hide();
+    CHECK(pair.told().empty());
+    pair.other.Hide();
+    CHECK(pair.told() == "other off\n");
+    CHECK_FALSE(pair.other.Visible());
+}
+
+TEST_CASE("Two programs in one process do not hear of each other's windows")
+{
+    Toolkit mine(Toolkit::Timers::byHand);
+    Toolkit yours(Toolkit::Timers::byHand);
+    Face my(mine, "my");
+    Face your(yours, "your");
+    my.Show();
+    your.Show();
+    QApplication::processEvents();
+    my.told();
+    your.told();
+    Pointer(my).click(my.key, Qt::RightButton);
+    CHECK(my.told() == "Activate\nkey down 2 0 at 150, 150\nkey up 2\n");
+    CHECK(your.told().empty());
+    Pointer(your).click(your.key, Qt::RightButton);
+    CHECK(my.told().empty());
+    CHECK(your.told() == "key down 2 0 at 150, 150\nkey up 2\n");
+}
+
+TEST_CASE("A window's state reads back at once and never shows a hidden window")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.setWindowState(Form::minimized);
+    CHECK(face.WindowState() == Form::minimized);
+    CHECK_FALSE(face.Visible());
+    face.setWindowState(Form::normal);
+    CHECK(face.WindowState() == Form::normal);
+    CHECK_FALSE(face.Visible());
+    CHECK(face.told().empty());
+}
+
+TEST_CASE("A window that was minimised while hidden comes up so")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.setWindowState(Form::minimized);
+    face.Show();
+    CHECK(face.page()->isMinimized());
+    CHECK(face.WindowState() == Form::minimized);
+    face.Hide();
+    face.setWindowState(Form::normal);
+    face.Show();
+    CHECK_FALSE(face.page()->isMinimized());
+}
+
+TEST_CASE("A visible window is minimised and comes back; neither activates it")
+{
+    Pair pair;
+    pair.one.Show();
+    pair.other.Show();
+    QApplication::processEvents();
+    pair.told();
+    pair.one.setWindowState(Form::minimized);
+    CHECK(pair.one.WindowState() == Form::minimized);
+    CHECK(pair.one.page()->isMinimized());
+    CHECK(pair.one.Visible());
+    pair.one.setWindowState(Form::normal);
+    CHECK(pair.one.WindowState() == Form::normal);
+    CHECK_FALSE(pair.one.page()->isMinimized());
+    CHECK(pair.told().empty());
+}
+
+TEST_CASE("What the window manager does to a window's state is adopted")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.Show();
+    face.page()->setWindowState(Qt::WindowMinimized);
+    CHECK(face.WindowState() == Form::minimized);
+    face.page()->setWindowState(Qt::WindowNoState);
+    CHECK(face.WindowState() == Form::normal);
+}
+
+TEST_CASE("A minimised window keeps its place, whatever the system says of it")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.Show();
+    REQUIRE(waitFor([&] {
+        face.page()->move(100, 40);
+        return face.Left() == 1500;
+    }));
+    face.setWindowState(Form::minimized);
+    face.page()->move(-32000, -32000);
+    CHECK(face.Left() == 1500);
+    CHECK(face.Top() == 600);
+}
+
+TEST_CASE("The window manager's close hides a window and keeps it")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.Show();
+    face.told();
+    face.page()->close();
+    CHECK_FALSE(face.Visible());
+    CHECK(face.told() == "Deactivate\n");
+    face.Show();
+    CHECK(face.Visible());
+}
+
+TEST_CASE("A caption reads back, whatever its bytes show as")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.setCaption("Velmora v2.0");
+    CHECK(face.Caption() == "Velmora v2.0");
+    face.setCaption("R&B \xC3\xA9");
+    CHECK(face.Caption() == "R&B \xC3\xA9");
+}
+
+TEST_CASE("A window that the pointer drags follows it until the last button is up")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.setLeft(1500);
+    face.setTop(1500);
+    face.Show();
+    QApplication::processEvents();
+    face.key.MouseDown.calls([&](ctl::Button, std::int16_t, Twips, Twips) { face.dragWithPointer(); });
+    QCursor::setPos(115, 115);
+    Pointer pointer(face);
+    pointer.to({15, 15}).press();
+    pointer.to({45, 5});
+    CHECK(face.Left() == 1950);
+    CHECK(face.Top() == 1350);
+    QApplication::processEvents();
+    pointer.to({15, 15});
+    CHECK(face.Left() == 1950);
+    pointer.press(Qt::RightButton).release(Qt::LeftButton).to({17, 15});
+    CHECK(face.Left() == 1980);
+    pointer.release(Qt::RightButton).to({60, 60});
+    CHECK(face.Left() == 1980);
+    CHECK(face.Top() == 1350);
+    CHECK(QWidget::mouseGrabber() == nullptr);
+}
+
+TEST_CASE("Without a button down there is nothing to drag")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.Show();
+    face.dragWithPointer();
+    CHECK(QWidget::mouseGrabber() == nullptr);
+}

@@ -1,0 +1,63 @@
+#include "platform/toolkit/toolkit.h"
+#include "support/face.h"
+
+#include <QAccessible>
+#include <QImage>
+#include <QPixmap>
+#include <doctest/doctest.h>
+
+namespace
+{
+
+struct Shown {
+    Toolkit toolkit{Toolkit::Timers::byHand};
+    Face face{toolkit};
+
+    Shown() { face.Show(); }
+
+    QImage pictureOf(const Text& caption)
+    {
+        face.caption.setCaption(caption);
+        return face.widgetOf(face.caption)->grab().toImage();
+    }
+};
+
+}
+
+TEST_CASE("A label shows its text as it is: no markup and no access keys")
+{
+    for (const bool wraps : {false, true}) {
+        CAPTURE(wraps);
+        Shown s;
+        s.face.caption.setWordWrap(wraps);
+        REQUIRE(s.pictureOf("RB") != s.pictureOf(""));
+        CHECK(s.pictureOf("R&B") != s.pictureOf("RB"));
+        CHECK(s.pictureOf("R&&B") != s.pictureOf("R&B"));
+        CHECK(s.pictureOf("<b>x") != s.pictureOf("x"));
+        CHECK(s.pictureOf("a<br>b") != s.pictureOf("a\nb"));
+        CHECK(s.pictureOf("&amp;") != s.pictureOf("&"));
+    }
+}
+
+TEST_CASE("A label says its text as it is to those who hear it")
+{
+    Shown s;
+    for (const Text text : {"R&B", "<b>bold</b>", "Rock & Roll", "caf\xC3\xA9"}) {
+        CAPTURE(text);
+        s.face.caption.setCaption(text);
+        const auto* said = QAccessible::queryAccessibleInterface(s.face.widgetOf(s.face.caption));
+        REQUIRE(said != nullptr);
+        CHECK(said->text(QAccessible::Name).toStdString() == text);
+    }
+}
+
+TEST_CASE("A caption is kept byte for byte, also one that cannot be shown")
+{
+    Shown s;
+    for (const Text text : {"", " ", "caf\xE9", "\xFF\xFE/x.mp3", "two\r\nlines"}) {
+        s.face.caption.setCaption(text);
+        CHECK(s.face.caption.Caption() == text);
+        s.pictureOf(text);
+        CHECK(s.face.caption.Caption() == text);
+    }
+}
