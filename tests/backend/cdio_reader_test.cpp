@@ -112,6 +112,9 @@ TEST_CASE("A disc's tracks have their places and lengths as sound")
         {"sound hidden before the first track",
          {{sectorsOfNoise(400), false, 1, 1000}, {sectorsOfNoise(300)}},
          "sound 1000+400, sound 1400+300, end 1700"},
+        {"a pause between tracks",
+         {{sectorsOfNoise(400)}, {sectorsOfNoise(300), false, 1, 150}},
+         "sound 0+550, sound 550+300, end 850"},
         {"data alone", {{data, true}}, "data 0+500, end 500"},
     };
     Reading r;
@@ -208,6 +211,19 @@ TEST_CASE("First, last and longer tracks come whole, and in large pieces")
     r.kept = {};
     CHECK(r.read(2) == 0);
     CHECK(r.kept.sound == last);
+}
+
+TEST_CASE("A track comes without what is hidden before it, and with the pause behind it")
+{
+    Reading r;
+    const Text first = sectorsOfNoise(400, 1), second = sectorsOfNoise(333, 2);
+    r.drive.insert({{first, false, 1, 1000}, {second, false, 1, 150}});
+    r.reader->contents();
+    CHECK(r.read(1) == 0);
+    CHECK((r.kept.sound == first + Text(std::size_t(150 * bytesOfSector), '\0')));
+    r.kept = {};
+    CHECK(r.read(2) == 0);
+    CHECK((r.kept.sound == second));
 }
 
 TEST_CASE("Sound on an enhanced disc ends where its session does")
