@@ -398,6 +398,18 @@ TEST_CASE("A lookup ends within its time limit whatever holds it up")
     }
 }
 
+TEST_CASE("Without a network there are no titles, and nobody waits for them")
+{
+    Gate gate;
+    gate.open();
+    resolverGate = &gate;
+    Titles titles({Text("https://") + nameWithoutAnswer + "/cddb.cgi",
+                   Text("http://") + nameWithoutAnswer + "/cddb.cgi", refusedAddress("http")});
+    CHECK(timeOf([&] { titles.lookedUp(30000); }) < milliseconds(10000));
+    CHECK(titles.control->DiscArtist() == "");
+    CHECK(titles.control->TrackTitle(1) == "");
+}
+
 TEST_CASE("A silent server leaves time for the next")
 {
     LoopbackServer mute(silent());

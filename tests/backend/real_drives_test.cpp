@@ -203,7 +203,7 @@ TEST_CASE("Damage on a disc is told, and the file has the track's whole length")
     REQUIRE(d.reader->ReadTrack(1, d.wav) == 0);
     REQUIRE(d.heard.end());
     CHECK(soundOfWav(d.wav).size() == std::size_t(400 * bytesOfSector));
-    CHECK(d.told("2 sectors could not be read"));
+    CHECK(d.told("could not be read and are silent: 2."));
 }
 
 TEST_CASE("Stop answers at once on a drive that hangs, and keeps what was read")
