@@ -64,6 +64,9 @@ public:
     // The sign between the whole and the fraction of a number, as the user's system writes it.
     virtual Text decimalSign() const = 0;
 
+    // The user in the form of an e-mail address, for services that ask who is calling.
+    virtual Text contactIdentity() const = 0;
+
     // Ends the process at once, from wherever it is called: nothing is stopped, closed or saved.
     virtual void endProgram() = 0;
 };

@@ -8,7 +8,6 @@
 namespace
 {
 
-constexpr const char* contactIdentity = "velmora@localhost";
 constexpr std::int32_t lookupLimit = 30000; // milliseconds
 
 constexpr const char* titledNames = "Track - Artist - Title";
@@ -61,7 +60,7 @@ void Settings::get_tracks_fsd()
     else
         reader.SelectDrive(1);
     workbench.TracksList.Clear();
-    skipping([&] { titles.setContactIdentity(contactIdentity); },
+    skipping([&] { titles.setContactIdentity(program_.platform().contactIdentity()); },
              [&] { titles.setDevice(titles.DefaultDevice()); }, [&] { titles.setTimeLimit(lookupLimit); });
     succeeds([this] { listTracks(); });
 }

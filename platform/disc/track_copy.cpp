@@ -107,8 +107,8 @@ void TrackCopy::finish()
         throw Failure{57, *outcome.failure};
     job_.output->finish();
     if (outcome.unreadableSectors > 0)
-        tell("A disc is damaged", job_.path + ": " + std::to_string(outcome.unreadableSectors) +
-                                      " sectors could not be read and are silent.");
+        tell("A disc is damaged", job_.path + ": sectors that could not be read and are silent: " +
+                                      std::to_string(outcome.unreadableSectors) + '.');
 }
 
 void TrackCopy::tell(const Text& title, const Text& message)

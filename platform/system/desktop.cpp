@@ -7,10 +7,13 @@
 #include "platform/audio/sound_output.h"
 #include "platform/cd_base.h"
 #include "platform/codec/lame_enc.h"
+#include "platform/disc/curl_cd_base.h"
+#include "platform/disc/discs.h"
 #include "platform/numbers.h"
 #include "platform/paths.h"
 #include "platform/system/appearance.h"
 #include "platform/system/desktop_shell.h"
+#include "platform/system/desktop_sleep_lock.h"
 #include "platform/system/disk_profile_file.h"
 #include "platform/system/disk_text_files.h"
 #include "platform/system/folder_scan.h"
@@ -62,6 +65,9 @@ struct Desktop::Parts {
     SqliteStore store{joined(configFolder(environment), "settings.sqlite")};
     SoundOutput sound{joined(stateFolder(environment), "levels"), toolkit.activity()};
     DesktopShell shell;
+    DesktopSleepLock sleepLock{Text(systemBusAddress), sessionBusAddress(environment)};
+    Discs discs{{.music = musicFolder(environment), .home = homeFolder(environment)},
+                joined(cacheFolder(environment), "titles")};
     MountedDrives drives{{.home = homeFolder(environment)}};
     ToolRegistry registry{searchPath()};
     QtMessageBoxes messageBoxes;
@@ -102,6 +108,18 @@ std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc()
     return makeLameEnc(parts_->toolkit.post(), shell(), parts_->partNotes);
 }
 
+std::unique_ptr<ACD> Desktop::makeACD()
+{
+    return parts_->discs.makeReader(parts_->toolkit.post(), shell(), parts_->partNotes, parts_->sleepLock);
+}
+
+std::unique_ptr<ACDWRITE> Desktop::makeACDWRITE()
+{
+    return parts_->discs.makeWriter(parts_->toolkit.post(), shell(), parts_->partNotes, parts_->sleepLock);
+}
+
+std::unique_ptr<CdBase> Desktop::makeCdBase() { return parts_->discs.makeTitles(); }
+
 std::unique_ptr<MMControl> Desktop::makeMMControl() { return makeSndfileControl(parts_->sound); }
 
 std::unique_ptr<OpenSaveDialog> Desktop::makeOpenSaveDialog() { return std::make_unique<QtOpenSaveDialog>(); }
@@ -136,5 +154,7 @@ Text Desktop::applicationFolder() const { return ::applicationFolder(parts_->env
 Text Desktop::defaultOutputDirectory() const { return musicFolder(parts_->environment); }
 
 Text Desktop::decimalSign() const { return std::localeconv()->decimal_point; }
+
+Text Desktop::contactIdentity() const { return contactIdentityOfUser(); }
 
 void Desktop::endProgram() { endProcess(0); }

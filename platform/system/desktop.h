@@ -39,6 +39,7 @@ public:
     Text applicationFolder() const override;
     Text defaultOutputDirectory() const override;
     Text decimalSign() const override;
+    Text contactIdentity() const override;
     void endProgram() override;
 
 private:

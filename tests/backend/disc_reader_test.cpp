@@ -403,7 +403,7 @@ TEST_CASE("Sectors that could not be read are told, and the file stays")
     CHECK(r.heard->end());
     CHECK(soundOfWav(r.wav) == r.drive->sound(1));
     REQUIRE(r.desk.shell.told().size() == 1);
-    CHECK(r.desk.shell.told()[0].find("3 sectors") != Text::npos);
+    CHECK(r.desk.shell.told()[0].find("are silent: 3.") != Text::npos);
 }
 
 TEST_CASE("Stop answers at once and keeps what was read, however long the drive holds on")

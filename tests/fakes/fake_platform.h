@@ -23,6 +23,7 @@ public:
     Text folder = "/app";
     Text outputDirectory = "/music";
     Text sign = ".";
+    Text identity = "user@host";
     int ends = 0;
 
     // Null until their window is touched.
@@ -111,6 +112,7 @@ public:
     Text applicationFolder() const override { return folder; }
     Text defaultOutputDirectory() const override { return outputDirectory; }
     Text decimalSign() const override { return sign; }
+    Text contactIdentity() const override { return identity; }
     void endProgram() override { ++ends; }
 
 private:

@@ -1,0 +1,13 @@
+// A session of tracks on its way onto a disc.
+#pragma once
+
+#include "platform/disc/burn_recorder.h"
+#include "platform/disc/writer_drive.h"
+
+#include <memory>
+#include <vector>
+
+// Makes sure that the recorder can write the tracks as the settings say; the job holds it from then on.
+// Fails with the reason.
+std::unique_ptr<WriteRun> makeBurnJob(std::unique_ptr<BurnRecorder> recorder, std::vector<CdSound> tracks,
+                                      const WriteSettings& settings);

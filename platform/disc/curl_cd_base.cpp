@@ -1,0 +1,217 @@
+#include "platform/disc/curl_cd_base.h"
+
+#include "platform/disc/cddb_answer.h"
+#include "platform/disc/disc_id.h"
+#include "platform/disc/download.h"
+#include "platform/disc/title_cache.h"
+#include "platform/failure.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <climits>
+#include <condition_variable>
+#include <mutex>
+#include <system_error>
+#include <thread>
+
+namespace
+{
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr int deviceUnavailable = 68;
+constexpr std::string_view protocolLevel = "6";
+constexpr std::string_view client = "Velmora " VELMORA_VERSION;
+
+// One word of a greeting, which blanks would make two.
+Text word(std::string_view text, std::string_view otherwise)
+{
+    Text word(text.empty() ? otherwise : text);
+    std::replace(word.begin(), word.end(), ' ', '_');
+    return word;
+}
+
+// The words of "cddb hello": user, host, program, version.
+Text greeting(std::string_view identity)
+{
+    const auto at = std::min(identity.rfind('@'), identity.size());
+    const auto host = identity.substr(std::min(at + 1, identity.size()));
+    return word(identity.substr(0, at), "anonymous") + ' ' +
+           word(host, "localhost").append(" ").append(client);
+}
+
+// One lookup on its worker. The control waits for it as long as it may; whoever is last lets it go.
+class TitleSearch
+{
+public:
+    TitleSearch(const CddbAccess& access, const Text& identity, Deadline deadline) :
+        disc_(access.disc), addresses_(access.addresses), cache_(access.cacheFolder),
+        greeting_(greeting(identity)), deadline_(deadline)
+    {
+    }
+
+    void run()
+    {
+        find();
+        const std::lock_guard lock(mutex_);
+        isOver_ = true;
+        over_.notify_all();
+    }
+
+    bool isOverBy(Deadline time)
+    {
+        std::unique_lock lock(mutex_);
+        return over_.wait_until(lock, time, [this] { return isOver_; });
+    }
+
+    // To be read when it is over.
+    const DiscTitles& titles() const { return titles_; }
+
+private:
+    void find()
+    {
+        const auto disc = disc_();
+        if (!disc.tracks.empty() && !takenFromCache(disc))
+            askServers(disc);
+    }
+
+    bool takenFromCache(const DiscContents& disc)
+    {
+        const auto answer = cache_.answer(disc);
+        return answer && taken(*answer);
+    }
+
+    // A silent server takes no more than its share of the time from the next.
+    void askServers(const DiscContents& disc)
+    {
+        auto left = static_cast<int>(addresses_.size());
+        for (const Text& address : addresses_) {
+            const auto now = steady_clock::now();
+            if (gaveItsWord(address, disc, now + (deadline_ - now) / left--))
+                return;
+        }
+    }
+
+    // Whether the server was heard to the end: that it does not know the disc is an answer too.
+    bool gaveItsWord(const Text& address, const DiscContents& disc, Deadline deadline)
+    {
+        const auto page = ask(address, queryCommand(disc), deadline);
+        const auto matches = page ? matchesIn(*page) : std::nullopt;
+        if (!matches || matches->empty())
+            return matches.has_value();
+        const CddbMatch& best = matches->front();
+        const auto entry = ask(address, "cddb read " + best.category + ' ' + best.discId, deadline);
+        if (!entry || !taken(*entry))
+            return false;
+        cache_.keep(disc, *entry);
+        return true;
+    }
+
+    bool taken(const Text& answer)
+    {
+        const auto titles = titlesIn(answer);
+        titles_ = titles.value_or(DiscTitles{});
+        return titles.has_value();
+    }
+
+    std::optional<Text> ask(const Text& address, const Text& command, Deadline deadline) const
+    {
+        const Text url =
+            withFields(address, {{"cmd", command}, {"hello", greeting_}, {"proto", protocolLevel}});
+        return downloaded(url, deadline);
+    }
+
+    const std::function<DiscContents()> disc_;
+    const std::vector<Text> addresses_;
+    const TitleCache cache_;
+    const Text greeting_;
+    const Deadline deadline_;
+    DiscTitles titles_;
+
+    std::mutex mutex_;
+    std::condition_variable over_;
+    bool isOver_ = false;
+};
+
+class CurlCdBase final : public CdBase
+{
+public:
+    explicit CurlCdBase(CddbAccess access) : access_(std::move(access)) {}
+
+    void setContactIdentity(const Text& address) override { identity_ = address; }
+    Text DefaultDevice() const override { return access_.firstDrive(); }
+    void setDevice(const Text& device) override { device_ = device; }
+    void setTimeLimit(std::int32_t limit) override { limit_ = milliseconds(limit); }
+
+    void setCommand(const Text& word) override
+    {
+        if (!equalWithoutCase(word, "Open"))
+            return;
+        titles_ = {};
+        if (device_.empty() || device_ != access_.firstDrive())
+            throw failure(deviceUnavailable);
+    }
+
+    void Lookup() override
+    {
+        titles_ = {};
+        const auto deadline = steady_clock::now() + limit_;
+        if (isOverBy(deadline) && begin(deadline) && isOverBy(deadline))
+            titles_ = search_->titles();
+    }
+
+    Text DiscArtist() const override { return titles_.artist; }
+
+    Text TrackTitle(std::int16_t track) const override
+    {
+        const auto index = static_cast<std::size_t>(track) - 1;
+        return index < titles_.tracks.size() ? titles_.tracks[index] : "";
+    }
+
+private:
+    // A search that a drive holds up past its time is waited for: another would only be held up behind it.
+    bool isOverBy(Deadline deadline) { return !search_ || search_->isOverBy(deadline); }
+
+    bool begin(Deadline deadline)
+    {
+        try {
+            search_ = nullptr;
+            const auto search = std::make_shared<TitleSearch>(access_, identity_, deadline);
+            std::thread([search] { search->run(); }).detach();
+            search_ = search;
+        } catch (const std::system_error&) { // no thread to be had
+        }
+        return search_ != nullptr;
+    }
+
+    const CddbAccess access_;
+    Text identity_;
+    Text device_;
+    milliseconds limit_{0};
+    DiscTitles titles_;
+    std::shared_ptr<TitleSearch> search_;
+};
+
+Text loginName()
+{
+    const passwd* account = getpwuid(getuid());
+    return account && account->pw_name ? account->pw_name : "";
+}
+
+Text hostName()
+{
+    char name[HOST_NAME_MAX + 1] = {};
+    return gethostname(name, HOST_NAME_MAX) == 0 ? name : "";
+}
+
+}
+
+std::unique_ptr<CdBase> makeCurlCdBase(CddbAccess access)
+{
+    return std::make_unique<CurlCdBase>(std::move(access));
+}
+
+Text contactIdentityOfUser() { return loginName() + '@' + hostName(); }

@@ -1,0 +1,29 @@
+// CDDB titles over the web.
+#pragma once
+
+#include "platform/cd_base.h"
+#include "platform/disc/disc_contents.h"
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+struct CddbAccess {
+    // The CDDB's servers, asked in turn until one answers.
+    std::vector<Text> addresses = {"https://gnudb.gnudb.org/~cddb/cddb.cgi",
+                                   "http://gnudb.gnudb.org/~cddb/cddb.cgi"};
+
+    // Where answers are kept.
+    Text cacheFolder = {};
+
+    // The name of the reader's first drive; "" when there is none. It touches no drive.
+    std::function<Text()> firstDrive = {};
+
+    // The disc in that drive. Called on a worker that may outlive the control, so it holds what it needs.
+    std::function<DiscContents()> disc = {};
+};
+
+std::unique_ptr<CdBase> makeCurlCdBase(CddbAccess access);
+
+// The user in the form of an e-mail address: login and host.
+Text contactIdentityOfUser();

@@ -1,0 +1,12 @@
+// How the CDDB tells discs apart: by where their tracks begin. Every track counts, data tracks and those of
+// later sessions too.
+#pragma once
+
+#include "platform/disc/disc_contents.h"
+#include "platform/text.h"
+
+// The disc's eight hexadecimal digits (the freedb "CDDB DISCID" algorithm).
+Text discId(const DiscContents& disc);
+
+// The command that asks for the disc's entries: "cddb query ID TRACKS START... SECONDS".
+Text queryCommand(const DiscContents& disc);

@@ -1,0 +1,38 @@
+// The program's disc controls over all drives that there are: real ones and disc images.
+#pragma once
+
+#include "platform/disc/disc_folders.h"
+
+#include <memory>
+
+class ACD;
+class ACDWRITE;
+class BusyDevices;
+class CdBase;
+class PartNotes;
+class Post;
+class ReaderTable;
+class Shell;
+class SleepLock;
+
+// Its controls share what is known of the drives, and no two of them use one at the same time. Making it, or
+// a control, looks for no drive.
+class Discs
+{
+public:
+    // Titles that were looked up are kept in `titleFolder`, which is made when first needed.
+    Discs(DiscFolders folders, Text titleFolder);
+
+    std::unique_ptr<ACD> makeReader(Post& post, Shell& shell, PartNotes& notes, SleepLock& sleepLock) const;
+    std::unique_ptr<ACDWRITE> makeWriter(Post& post, Shell& shell, PartNotes& notes,
+                                         SleepLock& sleepLock) const;
+
+    // The titles of the disc in the reader's first drive.
+    std::unique_ptr<CdBase> makeTitles() const;
+
+private:
+    DiscFolders folders_;
+    Text titleFolder_;
+    std::shared_ptr<BusyDevices> devices_;
+    std::shared_ptr<ReaderTable> readers_;
+};

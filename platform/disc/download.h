@@ -1,0 +1,19 @@
+// One page from the web, within limits.
+#pragma once
+
+#include "platform/text.h"
+
+#include <chrono>
+#include <initializer_list>
+#include <optional>
+#include <utility>
+
+using Deadline = std::chrono::steady_clock::time_point;
+
+// `address` with the fields behind it, each value escaped.
+Text withFields(const Text& address,
+                std::initializer_list<std::pair<std::string_view, std::string_view>> fields);
+
+// The page's bytes. Nothing when it cannot be had whole before `deadline`, name resolution included, or is
+// larger than a page of text ever is. Redirections are followed. For worker threads: it waits.
+std::optional<Text> downloaded(const Text& url, Deadline deadline);
