@@ -66,7 +66,7 @@ class ScreenReader:
             control = self._control(child)
             if control.has(SHOWING) or control.role == "list item":
                 yield control
-            yield from self._below(child)
+                yield from self._below(child)
 
     def _children(self, item):
         return [self.bus.get_object(name, path) for name, path in item.GetChildren(dbus_interface=ACCESSIBLE)]
