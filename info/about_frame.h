@@ -47,7 +47,6 @@ private:
     void closeRequested() override;
 
     void showUpdates();
-    void startSystemInformation();
     Text systemInformationTool();
 
     // The run of blanks makes the label wrap.

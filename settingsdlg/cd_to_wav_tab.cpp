@@ -55,10 +55,11 @@ void Settings::get_tracks_fsd()
     if (reader.Init() != 0)
         return;
     const auto& store = program_.settingsStore();
-    if (store.GetSetting(section::cdToWav, key::settingsSaved) == "yes")
-        succeeds([&] { reader.SelectDrive(toInteger16(store.GetSetting(section::cdToWav, key::cdDrive))); });
-    else
-        reader.SelectDrive(1);
+    succeeds([&] {
+        const bool saved = store.GetSetting(section::cdToWav, key::settingsSaved) == "yes";
+        reader.SelectDrive(saved ? toInteger16(store.GetSetting(section::cdToWav, key::cdDrive))
+                                 : std::int16_t{1});
+    });
     workbench.TracksList.Clear();
     skipping([&] { titles.setContactIdentity(program_.platform().contactIdentity()); },
              [&] { titles.setDevice(titles.DefaultDevice()); }, [&] { titles.setTimeLimit(lookupLimit); });

@@ -87,15 +87,14 @@ void Settings::detectWriter()
 bool Settings::takeWriter(std::int16_t drive)
 {
     ACDWRITE& writer = *program_.mp3Encoder().CDWriter;
-    writer.SelectDrive(drive);
+    skipping([&] { writer.SelectDrive(drive); });
     selectedWriter = drive;
-    const std::int16_t type = writer.WriterType();
-    if (!isKnownType(type))
+    std::int16_t type = 0;
+    if (!holdsOrFails([&] { return isKnownType(type = writer.WriterType()); }))
         return false;
-    writer.SetWriterType(type);
-    writerType = writer.WriterType();
-    SetWAVtoCDcdwriter.setText(writer.DriveName(drive));
-    SetWAVtoCDwritertype.setText(textOf(writerType));
+    skipping([&] { writer.SetWriterType(type); }, [&] { writerType = writer.WriterType(); },
+             [&] { SetWAVtoCDcdwriter.setText(writer.DriveName(drive)); },
+             [&] { SetWAVtoCDwritertype.setText(textOf(writerType)); });
     return true;
 }
 

@@ -62,7 +62,8 @@ void dressApplication()
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle("Fusion");
     QApplication::setPalette(darkPalette());
-    QFont font({"Inter", "Noto Sans", "Cantarell", "DejaVu Sans"});
+    // None that would draw the captions' "=>" as one arrow.
+    QFont font({"Roboto", "Noto Sans", "Cantarell", "DejaVu Sans"});
     font.setPixelSize(11);
     QApplication::setFont(font);
     QApplication::setWindowIcon(QIcon(":/skin/picIcon.svg"));

@@ -11,6 +11,15 @@
 namespace
 {
 
+// Set off from the dark window that it lies on.
+constexpr char menuStyle[] = R"(
+    QMenu { background: #2b2f35; border: 1px solid #565d66; padding: 3px; }
+    QMenu::item { padding: 4px 26px 4px 18px; border-radius: 2px; }
+    QMenu::item:selected { background: #c97b14; color: #ffffff; }
+    QMenu::item:disabled { color: #757c84; }
+    QMenu::separator { height: 1px; background: #464c54; margin: 3px 6px; }
+)";
+
 QPoint pixelPoint(std::int32_t x, std::int32_t y)
 {
     return {pixelsOf(static_cast<Twips>(x)), pixelsOf(static_cast<Twips>(y))};
@@ -32,6 +41,7 @@ std::int32_t QtPopupMenu::AddItem(const Text& caption, const Text&, std::int32_t
 std::unique_ptr<QMenu> QtPopupMenu::build()
 {
     auto root = std::make_unique<QMenu>(owner_->page());
+    root->setStyleSheet(menuStyle);
     std::vector<QMenu*> menus(items_.size() + 1, nullptr);
     menus[0] = root.get();
     for (std::size_t number = 1; number <= items_.size(); ++number) {

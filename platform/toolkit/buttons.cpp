@@ -1,6 +1,7 @@
 #include "platform/toolkit/buttons.h"
 
 #include "platform/failure.h"
+#include "platform/toolkit/form.h"
 #include "platform/toolkit/qt_bridge.h"
 
 #include <QCheckBox>
@@ -20,8 +21,9 @@ CommandButton::CommandButton(Container& container, const char* name, Place place
     QObject::connect(button, &QPushButton::clicked, [this] { fromOutside([this] { Click.raise(); }); });
     if (keys == Keys::none)
         return;
+    // The window's own keys: they press the button from behind another tab as well.
     for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape})
-        QObject::connect(new QShortcut(key, container.page()), &QShortcut::activated, button,
+        QObject::connect(new QShortcut(key, form().page()), &QShortcut::activated, button,
                          &QPushButton::click);
 }
 

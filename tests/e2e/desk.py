@@ -14,6 +14,8 @@ import sys
 import tempfile
 import time
 
+from reader import ScreenReader
+
 LIMIT = float(os.environ.get("VELMORA_TEST_LIMIT", "60"))
 TWIPS = 15  # to the pixel
 
@@ -50,17 +52,19 @@ class Desk:
         self.music.mkdir(parents=True)
         self.runtime.mkdir(mode=0o700)
         self.processes = []
+        self.recordings = []
         self.environment = {key: value for key, value in os.environ.items()
                             if not key.startswith(("XDG_", "QT_", "PULSE_", "DBUS_", "WAYLAND"))}
         self.environment.update(
             HOME=str(self.home), XDG_RUNTIME_DIR=str(self.runtime), LC_ALL="C.UTF-8",
             PULSE_RUNTIME_PATH=str(self.runtime / "pulse"), PULSE_STATE_PATH=str(self.runtime / "pulse-state"),
-            PULSE_SERVER=f"unix:{self.runtime}/native", DBUS_SESSION_BUS_ADDRESS="disabled:")
+            PULSE_SERVER=f"unix:{self.runtime}/native", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
         if scale != 1:
             self.environment["QT_SCALE_FACTOR"] = str(scale)
-        self.sound = None
+        self.sound = self.bus = self.reader = None
         try:
             self._start_display(size)
+            self._start_bus()
             if manager:
                 self._start_manager()
             if sound:
@@ -93,8 +97,14 @@ class Desk:
                 process.wait()
 
     def close(self):
+        if self.reader:
+            self.reader.close()
         for process in reversed(self.processes):
             self.end(process)
+        for recording in self.recordings:
+            recording.file.close()
+        if self.bus:
+            self._end_group(self.bus)
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def run(self, *command):
@@ -110,6 +120,23 @@ class Desk:
         if not number:
             raise AssertionError("Xvfb did not start")
         self.environment["DISPLAY"] = f":{number}"
+
+    # What the bus starts on demand belongs to its process group.
+    @staticmethod
+    def _end_group(leader):
+        try:
+            os.killpg(leader.pid, signal.SIGTERM)
+        except ProcessLookupError:
+            pass
+
+    def _start_bus(self):
+        read, write = os.pipe()
+        self.bus = self.spawn("dbus-daemon", "--session", "--nofork", "--nopidfile", f"--print-address={write}",
+                              pass_fds=[write])
+        os.close(write)
+        with os.fdopen(read) as answer:
+            self.environment["DBUS_SESSION_BUS_ADDRESS"] = answer.readline().strip()
+        self.reader = ScreenReader(self.environment["DBUS_SESSION_BUS_ADDRESS"])
 
     def _start_manager(self):
         self.spawn("openbox", "--sm-disable")
@@ -132,7 +159,8 @@ class Desk:
         self.run("import", "-window", str(window), str(path))
 
     def record(self):
-        return Recording(self)
+        self.recordings.append(Recording(self))
+        return self.recordings[-1]
 
 
 class Recording:
@@ -157,6 +185,13 @@ class Recording:
         """Frames so far."""
         return self.path.stat().st_size // 4
 
+    def heard_second(self):
+        """Where in a counting signal the sound is by now; the signal counts its frames from 1."""
+        with open(self.path, "rb") as file:
+            file.seek(max(self.length() - 1, 0) * 4)
+            left, right = array.array("h", file.read(4))
+        return (left | (right - 1) << 15) / 44100
+
     def stop(self):
         self.desk.end(self.process, signal.SIGINT)
         self.file.close()
@@ -176,8 +211,8 @@ class Velmora:
         self.process = None
 
     def start(self, wait=True):
-        self.output = open(self.desk.folder / "output.txt", "ab")
-        self.process = self.desk.spawn(str(self.folder / "velmora"), stdout=self.output, stderr=self.output)
+        with open(self.desk.folder / "output.txt", "ab") as output:
+            self.process = self.desk.spawn(str(self.folder / "velmora"), stdout=output, stderr=output)
         if wait:
             self.window("Velmora v2.0")
         return self
@@ -230,7 +265,7 @@ class Velmora:
     # Mouse and keys. Places are in twips of a window.
 
     def point(self, window, left, top):
-        self.desk.run("xdotool", "mousemove", "--sync", "--window", str(window), str(round(left / TWIPS)),
+        self.desk.run("xdotool", "mousemove", "--window", str(window), str(round(left / TWIPS)),
                       str(round(top / TWIPS)))
 
     def click(self, window, place, button=1, times=1):
@@ -239,14 +274,27 @@ class Velmora:
         self.point(window, left + width / 2, top + height / 2)
         self.desk.run("xdotool", "click", "--repeat", str(times), "--delay", "60", str(button))
 
-    def drag(self, window, start, end, steps=10, pause=0.01):
-        """From one point to another, both in twips of the window, by way of many."""
-        self.point(window, *start)
-        self.desk.run("xdotool", "mousedown", "1")
+    def grip(self, window, place):
+        """Presses the button on a control and keeps it down. Returns the pointer's place on the screen."""
+        left, top, _, _ = self.geometry(window)
+        x, y = left + round((place[0] + place[2] / 2) / TWIPS), top + round((place[1] + place[3] / 2) / TWIPS)
+        self.desk.run("xdotool", "mousemove", str(x), str(y), "mousedown", "1")
+        return x, y
+
+    def pull(self, start, end, steps=8):
+        """Moves the pointer, step by step."""
         for step in range(1, steps + 1):
-            self.point(window, *(a + (b - a) * step / steps for a, b in zip(start, end)))
-            time.sleep(pause)
+            at = (round(a + (b - a) * step / steps) for a, b in zip(start, end))
+            self.desk.run("xdotool", "mousemove", *map(str, at))
+
+    def release(self):
         self.desk.run("xdotool", "mouseup", "1")
+
+    def drag(self, window, place, by):
+        """Drags a control by so many pixels."""
+        x, y = self.grip(window, place)
+        self.pull((x, y), (x + by[0], y + by[1]))
+        self.release()
 
     def key(self, *keys):
         self.desk.run("xdotool", "key", "--delay", "30", *keys)
@@ -273,10 +321,44 @@ class Velmora:
         self.gone(title)
 
     def _click_pixels(self, window, x, y):
-        self.desk.run("xdotool", "mousemove", "--sync", "--window", str(window), str(x), str(y), "click", "1")
+        self.desk.run("xdotool", "mousemove", "--window", str(window), str(x), str(y), "click", "1")
 
-    def menu(self, window, *keys):
-        """Opens the window's menu by its image and walks it by keys."""
+    def popups(self):
+        """How many menus are open: the windows that no window manager manages."""
+        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "velmora"], capture_output=True,
+                               text=True, env=self.desk.environment)
+        states = [subprocess.run(["xprop", "-id", window, "WM_STATE"], capture_output=True, text=True,
+                                 env=self.desk.environment).stdout for window in found.stdout.split()]
+        return sum("not found" in state for state in states)
+
+    def menu(self, window, *mnemonics):
+        """Opens the window's menu by its image and walks it by its underlined letters."""
         self.click(window, (0, 0, 240, 225))
-        time.sleep(0.3)
-        self.key(*keys)
+        for depth, letter in enumerate(mnemonics, 1):
+            wait_for(lambda: self.popups() >= depth, f"menu {depth} opens")
+            self.key(letter)
+        wait_for(lambda: self.popups() == 0, "the menus close")
+
+    # What a screen reader reads
+
+    def controls(self, title):
+        return self.desk.reader.controls(title)
+
+    def control(self, title, role, name):
+        return wait_for(lambda: next((c for c in self.controls(title) if (c.role, c.name) == (role, name)), None),
+                        f"{role} {name!r} in {title!r}")
+
+    def label_at(self, title, place):
+        """The label that stands there, its place in twips of the window."""
+        window = self.geometry(self.window(title))
+        wanted = (round(place[0] / TWIPS) + window[0], round(place[1] / TWIPS) + window[1])
+        return next(c for c in self.controls(title) if c.role == "label" and c.place()[:2] == wanted)
+
+    def press(self, title, role, name):
+        """Clicks into the middle of a control with the mouse."""
+        self.click_control(self.control(title, role, name))
+
+    def click_control(self, control, times=1):
+        left, top, width, height = control.place()
+        self.desk.run("xdotool", "mousemove", str(left + width // 2), str(top + height // 2),
+                      "click", "--repeat", str(times), "--delay", "60", "1")

@@ -72,3 +72,52 @@ def trimmed(samples):
     while last > first and samples[last - 1] == 0:
         last -= 1
     return samples[first:last + last % 2]
+
+
+def head(wanted):
+    """So much of it as tells it from everything else."""
+    return wanted[:400]
+
+
+def begin(recording, wanted, start=0):
+    """The frame at which `wanted` begins to be heard."""
+    return find(recording, head(wanted), start)
+
+
+def pieces(recording, wanted, start=0):
+    """How `wanted` was heard, every sample of it in order, with silence in it where there was a pause or the machine was
+    too busy: the frames at which its pieces begin, and where the last one ends. None when it was not, or not yet.
+    """
+    at, done, starts = begin(recording, wanted, start), 0, []
+    while at is not None and 2 * at < len(recording):
+        starts.append(at)
+        same = common(recording, 2 * at, wanted, 2 * done) // 2
+        done, at = done + same, at + same
+        if 2 * done >= len(wanted) - 1:
+            return starts, at
+        if same == 0:
+            return None
+        while 2 * at < len(recording) and recording[2 * at] == recording[2 * at + 1] == 0:
+            at += 1
+    return None
+
+
+def common(one, from_one, other, from_other):
+    """How many values are the same from there on."""
+    length = min(len(one) - from_one, len(other) - from_other)
+    low, high = 0, length
+    while low < high:
+        middle = (low + high + 1) // 2
+        if one[from_one + low:from_one + middle] == other[from_other + low:from_other + middle]:
+            low = middle
+        else:
+            high = middle - 1
+    return low
+
+
+def last_sound(recording):
+    """The frame after the last one that is not silence."""
+    last = len(recording)
+    while last and not recording[last - 1]:
+        last -= 1
+    return (last + 1) // 2

@@ -46,6 +46,7 @@ public:
     std::function<void(RecordingACD&)> onACD;
     std::function<void(RecordingACDWRITE&)> onACDWRITE;
     std::function<void(RecordingCdBase&)> onCdBase;
+    std::function<std::unique_ptr<ACD>()> otherReader; // in place of the recording one
 
     FakePlatform() { addConfigurationFile(); }
 
@@ -80,6 +81,8 @@ public:
     std::unique_ptr<Mp3Enc> makeMp3Enc() override { return made(Mp3Encoder1, log); }
     std::unique_ptr<ACD> makeACD() override
     {
+        if (otherReader)
+            return otherReader();
         auto reader = made(CDtoWAV, log);
         if (onACD)
             onACD(*reader);

@@ -194,9 +194,14 @@ public:
         say("Init");
         return init;
     }
-    std::int16_t DriveCount() override { return static_cast<std::int16_t>(drives.size()); }
+    std::int16_t DriveCount() override
+    {
+        say("DriveCount");
+        return static_cast<std::int16_t>(drives.size());
+    }
     Text DriveName(std::int16_t drive) const override
     {
+        say("DriveName(" + textOf(drive) + ")");
         return drives.at(static_cast<std::size_t>(drive - 1));
     }
     void SelectDrive(std::int16_t drive) override { say("SelectDrive(" + textOf(drive) + ")"); }
@@ -246,8 +251,16 @@ public:
         say("Init");
         return init;
     }
-    std::int16_t DriveCount() override { return static_cast<std::int16_t>(writers.size()); }
-    Text DriveName(std::int16_t drive) override { return writers.at(static_cast<std::size_t>(drive)).name; }
+    std::int16_t DriveCount() override
+    {
+        say("DriveCount");
+        return static_cast<std::int16_t>(writers.size());
+    }
+    Text DriveName(std::int16_t drive) override
+    {
+        say("DriveName(" + textOf(drive) + ")");
+        return writers.at(static_cast<std::size_t>(drive)).name;
+    }
     void SelectDrive(std::int16_t drive) override
     {
         say("SelectDrive(" + textOf(drive) + ")");
@@ -255,6 +268,7 @@ public:
     }
     std::int16_t WriterType() const override
     {
+        say("WriterType");
         const auto index = static_cast<std::size_t>(current);
         return index < writers.size() ? writers[index].type : std::int16_t{0};
     }
@@ -299,10 +313,14 @@ public:
     explicit RecordingCdBase(CallLog& log) : log_(log) {}
 
     bool openFails = false;
+    Text identity;
     Text artist;
     std::map<std::int16_t, Text> titles;
 
-    void setContactIdentity(const Text& address) override { say("ContactIdentity = " + address); }
+    void setContactIdentity(const Text& address) override
+    {
+        say("ContactIdentity = " + (identity = address));
+    }
     Text DefaultDevice() const override { return "default"; }
     void setDevice(const Text& device) override { say("Device = " + device); }
     void setTimeLimit(std::int32_t milliseconds) override { say("TimeLimit = " + textOf(milliseconds)); }
@@ -316,6 +334,7 @@ public:
     Text DiscArtist() const override { return artist; }
     Text TrackTitle(std::int16_t track) const override
     {
+        say("TrackTitle(" + textOf(track) + ")");
         const auto title = titles.find(track);
         return title == titles.end() ? Text() : title->second;
     }

@@ -1,0 +1,104 @@
+#!/usr/bin/python3
+"""What goes wrong around the player: sound servers that die or hang, files that are none, a settings file in pieces."""
+import os
+import pathlib
+import signal
+import time
+
+import case
+import places
+import sounds
+from desk import wait_for
+
+
+class Upset(case.Case):
+    def wav(self, seconds):
+        return sounds.write_wav(self.desk.music / "a.wav", sounds.counter(seconds * sounds.RATE, 1))
+
+    def seconds(self):
+        minutes, seconds = self.label(places.TIME).split(":")
+        return int(minutes) * 60 + int(seconds)
+
+    def test_a_sound_server_that_dies_takes_the_sound_along_and_not_the_place(self):
+        recording = self.desk.record()
+        self.play(self.wav(60), 0)
+        self.wait_label(places.TIME, "0:01")
+        heard = recording.heard_second()
+        died = time.monotonic()
+        self.desk.sound.kill()
+        self.desk.sound.wait()
+        wait_for(lambda: self.seconds() >= 3, "the clock goes on")
+        self.desk.start_sound()
+        recording = self.desk.record()
+        wait_for(lambda: any(recording.frames()), "the sound comes back")
+        now = recording.heard_second() - heard
+        self.assertAlmostEqual(now, time.monotonic() - died, delta=2)
+        self.assert_alive()
+
+    def test_a_sound_server_that_hangs_does_not_hang_the_window(self):
+        self.play(self.wav(60), 0)
+        self.wait_label(places.TIME, "0:01")
+        self.desk.sound.send_signal(signal.SIGSTOP)
+        self.app.click(self.main, places.STOP)
+        self.wait_label(places.TIME, "0:00")
+        self.app.click(self.main, places.PLAY)
+        self.app.drag(self.main, (1200, 60, 300, 100), (30, 30))
+        self.app.menu(self.main, "f", "l")
+        self.app.window(case.LIST)
+        self.desk.sound.send_signal(signal.SIGCONT)
+        self.assert_alive()
+
+    def test_without_a_sound_server_files_play_silently(self):
+        self.desk.end(self.desk.sound)
+        self.play(self.wav(5), 0)
+        self.wait_label(places.TIME, "0:02")
+        self.assert_alive()
+
+    def test_files_that_are_none_leave_the_window_usable(self):
+        folder = self.desk.music
+        wav = self.wav(1)
+        mp3 = sounds.encode(wav, folder / "good.mp3")
+        (folder / "empty.mp3").touch()
+        (folder / "noise.mp3").write_bytes(os.urandom(100000))
+        (folder / "wav.mp3").write_bytes(wav.read_bytes())
+        (folder / "mp3.wav").write_bytes(mp3.read_bytes())
+        (folder / "cut.mp3").write_bytes(mp3.read_bytes()[:5000])
+        os.mkfifo(folder / "pipe.mp3")
+        for name, filter_row in (("empty.mp3", 1), ("noise.mp3", 1), ("wav.mp3", 1), ("cut.mp3", 1), ("pipe.mp3", 1),
+                                 ("mp3.wav", 0)):
+            with self.subTest(name):
+                self.play(folder / name, filter_row)
+                before = self.processor_time()
+                start = time.monotonic()
+                self.app.drag(self.main, (1200, 60, 300, 100), (10, 10))
+                self.show_list()
+                wait_for(lambda: time.monotonic() - start > 0.5, "half a second goes by")
+                self.assertLess(self.processor_time() - before, 0.5 * (time.monotonic() - start))
+                self.assert_alive()
+                self.app.kill()
+                self.start()
+
+    def processor_time(self):
+        fields = pathlib.Path(f"/proc/{self.app.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+    def test_a_damaged_settings_file_does_not_keep_the_program_from_starting(self):
+        self.app.drag(self.main, (1200, 60, 300, 100), (50, 30))
+        wait_for(lambda: self.app.setting("Position StartUp Window", "Left"), "the place is kept")
+        self.app.kill()
+        for damage in (b"", b"no database at all" * 100, self.app.store_path().read_bytes()[:3000]):
+            for name in ("settings.sqlite-wal", "settings.sqlite-shm"):
+                (self.app.store_path().parent / name).unlink(missing_ok=True)
+            self.app.store_path().write_bytes(damage)
+            self.start()
+            self.app.drag(self.main, (1200, 60, 300, 100), (-20, 10))
+            place = self.app.geometry(self.main)[:2]
+            wait_for(lambda: self.app.setting("Position StartUp Window", "Left") == str(place[0] * 15), "it is kept again")
+            self.app.kill()
+            self.start()
+            self.assertEqual(self.app.geometry(self.main)[:2], place)
+            self.app.kill()
+
+
+if __name__ == "__main__":
+    case.main()

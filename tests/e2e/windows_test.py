@@ -1,0 +1,91 @@
+#!/usr/bin/python3
+"""The two windows on the desk: how they cling together, and where they are found again."""
+import os
+import random
+import signal
+import time
+
+import case
+import places
+from desk import wait_for
+
+TITLE = (1200, 60, 300, 100)  # in the title bar, clear of its buttons
+LONG = bool(os.environ.get("VELMORA_LONG_TESTS"))
+KILLS = 200 if LONG else 5
+TICK = 0.03 if LONG else 0.5  # seconds; a busy machine ticks late
+
+
+class Windows(case.Case):
+    def settled(self, window, geometry):
+        wait_for(lambda: self.app.geometry(window)[:2] == geometry, f"the window stands at {geometry}")
+
+    def beside(self, side, gap):
+        """Where the list must stand to be that far from the main window's side."""
+        left, top, width, height = self.app.geometry(self.main)
+        own_width, own_height = self.app.geometry(self.list)[2:]
+        return {"bottom": (left, top + height + gap), "top": (left, top - own_height - gap),
+                "right": (left + width + gap, top), "left": (left - own_width - gap, top)}[side]
+
+    def drag_list_to(self, place):
+        left, top = self.app.geometry(self.list)[:2]
+        self.app.drag(self.list, TITLE, (place[0] - left, place[1] - top))
+
+    def test_the_list_snaps_at_thirteen_pixels_and_not_at_fourteen(self):
+        self.list = self.show_list()
+        for side in ("bottom", "top", "right", "left"):
+            with self.subTest(side):
+                self.drag_list_to(self.beside(side, 14))
+                self.settled(self.list, self.beside(side, 14))
+                self.drag_list_to(self.beside(side, 13))
+                self.settled(self.list, self.beside(side, 0))
+
+    def test_a_docked_list_goes_with_the_main_window_also_after_a_restart(self):
+        self.list = self.show_list()
+        self.drag_list_to(self.beside("bottom", 9))
+        self.settled(self.list, self.beside("bottom", 0))
+        for start_again in (False, True):
+            if start_again:
+                wait_for(lambda: self.app.setting("Position PlayList Editor", "POS") == "bottom", "the side is kept")
+                self.app.kill()
+                self.start()
+                self.list = self.app.window(case.LIST)
+            self.app.drag(self.main, TITLE, (-60, 25))
+            self.settled(self.list, self.beside("bottom", 0))
+
+    def test_both_windows_minimise_and_come_back(self):
+        self.list = self.show_list()
+        self.app.click(self.main, places.MINIMIZE)
+        self.app.gone(case.MAIN)
+        self.app.gone(case.LIST)
+        self.desk.run("xdotool", "windowmap", self.main)
+        self.app.window(case.MAIN)
+        self.app.window(case.LIST)
+
+    def test_a_killed_program_is_found_where_it_was_shown_last(self):
+        chance = random.Random(1)
+        for kill in range(KILLS):
+            x, y = self.app.grip(self.main, TITLE)
+            shown = [(0, self.app.geometry(self.main)[:2])]
+            for _ in range(chance.randint(1, 12)):
+                x, y = min(max(x + chance.randint(-40, 40), 100), 1100), min(max(y + chance.randint(-30, 30), 50), 700)
+                self.desk.run("xdotool", "mousemove", str(x), str(y))
+                shown.append((time.monotonic(), self.app.geometry(self.main)[:2]))
+            self.app.process.send_signal(signal.SIGSTOP)
+            stopped = time.monotonic()
+            shown.append((stopped, self.app.geometry(self.main)[:2]))
+            self.app.kill()
+            self.app.release()
+            self.start()
+            place = wait_for(lambda: self.app.geometry(self.main)[:2], "the window stands")
+            # A place is noted on the clock's next tick.
+            last = [here for (_, here), (left, _) in zip(shown, [*shown[1:], (stopped, None)]) if left > stopped - TICK]
+            self.assertIn(place, last, f"kill {kill}, shown before: {shown}")
+
+    def test_the_close_image_ends_the_program(self):
+        self.app.click(self.main, places.CLOSE)
+        wait_for(lambda: not self.app.alive(), "the program ends")
+        self.assertEqual(self.app.process.returncode, 0)
+
+
+if __name__ == "__main__":
+    case.main()
