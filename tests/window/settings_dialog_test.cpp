@@ -165,8 +165,11 @@ TEST_CASE("The dialog's load lists the drives once more after the settings, then
     CHECK(p.platform.log.count("Mp3Encoder1.Bitrate = 128000") == 1);
     const Text calls = p.calls();
     CHECK(calls.ends_with("CDWriter.AutoEject = True\n" // the last of the settings
-                          "CDtoWAV.Init\nCDtoWAV.SelectDrive(1)\n"
-                          "CDWriter.Init\nCDWriter.SelectDrive(0)\nCDWriter.SetWriterType(5)\n"));
+                          "CDtoWAV.Init\nCDtoWAV.DriveCount\nCDtoWAV.DriveName(1)\nCDtoWAV.DriveName(2)\n"
+                          "CDtoWAV.SelectDrive(1)\n"
+                          "CDWriter.Init\nCDWriter.DriveCount\nCDWriter.DriveName(0)\n"
+                          "CDWriter.DriveCount\nCDWriter.SelectDrive(0)\nCDWriter.WriterType\n"
+                          "CDWriter.SetWriterType(5)\nCDWriter.WriterType\nCDWriter.DriveName(0)\n"));
     CHECK(p.program.settings().SetWAVtoCDcdwriter.Text() == "A writer");
 }
 
