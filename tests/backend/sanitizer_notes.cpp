@@ -10,15 +10,3 @@ const char* __lsan_default_suppressions()
            "leak:snd_config_set_string\n";
 }
 #endif
-
-#ifdef __SANITIZE_THREAD__
-extern "C" const char* __tsan_default_suppressions();
-
-const char* __tsan_default_suppressions()
-{
-    // The sound server's client library hands used packets from one of its connections to the next by atomics
-    // of its own making.
-    return "race:pa_iochannel_read_with_ancil_data\n"
-           "race:pa_packet_new_data\n";
-}
-#endif
