@@ -29,6 +29,7 @@ AboutFrame::AboutFrame(Program& program) :
     lblDescription.setWordWrap(true);
     lblDisclaimer.setWordWrap(true);
     updatesandbugfixes.setLocked(true);
+    updatesandbugfixes.setGrey();
     Load.calls(*this, &AboutFrame::Form_Load);
     cmdOK.Click.calls(*this, &AboutFrame::cmdOK_Click);
     cmdSysInfo.Click.calls(*this, &AboutFrame::cmdSysInfo_Click);

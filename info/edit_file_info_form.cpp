@@ -11,6 +11,7 @@ editfileinfoform::editfileinfoform(Program& program) :
 {
     setCaption("Edit File Information");
     filelocation.setLocked(true);
+    filelocation.setGrey();
     for (auto* box : {&txtTitle, &txtArtist, &txtAlbum, &txtComment})
         box->setMaxLength(30);
     txtYear.setMaxLength(4);

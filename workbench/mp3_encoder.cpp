@@ -12,8 +12,11 @@ Mp3Encoder::Mp3Encoder(Program& program) :
     CdBase1(program.platform().makeCdBase()), CDWriter(program.platform().makeACDWRITE()), program_(program)
 {
     setCaption("Encoder / Decoder / CD => WAV / WAV => CD");
-    txtEncNowEnc.setLocked(true);
-    txtEncNowDec.setLocked(true);
+    for (auto* panel : {&txtEncNowEnc, &txtEncNowDec}) {
+        panel->setLocked(true);
+        panel->setGrey();
+    }
+    EncWAVtoCDdragndrop.setGrey();
     EncWAVtoCDdragndrop.setToolTipText("Drag And Drop Wave-Files Here (44KHz, 16bit, Stereo)");
     EncWAVtoCDdragndrop.acceptFiles();
     wire();

@@ -4,11 +4,24 @@
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/qt_bridge.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcut>
 #include <QSignalBlocker>
+
+namespace
+{
+
+// Enter presses the button that has the focus, if one has.
+QPushButton& buttonFor(int key, QPushButton& otherwise)
+{
+    auto* focused = qobject_cast<QPushButton*>(QApplication::focusWidget());
+    return focused && key != Qt::Key_Escape ? *focused : otherwise;
+}
+
+}
 
 namespace ctl
 {
@@ -24,7 +37,7 @@ CommandButton::CommandButton(Container& container, const char* name, Place place
     // The window's own keys: they press the button from behind another tab as well.
     for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape})
         QObject::connect(new QShortcut(key, form().page()), &QShortcut::activated, button,
-                         &QPushButton::click);
+                         [button, key] { buttonFor(key, *button).click(); });
 }
 
 OptionButton::OptionButton(Container& container, const char* name, Place place, const Text& caption) :

@@ -4,6 +4,7 @@
 #include "platform/toolkit/qt_bridge.h"
 #include "platform/toolkit/toolkit.h"
 
+#include <QPalette>
 #include <QWidget>
 
 namespace ctl
@@ -54,6 +55,13 @@ void Control::setToolTipText(const Text& toolTip)
         widget_->setToolTip(shown(toolTip));
         widget_->setAccessibleName(shown(toolTip));
     }
+}
+
+void Control::setGrey()
+{
+    QPalette palette;
+    palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+    widget_->setPalette(palette);
 }
 
 Toolkit& Control::toolkit() const { return form_.toolkit(); }

@@ -40,6 +40,8 @@ public:
     Text ToolTipText() const { return toolTip_; }
     void setToolTipText(const Text& toolTip);
 
+    void setGrey(); // with the window's own colour behind its text: it shows and asks for nothing
+
 protected:
     Control(Container& container, const char* name, Place place, QWidget* widget, const Text& toolTip = {});
     Control(Container& container, const char* name, Hidden);

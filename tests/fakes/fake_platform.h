@@ -7,7 +7,7 @@
 #include "platform/platform.h"
 #include "platform/toolkit/toolkit.h"
 
-class FakePlatform final : public Platform
+class FakePlatform : public Platform
 {
 public:
     CallLog log;

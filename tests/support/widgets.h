@@ -20,6 +20,12 @@ Widget* widgetOf(Form& form, const char* name)
     return form.page()->findChild<Widget*>(name);
 }
 
+// With the window's own colour behind its text.
+inline bool isGrey(const QWidget& widget)
+{
+    return widget.palette().color(QPalette::Base) == QApplication::palette().color(QPalette::Window);
+}
+
 inline void typeInto(QWidget& widget, const QString& text)
 {
     for (const QChar letter : text) {

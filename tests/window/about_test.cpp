@@ -115,6 +115,7 @@ TEST_CASE("The news cannot be changed")
     AboutFrame& frame = a.open();
     typeInto(*widgetOf<QPlainTextEdit>(frame, "updatesandbugfixes"), "x");
     CHECK(frame.updatesandbugfixes.Text() == "news");
+    CHECK(isGrey(*widgetOf<QPlainTextEdit>(frame, "updatesandbugfixes")));
 }
 
 TEST_CASE("Without readable news the window opens with an empty second tab and says nothing")
@@ -182,6 +183,24 @@ TEST_CASE("Enter and Escape press OK, on whichever tab they come")
             pressKey(frame, key);
             CHECK(presses == 1);
         }
+}
+
+TEST_CASE("Enter presses the button that has the focus, Escape always OK")
+{
+    for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape}) {
+        CAPTURE(key);
+        About a;
+        AboutFrame& frame = a.open();
+        int asked = 0, closed = 0;
+        frame.cmdSysInfo.Click.calls([&] { ++asked; });
+        frame.cmdOK.Click.calls([&] { ++closed; });
+        frame.page()->window()->activateWindow();
+        QCoreApplication::processEvents();
+        widgetOf<QPushButton>(frame, "cmdSysInfo")->setFocus();
+        pressKey(frame, key);
+        CHECK(asked == (key == Qt::Key_Escape ? 0 : 1));
+        CHECK(closed == (key == Qt::Key_Escape ? 1 : 0));
+    }
 }
 
 TEST_CASE("The system's information tool is sought in two places")

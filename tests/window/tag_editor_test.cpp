@@ -125,6 +125,8 @@ TEST_CASE("The file's path can be read and not be changed")
     typeInto(line, "x");
     CHECK(e.form.filelocation.Text() == "/m/a.mp3");
     CHECK(line.isReadOnly());
+    CHECK(isGrey(line));
+    CHECK_FALSE(isGrey(*widgetOf<QLineEdit>(e.form, "txtTitle")));
 }
 
 TEST_CASE("Only as many characters as a field has can be typed")

@@ -148,6 +148,9 @@ TEST_CASE("Several files can be selected at once, and the panel cannot be typed 
         typeInto(line, "x");
         CHECK(line.text().isEmpty());
     }
+    for (const auto* name : {"txtEncNowEnc", "txtEncNowDec", "EncWAVtoCDdragndrop"})
+        CHECK(isGrey(*widgetOf<QWidget>(w.workbench, name)));
+    CHECK_FALSE(isGrey(*widgetOf<QWidget>(w.workbench, "File1")));
 }
 
 TEST_CASE("The drive leads the folder, the folder leads the files, each tab for itself")
