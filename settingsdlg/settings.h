@@ -62,16 +62,16 @@ public:
     ctl::CommandButton SetDecCan    {tab1, "SetDecCan",     {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel"};
 
     ctl::Container& tab2 = SettingsTab.page(2);
-    ctl::Frame        frmCDDrive    {tab2, "frmCDDrive",    { 120_tw,   90_tw, 3210_tw, 1980_tw}, "Select Your CD Drive"};
-    ctl::ListBox      CDDrives      {frmCDDrive, "CDDrives",{ 120_tw,  330_tw, 2970_tw, 1530_tw}};
-    ctl::Frame        SetCDtoWAVFNB {tab2, "SetCDtoWAVFNB", { 120_tw, 2190_tw, 3210_tw, 1500_tw}, "With what should the filenames begin?"};
-    ctl::TextBox      SetCDtoWavTB  {SetCDtoWAVFNB, "SetCDtoWavTB", {120_tw, 360_tw, 2970_tw, 330_tw}, "Track"};
-    ctl::CheckBox     chkCDDB       {SetCDtoWAVFNB, "chkCDDB", {120_tw, 900_tw, 2970_tw, 330_tw}, "Get track titles from CDDB",
+    ctl::Frame        frmCDDrive    {tab2, "frmCDDrive",    { 120_tw,   90_tw, 6420_tw, 1170_tw}, "Select Your CD Drive"};
+    ctl::ListBox      CDDrives      {frmCDDrive, "CDDrives",{ 120_tw,  330_tw, 6180_tw,  720_tw}};
+    ctl::Frame        SetCDtoWAVFNB {tab2, "SetCDtoWAVFNB", { 120_tw, 1290_tw, 6420_tw,  780_tw}, "With what should the filenames begin?"};
+    ctl::TextBox      SetCDtoWavTB  {SetCDtoWAVFNB, "SetCDtoWavTB", {120_tw, 330_tw, 2970_tw, 330_tw}, "Track"};
+    ctl::CheckBox     chkCDDB       {SetCDtoWAVFNB, "chkCDDB", {3210_tw, 330_tw, 3090_tw, 330_tw}, "Get track titles from CDDB",
                                      "Access CDDB to get the song titles.  This requires an active internet connection and only "
                                      "works with your default CD-Drive!"};
-    ctl::Frame        SetCDtoWAVSaveDir{tab2, "SetCDtoWAVSaveDir", {3480_tw, 90_tw, 3060_tw, 3600_tw}, "Where do you want the .wav files to be saved?"};
-    ctl::DriveListBox Drive3        {SetCDtoWAVSaveDir, "Drive3", {120_tw, 330_tw, 2820_tw,  345_tw}, drives_};
-    ctl::DirListBox   Dir3          {SetCDtoWAVSaveDir, "Dir3",   {120_tw, 750_tw, 2820_tw, 2730_tw}};
+    ctl::Frame        SetCDtoWAVSaveDir{tab2, "SetCDtoWAVSaveDir", {120_tw, 2100_tw, 6420_tw, 1710_tw}, "Where do you want the .wav files to be saved?"};
+    ctl::DriveListBox Drive3        {SetCDtoWAVSaveDir, "Drive3", { 120_tw, 330_tw, 2970_tw,  345_tw}, drives_};
+    ctl::DirListBox   Dir3          {SetCDtoWAVSaveDir, "Dir3",   {3210_tw, 330_tw, 3090_tw, 1260_tw}};
     ctl::CommandButton SetCDtoWAVOK {tab2, "SetCDtoWAVOK",  {2130_tw, 3900_tw, 1380_tw,  390_tw}, "&OK"};
     ctl::CommandButton SetCDtoWAVApp{tab2, "SetCDtoWAVApp", {3645_tw, 3900_tw, 1380_tw,  390_tw}, "&Apply"};
     ctl::CommandButton SetCDtoWAVCan{tab2, "SetCDtoWAVCan", {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel"};

@@ -1,5 +1,6 @@
 #include "support/disc_program.h"
 
+#include <QGroupBox>
 #include <QVariant>
 #include <QWidget>
 #include <doctest/doctest.h>
@@ -88,6 +89,23 @@ TEST_CASE("The disc tabs of the settings bear these words")
         {"SetWAVtoCDCan", "&Cancel"},
     };
     check(p.settings, rows);
+}
+
+TEST_CASE("No frame of the disc tabs cuts its caption")
+{
+    DiscProgram p;
+    const auto check = [](Form& form, std::initializer_list<const char*> names) {
+        for (const char* name : names) {
+            CAPTURE(name);
+            const auto* frame = form.page()->findChild<QGroupBox*>(name);
+            REQUIRE(frame);
+            CHECK(frame->fontMetrics().horizontalAdvance(frame->title()) < frame->width());
+        }
+    };
+    check(p.workbench, {"Frame3", "frmEncCDtoWAVprogress", "EncCDtoWAVprogressThisTrack",
+                        "EncCDtoWAVProgressAll", "frmEncWAVtoCDdragndrop"});
+    check(p.settings, {"frmCDDrive", "SetCDtoWAVFNB", "SetCDtoWAVSaveDir", "frmWAVtoCDcddrives",
+                       "frmWAVtoCDdetectedcdwriter", "frmWAVtoCDwritespeed", "Frame10"});
 }
 
 TEST_CASE("What only holds a value for the flows is never seen")
