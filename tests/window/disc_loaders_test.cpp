@@ -179,6 +179,9 @@ TEST_CASE(
     CHECK(p.workbench.CDtoWAVTB.Caption() == "My disc ");
     CHECK(p.platform.log.count("CDtoWAV.SelectDrive(2)") == 1);
 
+    p.window.get_all_settings(); // the box does not change, so that nothing but the load itself selects
+    CHECK(p.settings.CDDrives.ListIndex() == 0);
+
     p.store(cdToWav, "Access CDDB", "0");
     p.window.get_all_settings();
     CHECK(p.settings.SetCDtoWavTB.Text() == "Track");

@@ -401,6 +401,22 @@ TEST_CASE("Apply and OK rebuild the list under a run, which then finds no checke
     }
 }
 
+TEST_CASE("Opening the settings under a run rebuilds the list as well, and puts the bars back")
+{
+    Ripping r(3);
+    r.check({0, 1, 2});
+    r.platform.scriptedPump.steps = {[&] {
+        r.reader().Progress.raise(500);
+        r.workbench.EncCDtoWAVSet.Click.raise();
+        CHECK(r.track() == 0);
+        CHECK(r.all() == 0);
+        r.reader().Done.raise();
+    }};
+    r.start();
+    CHECK(r.platform.log.count("Pump.turn") == 1);
+    CHECK(r.tracks().size() == 3);
+}
+
 TEST_CASE("A list that becomes shorter under a run ends it without a failure, a longer one adds nothing")
 {
     for (const std::size_t count : {0, 1, 9}) {

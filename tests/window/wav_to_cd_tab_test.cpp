@@ -1,6 +1,8 @@
 #include "support/disc_program.h"
 #include "support/failures.h"
+#include "support/list_hand.h"
 
+#include <QAbstractButton>
 #include <doctest/doctest.h>
 
 namespace
@@ -524,4 +526,30 @@ TEST_CASE("Apply during a writing changes the writer's settings at once")
     t.settings.SetWAVtoCDSpeed2x.setValue(true);
     t.settings.SetWAVtoCDApp.Click.raise();
     CHECK(t.platform.log.count("CDWriter.WriteSpeed = 2") == 1);
+}
+
+TEST_CASE("A user cannot reach the box that the other one keeps out, nor the list once the writer is found")
+{
+    Tab t({{"First", 1}, {"Second", 0}});
+    t.settings.SettingsTab.setTab(3);
+    t.settings.Show();
+    QCoreApplication::processEvents();
+    const auto click = [&](const ctl::CheckBox& box) {
+        t.settings.page()->findChild<QAbstractButton*>(box.Name())->click();
+    };
+    click(t.settings.SetWAVtoCDclosedisc);
+    click(t.settings.SetWAVtoCDtestmode);
+    CHECK(t.settings.SetWAVtoCDclosedisc.Value() == 1);
+    CHECK(t.settings.SetWAVtoCDtestmode.Value() == 0);
+    click(t.settings.SetWAVtoCDclosedisc);
+    click(t.settings.SetWAVtoCDtestmode);
+    CHECK(t.settings.SetWAVtoCDclosedisc.Value() == 0);
+    CHECK(t.settings.SetWAVtoCDtestmode.Value() == 1);
+
+    ListHand hand(t.settings, t.settings.SetWAVtoCDcddrives);
+    hand.doubleClick(hand.middleOf(1));
+    CHECK(t.settings.SetWAVtoCDcdwriter.Text() == "First");
+    t.settings.SetWAVtoCDcddrives.setEnabled(true);
+    hand.doubleClick(hand.middleOf(1));
+    CHECK(t.settings.SetWAVtoCDcdwriter.Text() == "Second");
 }
