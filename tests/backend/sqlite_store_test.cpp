@@ -3,6 +3,7 @@
 #include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wait_until.h"
 
 #include <doctest/doctest.h>
 
@@ -143,6 +144,15 @@ TEST_CASE("Two processes that save at once lose nothing")
         SqliteStore store(place.path);
         for (int i = 0; i < 300; ++i)
             store.SaveSetting(app, section, prefix + std::to_string(i), std::to_string(i));
+        // What the other process was in the way of is saved by a later tick.
+        return waitUntil([&] {
+            store.SaveSetting(app, section, prefix + "0", "0");
+            SqliteStore witness(place.path);
+            for (int i = 0; i < 300; ++i)
+                if (witness.GetSetting(app, section, prefix + std::to_string(i)) != std::to_string(i))
+                    return false;
+            return true;
+        });
     };
     Child one([&] { saveMany("one"); });
     Child other([&] { saveMany("other"); });
