@@ -21,14 +21,14 @@ constexpr Colour colours[] = {
     {QPalette::Window,          0xff24272c}, {QPalette::WindowText,      0xffe4e7ea},
     {QPalette::Base,            0xff17191c}, {QPalette::AlternateBase,   0xff1e2125},
     {QPalette::Text,            0xffe4e7ea}, {QPalette::PlaceholderText, 0xff9aa1a9},
-    {QPalette::Button,          0xff33383e}, {QPalette::ButtonText,      0xffe4e7ea},
+    {QPalette::Button,          0xff2c3036}, {QPalette::ButtonText,      0xffe4e7ea},
     {QPalette::BrightText,      0xffffffff}, {QPalette::Highlight,       0xffc97b14},
     {QPalette::HighlightedText, 0xffffffff}, {QPalette::Link,            0xffffab40},
     {QPalette::ToolTipBase,     0xff33383e}, {QPalette::ToolTipText,     0xffe4e7ea},
 };
 // clang-format on
 
-constexpr QRgb disabledText = 0xff757c84;
+constexpr QRgb disabledText = 0xff7d848c;
 
 QPalette darkPalette()
 {

@@ -4,6 +4,7 @@
 #include "platform/toolkit/qt_bridge.h"
 #include "platform/toolkit/toolkit.h"
 
+#include <QAbstractButton>
 #include <QPalette>
 #include <QWidget>
 
@@ -51,10 +52,12 @@ void Control::setToolTipText(const Text& toolTip)
     if (toolTip_ == toolTip)
         return;
     toolTip_ = toolTip;
-    if (widget_) {
-        widget_->setToolTip(shown(toolTip));
+    if (!widget_)
+        return;
+    widget_->setToolTip(shown(toolTip));
+    // What bears a caption is called by it.
+    if (!qobject_cast<QAbstractButton*>(widget_))
         widget_->setAccessibleName(shown(toolTip));
-    }
 }
 
 void Control::setGrey()

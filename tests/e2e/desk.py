@@ -300,7 +300,8 @@ class Velmora:
         self.desk.run("xdotool", "key", "--delay", "30", *keys)
 
     def type(self, text):
-        self.desk.run("xdotool", "type", "--delay", "4", text)
+        """Letters that no key has are put on one for the moment, which takes all programs some time to learn."""
+        self.desk.run("xdotool", "type", "--delay", "4" if text.isascii() else "120", text)
 
     # The dialogs
 
