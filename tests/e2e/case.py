@@ -1,10 +1,12 @@
 """What the end-to-end tests share: a desk, the program on it, and short words for what a person does."""
 import pathlib
+import subprocess
 import sys
 import unittest
 
 import places
 from desk import Desk, Velmora, wait_for
+from reader import SHOWING
 
 MAIN = "Velmora v2.0"
 LIST = "Playlist Editor"
@@ -73,6 +75,33 @@ class Case(unittest.TestCase):
         for name in names[1:]:
             self.app.click_control(self.wait_row(title, name))
         self.desk.run("xdotool", "keyup", "ctrl")
+
+    def drop(self, paths):
+        """Drags the files out of another program's window into the workbench's list. Returns what that one was told."""
+        source = self.desk.spawn(str(self.tool("file_source")), *map(str, paths), stdout=subprocess.PIPE, text=True)
+        self.addCleanup(source.stdout.close)
+        window = self.app.window("Files")
+        self.desk.run("xdotool", "windowmove", window, "700", "20")
+        wait_for(lambda: self.app.geometry(window)[0] > 600, "the other window stands aside")
+        left, top, width, height = next(c for c in self.app.controls(WORKBENCH) if c.role == "list").place()
+        x, y, _, _ = self.app.geometry(window)
+        middle = (left + width // 2, top + height // 2)
+        self.desk.run("xdotool", "mousemove", str(x + 40), str(y + 30), "mousedown", "1")
+        self.app.pull((x + 40, y + 30), middle, steps=20)
+        for _ in range(20):  # a hand is never quite still, and the two programs talk on each move
+            self.app.pull(middle, (middle[0] + 3, middle[1]), steps=1)
+            self.app.pull(middle, middle, steps=1)
+        self.app.release()
+        return source.stdout.readline().strip()
+
+    def check_tracks(self, count):
+        """Puts check marks before the first tracks of the disc."""
+        rows = wait_for(lambda: [control for control in self.app.controls(WORKBENCH)
+                                 if control.role in ("list item", "check box") and control.has(SHOWING)][:count],
+                        "the tracks are listed")
+        for row in rows:
+            left, top, _, height = row.place()
+            self.desk.run("xdotool", "mousemove", str(left + 9), str(top + height // 2), "click", "1")
 
     def assert_alive(self):
         self.assertTrue(self.app.alive(), self.app.said())

@@ -296,6 +296,10 @@ class Velmora:
         self.pull((x, y), (x + by[0], y + by[1]))
         self.release()
 
+    def thumb(self, track):
+        """Where the thumb of a bar stands that is at its beginning."""
+        return track[0], track[1], 105, 75
+
     def key(self, *keys):
         self.desk.run("xdotool", "key", "--delay", "30", *keys)
 

@@ -24,9 +24,10 @@ protected:
     {
         auto* mime = new QMimeData;
         mime->setUrls(files_);
-        QDrag drag(this);
-        drag.setMimeData(mime);
-        const auto action = drag.exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
+        // It outlives this call: the other program fetches the files when they have been dropped.
+        auto* drag = new QDrag(this);
+        drag->setMimeData(mime);
+        const auto action = drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
         std::cout << (action == Qt::CopyAction   ? "copied"
                       : action == Qt::MoveAction ? "moved"
                                                  : "nothing")
