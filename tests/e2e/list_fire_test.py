@@ -1,0 +1,124 @@
+#!/usr/bin/python3
+"""The list under fire: killed at any moment of an edit, a save, a move or a run, it comes back as it was before or after."""
+import contextlib
+import os
+import random
+import subprocess
+import threading
+import time
+
+import case
+import places
+import sounds
+from desk import wait_for
+
+KILLS = int(os.environ.get("VELMORA_TEST_KILLS", "12"))
+SAVE_DIALOG = "Enter a filename"
+
+
+class ListUnderFire(case.Case):
+    def start(self):
+        super().start()
+        if not self.app.windows(case.LIST):
+            self.show_list()
+        self.list = self.app.window(case.LIST)
+
+    def setUp(self):
+        super().setUp()
+        self.chance = random.Random(int(os.environ.get("VELMORA_TEST_SEED", "1")))
+        wav = sounds.write_wav(self.desk.folder / "a.wav", sounds.music(1))
+        mp3 = sounds.encode(wav, self.desk.music / "0.mp3").read_bytes()
+        self.paths = [str(self.desk.music / f"{number}.mp3") for number in range(8)]
+        for path in self.paths:
+            with open(path, "wb") as file:
+                file.write(mp3)
+        self.saved = {}  # what each list file may hold
+
+    def refill(self):
+        """While the program is away: a working copy with every row, as the program writes it."""
+        (self.app.folder / "deflist.vlp").write_text("".join(path + "\r\n" for path in self.paths))
+        (self.app.folder / "vlmset.ini").write_text(
+            f"[Playlist Editor]\r\nPlayList={self.app.folder / 'deflist.vlp'}\r\nFileType=2\r\n")
+
+    def rows(self):
+        return [control.name for control in self.app.controls(case.LIST) if control.role == "list item"]
+
+    def choose_row(self, number):
+        left, top, width, _ = places.LIST
+        self.app.click(self.list, (left, top + 60 + number * 225, width, 15))
+
+    def move_up(self, rows):
+        number = self.chance.randrange(1, len(rows))
+        self.choose_row(number)
+        return lambda: self.app.click(self.list, places.LIST_UP), \
+            rows[:number - 1] + [rows[number], rows[number - 1]] + rows[number + 1:]
+
+    def remove(self, rows):
+        number = self.chance.randrange(len(rows))
+        self.choose_row(number)
+        return lambda: self.app.key("Delete"), rows[:number] + rows[number + 1:]
+
+    def run_list(self, rows):
+        return lambda: self.app.click(self.list, places.LIST_PLAY), rows
+
+    def save(self, rows):
+        name = self.desk.home / f"list {self.chance.randrange(3)}.vlp"
+        self.app.menu(self.list, "f", "a")
+        self.app.window(SAVE_DIALOG)
+        self.desk.run("xdotool", "windowfocus", "--sync", self.app.window(SAVE_DIALOG))
+        self.app.key("ctrl+a")
+        self.app.type(str(name))
+        before = name.read_bytes() if name.exists() else None
+        self.saved[name] = {before, "".join(row + "\r\n" for row in rows).encode()}
+
+        def act():
+            self.app.key("Return")
+            if before is not None:
+                self.app.key("alt+y")  # the question whether to write over it
+        return act, rows
+
+    def test_the_list_is_never_lost(self):
+        counts = {}
+        for kill in range(KILLS):
+            rows = wait_for(lambda: (lambda shown: shown if len(shown) > 2 else None)(self.rows()) if kill else self.begin(),
+                            "rows stand")
+            kind = self.chance.choices((self.move_up, self.remove, self.run_list, self.save), (4, 3, 2, 1))[0]
+            act, after = kind(rows)
+            acting = threading.Thread(target=self.attempt, args=[act])
+            acting.start()
+            time.sleep(self.chance.uniform(0, 0.04))
+            self.app.kill()
+            acting.join()
+            for name, wanted in self.saved.items():
+                held = name.read_bytes() if name.exists() else None
+                self.assertIn(held, wanted, name)
+                self.saved[name] = {held}
+            unnamed = "PlayList=\n" in (self.app.folder / "vlmset.ini").read_text().replace("\r", "")
+            self.start()
+            if unnamed and kind == self.save:  # what a list without a name comes to while its name is asked for
+                self.begin()
+                continue
+            shown = wait_for(self.rows, f"the rows show again after kill {kill} during {kind.__name__}")
+            self.assertIn(shown, (rows, after), f"kill {kill} during {kind.__name__}")
+            for folder in (self.app.folder, self.desk.home, self.desk.music):
+                self.assertEqual([path for path in folder.iterdir() if path.name.endswith(".part")], [])
+            counts[kind.__name__, shown == after] = counts.get((kind.__name__, shown == after), 0) + 1
+            if len(shown) < 4:
+                self.begin()
+        print("what was killed, and whether the edit was kept:", counts, flush=True)
+
+    @staticmethod
+    def attempt(act):
+        with contextlib.suppress(subprocess.CalledProcessError):  # the window may be gone by then
+            act()
+
+    def begin(self):
+        if self.app.alive():
+            self.app.kill()
+        self.refill()
+        self.start()
+        return wait_for(lambda: self.rows() == self.paths and self.paths, "every row stands")
+
+
+if __name__ == "__main__":
+    case.main()
