@@ -92,8 +92,9 @@ class Upset(case.Case):
             self.app.store_path().write_bytes(damage)
             self.start()
             self.app.drag(self.main, (1200, 60, 300, 100), (-20, 10))
+            wait_for(lambda: self.app.setting("Position StartUp Window", "Top")
+                     == str(self.app.geometry(self.main)[1] * 15), "it is kept again")
             place = self.app.geometry(self.main)[:2]
-            wait_for(lambda: self.app.setting("Position StartUp Window", "Left") == str(place[0] * 15), "it is kept again")
             self.app.kill()
             self.start()
             self.assertEqual(self.app.geometry(self.main)[:2], place)
