@@ -4,6 +4,7 @@ Everything is started by this process and ended by its process id. Nothing here 
 with a generous limit.
 """
 import array
+import contextlib
 import os
 import pathlib
 import shutil
@@ -233,13 +234,12 @@ class Velmora:
         return self.desk.home / ".config/Velmora/settings.sqlite"
 
     def setting(self, section, key):
-        if not self.store_path().exists():
+        """Nothing while the program is about the file."""
+        try:
+            with contextlib.closing(sqlite3.connect(f"file:{self.store_path()}?mode=ro", uri=True, timeout=5)) as store:
+                row = store.execute("select value from settings where section = ? and key = ?", (section, key)).fetchone()
+        except sqlite3.Error:
             return ""
-        with sqlite3.connect(f"file:{self.store_path()}?mode=ro", uri=True, timeout=5) as store:
-            table = store.execute("select name from sqlite_master where type = 'table'").fetchone()
-            if not table:
-                return ""
-            row = store.execute(f"select value from {table[0]} where section = ? and key = ?", (section, key)).fetchone()
         return row[0] if row and isinstance(row[0], str) else (row[0].decode() if row else "")
 
     # Windows
