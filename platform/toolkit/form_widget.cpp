@@ -82,7 +82,7 @@ void FormWidget::present()
 
 // The window moves itself: some window managers send no positions during a move of their own, and the docked
 // window follows live. The pointer's global place counts, so that a window that snaps away does not feed back
-// into the drag.
+// into the drag. Where the pointer is by now does not: a quick hand is ahead of a busy program.
 void FormWidget::follow()
 {
     if (QGuiApplication::mouseButtons() == Qt::NoButton)
@@ -91,7 +91,7 @@ void FormWidget::follow()
         windowHandle()->startSystemMove();
         return;
     }
-    grip_ = QCursor::pos() - place_;
+    grip_ = pressed_;
     grabMouse();
 }
 

@@ -28,7 +28,8 @@ public:
     void setState(Form::State state);
 
     void present();
-    void follow(); // the pointer, until its buttons are released
+    void pressed(QPoint at) { pressed_ = at; } // in the window
+    void follow(); // the pointer from where it was pressed, until its buttons are released
     void addFrame(const QRect& rect) { frames_.push_back(rect); }
 
 protected:
@@ -59,6 +60,7 @@ private:
     std::deque<OwnMove> ownMoves_;
     bool moving_ = false;
     Clock::time_point shownAt_{};
+    QPoint pressed_;
     std::optional<QPoint> grip_; // where in the window the pointer holds it
     std::vector<QRect> frames_;
 };

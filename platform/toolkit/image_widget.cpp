@@ -1,6 +1,6 @@
 #include "platform/toolkit/image_widget.h"
 
-#include "platform/toolkit/form.h"
+#include "platform/toolkit/form_widget.h"
 #include "platform/toolkit/key_codes.h"
 #include "platform/toolkit/qt_bridge.h"
 #include "platform/toolkit/skin.h"
@@ -100,6 +100,7 @@ void ImageWidget::mousePressEvent(QMouseEvent* event)
         return; // a drag has the pointer to itself
     down_.setFlag(event->button());
     update();
+    static_cast<FormWidget*>(window())->pressed(mapTo(window(), event->position()).toPoint());
     if (event->button() == Qt::LeftButton && image_.use() == Image::Use::thumb)
         startDrag(event->position().toPoint());
     image_.fromOutside([&] {

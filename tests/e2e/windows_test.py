@@ -7,7 +7,7 @@ import time
 
 import case
 import places
-from desk import wait_for
+from desk import Impatient, wait_for
 
 TITLE = (1200, 60, 300, 100)  # in the title bar, clear of its buttons
 LONG = bool(os.environ.get("VELMORA_LONG_TESTS"))
@@ -17,7 +17,10 @@ TICK = 0.03 if LONG else 0.5  # seconds; a busy machine ticks late
 
 class Windows(case.Case):
     def settled(self, window, geometry):
-        wait_for(lambda: self.app.geometry(window)[:2] == geometry, f"the window stands at {geometry}")
+        try:
+            wait_for(lambda: self.app.geometry(window)[:2] == geometry, f"the window stands at {geometry}")
+        except Impatient as late:
+            raise Impatient(f"{late}, but at {self.app.geometry(window)[:2]}") from None
 
     def beside(self, side, gap):
         """Where the list must stand to be that far from the main window's side."""
@@ -65,10 +68,13 @@ class Windows(case.Case):
         chance = random.Random(1)
         for kill in range(KILLS):
             x, y = self.app.grip(self.main, TITLE)
-            shown = [(0, self.app.geometry(self.main)[:2])]
+            left, top = self.app.geometry(self.main)[:2]
+            hold = x - left, y - top
+            shown = [(0, (left, top))]
             for _ in range(chance.randint(1, 12)):
                 x, y = min(max(x + chance.randint(-40, 40), 100), 1100), min(max(y + chance.randint(-30, 30), 50), 700)
                 self.desk.run("xdotool", "mousemove", str(x), str(y))
+                shown.append((time.monotonic(), (x - hold[0], y - hold[1])))
                 shown.append((time.monotonic(), self.app.geometry(self.main)[:2]))
             self.app.process.send_signal(signal.SIGSTOP)
             stopped = time.monotonic()

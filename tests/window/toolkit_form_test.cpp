@@ -404,7 +404,7 @@ TEST_CASE("A window that the pointer drags follows it until the last button is u
     face.Show();
     QApplication::processEvents();
     face.key.MouseDown.calls([&](ctl::Button, std::int16_t, Twips, Twips) { face.dragWithPointer(); });
-    QCursor::setPos(115, 115);
+    QCursor::setPos(300, 200); // a quick hand is further by now
     Pointer pointer(face);
     pointer.to({15, 15}).press();
     pointer.to({45, 5});
