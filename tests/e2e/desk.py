@@ -33,6 +33,8 @@ def wait_for(condition, what, limit=LIMIT, pause=0.02):
         if answer:
             return answer
         if time.monotonic() > end:
+            for desk in Desk.open_desks:
+                desk.picture_of_failure()
             raise Impatient(f"{what}: not within {limit:g} s")
         time.sleep(pause)
 
@@ -44,6 +46,8 @@ def run(*command, **options):
 
 class Desk:
     """Use as a context: everything it started has ended when the context does."""
+
+    open_desks = []
 
     def __init__(self, size="1280x900", sound=True, manager=True, scale=1):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="velmora-desk-"))
@@ -63,6 +67,7 @@ class Desk:
         if scale != 1:
             self.environment["QT_SCALE_FACTOR"] = str(scale)
         self.sound = self.bus = self.reader = None
+        Desk.open_desks.append(self)
         try:
             self._start_display(size)
             self._start_bus()
@@ -98,6 +103,8 @@ class Desk:
                 process.wait()
 
     def close(self):
+        if self in Desk.open_desks:
+            Desk.open_desks.remove(self)
         if self.reader:
             self.reader.close()
         for process in reversed(self.processes):
@@ -158,6 +165,12 @@ class Desk:
 
     def screenshot(self, path, window="root"):
         self.run("import", "-window", str(window), str(path))
+
+    def picture_of_failure(self):
+        """What the desk looked like when a condition did not come true, for whoever looks into it."""
+        folder = os.environ.get("VELMORA_TEST_PICTURES")
+        if folder and "DISPLAY" in self.environment:
+            self.screenshot(f"{folder}/{time.strftime('%H.%M.%S')}-{os.getpid()}.png")
 
     def record(self):
         self.recordings.append(Recording(self))
@@ -338,11 +351,17 @@ class Velmora:
 
     def menu(self, window, *mnemonics):
         """Opens the window's menu by its image and walks it by its underlined letters."""
-        self.click(window, (0, 0, 240, 225))
+        wait_for(lambda: self._menu_opens(window), "the menu opens")
         for depth, letter in enumerate(mnemonics, 1):
             wait_for(lambda: self.popups() >= depth, f"menu {depth} opens")
             self.key(letter)
         wait_for(lambda: self.popups() == 0, "the menus close")
+
+    def _menu_opens(self, window):
+        """A window manager that is still busy with another window may keep a click for itself: a person clicks again."""
+        self.click(window, (0, 0, 240, 225))
+        with contextlib.suppress(Impatient):
+            return wait_for(lambda: self.popups() > 0, "a menu shows", limit=LIMIT / 6)
 
     # What a screen reader reads
 
