@@ -49,7 +49,7 @@ class Desk:
 
     open_desks = []
 
-    def __init__(self, size="1280x900", sound=True, manager=True, scale=1):
+    def __init__(self, size="1280x900", sound=True, manager=True, scale=1, accessible=True, screen_file=False):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="velmora-desk-"))
         self.home = self.folder / "home"
         self.music = self.home / "Music"
@@ -64,6 +64,9 @@ class Desk:
             HOME=str(self.home), XDG_RUNTIME_DIR=str(self.runtime), LC_ALL="C.UTF-8",
             PULSE_RUNTIME_PATH=str(self.runtime / "pulse"), PULSE_STATE_PATH=str(self.runtime / "pulse-state"),
             PULSE_SERVER=f"unix:{self.runtime}/native", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+        if not accessible:
+            del self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"]
+        self.screen_file = screen_file
         if scale != 1:
             self.environment["QT_SCALE_FACTOR"] = str(scale)
         self.sound = self.bus = self.reader = None
@@ -121,7 +124,7 @@ class Desk:
     def _start_display(self, size):
         read, write = os.pipe()
         self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{size}x24", "-nolisten", "tcp",
-                   "-noreset", pass_fds=[write])
+                   "-noreset", *(["-fbdir", str(self.folder)] if self.screen_file else []), pass_fds=[write])
         os.close(write)
         with os.fdopen(read) as answer:
             number = answer.readline().strip()
