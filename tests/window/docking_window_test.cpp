@@ -124,6 +124,19 @@ TEST_CASE("A stored place is taken as it is, and a stored side raises its flag a
     }
 }
 
+TEST_CASE("An unknown stored side raises no flag until the next activation decides")
+{
+    for (const bool near : {true, false}) {
+        CAPTURE(near);
+        Docking p(
+            [&](FakePlatform& platform) { storeList(platform, "3000", near ? "8985" : "99000", "under"); });
+        CHECK(p.docked().empty());
+        p.list().Activate.raise();
+        CHECK(p.docked() == (near ? "bottom " : ""));
+        CHECK(p.stored(listPlace, "POS") == (near ? "bottom" : ""));
+    }
+}
+
 TEST_CASE("Placing the list from the store lets go of the side before")
 {
     for (const Text side : {"bottom", "top", "right", "left"}) {
@@ -386,6 +399,20 @@ TEST_CASE("The main window leads while it is active, and after the list was left
     p.window.window_active = false;
     p.list().Deactivate.raise();
     CHECK(p.window.window_active);
+}
+
+TEST_CASE("A docked list that was left is held in place on each tick, though the main window is not active")
+{
+    Docking p;
+    p.showList();
+    p.listAt(3000, 8985);
+    p.list().Deactivate.raise(); // for another program
+    for (const Twips left : {3600.0F, 20010.0F}) {
+        CAPTURE(left);
+        p.listAt(left, 20010);
+        p.window.Timer_Timer();
+        CHECK(p.listStandsAt(3000, 8985));
+    }
 }
 
 TEST_CASE("Leaving the list judges its place before the main window may lead")

@@ -1,6 +1,12 @@
+#include "platform/part_notes.h"
+#include "platform/system/disk_profile_file.h"
+#include "platform/system/disk_text_files.h"
+#include "support/files.h"
 #include "support/player.h"
+#include "support/temporary_folder.h"
 
 #include <doctest/doctest.h>
+#include <filesystem>
 
 namespace
 {
@@ -18,6 +24,17 @@ struct Values : Player {
     {
         return platform.profile.values.contains(file + "|" + listSection + "|" + key);
     }
+};
+
+// Fakes, but for the profile, which stands on the disk.
+class ProfileOnDisk final : public FakePlatform
+{
+public:
+    ProfileFile& profileFile() override { return onDisk_; }
+
+private:
+    DiskTextFiles files_{NoPartNotes::instance()};
+    DiskProfileFile onDisk_{files_};
 };
 
 }
@@ -38,6 +55,20 @@ TEST_CASE("A missing value without a default leaves no trace")
     CHECK(p.read("PlayList", "").empty());
     CHECK(p.calls() == "Profile.read PlayList\n");
     CHECK_FALSE(p.holds("PlayList"));
+}
+
+TEST_CASE("On a first run the mere reading of a value makes the file, and a start alone does not")
+{
+    const TemporaryFolder folder;
+    const Text path = folder / "vlmset.ini";
+    ProfileOnDisk platform;
+    platform.folder = folder.path();
+    Program program(platform);
+    StartUp& window = program.startUp();
+    CHECK(window.GetFromINI(listSection, "PlayList", "", path).empty());
+    CHECK_FALSE(std::filesystem::exists(path));
+    CHECK(window.GetFromINI(listSection, "FileType", "1", path) == "1");
+    CHECK(fileBytes(path) == "[Playlist Editor]\r\nFileType=1\r\n");
 }
 
 TEST_CASE("An empty value is a missing one, its default planted over it")

@@ -354,6 +354,23 @@ TEST_CASE("After an edit Save asks for a name again at the next start, and the s
     CHECK(next.platform.log.count("OpenSaveDialogP.ShowSave") == 1);
 }
 
+TEST_CASE("A row removed after a save is gone at the next start, and the saved file keeps it")
+{
+    ListProgram start;
+    start.fill({"/a.mp3", "/b.mp3"});
+    start.willChoose({"/saved"}, 1);
+    start.list.GoDoSaveAs();
+    start.list.Timer1_Timer();
+    start.list.PlayListLB.setListIndex(0);
+    start.platform.listMenu->choose(21);
+    start.list.Timer1_Timer();
+    auto next = ListProgram::after(start);
+    CHECK(next.rows() == Lines{"/b.mp3"});
+    CHECK(next.list.PlayListFileName.Text() == "");
+    CHECK_FALSE(next.list.NamedListActive);
+    CHECK(next.file("/saved.vlp") == "/a.mp3\r\n/b.mp3\r\n");
+}
+
 TEST_CASE("Save after an edit in the same run writes to the shown name")
 {
     ListProgram start;

@@ -144,6 +144,27 @@ TEST_CASE("Open touches neither Pause nor its flag, and starts nothing")
             }
 }
 
+TEST_CASE("Open without a pause lets Play start the new file from its beginning")
+{
+    struct Row {
+        std::int16_t fileKind;
+        Text calls;
+    };
+    for (const auto& c :
+         {Row{kind::mp3, "Mp3Player.Stop\nMp3Player.Close\nMp3Player.Open(/m/a.mp3)\nMp3Player.Play\n"},
+          Row{kind::wav, "MMControl1.Close\nMMControl1.FileName = /m/a.mp3\nMMControl1.Open\n"
+                         "MMControl1.Play\n"}}) {
+        CAPTURE(c.fileKind);
+        Player p;
+        p.current("/m/old.mp3", kind::mp3);
+        p.choose(song, c.fileKind);
+        open(p);
+        p.calls();
+        p.window.Image1_Click();
+        CHECK(p.calls() == c.calls);
+    }
+}
+
 TEST_CASE("Open in a pause lets Play resume into the new file's start")
 {
     Player p;

@@ -193,16 +193,45 @@ TEST_CASE("A press on the track does nothing")
     CHECK(p.window.Timer.Enabled());
 }
 
-TEST_CASE("A seek leaves the pause's flag alone on either engine")
+TEST_CASE("A seek in a pause is any other seek: WAV plays, MP3 only seeks, and the pause's flag stays")
 {
-    for (const auto fileKind : {kind::wav, kind::mp3})
-        for (const std::int16_t flag : {0, 1}) {
+    for (const std::int16_t flag : {0, 1}) {
+        CAPTURE(flag);
+        Bar p;
+        p.window.paused_flag = flag;
+        p.current(wave, kind::wav);
+        p.drop(travel / 2);
+        CHECK(p.calls() == reopened + "MMControl1.From = 90000\nMMControl1.Play\n");
+        p.current(song, kind::mp3);
+        p.drop(travel / 2);
+        CHECK(p.calls() == "Mp3Player.Seek(3445)\n");
+        CHECK(p.window.paused_flag == flag);
+    }
+}
+
+TEST_CASE("A seek goes by whole per cents, however long the file is")
+{
+    struct Row {
+        Text what;
+        std::int32_t length;
+        std::int32_t from;
+    };
+    for (const auto& c :
+         {Row{"a second", 1000, 330}, Row{"an hour", 3600000, 1188000}, Row{"ten", 36000000, 11880000}}) {
+        CAPTURE(c.what);
+        for (const Twips X : {1307.0F, 1326.6F, 1346.0F}) { // from 32.51 to 33.48 per cent
+            CAPTURE(X);
             Bar p;
-            p.current(song, fileKind);
-            p.window.paused_flag = flag;
-            p.drop(travel / 2);
-            CHECK(p.window.paused_flag == flag);
+            p.wav().length = p.mp3().length = c.length;
+            p.mp3().frameDuration = 1;
+            p.current(wave, kind::wav);
+            p.drop(X);
+            CHECK(p.calls() == reopened + "MMControl1.From = " + textOf(c.from) + "\nMMControl1.Play\n");
+            p.current(song, kind::mp3);
+            p.drop(X);
+            CHECK(p.calls() == "Mp3Player.Seek(" + textOf(c.from) + ")\n");
         }
+    }
 }
 
 TEST_CASE("A seek with no file goes to the engine all the same")

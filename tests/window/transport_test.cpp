@@ -141,6 +141,18 @@ TEST_CASE("Pause becomes possible with the click on Play, even if the dialog is 
     CHECK(p.platform.boxes.shown.empty());
 }
 
+TEST_CASE("A cancelled dialog leaves the stored kind, whatever its filter was turned to")
+{
+    Player p;
+    p.store("General Settings", "FileType", "1");
+    p.dialog().onShow = [&] { p.dialog().filterIndex = kind::mp3; };
+    p.window.Image1_Click();
+    p.platform.mainMenu->choose(2);
+    CHECK(p.platform.log.count("OpenSaveDialog1.ShowOpen") == 2);
+    CHECK(p.platform.log.of("Store").empty());
+    CHECK(p.stored("General Settings", "FileType") == "1");
+}
+
 TEST_CASE("A dialog that fails for any other reason ends Play as silently")
 {
     Player p;
@@ -605,6 +617,19 @@ TEST_CASE("Stop with no file, when the kind is that of MP3, waits without an end
     CHECK_THROWS_AS(p.window.Image2_Click(), StillWaiting);
     CHECK(turns == 5);
     CHECK(p.platform.log.count("Mp3Player.Open()") == 6);
+}
+
+TEST_CASE("Stop after the first dialog was cancelled on the MP3 filter waits without an end, too")
+{
+    Player p;
+    p.store("General Settings", "FileType", "2");
+    refuseAlways(p.mp3());
+    p.window.Image1_Click();
+    p.calls();
+    p.platform.scriptedPump.steps.assign(2, nullptr);
+    CHECK_THROWS_AS(p.window.Image2_Click(), StillWaiting);
+    CHECK(p.calls() == "Mp3Player.Stop\nMp3Player.Close\nMp3Player.Open()\nPump.turn\nMp3Player.Open()\n"
+                       "Pump.turn\nMp3Player.Open()\nPump.turn\n");
 }
 
 TEST_CASE("A list's row that cannot be opened waits without an end, and the clock goes on")

@@ -146,6 +146,7 @@ TEST_CASE("A press on a track steps the thumb 20 twips towards itself")
         {"exactly 20 twips left of the thumb", 960, 580, 940, true},
         {"nearer than that", 960, 581, 960, false},
         {"the right end, once more", 1575, 1319, 1575, false},
+        {"the right end, past the track: no step, and the engine is called", 1575, 1340, 1575, true},
         {"the last place from which the track's end steps", 1554, 1319, 1574, true},
         {"a twip further", 1555, 1319, 1555, false},
         {"past the track, 20 twips before the right end", 1555, 1320, 1575, true},
@@ -235,6 +236,18 @@ TEST_CASE("The balance lowers one channel; a volume gesture sets both alike and 
     CHECK(p.calls() == opened + setVolume(48, 18) + closed);
 }
 
+TEST_CASE("A step on the volume bar leaves the balance thumb off centre")
+{
+    Bars p;
+    p.dropOnVolume(972);
+    p.dropOnBalance(425.25F);
+    CHECK(p.calls().ends_with(opened + setVolume(80, 50) + closed));
+    p.pressVolume(0);
+    CHECK(p.calls() == opened + setVolume(78, 78) + closed);
+    CHECK(p.window.balslider.Value() == -30);
+    CHECK(p.window.balbar_img2.Left() == 785.25F);
+}
+
 TEST_CASE("A negative level goes to the engine as it stands")
 {
     Bars p;
@@ -278,6 +291,25 @@ TEST_CASE("Each gesture opens conf.mp3 for its call alone, unless an MP3 file is
             gesture(p);
             CHECK(p.calls() == (c.opens ? opened + setVolume(50, 50) + closed : setVolume(50, 50)));
         }
+}
+
+TEST_CASE("After Stop the MP3 file stands open for the levels, also without conf.mp3; a WAV file does not")
+{
+    for (const auto fileKind : {kind::mp3, kind::wav}) {
+        CAPTURE(fileKind);
+        Bars p;
+        p.current(song, fileKind);
+        p.window.Image1_Click();
+        p.window.Image2_Click();
+        CHECK(p.mp3().isOpen == (fileKind == kind::mp3));
+        p.calls();
+        p.mp3().openResults.assign(10, 1); // conf.mp3 is gone
+        if (fileKind == kind::mp3)
+            p.dropOnVolume(0);
+        else
+            CHECK_THROWS_AS(p.dropOnVolume(0), StillWaiting);
+        CHECK(p.calls() == (fileKind == kind::mp3 ? setVolume(0, 0) : opened + "Pump.turn\n"));
+    }
 }
 
 TEST_CASE("Whether conf.mp3 is closed again is asked anew after the call")

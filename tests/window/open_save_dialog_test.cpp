@@ -1,0 +1,119 @@
+#include "platform/system/qt_open_save_dialog.h"
+#include "support/failures.h"
+#include "support/files.h"
+#include "support/temporary_folder.h"
+#include "support/waiting.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFileSystemModel>
+#include <QLineEdit>
+#include <QTimer>
+#include <doctest/doctest.h>
+
+namespace
+{
+
+constexpr int cancelled = 32755;
+
+// The main window's dialog, and a user before it.
+struct Dialog {
+    Dialog()
+    {
+        control.setDialogTitle("Select a file to open");
+        control.setFilter("Wav Files|*.wav|Mp3 Files|*.mp3");
+        control.setFlags(OpenSaveDialog::fileMustExist | 0x10);
+        putFile(song, "");
+    }
+
+    // Shows the dialog; the user turns its filter to that row and then does `act`.
+    int open(const QString& filter, const std::function<void(QFileDialog&)>& act)
+    {
+        QTimer::singleShot(0, [&] {
+            auto& dialog = dynamic_cast<QFileDialog&>(*QApplication::activeModalWidget());
+            auto* filters = dialog.findChild<QComboBox*>("fileTypeCombo");
+            openedOn = filters->currentText();
+            filters->setCurrentText(filter);
+            emit filters->textActivated(filter);
+            act(dialog);
+        });
+        return failureOf([&] { control.ShowOpen(); });
+    }
+
+    int cancel(const QString& filter)
+    {
+        return open(filter, [](QFileDialog& dialog) { dialog.reject(); });
+    }
+    int choose(const QString& filter)
+    {
+        return open(filter, [this](QFileDialog& dialog) {
+            const QString path = QString::fromStdString(song);
+            const auto* files = dialog.findChild<QFileSystemModel*>();
+            // It looks at files in a thread of its own, and takes those that it has not seen for missing.
+            CHECK(waitFor([&] { return files->fileInfo(files->index(path)).exists(); }));
+            dialog.setDirectory(QString::fromStdString(folder.path()));
+            dialog.findChild<QLineEdit*>("fileNameEdit")->setText("song.mp3");
+            static_cast<QDialog&>(dialog).accept();
+        });
+    }
+
+    TemporaryFolder folder;
+    const Text song = folder / "song.mp3";
+    QtOpenSaveDialog control;
+    QString openedOn; // the filter that the user saw first
+};
+
+}
+
+TEST_CASE("Cancelling fails, and the kind stays whatever the filter was turned to")
+{
+    for (const std::int16_t before : {0, 1, 2}) {
+        CAPTURE(before);
+        Dialog dialog;
+        dialog.control.setFilterIndex(before);
+        CHECK(dialog.cancel("Mp3 Files") == cancelled);
+        CHECK(dialog.control.FilterIndex() == before);
+        CHECK(dialog.control.FileName().empty());
+        CHECK(dialog.control.FileTitle().empty());
+    }
+}
+
+TEST_CASE("Where cancelling is no failure, the dialog ends with no name, also after a choice before")
+{
+    Dialog dialog;
+    REQUIRE(dialog.choose("Mp3 Files") == 0);
+    dialog.control.setCancelError(false);
+    CHECK(dialog.cancel("Wav Files") == 0);
+    CHECK(dialog.control.FilterIndex() == 2);
+    CHECK(dialog.control.FileName().empty());
+}
+
+TEST_CASE("The filter that a choice was made on is the kind, whatever the name ends in")
+{
+    for (const std::int16_t row : {1, 2}) {
+        CAPTURE(row);
+        Dialog dialog;
+        CHECK(dialog.choose(row == 1 ? "Wav Files" : "Mp3 Files") == 0);
+        CHECK(dialog.control.FilterIndex() == row);
+        CHECK(dialog.control.FileName() == dialog.song);
+        CHECK(dialog.control.FileTitle() == "song.mp3");
+    }
+}
+
+TEST_CASE("The dialog opens on the kind that is set, and on the first row for any other number")
+{
+    struct Row {
+        std::int16_t index;
+        const char* shown;
+    };
+    for (const auto& c : {Row{0, "Wav Files"}, Row{1, "Wav Files"}, Row{2, "Mp3 Files"}, Row{3, "Wav Files"},
+                          Row{-1, "Wav Files"}}) {
+        CAPTURE(c.index);
+        Dialog dialog;
+        dialog.control.setFilterIndex(c.index);
+        dialog.cancel("Mp3 Files");
+        CHECK(dialog.openedOn == c.shown);
+        CHECK(dialog.control.FilterIndex() == c.index);
+    }
+}
