@@ -50,8 +50,9 @@ def ticks(pid):
 
 
 def wakes(pid):
-    return sum(int(line.split()[1]) for status in pathlib.Path(f"/proc/{pid}/task").glob("*/status")
-               for line in status.read_text().splitlines() if line.startswith("voluntary"))
+    """How often each thread went to sleep so far."""
+    return {status.parent.name: int(line.split()[1]) for status in pathlib.Path(f"/proc/{pid}/task").glob("*/status")
+            for line in status.read_text().splitlines() if line.startswith("voluntary")}
 
 
 def memory(pid):
@@ -66,7 +67,8 @@ def watch(process):
     """Processor time in seconds and wake-ups a second over the span."""
     busy, woken = ticks(process.pid), wakes(process.pid)
     time.sleep(SPAN)
-    return ticks(process.pid) - busy, (wakes(process.pid) - woken) / SPAN
+    slept = sum(count - woken.get(thread, 0) for thread, count in wakes(process.pid).items())
+    return ticks(process.pid) - busy, slept / SPAN
 
 
 def machine():
