@@ -1,6 +1,7 @@
 // Frames cut out of the middle of a file, made decodable from their first one on.
 #pragma once
 
+#include "platform/codec/frame_bytes.h"
 #include "platform/codec/frame_decoder.h"
 #include "platform/codec/frame_scan.h"
 
@@ -26,8 +27,15 @@ public:
     std::int64_t leadIn() const { return leadIn_; } // frames that come before `begin`
     ByteSource& source() { return source_; }
 
+    // From this frame on, only decoding from the file's beginning gives what that gives; `end` when none is
+    // such.
+    std::int64_t exactEnd() const { return exactEnd_; }
+
 private:
+    FrameCut(FrameBytes bytes, std::int64_t start, std::int64_t begin, std::int64_t end);
+
     std::int64_t leadIn_;
+    std::int64_t exactEnd_;
     MemorySource source_;
 };
 

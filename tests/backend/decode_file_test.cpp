@@ -189,6 +189,24 @@ TEST_CASE("A frame that breaks off in the decoder spoils no other byte")
     }
 }
 
+TEST_CASE("A frame that asks for more of the reservoir than is kept is decoded to the bytes of mpg123")
+{
+    Mp3Zoo zoo;
+    const Text plain =
+        fileBytes(zoo.made("plain", music(22050 * 60, 22050, 1),
+                           {"lame", "--quiet", "--resample", "22.05", "-b", "8", "IN", "OUT"}));
+    const auto table = scanFrames(SourceFile(zoo / "plain.mp3"));
+    REQUIRE(table);
+    for (const std::int64_t frame : {200, 1030, 2000}) {
+        CAPTURE(frame);
+        Text greedy = plain;
+        greedy[static_cast<std::size_t>(table->positions[static_cast<std::size_t>(frame)]) + 4] = '\xFF';
+        const Text mp3 = zoo.put("greedy", greedy);
+        CHECK(brokenFrame(mp3) == frame);
+        CHECK(decoded(zoo, mp3, 2) == byMpg123(zoo, mp3));
+    }
+}
+
 TEST_CASE("Files of different formats joined become one sound in the format of the first")
 {
     Mp3Zoo zoo;
