@@ -102,6 +102,7 @@ def main():
     parser.add_argument("--driver", default=str(ROOT / "build/release/bench/codec_bench"))
     parser.add_argument("--pairs", type=int, default=7)
     parser.add_argument("--seconds", type=int, default=600, help="length of the sound")
+    parser.add_argument("--only", default="", help="rows whose name begins so")
     parser.add_argument("--workers", default=str(os.cpu_count()))
     options = parser.parse_args()
 
@@ -115,7 +116,8 @@ def main():
         print("| what | peer | peer wall s | Velmora wall s | ratio | peer cpu s | Velmora cpu s | ratio | peak MiB |")
         print("|---|---|---:|---:|---:|---:|---:|---:|---:|")
         for row in rows(options.driver, place, options.workers):
-            compare(row, options.pairs)
+            if row.what.startswith(options.only):
+                compare(row, options.pairs)
 
 
 if __name__ == "__main__":

@@ -11,15 +11,15 @@ import os
 import pathlib
 import platform
 import statistics
-import subprocess
 import sys
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(ROOT / "tests/e2e"))
 
+import places  # noqa: E402
 import sounds  # noqa: E402
-from desk import Desk, wait_for  # noqa: E402
+from desk import Desk, Velmora, wait_for  # noqa: E402
 
 SPAN = 30
 COMMANDS = {"audacious": ["audacious"], "qmmp": ["qmmp"]}
@@ -83,14 +83,42 @@ def row(what, unit, peer, theirs, ours):
           flush=True)
 
 
-def own(build):
-    return [str(pathlib.Path(build) / "velmora")]
+class Own:
+    """Velmora in a portable copy, with a list of its own beside it if it is given rows."""
+
+    def __init__(self, desk, build, rows=()):
+        self.app = Velmora(desk, build, desk.folder / f"app{len(rows)}")
+        self.command = [str(self.app.folder / "velmora")]
+        if rows:
+            self.keep_list(rows)
+
+    def keep_list(self, rows):
+        self.app.start()
+        main = self.app.window("Velmora v2.0")
+        self.app.menu(main, "f", "l")
+        self.add(rows[0])
+        stored = self.app.folder / "deflist.vlp"
+        wait_for(lambda: stored.exists() and stored.read_text().split() == rows[:1], "the list is kept")
+        wait_for(lambda: self.app.setting("Position PlayList Editor", "SHOWN") == "YES", "the window is kept")
+        self.app.kill()
+        stored.write_text("".join(row + "\n" for row in rows))
+
+    def add(self, path):
+        self.app.menu(self.app.window("Playlist Editor"), "o", "a")
+        self.app.choose_file("Select .wav/.mp3 files to add to the playlist", path)
+
+    def play(self, mp3):
+        self.app.click(self.app.window("Velmora v2.0"), places.PLAY)
+        self.app.choose_file("Select a file to open", mp3, 0)
+
+    def play_list(self):
+        self.app.click(self.app.window("Playlist Editor"), places.LIST_PLAY)
 
 
-def compare_starts(desk, peer, build, pairs):
+def compare_starts(desk, peer, own, pairs):
     theirs, ours = [], []
     for _ in range(pairs + 1):
-        for command, times in ((COMMANDS[peer], theirs), (own(build), ours)):
+        for command, times in ((COMMANDS[peer], theirs), (own.command, ours)):
             seconds, process = first_paint(desk, command)
             times.append(seconds)
             desk.end(process)
@@ -98,47 +126,36 @@ def compare_starts(desk, peer, build, pairs):
     row("start to the first picture, warm", "s", peer, theirs[1:], ours[1:])
 
 
-def compare_idle(desk, peer, build):
+def compare_idle(desk, peer, own, what):
     results = []
-    for command in (COMMANDS[peer], own(build)):
+    for command in (COMMANDS[peer], own.command):
         _, process = first_paint(desk, command)
         time.sleep(5)
         results.append((*watch(process), memory(process.pid)))
         desk.end(process)
-    for index, (what, unit) in enumerate((("idle, processor time in 30 s", "s"), ("idle, wake-ups a second", ""),
-                                          ("idle, memory (PSS)", "MB"))):
-        row(what, unit, peer, [results[0][index]], [results[1][index]])
+    for index, (cost, unit) in enumerate((("processor time in 30 s", "s"), ("wake-ups a second", ""),
+                                          ("memory (PSS)", "MB"))):
+        row(f"{what}, {cost}", unit, peer, [results[0][index]], [results[1][index]])
 
 
-def compare_playing(desk, peer, build, mp3):
+def compare_playing(desk, peer, files, own, begin, what):
     results = []
-    for command, plays in ((COMMANDS[peer] + [str(mp3)], None), (own(build), True)):
+    for command, start in ((COMMANDS[peer] + files, lambda: None), (own.command, begin)):
         _, process = first_paint(desk, command)
         recording = desk.record()
-        if plays:
-            play_in_velmora(desk, mp3)
+        start()
         wait_for(lambda: any(recording.frames()[-4410:]), f"{command[0]} plays")
         recording.stop()
         time.sleep(2)
         results.append(watch(process))
         desk.end(process)
-    row("playing, processor time in 30 s", "s", peer, [results[0][0]], [results[1][0]])
-    row("playing, wake-ups a second", "", peer, [results[0][1]], [results[1][1]])
+    row(f"{what}, processor time in 30 s", "s", peer, [results[0][0]], [results[1][0]])
+    row(f"{what}, wake-ups a second", "", peer, [results[0][1]], [results[1][1]])
 
 
-def play_in_velmora(desk, mp3):
-    def window(title):
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{title}$"], env=desk.environment,
-                               capture_output=True, text=True).stdout.split()
-        return found[-1] if found else None
-    main = wait_for(lambda: window("Velmora v2.0"), "the window")
-    desk.run("xdotool", "mousemove", "--window", main, "44", "91", "click", "1")
-    dialog = wait_for(lambda: window("Select a file to open"), "the dialog")
-    desk.run("xdotool", "windowfocus", "--sync", dialog)
-    desk.run("xdotool", "key", "alt+t")
-    desk.run("xdotool", "key", "End", "alt+n", "ctrl+a")
-    desk.run("xdotool", "type", str(mp3))
-    desk.run("xdotool", "key", "Return")
+def music(desk, name, seconds, seed):
+    wav = sounds.write_wav(desk.folder / "song.wav", sounds.music(1, seed=seed) * seconds)
+    return str(sounds.encode(wav, desk.music / name, "-b", "192"))
 
 
 def main():
@@ -148,15 +165,18 @@ def main():
     options = parser.parse_args()
     with Desk(accessible=False, screen_file=True) as desk:
         desk.screen = Screen(desk.folder)
-        wav = sounds.write_wav(desk.folder / "song.wav", sounds.music(1) * 120)
-        mp3 = sounds.encode(wav, desk.music / "song.mp3", "-b", "192")
+        song = music(desk, "song.mp3", 120, 0)
+        tracks = [music(desk, f"track{number}.mp3", 6, number) for number in range(1, 9)]
+        alone, listed = Own(desk, options.build), Own(desk, options.build, tracks)
         print(f"{options.pairs} pairs of starts, {SPAN} s of watching; {machine()}; {datetime.date.today()}\n")
         print("| what | peer | peer | Velmora | ratio |")
         print("|---|---|---:|---:|---:|")
         for peer in COMMANDS:
-            compare_starts(desk, peer, options.build, options.pairs)
-            compare_idle(desk, peer, options.build)
-            compare_playing(desk, peer, options.build, mp3)
+            compare_starts(desk, peer, alone, options.pairs)
+            compare_idle(desk, peer, alone, "idle")
+            compare_playing(desk, peer, [song], alone, lambda: alone.play(song), "playing a file")
+            compare_idle(desk, peer, listed, "idle with the list shown")
+            compare_playing(desk, peer, tracks, listed, listed.play_list, "playing a list")
 
 
 if __name__ == "__main__":
