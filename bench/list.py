@@ -11,7 +11,7 @@ import statistics
 import subprocess
 import time
 
-from player import COMMANDS, Own, Screen, first_paint, machine, memory, ticks
+from player import COMMANDS, Own, Screen, busy_time, first_paint, machine, memory
 from desk import Desk, wait_for
 import sounds
 
@@ -20,16 +20,16 @@ PEER = "audacious"
 
 
 def at_rest(process):
-    """True when the program used no processor time for a second."""
-    before = ticks(process.pid)
+    """True when the program used next to no processor time for a second."""
+    before = busy_time(process.pid)
     time.sleep(1)
-    return ticks(process.pid) == before
+    return busy_time(process.pid) - before < 0.01
 
 
 def start(desk, command):
     seconds, process = first_paint(desk, command)
     wait_for(lambda: at_rest(process), "the program comes to rest")
-    result = seconds, ticks(process.pid), memory(process.pid)
+    result = seconds, busy_time(process.pid), memory(process.pid)
     desk.end(process)
     return result
 

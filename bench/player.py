@@ -44,9 +44,9 @@ def first_paint(desk, command):
     return time.monotonic() - start, process
 
 
-def ticks(pid):
-    fields = pathlib.Path(f"/proc/{pid}/stat").read_text().rsplit(")", 1)[1].split()
-    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+def busy_time(pid):
+    """Processor time of the process's threads so far in seconds."""
+    return sum(int(task.read_text().split()[0]) for task in pathlib.Path(f"/proc/{pid}/task").glob("*/schedstat")) / 1e9
 
 
 def wakes(pid):
@@ -65,10 +65,10 @@ def memory(pid):
 
 def watch(process):
     """Processor time in seconds and wake-ups a second over the span."""
-    busy, woken = ticks(process.pid), wakes(process.pid)
+    busy, woken = busy_time(process.pid), wakes(process.pid)
     time.sleep(SPAN)
     slept = sum(count - woken.get(thread, 0) for thread, count in wakes(process.pid).items())
-    return ticks(process.pid) - busy, slept / SPAN
+    return busy_time(process.pid) - busy, slept / SPAN
 
 
 def machine():
@@ -101,7 +101,7 @@ class Own:
         wait_for(lambda: stored.exists() and stored.read_text().split() == rows[:1], "the list is kept")
         wait_for(lambda: self.app.setting("Position PlayList Editor", "SHOWN") == "YES", "the window is kept")
         self.app.kill()
-        stored.write_text("".join(row + "\n" for row in rows))
+        stored.write_text("".join(row + "\r\n" for row in rows), newline="")
 
     def add(self, path):
         self.app.menu(self.app.window("Playlist Editor"), "o", "a")
@@ -109,7 +109,7 @@ class Own:
 
     def play(self, mp3):
         self.app.click(self.app.window("Velmora v2.0"), places.PLAY)
-        self.app.choose_file("Select a file to open", mp3, 0)
+        self.app.choose_file("Select a file to open", mp3, 1)
 
     def play_list(self):
         self.app.click(self.app.window("Playlist Editor"), places.LIST_PLAY)

@@ -91,7 +91,7 @@ void ChunkEncoder::advance()
 void ChunkEncoder::write()
 {
     const auto music = std::span(out_).subspan(tagInOut_);
-    job_.part.write(music.data(), music.size(), at_);
+    job_.part.write(std::as_bytes(music), at_);
     at_ += static_cast<std::int64_t>(music.size());
     result_.bytes += static_cast<std::int64_t>(music.size());
     result_.checksum.add(music);

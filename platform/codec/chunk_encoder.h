@@ -3,8 +3,8 @@
 
 #include "platform/codec/info_tag.h"
 #include "platform/codec/lame_encoder.h"
-#include "platform/codec/part_file.h"
 #include "platform/codec/tasks.h"
+#include "platform/system/output_file.h"
 
 namespace codec
 {
@@ -15,7 +15,7 @@ struct EncodeJob {
     Mp3Settings settings;
     EncodeClock clock;
     std::int64_t tagBytes; // room for the info tag at the front; 0: the file has none
-    PartFile& part;
+    OutputFile& part;
     Progress& progress; // counts input samples
 };
 

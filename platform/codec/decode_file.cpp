@@ -1,9 +1,10 @@
 #include "platform/codec/decode_file.h"
 
-#include "platform/codec/part_file.h"
 #include "platform/codec/piece_decoder.h"
 #include "platform/codec/wav_header.h"
 #include "platform/failure.h"
+#include "platform/system/folders.h"
+#include "platform/system/output_file.h"
 
 #include <algorithm>
 #include <atomic>
@@ -22,7 +23,7 @@ constexpr std::size_t bufferedSamples = 1 << 19;
 class SampleWriter
 {
 public:
-    SampleWriter(PartFile& to, std::int64_t at) : to_(to), at_(at) { buffer_.reserve(bufferedSamples); }
+    SampleWriter(OutputFile& to, std::int64_t at) : to_(to), at_(at) { buffer_.reserve(bufferedSamples); }
 
     void write(std::span<const std::int16_t> samples)
     {
@@ -34,23 +35,23 @@ public:
     // The place in the file behind what was written.
     std::int64_t flush()
     {
-        to_.write(buffer_.data(), buffer_.size() * sizeof(std::int16_t), at_);
+        to_.write(std::as_bytes(std::span(buffer_)), at_);
         at_ += static_cast<std::int64_t>(buffer_.size() * sizeof(std::int16_t));
         buffer_.clear();
         return at_;
     }
 
 private:
-    PartFile& to_;
+    OutputFile& to_;
     std::int64_t at_;
     std::vector<std::int16_t> buffer_;
 };
 
-void writeHeader(PartFile& part, const SoundFormat& format, std::int64_t end)
+void writeHeader(OutputFile& part, const SoundFormat& format, std::int64_t end)
 {
     const auto header =
         wavHeader(format.rate, format.channels, end - static_cast<std::int64_t>(sizeof(WavHeader)));
-    part.write(header.data(), header.size(), 0);
+    part.write(std::as_bytes(std::span(header)), 0);
 }
 
 // The file from its beginning, read in blocks.
@@ -100,7 +101,8 @@ private:
     bool failed_ = false;
 };
 
-void decodeFromStart(const SourceFile& file, PartFile& part, Progress& progress, const std::stop_token& stop)
+void decodeFromStart(const SourceFile& file, OutputFile& part, Progress& progress,
+                     const std::stop_token& stop)
 {
     WholeFile source(file);
     FrameDecoder decoder(source, FrameDecoder::Kind::File);
@@ -124,7 +126,7 @@ void decodeFromStart(const SourceFile& file, PartFile& part, Progress& progress,
 class PiecewiseDecoding
 {
 public:
-    PiecewiseDecoding(const SourceFile& file, const FrameTable& table, PartFile& part, Progress& progress) :
+    PiecewiseDecoding(const SourceFile& file, const FrameTable& table, OutputFile& part, Progress& progress) :
         file_(file), table_(table), part_(part), progress_(progress)
     {
     }
@@ -181,7 +183,7 @@ private:
 
     const SourceFile& file_;
     const FrameTable& table_;
-    PartFile& part_;
+    OutputFile& part_;
     Progress& progress_;
     std::atomic<bool> isSpoilt_ = false;
 };
@@ -193,7 +195,7 @@ bool decodeInPieces(const SourceFile& file, const Text& output, unsigned workers
     const auto table = scanFrames(file);
     if (!table || table->frames() < 2)
         return false;
-    PartFile part(output, notes);
+    OutputFile part(output, notes);
     if (!PiecewiseDecoding(file, *table, part, progress).run(workers, stop))
         return false;
     part.finish();
@@ -213,7 +215,7 @@ void decodeFile(const Text& input, const Text& output, unsigned workers, const R
     Progress progress(file.size(), report);
     if (decodeInPieces(file, output, workers, progress, stop, notes))
         return;
-    PartFile part(output, notes);
+    OutputFile part(output, notes);
     decodeFromStart(file, part, progress, stop);
     part.finish();
 }

@@ -3,8 +3,8 @@
 #include "platform/codec/conversion_queue.h"
 #include "platform/codec/decode_file.h"
 #include "platform/codec/frame_scan.h"
-#include "platform/codec/part_file.h"
 #include "platform/failure.h"
+#include "platform/system/folders.h"
 
 struct DecodeJobs::Parts {
     struct Job {
@@ -54,7 +54,7 @@ DecodeJobs::~DecodeJobs() = default;
 std::int16_t DecodeJobs::open(const Text& input, const Text& output)
 {
     bool isOpen = false;
-    succeeds([&] { isOpen = codec::isMp3(codec::SourceFile(input)) && !codec::isSameFile(input, output); });
+    succeeds([&] { isOpen = codec::isMp3(codec::SourceFile(input)) && !isSameFile(input, output); });
     parts_->job = {++parts_->opened, input, output, isOpen};
     return isOpen ? 0 : 1;
 }

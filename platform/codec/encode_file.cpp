@@ -3,6 +3,7 @@
 #include "platform/codec/chunk_encoder.h"
 #include "platform/codec/quiet_search.h"
 #include "platform/failure.h"
+#include "platform/system/folders.h"
 
 #include <algorithm>
 
@@ -35,7 +36,7 @@ StreamFacts factsOf(const std::vector<EncodedChunk>& chunks)
 class Encoding
 {
 public:
-    Encoding(const SourceFile& file, const Mp3Settings& settings, PartFile& part, const Report& report) :
+    Encoding(const SourceFile& file, const Mp3Settings& settings, OutputFile& part, const Report& report) :
         source_(file),
         progress_(std::max<std::int64_t>(1, source_.frames()), report), job_{file, settings, {},
                                                                              0,    part,     progress_}
@@ -87,7 +88,7 @@ private:
         auto facts = factsOf(chunks);
         facts.samples = job_.clock.outputSamples(source_.frames());
         rewriteInfoTag(tag, facts);
-        job_.part.write(tag.data(), tag.size(), 0);
+        job_.part.write(std::as_bytes(std::span(tag)), 0);
     }
 
     WavSource source_;
@@ -103,7 +104,7 @@ void encodeFile(const Text& input, const Text& output, const Mp3Settings& settin
     if (isSameFile(input, output))
         throw Failure{75, "The output would replace its own source."};
     const SourceFile file(input);
-    PartFile part(output, notes);
+    OutputFile part(output, notes);
     Encoding(file, settings, part, report).run(workers, stop);
     part.finish();
 }

@@ -2,10 +2,10 @@
 
 #include "platform/codec/conversion_queue.h"
 #include "platform/codec/encode_file.h"
-#include "platform/codec/part_file.h"
 #include "platform/codec/wav_source.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
+#include "platform/system/folders.h"
 
 namespace
 {
@@ -29,8 +29,7 @@ public:
     {
         input_ = input;
         output_ = output;
-        isOpen_ = succeeds([&] { codec::WavSource(codec::SourceFile(input)); }) &&
-                  !codec::isSameFile(input, output);
+        isOpen_ = succeeds([&] { codec::WavSource(codec::SourceFile(input)); }) && !isSameFile(input, output);
         return isOpen_ ? 0 : 1;
     }
 

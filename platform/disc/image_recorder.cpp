@@ -1,10 +1,10 @@
 #include "platform/disc/image_recorder.h"
 
 #include "platform/disc/disc_contents.h"
-#include "platform/disc/disc_output.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
 #include "platform/system/folders.h"
+#include "platform/system/output_file.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -90,8 +90,8 @@ private:
 
     Text folder_;
     std::time_t begun_ = std::time(nullptr);
-    DiscOutput sound_;
-    DiscOutput sheet_;
+    OutputFile sound_;
+    OutputFile sheet_;
 };
 
 // The sheet comes last: whoever sees it finds a whole disc.

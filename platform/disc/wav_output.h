@@ -1,7 +1,7 @@
 // A track's WAV file in the making: 16-bit stereo sound of 44100 Hz.
 #pragma once
 
-#include "platform/disc/disc_output.h"
+#include "platform/system/output_file.h"
 
 class WavOutput
 {
@@ -20,5 +20,5 @@ public:
 private:
     void completeHeader();
 
-    DiscOutput output_;
+    OutputFile output_;
 };

@@ -1,6 +1,7 @@
 #include "platform/system/folders.h"
 
 #include "platform/paths.h"
+#include "platform/system/descriptor.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -43,6 +44,21 @@ bool isFile(const Text& path) { return hasType(path, S_IFREG); }
 bool isExecutable(const Text& path)
 {
     return isFile(path) && faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
+}
+
+bool isSameFile(const Text& one, const Text& other)
+{
+    struct stat first;
+    struct stat second;
+    return stat(one.c_str(), &first) == 0 && stat(other.c_str(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+void syncFolder(const Text& folder)
+{
+    const Descriptor directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (directory)
+        fsync(directory.number());
 }
 
 Text withoutSeparatorBehind(Text path)

@@ -12,6 +12,13 @@ bool isFolder(const Text& path);
 bool isFile(const Text& path);       // a regular one, links followed
 bool isExecutable(const Text& path); // a file that this user may run
 
+// True when both names lead to one file, also through links.
+bool isSameFile(const Text& one, const Text& other);
+
+// The names in the folder outlive a power cut from now on; a folder that cannot be read is left to the
+// system's own time.
+void syncFolder(const Text& folder);
+
 // Without separators at its end; a drive root stays.
 Text withoutSeparatorBehind(Text path);
 

@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <utility>
 
 namespace
 {
@@ -58,7 +59,13 @@ PartFile::~PartFile()
 {
     if (stands_)
         unlink(path_.c_str());
-    if (noted_)
+    forget();
+}
+
+void PartFile::forget()
+{
+    stands_ = false;
+    if (std::exchange(noted_, false))
         notes_.done(path_);
 }
 
@@ -66,7 +73,7 @@ bool PartFile::takePlace()
 {
     if (rename(path_.c_str(), target_.c_str()) != 0)
         return false;
-    stands_ = false;
+    forget();
     return true;
 }
 
@@ -74,7 +81,7 @@ bool PartFile::takeFreePlace(const Text& path)
 {
     if (!renameWithoutReplacing(path_, path))
         return false;
-    stands_ = false;
+    forget();
     return true;
 }
 

@@ -31,6 +31,7 @@ public:
 
 private:
     bool resembles(const struct stat& status) const;
+    void forget();
 
     Text target_;
     Text path_;

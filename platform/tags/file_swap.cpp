@@ -210,14 +210,6 @@ void requireStanding(const StandingFile& file)
     requireUnchanged(file.status, now);
 }
 
-// The new name outlives a power failure; a folder that cannot be read is left to the system's own time.
-void settle(const Text& folder)
-{
-    const Descriptor directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (directory)
-        fsync(directory.number());
-}
-
 Descriptor openForWriting(const StandingFile& file)
 {
     if ((file.status.st_mode & 0222) == 0)
@@ -251,7 +243,7 @@ void swapEnds(const StandingFile& file, const NewEnds& ends, const std::function
     requireStanding(file);
     if (!copy.putInPlaceOf(file.path))
         failWith("The copy could not be put in the file's place", errno);
-    settle(folder);
+    syncFolder(folder);
 }
 
 void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes)

@@ -11,7 +11,7 @@ namespace
 {
 
 constexpr auto fullRate = 16ms;
-constexpr auto slowRate = 250ms;
+constexpr auto slowRate = 500ms;
 constexpr auto stillness = 2s;
 
 // What a user or a window manager does; paints and timers are the program's own doing.

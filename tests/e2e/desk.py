@@ -354,11 +354,16 @@ class Velmora:
 
     def menu(self, window, *mnemonics):
         """Opens the window's menu by its image and walks it by its underlined letters."""
+        self.open_menu(window, *mnemonics[:-1])
+        self.key(mnemonics[-1])
+        wait_for(lambda: self.popups() == 0, "the menus close")
+
+    def open_menu(self, window, *mnemonics):
+        """As `menu`, but the menu that the last letter opens stays open."""
         wait_for(lambda: self._menu_opens(window), "the menu opens")
         for depth, letter in enumerate(mnemonics, 1):
-            wait_for(lambda: self.popups() >= depth, f"menu {depth} opens")
             self.key(letter)
-        wait_for(lambda: self.popups() == 0, "the menus close")
+            wait_for(lambda: self.popups() > depth, f"menu {depth + 1} opens")
 
     def _menu_opens(self, window):
         """A window manager that is still busy with another window may keep a click for itself: a person clicks again."""

@@ -13,6 +13,7 @@ import sounds
 from desk import wait_for
 
 KILLS = int(os.environ.get("VELMORA_TEST_KILLS", "12"))
+WEIGHTS = [int(weight) for weight in os.environ.get("VELMORA_TEST_WEIGHTS", "4,3,2,1,2").split(",")]
 SAVE_DIALOG = "Enter a filename"
 
 
@@ -34,11 +35,15 @@ class ListUnderFire(case.Case):
                 file.write(mp3)
         self.saved = {}  # what each list file may hold
 
-    def refill(self):
-        """While the program is away: a working copy with every row, as the program writes it."""
-        (self.app.folder / "deflist.vlp").write_text("".join(path + "\r\n" for path in self.paths))
-        (self.app.folder / "vlmset.ini").write_text(
-            f"[Playlist Editor]\r\nPlayList={self.app.folder / 'deflist.vlp'}\r\nFileType=2\r\n")
+    def refill(self, name=None):
+        """While the program is away: a working copy with every row, as the program writes it, or a list of that name."""
+        kept = name or self.app.folder / "deflist.vlp"
+        kept.write_bytes(self.lines(self.paths))
+        (self.app.folder / "vlmset.ini").write_text(f"[Playlist Editor]\r\nPlayList={kept}\r\nFileType=2\r\n")
+
+    @staticmethod
+    def lines(rows):
+        return "".join(row + "\r\n" for row in rows).encode()
 
     def rows(self):
         return [control.name for control in self.app.controls(case.LIST) if control.role == "list item"]
@@ -69,7 +74,7 @@ class ListUnderFire(case.Case):
         self.app.key("ctrl+a")
         self.app.type(str(name))
         before = name.read_bytes() if name.exists() else None
-        self.saved[name] = {before, "".join(row + "\r\n" for row in rows).encode()}
+        self.saved[name] = {before, self.lines(rows)}
 
         def act():
             self.app.key("Return")
@@ -77,12 +82,24 @@ class ListUnderFire(case.Case):
                 self.app.key("alt+y")  # the question whether to write over it
         return act, rows
 
+    def save_under_its_name(self, _):
+        name = self.desk.home / "named list.vlp"
+        self.begin(name)
+        move, rows = self.move_up(self.paths)
+        move()
+        wait_for(lambda: self.rows() == rows, "the row moves up")
+        wait_for(lambda: (self.app.folder / "deflist.vlp").read_bytes() == self.lines(rows), "the working copy is written")
+        self.saved[name] = {self.lines(self.paths), self.lines(rows)}
+        self.app.open_menu(self.list, "f")
+        return lambda: self.app.key("s"), rows
+
     def test_the_list_is_never_lost(self):
         counts = {}
         for kill in range(KILLS):
             rows = wait_for(lambda: (lambda shown: shown if len(shown) > 2 else None)(self.rows()) if kill else self.begin(),
                             "rows stand")
-            kind = self.chance.choices((self.move_up, self.remove, self.run_list, self.save), (4, 3, 2, 1))[0]
+            kind = self.chance.choices((self.move_up, self.remove, self.run_list, self.save, self.save_under_its_name),
+                                       WEIGHTS)[0]
             act, after = kind(rows)
             acting = threading.Thread(target=self.attempt, args=[act])
             acting.start()
@@ -112,10 +129,10 @@ class ListUnderFire(case.Case):
         with contextlib.suppress(subprocess.CalledProcessError):  # the window may be gone by then
             act()
 
-    def begin(self):
+    def begin(self, name=None):
         if self.app.alive():
             self.app.kill()
-        self.refill()
+        self.refill(name)
         self.start()
         return wait_for(lambda: self.rows() == self.paths and self.paths, "every row stands")
 

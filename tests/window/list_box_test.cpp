@@ -164,6 +164,16 @@ TEST_CASE("A row with line ends in it is as high as any other")
     CHECK(window.list.List(0) == "\r\n/a.mp3\n\n");
 }
 
+TEST_CASE("Of a row of megabytes the window draws no more than a path can hold")
+{
+    Shown window(0);
+    const Text row = "\xC3\xA4" + Text(4 << 20, 'x');
+    window.list.AddItem(row);
+    const QString drawn = window.hand.view().model()->index(0, 0).data().toString();
+    CHECK(drawn == u'\u00E4' + QString(4095, 'x'));
+    CHECK(window.list.List(0) == row);
+}
+
 TEST_CASE("Getting the focus selects nothing")
 {
     for (const auto reason : {Qt::TabFocusReason, Qt::ActiveWindowFocusReason, Qt::MouseFocusReason}) {

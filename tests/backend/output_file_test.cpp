@@ -1,5 +1,6 @@
-#include "platform/codec/part_file.h"
+#include "platform/system/output_file.h"
 
+#include "platform/system/folders.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"
@@ -8,8 +9,6 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
-
-using namespace codec;
 
 namespace
 {
@@ -23,6 +22,11 @@ public:
     std::set<Text> noted;
 };
 
+void write(OutputFile& file, std::string_view text, std::int64_t at)
+{
+    file.write(std::as_bytes(std::span(text)), at);
+}
+
 }
 
 TEST_CASE("A file has its name when it is finished, and not before")
@@ -30,9 +34,9 @@ TEST_CASE("A file has its name when it is finished, and not before")
     TemporaryFolder folder;
     NotedParts notes;
     {
-        PartFile part(folder / "a.mp3", notes);
-        part.write("world", 5, 6);
-        part.write("hello ", 6, 0);
+        OutputFile part(folder / "a.mp3", notes);
+        write(part, "world", 6);
+        write(part, "hello ", 0);
         const auto names = namesInFolder(folder.path());
         REQUIRE(names.size() == 1);
         CHECK(names.begin()->ends_with(".part"));
@@ -50,8 +54,8 @@ TEST_CASE("A file that is not finished leaves nothing, and the old one stands")
     NotedParts notes;
     putFile(folder / "a.mp3", "old");
     {
-        PartFile part(folder / "a.mp3", notes);
-        part.write("new", 3, 0);
+        OutputFile part(folder / "a.mp3", notes);
+        write(part, "new", 0);
     }
     CHECK(fileBytes(folder / "a.mp3") == "old");
     CHECK(namesInFolder(folder.path()) == std::set<Text>{"a.mp3"});
@@ -61,10 +65,10 @@ TEST_CASE("A file that is not finished leaves nothing, and the old one stands")
 TEST_CASE("Two files for one target do not meet")
 {
     TemporaryFolder folder;
-    PartFile one(folder / "a.mp3", NoPartNotes::instance());
-    PartFile other(folder / "a.mp3", NoPartNotes::instance());
-    one.write("one", 3, 0);
-    other.write("other", 5, 0);
+    OutputFile one(folder / "a.mp3", NoPartNotes::instance());
+    OutputFile other(folder / "a.mp3", NoPartNotes::instance());
+    write(one, "one", 0);
+    write(other, "other", 0);
     one.finish();
     CHECK(fileBytes(folder / "a.mp3") == "one");
     other.finish();
@@ -76,8 +80,8 @@ TEST_CASE("A target with the longest possible name can be made")
     TemporaryFolder folder;
     const Text name = Text(125, 'x') + Text("ä").append(Text(120, 'y')) + ".mp3";
     const Text longest = name + Text(255 - name.size(), 'z');
-    PartFile part(folder / longest, NoPartNotes::instance());
-    part.write("x", 1, 0);
+    OutputFile part(folder / longest, NoPartNotes::instance());
+    write(part, "x", 0);
     part.finish();
     CHECK(namesInFolder(folder.path()) == std::set<Text>{longest});
 }
@@ -88,8 +92,8 @@ TEST_CASE("A link is written through, and the mode of the old file stays")
     putFile(folder / "real.mp3", "old");
     chmod((folder / "real.mp3").c_str(), 0640);
     REQUIRE(symlink("real.mp3", (folder / "link.mp3").c_str()) == 0);
-    PartFile part(folder / "link.mp3", NoPartNotes::instance());
-    part.write("new", 3, 0);
+    OutputFile part(folder / "link.mp3", NoPartNotes::instance());
+    write(part, "new", 0);
     part.finish();
     CHECK(fileBytes(folder / "real.mp3") == "new");
     CHECK(std::filesystem::is_symlink(folder / "link.mp3"));
@@ -104,7 +108,7 @@ TEST_CASE("What is no plain file is never replaced")
     std::filesystem::create_directory(folder / "folder.mp3");
     REQUIRE(mkfifo((folder / "pipe.mp3").c_str(), 0600) == 0);
     const auto make = [&](const Text& target) {
-        return failureOf([&] { PartFile(target, NoPartNotes::instance()).finish(); });
+        return failureOf([&] { OutputFile(target, NoPartNotes::instance()).finish(); });
     };
     CHECK(make(folder / "folder.mp3") == 75);
     CHECK(make(folder / "pipe.mp3") == 75);

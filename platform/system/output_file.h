@@ -1,4 +1,4 @@
-// A file that is made from a disc, or for one. It stands beside its target until it is whole; without that
+// A file in the making that a person waits for. It stands beside its target until it is whole; without that
 // nothing is left behind, and what stood under the target's name stands there still.
 #pragma once
 
@@ -10,15 +10,15 @@
 #include <optional>
 #include <span>
 
-class DiscOutput
+class OutputFile
 {
 public:
     // All fail with 57, 61, 70, 75 or 76.
-    DiscOutput(const Text& path, PartNotes& notes) : DiscOutput(targetOf(path), notes) {}
+    OutputFile(const Text& path, PartNotes& notes) : OutputFile(targetOf(path), notes) {}
 
     void makeRoom(std::int64_t bytes); // now, rather than that the disk is found full later
     void append(std::span<const std::byte> bytes);
-    void rewriteStart(std::span<const std::byte> bytes);
+    void write(std::span<const std::byte> bytes, std::int64_t at); // from any thread
     void startFlush(); // the disk begins with what was written, and nobody waits
     void flush();      // waits until the disk has what was written
 
@@ -26,6 +26,9 @@ public:
 
     // The same under another name in the folder. False when that name is taken.
     bool takeFreePlace(const Text& path);
+
+    // Everything written is on the disk, under the target's name.
+    void finish();
 
     std::int64_t bytes() const { return bytes_; } // appended so far
     bool replacesFile() const { return target_.old.has_value(); }
@@ -36,9 +39,8 @@ private:
         std::optional<struct stat> old;
     };
 
-    DiscOutput(const Target& target, PartNotes& notes);
+    OutputFile(const Target& target, PartNotes& notes);
     static Target targetOf(const Text& path);
-    void write(std::span<const std::byte> bytes, std::int64_t offset);
 
     Target target_;
     PartFile part_;

@@ -1,11 +1,13 @@
-#include "platform/disc/disc_output.h"
+#include "platform/system/output_file.h"
 
 #include "platform/failure.h"
 #include "platform/paths.h"
 #include "platform/system/folders.h"
 
-#include <cerrno>
 #include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
 
 namespace
 {
@@ -15,11 +17,19 @@ namespace
     throw systemError == ENOENT ? failure(76) : fileFailure(systemError);
 }
 
+// A large block sets out for the disk at once, so that `flush` has little left to wait for.
+void sendOff(const Descriptor& file, std::int64_t at, std::size_t count)
+{
+    constexpr std::size_t large = 1 << 18;
+    if (count >= large)
+        sync_file_range(file.number(), at, static_cast<off_t>(count), SYNC_FILE_RANGE_WRITE);
+}
+
 }
 
 // A rename would take the place of a device, and of a file that may not be written. Behind a NUL the system
 // sees nothing.
-DiscOutput::Target DiscOutput::targetOf(const Text& path)
+OutputFile::Target OutputFile::targetOf(const Text& path)
 {
     Target target{path.find('\0') == Text::npos ? resolvedLinks(path) : Text(), std::nullopt};
     if (target.path.empty() || endsInSeparator(target.path))
@@ -38,7 +48,7 @@ DiscOutput::Target DiscOutput::targetOf(const Text& path)
     return target;
 }
 
-DiscOutput::DiscOutput(const Target& target, PartNotes& notes) :
+OutputFile::OutputFile(const Target& target, PartNotes& notes) :
     target_(target), part_(target_.path, target_.old ? &*target_.old : nullptr, notes)
 {
     if (part_.error() != 0)
@@ -46,52 +56,58 @@ DiscOutput::DiscOutput(const Target& target, PartNotes& notes) :
 }
 
 // Where the file system cannot promise the room, the writing finds out.
-void DiscOutput::makeRoom(std::int64_t bytes)
+void OutputFile::makeRoom(std::int64_t bytes)
 {
     if (fallocate(part_.file().number(), FALLOC_FL_KEEP_SIZE, 0, bytes) != 0 && errno == ENOSPC)
         fail(errno);
 }
 
-void DiscOutput::append(std::span<const std::byte> bytes)
+void OutputFile::append(std::span<const std::byte> bytes)
 {
     write(bytes, bytes_);
     bytes_ += static_cast<std::int64_t>(bytes.size());
 }
 
-void DiscOutput::rewriteStart(std::span<const std::byte> bytes) { write(bytes, 0); }
-
-void DiscOutput::write(std::span<const std::byte> bytes, std::int64_t offset)
+void OutputFile::write(std::span<const std::byte> bytes, std::int64_t at)
 {
     while (!bytes.empty()) {
-        const ssize_t written = pwrite(part_.file().number(), bytes.data(), bytes.size(), offset);
+        const ssize_t written = pwrite(part_.file().number(), bytes.data(), bytes.size(), at);
         if (written < 0 && errno != EINTR)
             fail(errno);
         const auto done = static_cast<std::size_t>(std::max<ssize_t>(written, 0));
+        sendOff(part_.file(), at, done);
         bytes = bytes.subspan(done);
-        offset += static_cast<std::int64_t>(done);
+        at += static_cast<std::int64_t>(done);
     }
 }
 
-void DiscOutput::startFlush() { sync_file_range(part_.file().number(), 0, 0, SYNC_FILE_RANGE_WRITE); }
+void OutputFile::startFlush() { sync_file_range(part_.file().number(), 0, 0, SYNC_FILE_RANGE_WRITE); }
 
 // Some file systems know no flush, and say so; that is no failure.
-void DiscOutput::flush()
+void OutputFile::flush()
 {
     if (fdatasync(part_.file().number()) != 0 && errno != EINVAL && errno != ENOSYS)
         fail(errno);
 }
 
-void DiscOutput::takePlace()
+void OutputFile::takePlace()
 {
     if (!part_.takePlace())
         fail(errno);
 }
 
-bool DiscOutput::takeFreePlace(const Text& path)
+bool OutputFile::takeFreePlace(const Text& path)
 {
     if (part_.takeFreePlace(path))
         return true;
     if (errno != EEXIST)
         fail(errno);
     return false;
+}
+
+void OutputFile::finish()
+{
+    flush();
+    takePlace();
+    syncFolder(folderOf(target_.path));
 }
