@@ -1,5 +1,5 @@
-// What keeps the program's timers at their full rate: while something sounds they run at it, a still program
-// ticks slowly.
+// What keeps the program's timers going: while something sounds they run, a still program ticks slowly. Both
+// calls also wake a window thread that waits.
 #pragma once
 
 class Activity

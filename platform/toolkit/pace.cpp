@@ -3,7 +3,8 @@
 #include "platform/toolkit/interval_timer.h"
 
 #include <QEvent>
-#include <algorithm>
+#include <QWidget>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -11,11 +12,18 @@ namespace
 {
 
 constexpr auto fullRate = 16ms;
+constexpr auto playingRate = 40ms; // smooth enough for a clock and a thumb
 constexpr auto slowRate = 500ms;
 constexpr auto stillness = 2s;
 
-// What a user or a window manager does; paints and timers are the program's own doing.
-bool isActivity(QEvent::Type type)
+bool isWindow(const QObject& object)
+{
+    return object.isWidgetType() && static_cast<const QWidget&>(object).isWindow();
+}
+
+// What a user or a window manager does; paints, timers and the thumb of a bar that moves are the program's
+// own doing.
+bool isActivity(const QObject& receiver, QEvent::Type type)
 {
     switch (type) {
     case QEvent::KeyPress:
@@ -28,13 +36,14 @@ bool isActivity(QEvent::Type type)
     case QEvent::Wheel:
     case QEvent::Drop:
     case QEvent::DragMove:
-    case QEvent::Show:
-    case QEvent::Hide:
-    case QEvent::Move:
     case QEvent::WindowActivate:
     case QEvent::WindowDeactivate:
     case QEvent::WindowStateChange:
         return true;
+    case QEvent::Show:
+    case QEvent::Hide:
+    case QEvent::Move:
+        return isWindow(receiver);
     default:
         return false;
     }
@@ -42,14 +51,14 @@ bool isActivity(QEvent::Type type)
 
 }
 
-Pace::Pace(bool running) : running_(running) {}
+Pace::Pace(bool running) : rate_(fullRate), running_(running) {}
 
 void Pace::add(ctl::IntervalTimer& timer)
 {
     timers_.push_back(&timer);
     if (!running_)
         timer.stop();
-    timer.setPace(slow_ ? slowRate : fullRate);
+    restartAll();
 }
 
 void Pace::remove(ctl::IntervalTimer& timer) { std::erase(timers_, &timer); }
@@ -61,40 +70,50 @@ void Pace::stop()
     running_ = false;
 }
 
-void Pace::saw(const QEvent& event)
+void Pace::saw(const QObject& receiver, const QEvent& event)
 {
-    if (isActivity(event.type()))
+    if (isActivity(receiver, event.type()))
         wake();
-    else if (event.type() == QEvent::Timer && !slow_)
-        rest();
+    else if (event.type() == QEvent::Timer && Clock::now() - lastActivity_ >= stillness)
+        setRate(restingRate());
 }
 
 void Pace::begin()
 {
     ++sounding_;
+    wakeFromAnyThread();
+}
+
+void Pace::end()
+{
+    --sounding_;
+    wakeFromAnyThread();
+}
+
+// Who waits for the end of a file in the window thread waits for its next event: this is one.
+void Pace::wakeFromAnyThread()
+{
     QMetaObject::invokeMethod(
         this, [this] { wake(); }, Qt::QueuedConnection);
 }
 
-void Pace::end() { --sounding_; }
-
 void Pace::wake()
 {
     lastActivity_ = Clock::now();
-    if (std::exchange(slow_, false))
-        setAll(fullRate);
+    setRate(fullRate);
 }
 
-void Pace::rest()
+std::chrono::milliseconds Pace::restingRate() const { return sounding_ > 0 ? playingRate : slowRate; }
+
+void Pace::setRate(std::chrono::milliseconds rate)
 {
-    if (sounding_ > 0 || Clock::now() - lastActivity_ < stillness)
-        return;
-    slow_ = true;
-    setAll(slowRate);
+    if (std::exchange(rate_, rate) != rate)
+        restartAll();
 }
 
-void Pace::setAll(std::chrono::milliseconds interval)
+// At one moment, so that they fall due together and the machine wakes once for all.
+void Pace::restartAll()
 {
     for (auto* timer : timers_)
-        timer->setPace(interval);
+        timer->setPace(rate_);
 }

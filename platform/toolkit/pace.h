@@ -1,5 +1,5 @@
-// The rate of all timers: full while something sounds, moves or is typed, slow in a still program, so that a
-// program that nobody uses hardly wakes the machine.
+// The rate of all timers: full while something moves or is typed, lower while a file just plays, slow in a
+// still program, so that a program that nobody uses hardly wakes the machine. All tick together.
 #pragma once
 
 #include "platform/activity.h"
@@ -26,7 +26,7 @@ public:
     void stop();
 
     // Each event of the program passes here first.
-    void saw(const QEvent& event);
+    void saw(const QObject& receiver, const QEvent& event);
 
     void begin() override;
     void end() override;
@@ -35,12 +35,14 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void wake();
-    void rest();
-    void setAll(std::chrono::milliseconds interval);
+    void wakeFromAnyThread();
+    std::chrono::milliseconds restingRate() const;
+    void setRate(std::chrono::milliseconds rate);
+    void restartAll();
 
     std::vector<ctl::IntervalTimer*> timers_;
     std::atomic<int> sounding_ = 0;
     Clock::time_point lastActivity_ = Clock::now();
+    std::chrono::milliseconds rate_;
     bool running_;
-    bool slow_ = false;
 };

@@ -23,7 +23,7 @@ struct Toolkit::Parts final : QObject, Post {
 
     bool eventFilter(QObject* object, QEvent* event) override
     {
-        pace.saw(*event);
+        pace.saw(*object, *event);
         if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
             pressed(object);
         return false;

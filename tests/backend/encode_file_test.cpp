@@ -133,7 +133,8 @@ TEST_CASE("A file of several chunks is as long as one of a single encoder, and s
         double atJoin; // decibels that a join may cost within half a second
         double atAll;  // and the whole file
     };
-    // A short file has few quiet spots for its joins. `VELMORA_SWEEP=1` asks for songs of a usual length, too.
+    // A short file has few quiet spots for its joins. `VELMORA_SWEEP=1` asks for songs of a usual length,
+    // too.
     std::vector<Case> cases{
         {"128 kbit/s", music(45 * 44100), {128000, false}, 128, 0.5, 0.02},
         {"320 kbit/s", music(45 * 44100), {320000, false}, 320, 0.5, 0.02},

@@ -103,7 +103,8 @@ TEST_CASE("In a still program the timers slow down, and any input wakes them at 
     CHECK(waitFor([&] { return gaps.quickInARow > 5; }));
 }
 
-TEST_CASE("The timers keep their rate while something sounds, and an engine's start wakes them")
+TEST_CASE(
+    "The timers keep a smooth rate while something sounds, and the start and the end of sound wake them")
 {
     Toolkit toolkit(Toolkit::Timers::run);
     Face face(toolkit);
