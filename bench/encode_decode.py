@@ -9,22 +9,14 @@ before each run. Velmora's times hold the writing through to the disk, which no 
 import argparse
 import datetime
 import os
-import platform
-import statistics
 import subprocess
 import tempfile
-import time
 from dataclasses import dataclass
 from pathlib import Path
 
+from pairs import machine, measure, middle, ratio_of
+
 ROOT = Path(__file__).resolve().parent.parent
-
-
-@dataclass
-class Run:
-    wall: float
-    cpu: float
-    peak: float  # MiB
 
 
 @dataclass
@@ -34,19 +26,6 @@ class Row:
     peer: list
     ours: list
     outputs: list
-
-
-def measure(command, outputs):
-    for output in outputs:
-        Path(output).unlink(missing_ok=True)
-    start = time.monotonic()
-    child = subprocess.Popen(command, stdin=subprocess.DEVNULL)
-    _, status, usage = os.wait4(child.pid, 0)
-    wall = time.monotonic() - start
-    child.returncode = os.waitstatus_to_exitcode(status)
-    if child.returncode != 0:
-        raise SystemExit(f"{command} failed")
-    return Run(wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024)
 
 
 def rows(driver, place, workers):
@@ -78,23 +57,20 @@ def rows(driver, place, workers):
     yield Row("decode", "ffmpeg", ffmpeg, own, [ours, theirs])
 
 
+def run(command, outputs):
+    for output in outputs:
+        Path(output).unlink(missing_ok=True)
+    return measure(command)
+
+
 def compare(row, pairs):
     peer, ours = [], []
     for _ in range(pairs):
-        peer.append(measure(row.peer, row.outputs))
-        ours.append(measure(row.ours, row.outputs))
-    middle = lambda runs, name: statistics.median(getattr(run, name) for run in runs)
-    ratio = lambda name: statistics.median(
-        getattr(mine, name) / getattr(theirs, name) for mine, theirs in zip(ours, peer))
+        peer.append(run(row.peer, row.outputs))
+        ours.append(run(row.ours, row.outputs))
     print(f"| {row.what} | {row.peer_name} | {middle(peer, 'wall'):.2f} | {middle(ours, 'wall'):.2f} "
-          f"| **{ratio('wall'):.3f}** | {middle(peer, 'cpu'):.2f} | {middle(ours, 'cpu'):.2f} "
-          f"| {ratio('cpu'):.3f} | {middle(ours, 'peak'):.0f} |", flush=True)
-
-
-def machine():
-    model = next((line.split(":", 1)[1].strip() for line in open("/proc/cpuinfo") if line.startswith("model name")),
-                 platform.machine())
-    return f"{model}, {os.cpu_count()} cores, load {os.getloadavg()[0]:.1f}"
+          f"| **{ratio_of(ours, peer, 'wall'):.3f}** | {middle(peer, 'cpu'):.2f} | {middle(ours, 'cpu'):.2f} "
+          f"| {ratio_of(ours, peer, 'cpu'):.3f} | {middle(ours, 'peak'):.0f} |", flush=True)
 
 
 def main():

@@ -7,12 +7,12 @@ processor time until the program has come to rest. Opening and ticks are measure
 import argparse
 import datetime
 import pathlib
-import statistics
 import subprocess
 import time
 
-from player import COMMANDS, Own, Screen, busy_time, first_paint, machine, memory
+from player import COMMANDS, Own, Screen, busy_time, first_paint, memory, row
 from desk import Desk, wait_for
+from pairs import machine
 import sounds
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -56,9 +56,7 @@ def compare_starts(count, build, pairs):
         for column, (what, unit) in enumerate((("to the first picture", "s"), ("processor time until at rest", "s"),
                                                ("memory (PSS)", "MB"))):
             theirs, mine = ([run[column] for run in runs[1:]] for runs in (peer, ours))
-            ratio = statistics.median(a / max(b, 1e-9) for a, b in zip(mine, theirs))
-            print(f"| start with {count} rows, {what} | {PEER} | {statistics.median(theirs):.3g} {unit} "
-                  f"| {statistics.median(mine):.3g} {unit} | **{ratio:.2f}** |", flush=True)
+            row(f"start with {count} rows, {what}", unit, PEER, theirs, mine)
 
 
 def main():

@@ -9,7 +9,6 @@ import argparse
 import datetime
 import os
 import pathlib
-import platform
 import statistics
 import sys
 import time
@@ -20,6 +19,7 @@ sys.path.insert(0, str(ROOT / "tests/e2e"))
 import places  # noqa: E402
 import sounds  # noqa: E402
 from desk import Desk, Velmora, wait_for  # noqa: E402
+from pairs import machine, ratio  # noqa: E402
 
 SPAN = 30
 COMMANDS = {"audacious": ["audacious"], "qmmp": ["qmmp"]}
@@ -71,16 +71,9 @@ def watch(process):
     return busy_time(process.pid) - busy, slept / SPAN
 
 
-def machine():
-    model = next((line.split(":", 1)[1].strip() for line in open("/proc/cpuinfo") if line.startswith("model name")),
-                 platform.machine())
-    return f"{model}, {os.cpu_count()} cores, load {os.getloadavg()[0]:.1f}"
-
-
 def row(what, unit, peer, theirs, ours):
-    ratio = statistics.median(mine / max(their, 1e-9) for mine, their in zip(ours, theirs))
-    print(f"| {what} | {peer} | {statistics.median(theirs):.3g} {unit} | {statistics.median(ours):.3g} {unit} | **{ratio:.2f}** |",
-          flush=True)
+    print(f"| {what} | {peer} | {statistics.median(theirs):.3g} {unit} | {statistics.median(ours):.3g} {unit} "
+          f"| **{ratio(ours, theirs):.2f}** |", flush=True)
 
 
 class Own:

@@ -9,24 +9,17 @@ the process. Outputs are removed before each run, and compared once.
 import argparse
 import datetime
 import os
-import platform
 import shutil
-import statistics
 import subprocess
 import tempfile
-import time
 from dataclasses import dataclass
 from pathlib import Path
+
+from pairs import machine, measure, middle, ratio_of
 
 ROOT = Path(__file__).resolve().parent.parent
 SECTOR = 2352
 TRACKS = 12
-
-
-@dataclass
-class Run:
-    wall: float
-    cpu: float
 
 
 @dataclass
@@ -60,18 +53,6 @@ def emptied(folder):
     return folder
 
 
-def measure(command, folder):
-    emptied(folder)
-    start = time.monotonic()
-    child = subprocess.Popen(command, stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL, cwd=folder)
-    _, status, usage = os.wait4(child.pid, 0)
-    wall = time.monotonic() - start
-    child.returncode = os.waitstatus_to_exitcode(status)
-    if child.returncode != 0:
-        raise SystemExit(f"{command} failed")
-    return Run(wall, usage.ru_utime + usage.ru_stime)
-
-
 def commands(row, sheet, driver, ours):
     # The order of bytes is given: guessed from the sound, it is wrong for noise.
     tracks = str(row.first) if row.first == row.last else f"{row.first}-{row.last}"
@@ -84,27 +65,23 @@ def sounds(folder):
     return [path.read_bytes() for path in sorted(folder.iterdir(), key=lambda path: (len(path.name), path.name))]
 
 
+def run(command, folder):
+    emptied(folder)
+    return measure(command, stderr=subprocess.DEVNULL, cwd=folder)
+
+
 def compare(row, sheet, driver, place, pairs):
     theirs, ours = place / "theirs", place / "ours"
     peer_command, own_command = commands(row, sheet, driver, ours)
     peer, own = [], []
     for _ in range(pairs):
-        peer.append(measure(peer_command, theirs))
-        own.append(measure(own_command, ours))
+        peer.append(run(peer_command, theirs))
+        own.append(run(own_command, ours))
     if sounds(theirs) != sounds(ours):
         raise SystemExit("The two read different sound.")
-    middle = lambda runs, name: statistics.median(getattr(run, name) for run in runs)
-    ratio = lambda name: statistics.median(
-        getattr(mine, name) / getattr(their, name) for mine, their in zip(own, peer))
     print(f"| {row.what} | cd-paranoia -Z | {middle(peer, 'wall'):.3f} | {middle(own, 'wall'):.3f} "
-          f"| **{ratio('wall'):.3f}** | {middle(peer, 'cpu'):.3f} | {middle(own, 'cpu'):.3f} "
-          f"| {ratio('cpu'):.3f} |", flush=True)
-
-
-def machine():
-    model = next((line.split(":", 1)[1].strip() for line in open("/proc/cpuinfo") if line.startswith("model name")),
-                 platform.machine())
-    return f"{model}, {os.cpu_count()} cores, load {os.getloadavg()[0]:.1f}"
+          f"| **{ratio_of(own, peer, 'wall'):.3f}** | {middle(peer, 'cpu'):.3f} | {middle(own, 'cpu'):.3f} "
+          f"| {ratio_of(own, peer, 'cpu'):.3f} |", flush=True)
 
 
 def main():
