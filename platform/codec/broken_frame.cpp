@@ -12,11 +12,14 @@ namespace codec
 namespace
 {
 
+// The decoder silences a frame whose main data begin before those it has. One of low rate it breaks off where
+// the rest of them is too short as well.
 bool isMeantSilent(FrameBytes& bytes, std::int64_t frame)
 {
     const auto header = bytes.header(frame);
-    return isEmpty(bytes.at(frame), header) ||
-           mainDataBegin(bytes.at(frame), header) > bytes.reservoirBefore(frame);
+    const bool lacksBeginning = mainDataBegin(bytes.at(frame), header) > bytes.reservoirBefore(frame);
+    const bool lacksRest = header.isLowRate() && soundBits(bytes.at(frame), header) > 8 * header.mainData();
+    return isEmpty(bytes.at(frame), header) || (lacksBeginning && !lacksRest);
 }
 
 // A frame's sound reaches into the next: an empty one stands there.

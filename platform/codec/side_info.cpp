@@ -54,6 +54,16 @@ int mainDataBegin(const std::uint8_t* frame, const FrameHeader& header)
     return static_cast<int>(bitsAt(frame + startOf(header), 0, layoutOf(header).mainDataBegin));
 }
 
+int soundBits(const std::uint8_t* frame, const FrameHeader& header)
+{
+    const auto layout = layoutOf(header);
+    int bits = 0;
+    for (int i = 0; i < layout.granules * header.channels; ++i)
+        bits += static_cast<int>(
+            bitsAt(frame + startOf(header), layout.firstPart + i * layout.partBits, lengthBits));
+    return bits;
+}
+
 void silence(std::uint8_t* frame, const FrameHeader& header, int reservoir)
 {
     auto* info = frame + startOf(header);

@@ -11,6 +11,9 @@ namespace codec
 // How many bytes before the frame its main data begin.
 int mainDataBegin(const std::uint8_t* frame, const FrameHeader& header);
 
+// The bits of sound that the frame claims to have in its main data.
+int soundBits(const std::uint8_t* frame, const FrameHeader& header);
+
 // No sound, but the main data of this frame and `reservoir` bytes before it are handed on to the next one.
 void silence(std::uint8_t* frame, const FrameHeader& header, int reservoir);
 
