@@ -34,6 +34,7 @@ class ListUnderFire(case.Case):
             with open(path, "wb") as file:
                 file.write(mp3)
         self.saved = {}  # what each list file may hold
+        self.saving = {}  # what the save under way writes, by the file
 
     def refill(self, name=None):
         """While the program is away: a working copy with every row, as the program writes it, or a list of that name."""
@@ -74,13 +75,17 @@ class ListUnderFire(case.Case):
         self.app.key("ctrl+a")
         self.app.type(str(name))
         before = name.read_bytes() if name.exists() else None
-        self.saved[name] = {before, self.lines(rows)}
+        self.expect(name, before, rows)
 
         def act():
             self.app.key("Return")
             if before is not None:
                 self.app.key("alt+y")  # the question whether to write over it
         return act, rows
+
+    def expect(self, name, before, rows):
+        self.saving = {name: self.lines(rows)}
+        self.saved[name] = {before, *self.saving.values()}
 
     def save_under_its_name(self, _):
         name = self.desk.home / "named list.vlp"
@@ -89,7 +94,7 @@ class ListUnderFire(case.Case):
         move()
         wait_for(lambda: self.rows() == rows, "the row moves up")
         wait_for(lambda: (self.app.folder / "deflist.vlp").read_bytes() == self.lines(rows), "the working copy is written")
-        self.saved[name] = {self.lines(self.paths), self.lines(rows)}
+        self.expect(name, self.lines(self.paths), rows)
         self.app.open_menu(self.list, "f")
         return lambda: self.app.key("s"), rows
 
@@ -100,6 +105,7 @@ class ListUnderFire(case.Case):
                             "rows stand")
             kind = self.chance.choices((self.move_up, self.remove, self.run_list, self.save, self.save_under_its_name),
                                        WEIGHTS)[0]
+            self.saving = {}
             act, after = kind(rows)
             acting = threading.Thread(target=self.attempt, args=[act])
             acting.start()
@@ -119,7 +125,8 @@ class ListUnderFire(case.Case):
             self.assertIn(shown, (rows, after), f"kill {kill} during {kind.__name__}")
             for folder in (self.app.folder, self.desk.home, self.desk.music):
                 self.assertEqual([path for path in folder.iterdir() if path.name.endswith(".part")], [])
-            counts[kind.__name__, shown == after] = counts.get((kind.__name__, shown == after), 0) + 1
+            kept = shown == after and all(self.saved[name] == {new} for name, new in self.saving.items())
+            counts[kind.__name__, kept] = counts.get((kind.__name__, kept), 0) + 1
             if len(shown) < 4:
                 self.begin()
         print("what was killed, and whether the edit was kept:", counts, flush=True)
