@@ -3,8 +3,8 @@
 #include "platform/codec/piece_decoder.h"
 #include "platform/codec/wav_header.h"
 #include "platform/failure.h"
+#include "platform/system/block_writer.h"
 #include "platform/system/folders.h"
-#include "platform/system/output_file.h"
 
 #include <algorithm>
 #include <atomic>
@@ -16,36 +16,11 @@ namespace codec
 namespace
 {
 
-constexpr std::int64_t framesInCut = 1024;
-constexpr std::size_t bufferedSamples = 1 << 19;
+// Frames of one piece: 7 to 107 seconds of music.
+constexpr std::int64_t smallestPiece = 256;
+constexpr std::int64_t largestPiece = 4096;
 
-// Gathers samples for large writes.
-class SampleWriter
-{
-public:
-    SampleWriter(OutputFile& to, std::int64_t at) : to_(to), at_(at) { buffer_.reserve(bufferedSamples); }
-
-    void write(std::span<const std::int16_t> samples)
-    {
-        if (buffer_.size() + samples.size() > bufferedSamples)
-            flush();
-        buffer_.insert(buffer_.end(), samples.begin(), samples.end());
-    }
-
-    // The place in the file behind what was written.
-    std::int64_t flush()
-    {
-        to_.write(std::as_bytes(std::span(buffer_)), at_);
-        at_ += static_cast<std::int64_t>(buffer_.size() * sizeof(std::int16_t));
-        buffer_.clear();
-        return at_;
-    }
-
-private:
-    OutputFile& to_;
-    std::int64_t at_;
-    std::vector<std::int16_t> buffer_;
-};
+constexpr std::int64_t framesInReport = 128;
 
 void writeHeader(OutputFile& part, const SoundFormat& format, std::int64_t end)
 {
@@ -106,12 +81,13 @@ void decodeFromStart(const SourceFile& file, OutputFile& part, Progress& progres
 {
     WholeFile source(file);
     FrameDecoder decoder(source, FrameDecoder::Kind::File);
-    SampleWriter writer(part, sizeof(WavHeader));
+    BlockWriter blocks(part, 1);
+    BlockWriter::Run run(blocks, sizeof(WavHeader));
     std::span<const std::int16_t> samples;
     std::int64_t known = 0;
     while (decoder.next(samples)) {
         throwIfStopped(stop);
-        writer.write(samples);
+        run.write(std::as_bytes(samples));
         progress.add(source.position() - known);
         known = source.position();
     }
@@ -119,7 +95,22 @@ void decodeFromStart(const SourceFile& file, OutputFile& part, Progress& progres
         throw failure(57);
     if (decoder.format().rate == 0)
         throw Failure{57, "There is no sound in this file."};
-    writeHeader(part, decoder.format(), writer.flush());
+    const auto end = run.finish();
+    blocks.finish();
+    writeHeader(part, decoder.format(), end);
+}
+
+// Where the pieces of a file begin and the last one ends. Large ones first, for the frames before each are
+// decoded for nothing; small ones last, so that no core waits long for another.
+std::vector<std::int64_t> pieceBorders(std::int64_t frames, unsigned workers)
+{
+    std::vector<std::int64_t> borders{0};
+    while (borders.back() < frames) {
+        const auto share = (frames - borders.back()) / (2 * std::max(1u, workers));
+        const auto piece = std::clamp(share, smallestPiece, largestPiece) / FrameCut::windowTurn;
+        borders.push_back(std::min(frames, borders.back() + piece * FrameCut::windowTurn));
+    }
+    return borders;
 }
 
 // One file decoded in pieces. A piece that cannot be decoded as it would be from the start spoils the whole.
@@ -134,33 +125,39 @@ public:
     // False when it must be done from the start instead.
     bool run(unsigned workers, const std::stop_token& stop)
     {
-        const std::int64_t pieces = (table_.frames() + framesInCut - 1) / framesInCut;
-        runTasks(workers, static_cast<std::size_t>(pieces), stop,
-                 [this](std::size_t piece, const std::stop_token& stopPiece) {
-                     if (!isSpoilt_ && !decode(static_cast<std::int64_t>(piece) * framesInCut, stopPiece))
-                         isSpoilt_ = true;
-                 });
+        const auto end = placeOf(table_.trim.end);
+        part_.makeRoom(end);
+        const auto borders = pieceBorders(table_.frames(), workers);
+        BlockWriter blocks(part_, workers);
+        runTasks(workers, borders.size() - 1, stop, [&](std::size_t piece, const std::stop_token& stopPiece) {
+            if (!isSpoilt_ && !decode(borders[piece], borders[piece + 1], blocks, stopPiece))
+                isSpoilt_ = true;
+        });
         if (isSpoilt_)
             return false;
-        writeHeader(part_, {table_.first.rate, table_.first.channels}, placeOf(table_.trim.end));
+        blocks.finish();
+        writeHeader(part_, {table_.first.rate, table_.first.channels}, end);
         return true;
     }
 
 private:
-    bool decode(std::int64_t begin, const std::stop_token& stop)
+    bool decode(std::int64_t begin, std::int64_t end, BlockWriter& blocks, const std::stop_token& stop)
     {
-        const std::int64_t end = std::min(begin + framesInCut, table_.frames());
-        SampleWriter writer(part_, placeOf(std::max(begin * table_.first.samples, table_.trim.begin)));
+        BlockWriter::Run run(blocks, placeOf(std::max(begin * table_.first.samples, table_.trim.begin)));
         PieceDecoder decoder(file_, table_, begin, end);
         std::span<const std::int16_t> samples;
+        std::int64_t known = begin;
         for (std::int64_t frame = begin; frame < end; ++frame) {
             throwIfStopped(stop);
             if (isSpoilt_ || !decoder.next(samples))
                 return false;
-            writer.write(trimmed(samples, frame));
+            run.write(std::as_bytes(trimmed(samples, frame)));
+            if (const auto done = frame + 1; done == end || done - known == framesInReport) {
+                progress_.add(table_.positions[done] - table_.positions[known]);
+                known = done;
+            }
         }
-        writer.flush();
-        progress_.add(table_.positions[end] - table_.positions[begin]);
+        run.finish();
         return true;
     }
 

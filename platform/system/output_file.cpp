@@ -81,6 +81,12 @@ void OutputFile::write(std::span<const std::byte> bytes, std::int64_t at)
     }
 }
 
+Descriptor OutputFile::openPastCache() const
+{
+    const Text path = "/proc/self/fd/" + std::to_string(part_.file().number());
+    return Descriptor(open(path.c_str(), O_WRONLY | O_DIRECT | O_CLOEXEC));
+}
+
 void OutputFile::startFlush() { sync_file_range(part_.file().number(), 0, 0, SYNC_FILE_RANGE_WRITE); }
 
 // Some file systems know no flush, and say so; that is no failure.

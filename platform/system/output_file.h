@@ -19,6 +19,11 @@ public:
     void makeRoom(std::int64_t bytes); // now, rather than that the disk is found full later
     void append(std::span<const std::byte> bytes);
     void write(std::span<const std::byte> bytes, std::int64_t at); // from any thread
+
+    // The same once more, to write whole blocks of memory past the system's file cache. Without a descriptor
+    // where the file system has no such way.
+    Descriptor openPastCache() const;
+
     void startFlush(); // the disk begins with what was written, and nobody waits
     void flush();      // waits until the disk has what was written
 
