@@ -1,10 +1,9 @@
 #include "platform/system/block_writer.h"
 
-#include "platform/failure.h"
-
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 
 namespace
 {
@@ -24,7 +23,7 @@ void BlockWriter::Run::write(std::span<const std::byte> bytes)
         }
         const auto room = base_ + blockBytes - end_;
         const auto count = std::min(static_cast<std::int64_t>(bytes.size()), room);
-        std::copy_n(bytes.begin(), count, block_.get() + (end_ - base_));
+        std::memcpy(block_.get() + (end_ - base_), bytes.data(), static_cast<std::size_t>(count));
         bytes = bytes.subspan(static_cast<std::size_t>(count));
         end_ += count;
         if (count == room)
@@ -73,7 +72,7 @@ void BlockWriter::finish()
 {
     end();
     if (failure_)
-        std::rethrow_exception(failure_);
+        throw *failure_;
 }
 
 void BlockWriter::end()
@@ -92,7 +91,7 @@ BlockWriter::Block BlockWriter::take()
     std::unique_lock lock(mutex_);
     isFree_.wait(lock, [this] { return failure_ || !free_.empty() || unmade_ > 0; });
     if (failure_)
-        std::rethrow_exception(failure_);
+        throw *failure_;
     if (free_.empty()) {
         Block made(static_cast<std::byte*>(std::aligned_alloc(unitBytes, blockBytes)), &std::free);
         if (!made)
@@ -135,9 +134,9 @@ void BlockWriter::write(const Full& full) noexcept
     direct_ = Descriptor();
     try {
         to_.write(bytes, full.at);
-    } catch (...) {
+    } catch (const Failure& failure) {
         const std::lock_guard lock(mutex_);
-        failure_ = std::current_exception();
+        failure_ = failure;
         isFree_.notify_all();
     }
 }

@@ -3,14 +3,15 @@
 // own. The ends of each run, and everything where the file system has no such way, go through the cache.
 #pragma once
 
+#include "platform/failure.h"
 #include "platform/system/output_file.h"
 
 #include <condition_variable>
 #include <cstdlib>
 #include <deque>
-#include <exception>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -82,7 +83,7 @@ private:
     std::condition_variable isFree_;
     std::vector<Block> free_;
     std::deque<Full> full_;
-    std::exception_ptr failure_;
+    std::optional<Failure> failure_;
     bool isEnding_ = false;
     std::thread thread_;
 };

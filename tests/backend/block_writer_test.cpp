@@ -105,7 +105,7 @@ TEST_CASE("Runs of several threads meet without a gap")
 {
     TemporaryFolder folder;
     OutputFile file(folder / "a.wav", NoPartNotes::instance());
-    const auto bytes = pattern(40 * block + 12345);
+    const auto bytes = pattern(12 * block + 12345);
     const auto size = static_cast<std::int64_t>(bytes.size());
     constexpr int threads = 4;
     {
