@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QTextBlock>
 #include <doctest/doctest.h>
 
 namespace
@@ -18,6 +19,7 @@ constexpr const char* updates = "/app/updates.txt";
 constexpr const char* toolKey = "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO";
 constexpr const char* placesKey = "SOFTWARE\\Microsoft\\Shared Tools Location";
 constexpr std::uint32_t localMachine = 0x80000002;
+constexpr std::uint32_t doubleWord = 4;
 
 struct About : Player {
     using Player::Player;
@@ -28,9 +30,13 @@ struct About : Player {
         return program.aboutFrame();
     }
 
-    void registered(const Text& key, const Text& value, const Text& text, std::uint32_t type = 1)
+    ScriptedRegistry::Value& value(const Text& key, const Text& name)
     {
-        platform.scriptedRegistry.keys[key][value] = {type, text + '\0'};
+        return platform.scriptedRegistry.keys[key][name];
+    }
+    void registered(const Text& key, const Text& name, const Text& text)
+    {
+        value(key, name) = {1, text + '\0'};
     }
     void toolStands(const Text& folder)
     {
@@ -40,6 +46,14 @@ struct About : Player {
     Text registryCalls() { return lines(std::exchange(platform.scriptedRegistry.calls, {})); }
     std::vector<Text>& started() { return platform.recordingShell.started; }
 };
+
+QStringList linesIn(const QPlainTextEdit& box)
+{
+    QStringList lines;
+    for (auto block = box.document()->begin(); block.isValid(); block = block.next())
+        lines << block.text();
+    return lines;
+}
 
 bool saysUnavailable(About& a)
 {
@@ -105,6 +119,39 @@ TEST_CASE("The news are shown as the file holds them")
         a.platform.files.files[updates] = text;
         CHECK(a.open().updatesandbugfixes.Text() == text);
         CHECK(a.platform.boxes.shown.empty());
+    }
+}
+
+TEST_CASE("Whoever opens the second tab sees the news line for line, from their beginning")
+{
+    struct Row {
+        const char* what;
+        Text text;
+        QStringList seen;
+    };
+    const Row rows[] = {
+        {"one line", "one line", {"one line"}},
+        {"plain ends", "one\ntwo\n", {"one", "two", ""}},
+        {"the home system's ends", "one\r\ntwo\r\n", {"one", "two", ""}},
+        {"mixed ends", "one\r\ntwo\nthree\rfour", {"one", "two", "three", "four"}},
+        {"empty lines of either kind", "one\r\n\r\ntwo\n\nthree", {"one", "", "two", "", "three"}},
+        {"blanks and tabs", "  one  two \n\tthree", {"  one  two ", "\tthree"}},
+        {"no markup", "<b>one</b> & two", {"<b>one</b> & two"}},
+        {"letters outside ASCII", "caf\xC3\xA9", {QString::fromUtf8("caf\xC3\xA9")}},
+        {"bytes that are no text", "caf\xE9.", {QString("caf") + QChar::ReplacementCharacter + '.'}},
+        {"more lines than the box shows", Text(500, '\n'), QStringList(501, "")},
+        {"no news", "", {""}},
+    };
+    for (const auto& row : rows) {
+        CAPTURE(row.what);
+        About a;
+        a.platform.files.files[updates] = row.text;
+        AboutFrame& frame = a.open();
+        frame.SSTab1.setTab(1);
+        auto& box = *widgetOf<QPlainTextEdit>(frame, "updatesandbugfixes");
+        CHECK(box.isVisible());
+        CHECK(linesIn(box) == row.seen);
+        CHECK(box.cursorForPosition({0, 0}).blockNumber() == 0);
     }
 }
 
@@ -256,6 +303,28 @@ TEST_CASE("A tool in the second place that does not start gives the message")
     a.platform.recordingShell.fails = true;
     a.open().StartSysInfo();
     CHECK(saysUnavailable(a));
+}
+
+TEST_CASE("A place that is a double word and makes no number gives the message, without a look any further")
+{
+    struct Row {
+        const char* what;
+        Text bytes;
+    };
+    for (const auto& row : {Row{"no bytes", ""}, Row{"more digits than a number has", Text(9, '\x11')}})
+        for (const bool first : {true, false}) {
+            CAPTURE(row.what);
+            CAPTURE(first);
+            About a;
+            a.registered(placesKey, "MSINFO", "/opt/tool");
+            a.toolStands("/opt/tool");
+            (first ? a.value(toolKey, "PATH") : a.value(placesKey, "MSINFO")) = {doubleWord, row.bytes};
+            a.open().cmdSysInfo.Click.raise();
+            CHECK(saysUnavailable(a));
+            CHECK(a.started().empty());
+            CHECK((a.registryCalls().find(placesKey) == Text::npos) == first);
+            CHECK(a.calls().find("Scan") == Text::npos);
+        }
 }
 
 TEST_CASE("Each key is opened with this access and closed again, the one that did not open as well")
