@@ -32,6 +32,17 @@ Text shownWindows(Player& p)
     return text;
 }
 
+// The tag editor's boxes, the genre by its row's name.
+Text tagShown(Player& p)
+{
+    auto& editor = p.program.editFileInfoForm();
+    Text text;
+    for (auto* box :
+         {&editor.txtTitle, &editor.txtArtist, &editor.txtAlbum, &editor.txtYear, &editor.txtComment})
+        text += box->Text() + "|";
+    return text + genreRows[editor.txtGenre.ListIndex()];
+}
+
 const Text song = "/m/a.mp3";
 const Text wave = "/m/b.wav";
 
@@ -355,6 +366,41 @@ TEST_CASE("The tag editor asks for the kind alone: a closed engine fills it with
     choose(p, 5);
     CHECK(shownWindows(p) == "editfileinfoform ");
     CHECK(p.program.editFileInfoForm().filelocation.Text().empty());
+}
+
+TEST_CASE("After a cancelled dialog of the MP3 kind the tag editor shows what the closed engine reports")
+{
+    struct Row {
+        const char* what;
+        Text title, artist, album, comment;
+        std::int16_t year, genre;
+        Text shown;
+    };
+    const Row rows[] = {
+        {"nothing", "", "", "", "", 0, -1, "|||||Unknown"},
+        {"the tag of the file before", "A title", "R&B", "An album", "A comment", 1999, 17,
+         "A title|R&B|An album|1999|A comment|Rock"},
+    };
+    for (const auto& row : rows)
+        for (const bool byPlay : {true, false}) {
+            CAPTURE(row.what);
+            CAPTURE(byPlay);
+            Player p;
+            p.store(section::general, key::fileType, "2");
+            p.mp3().title = row.title;
+            p.mp3().artist = row.artist;
+            p.mp3().album = row.album;
+            p.mp3().comment = row.comment;
+            p.mp3().year = row.year;
+            p.mp3().genreIndex = row.genre;
+            byPlay ? p.window.Image1.Click.raise() : choose(p, 2);
+            REQUIRE(p.platform.log.count("OpenSaveDialog1.ShowOpen") == 1);
+            choose(p, 5);
+            CHECK_FALSE(p.mp3().isOpen);
+            CHECK(shownWindows(p) == "editfileinfoform ");
+            CHECK(p.program.editFileInfoForm().filelocation.Text().empty());
+            CHECK(tagShown(p) == row.shown);
+        }
 }
 
 TEST_CASE("A genre past the rows is a failure that nobody handles")
