@@ -107,6 +107,14 @@ TEST_CASE("A load asks for the keys of a saved section in this order")
         {section::cdToWav, cdToWavValues,
          "Settings Saved FileNames SaveDrive SaveDirectory CD Drive SaveDirectory FileNames Access CDDB "
          "Settings Saved CD Drive "},
+        {section::wavToCd, wavToCdValues,
+         [] {
+             Text keys = "Settings Saved ";
+             for (int button = 0; button <= 9; ++button)
+                 keys += "Write Speed ";
+             return keys + "Close Disc Simulate Writing Auto Eject Selected CD Writer CD Writer Type "
+                           "CD Writer Type ";
+         }()},
     };
     for (const auto& row : rows) {
         CAPTURE(row.section);
