@@ -3,7 +3,7 @@
 
 #include "platform/system/descriptor.h"
 #include "platform/tags/file_swap.h"
-#include "tests/support/child.h"
+#include "tests/support/answer_of_child.h"
 #include "tests/support/failures.h"
 #include "tests/support/mp3_files.h"
 
@@ -49,25 +49,6 @@ void giveToNobody(const Text& path)
 }
 
 const auto approved = [](const Text&) {};
-
-// What `work` says in a process of its own.
-Text answerOfChild(const std::function<Text()>& work)
-{
-    int ends[2];
-    REQUIRE(pipe(ends) == 0);
-    Child child([&] {
-        const Text answer = work();
-        endUnless(write(ends[1], answer.data(), answer.size()) >= 0, 1);
-    });
-    close(ends[1]);
-    Text answer;
-    char buffer[512];
-    for (ssize_t got; (got = read(ends[0], buffer, sizeof buffer)) > 0;)
-        answer.append(buffer, static_cast<std::size_t>(got));
-    close(ends[0]);
-    CHECK(child.wait() == 0);
-    return answer;
-}
 
 Text answerOfNobody(const std::function<Text()>& work)
 {

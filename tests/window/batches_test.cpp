@@ -1,5 +1,6 @@
 // Encoding and decoding: twins, each tested the same way.
 #include "platform/failure.h"
+#include "support/answer_of_child.h"
 #include "support/files.h"
 #include "support/list_program.h"
 #include "support/temporary_folder.h"
@@ -8,6 +9,8 @@
 #include <QWidget>
 
 #include <doctest/doctest.h>
+#include <sched.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -122,6 +125,12 @@ struct Bench : Workshop {
     Text ended() { return flow.end.empty() ? Text() : flow.engine + "." + flow.end + "\n"; }
     Text wholeFile(const Text& name) { return begun(name) + ended(); }
 };
+
+// The folder is the root of the file system to the rest of this process, where the system permits it.
+bool becomesRoot(const Text& folder)
+{
+    return chroot(folder.c_str()) == 0 || (unshare(CLONE_NEWUSER) == 0 && chroot(folder.c_str()) == 0);
+}
 
 template <typename Test>
 void inEachFlow(Test&& test)
@@ -363,6 +372,28 @@ TEST_CASE("The output path takes a separator unless its folder ends in one")
             b.click();
             CHECK(b.calls().find(", " + row.before + "a." + b.flow.target + ")") != Text::npos);
         }
+    });
+}
+
+TEST_CASE("A file in the root of the file system takes no second separator")
+{
+    inEachFlow([](Bench& b) {
+        putFile(b.folder / ("a." + b.flow.source), "");
+        const Text answer = answerOfChild([&]() noexcept -> Text {
+            if (!becomesRoot(b.folder.path()))
+                return "no rights";
+            b.flow.files.setPath("/");
+            b.flow.files.setSelected(0, true);
+            b.thenDone();
+            b.click();
+            return b.platform.log.all().front() + " " + b.flow.input;
+        });
+        if (answer == "no rights") {
+            MESSAGE("skipped: this process may not change its root");
+            return;
+        }
+        CHECK(answer == b.flow.engine + ".Open(/a." + b.flow.source + ", /out/a." + b.flow.target + ") /a." +
+                            b.flow.source);
     });
 }
 
