@@ -127,6 +127,24 @@ class Workshop(case.Case):
         wait_for(lambda: mp3.stat().st_mtime_ns != before, "the tag is written")
         self.assertIn(f"TAG:title={title}", probe(mp3, "format_tags"))
 
+    def test_a_year_of_letters_ends_the_program_at_save_and_says_why(self):
+        wav = sounds.write_wav(self.source / "a.wav", sounds.music(1))
+        mp3 = sounds.encode(wav, self.desk.music / "a.mp3", "-b", "128", "--tt", "Before")
+        before = mp3.read_bytes()
+        self.open(mp3)
+        self.app.menu(self.main, "f", "i")
+        self.app.window(case.TAGS)
+        wait_for(lambda: self.box(1).text() == "Before", "the title shows")
+        wait_for(lambda: self.typed(self.box(4), "abcd"), "the year is typed")
+        self.app.press(case.TAGS, "push button", "SAVE")
+        self.app.window("Velmora")
+        self.app.control("Velmora", "label", "Run-time error '13':\n\nType mismatch")
+        self.assert_alive()
+        self.app.press("Velmora", "push button", "OK")
+        wait_for(lambda: not self.app.alive(), "the program ends")
+        self.assertEqual(self.app.process.returncode, 1, self.app.said())
+        self.assertEqual(mp3.read_bytes(), before)
+
 
 if __name__ == "__main__":
     case.main()
