@@ -1,4 +1,4 @@
-// A question to a process of its own.
+// Work in a process of its own whose outcome is checked in this one.
 #pragma once
 
 #include "platform/text.h"
@@ -6,7 +6,7 @@
 
 #include <doctest/doctest.h>
 
-// What `work` says in a process of its own.
+// What `work` says there. It must not throw: the tests would go on in both processes.
 inline Text answerOfChild(const std::function<Text()>& work)
 {
     int ends[2];

@@ -1,6 +1,7 @@
 #include "info/about_frame.h"
 #include "info/edit_file_info_form.h"
 #include "info/error.h"
+#include "info/genre_rows.h"
 #include "settingsdlg/settings.h"
 #include "support/player.h"
 #include "workbench/mp3_encoder.h"
@@ -40,7 +41,7 @@ Text tagShown(Player& p)
     for (auto* box :
          {&editor.txtTitle, &editor.txtArtist, &editor.txtAlbum, &editor.txtYear, &editor.txtComment})
         text += box->Text() + "|";
-    return text + genreRows[editor.txtGenre.ListIndex()];
+    return text + genreRows.at(static_cast<std::size_t>(editor.txtGenre.ListIndex()));
 }
 
 const Text song = "/m/a.mp3";
