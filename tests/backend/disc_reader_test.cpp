@@ -197,6 +197,7 @@ TEST_CASE("A file of that name is replaced only when the track is whole, and kee
     r.drive->holdsBehind = 100;
     REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
     REQUIRE(r.waitUntilHolding());
+    CHECK(r.desk.sleepLock.held == 1);
     CHECK(fileBytes(r.wav) == "an old track");
     CHECK(r.desk.parts.open().size() == 1);
     r.drive->letGo();
@@ -497,6 +498,7 @@ TEST_CASE("A read that waits for its drive can be stopped")
     REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
     r.reader->Stop();
     CHECK(r.desk.window.runUntil([&] { return r.heard->done == 2; }));
+    CHECK(r.desk.sleepLock.held == 0);
     CHECK(r.drive->reads == 1);
     r.drive->letGo();
 }

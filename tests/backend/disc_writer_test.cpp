@@ -298,6 +298,7 @@ TEST_CASE("A running writing keeps its tracks and settings")
     w.recorder->holds = true;
     CHECK(w.writer->Write() == 0);
     REQUIRE(w.waitUntilHolding());
+    CHECK(w.desk.sleepLock.held == 1);
     w.writer->ClearTracks();
     w.writer->setSimulate(true);
     w.writer->setWriteSpeed(std::int16_t{16});
@@ -308,6 +309,7 @@ TEST_CASE("A running writing keeps its tracks and settings")
     CHECK(w.recorder->settings.speed == 1);
     w.recorder->letGo();
     CHECK(w.heard->end());
+    CHECK(w.desk.sleepLock.held == 0);
 }
 
 TEST_CASE("A drive that is being read is not written, and has no disc to write")
