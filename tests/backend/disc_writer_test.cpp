@@ -269,6 +269,18 @@ TEST_CASE("A refused writing has no end, says why, and holds nothing")
     }
 }
 
+TEST_CASE("A refused writing keeps its tracks for the next")
+{
+    Writing w;
+    CHECK(w.writer->AddTrack(w.wav, 0) == 0);
+    w.recorder->refusal = "The disc is full.";
+    CHECK(w.writer->Write() != 0);
+    w.recorder->refusal.clear();
+    CHECK(w.writer->Write() == 0);
+    CHECK(w.heard->end());
+    CHECK(w.recorder->tracks == std::vector<Text>{w.wav});
+}
+
 TEST_CASE("A second writing is refused while one runs, and whether there is a disc is no question then")
 {
     Writing w;
