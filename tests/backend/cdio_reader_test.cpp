@@ -125,14 +125,23 @@ TEST_CASE("A disc's tracks have their places and lengths as sound")
     }
 }
 
-TEST_CASE("A disc of 99 tracks has 99")
+TEST_CASE("A disc of 99 tracks has 99, and each is read as itself")
 {
     Reading r;
-    r.drive.insert(std::vector<Recorded>(99, {sectorsOfNoise(300)}));
+    std::vector<Recorded> tracks;
+    for (std::uint64_t seed = 1; seed <= 99; ++seed)
+        tracks.push_back({sectorsOfNoise(300, seed)});
+    r.drive.insert(tracks);
     const auto contents = r.reader->contents();
     REQUIRE(contents.tracks.size() == 99);
     CHECK(contents.tracks.back() == DiscTrack{true, 98 * 300, 300});
     CHECK(contents.leadOut == 99 * 300);
+    for (const std::int16_t number : {1, 50, 99}) {
+        CAPTURE(number);
+        r.kept = {};
+        CHECK(r.read(number) == 0);
+        CHECK((r.kept.sound == tracks[std::size_t(number) - 1].sound));
+    }
 }
 
 TEST_CASE("Without a disc there are no tracks")
