@@ -366,6 +366,27 @@ TEST_CASE("A lookup ends within its time limit whatever holds it up")
         CHECK(titles.control->DiscArtist() == "");
         CHECK(server.requests().size() == 1);
     }
+    SUBCASE("two servers that say nothing")
+    {
+        LoopbackServer first(silent()), second(silent());
+        Titles titles({first.address(), second.address()});
+        CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
+        CHECK(titles.control->TrackTitle(1) == "");
+        CHECK(first.requests().size() == 1);
+        CHECK(second.requests().size() == 1);
+    }
+    SUBCASE("a slow server that knows the disc and then says nothing")
+    {
+        LoopbackServer server([](const Text& target, const LoopbackServer::Client& client) {
+            const bool isQuery = fieldOf(target, "cmd").starts_with("cddb query");
+            if (!client.isGone(isQuery ? 2 * limit : -1))
+                client.sendPage(exact);
+        });
+        Titles titles({server.address()});
+        CHECK(timeOf([&] { titles.lookedUp(3 * limit); }) < milliseconds(3 * limit + 200));
+        CHECK(titles.control->TrackTitle(1) == "");
+        CHECK(server.requests().size() == 2);
+    }
     SUBCASE("a server that drips")
     {
         LoopbackServer server([](const Text&, const LoopbackServer::Client& client) {
@@ -375,6 +396,7 @@ TEST_CASE("A lookup ends within its time limit whatever holds it up")
         });
         Titles titles({server.address()});
         CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
+        CHECK(titles.control->TrackTitle(1) == "");
     }
     SUBCASE("a name that nobody resolves")
     {
@@ -382,6 +404,7 @@ TEST_CASE("A lookup ends within its time limit whatever holds it up")
         resolverGate = &gate;
         Titles titles({Text("http://") + nameWithoutAnswer + "/cddb.cgi"});
         CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
+        CHECK(titles.control->TrackTitle(1) == "");
         CHECK(gate.waiting() == 1);
         gate.open();
         gate.waitUntilEmpty();
