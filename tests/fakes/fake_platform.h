@@ -46,7 +46,8 @@ public:
     std::function<void(RecordingACD&)> onACD;
     std::function<void(RecordingACDWRITE&)> onACDWRITE;
     std::function<void(RecordingCdBase&)> onCdBase;
-    std::function<std::unique_ptr<ACD>()> otherReader; // in place of the recording one
+    std::function<std::unique_ptr<ACD>()> otherReader;    // in place of the recording one
+    std::function<std::unique_ptr<CdBase>()> otherTitles; // likewise
 
     FakePlatform() { addConfigurationFile(); }
 
@@ -97,6 +98,8 @@ public:
     }
     std::unique_ptr<CdBase> makeCdBase() override
     {
+        if (otherTitles)
+            return otherTitles();
         auto titles = made(CdBase1, log);
         if (onCdBase)
             onCdBase(*titles);

@@ -1,5 +1,8 @@
+#include "platform/disc/curl_cd_base.h"
 #include "support/disc_program.h"
 #include "support/failures.h"
+#include "support/loopback_server.h"
+#include "support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -31,6 +34,46 @@ Text untilCommand(DiscProgram& p, int drive)
     return "CDtoWAV.Init\nCDtoWAV.SelectDrive(" + textOf(drive) +
            ")\nCdBase1.ContactIdentity = " + p.titles().identity +
            "\nCdBase1.Device = default\nCdBase1.TimeLimit = 30000\nCdBase1.Command = Open\n";
+}
+
+// The program's own titles, from a server of the test's. They give up in a hundredth of the time.
+class HastyTitles final : public CdBase
+{
+public:
+    explicit HastyTitles(const Text& address) :
+        titles_(makeCurlCdBase({.addresses = {address},
+                                .cacheFolder = folder_ / "titles",
+                                .firstDrive = [] { return "Drive one"; },
+                                .disc =
+                                    [] {
+                                        return DiscContents{{{true, 0, 15375}, {true, 15375, 18750}}, 34125};
+                                    }}))
+    {
+    }
+
+    void setContactIdentity(const Text& address) override { titles_->setContactIdentity(address); }
+    Text DefaultDevice() const override { return titles_->DefaultDevice(); }
+    void setDevice(const Text& device) override { titles_->setDevice(device); }
+    void setTimeLimit(std::int32_t limit) override { titles_->setTimeLimit(limit / 100); }
+    void setCommand(const Text& word) override { titles_->setCommand(word); }
+    void Lookup() override { titles_->Lookup(); }
+    Text DiscArtist() const override { return titles_->DiscArtist(); }
+    Text TrackTitle(std::int16_t track) const override { return titles_->TrackTitle(track); }
+
+private:
+    TemporaryFolder folder_;
+    std::unique_ptr<CdBase> titles_;
+};
+
+// The disc's rows, listed with titles that come from the server.
+std::vector<Text> rowsWith(const LoopbackServer& server)
+{
+    DiscProgram p([&](FakePlatform& platform) {
+        platform.otherTitles = [&] { return std::make_unique<HastyTitles>(server.address()); };
+    });
+    wantTitles(p);
+    p.list({length(3, 25), length(4, 10)});
+    return p.tracks();
 }
 
 constexpr const char* cannotStart = "Can\u00B4t initialize ASPI! Please use a newer version of ASPI.";
@@ -185,6 +228,24 @@ TEST_CASE("A disc that nobody knows is numbered throughout, and no old title sur
     CHECK(p.tracks() ==
           std::vector<Text>{"Track 01    325.00    3279.3  MB", "Track 02    410.00    4136.9  MB"});
     CHECK(rowsOf(p.workbench.TLCDDB).empty());
+}
+
+TEST_CASE("Titles come into the rows from the web, and a server that says nothing leaves numbers")
+{
+    LoopbackServer good([](const Text& target, const LoopbackServer::Client& client) {
+        const bool isQuery = fieldOf(target, "cmd").starts_with("cddb query");
+        client.sendPage(isQuery ? "200 rock 0201c702 Band / Disc\r\n"
+                                : "210 rock 0201c702\r\nDTITLE=Band / Disc\r\nTTITLE0=One\r\n"
+                                  "TTITLE1=Two\r\n.\r\n");
+    });
+    CHECK(rowsWith(good) ==
+          std::vector<Text>{"Band - One    325.00    3279.3  MB", "Band - Two    410.00    4136.9  MB"});
+    CHECK(good.requests().size() == 2);
+
+    LoopbackServer silent([](const Text&, const LoopbackServer::Client& client) { client.isGone(-1); });
+    CHECK(rowsWith(silent) ==
+          std::vector<Text>{"Track 01    325.00    3279.3  MB", "Track 02    410.00    4136.9  MB"});
+    CHECK(silent.requests().size() == 1);
 }
 
 TEST_CASE("A title without an artist keeps the dash")
