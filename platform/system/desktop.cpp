@@ -65,7 +65,7 @@ struct Desktop::Parts {
     SqliteStore store{joined(configFolder(environment), "settings.sqlite")};
     SoundOutput sound{joined(stateFolder(environment), "levels"), toolkit.activity()};
     DesktopShell shell;
-    DesktopSleepLock sleepLock{Text(systemBusAddress), sessionBusAddress(environment)};
+    DesktopSleepLock sleepLock{systemBusAddress(environment), sessionBusAddress(environment)};
     Discs discs{{.music = musicFolder(environment), .home = homeFolder(environment)},
                 joined(cacheFolder(environment), "titles")};
     MountedDrives drives{{.home = homeFolder(environment)}};

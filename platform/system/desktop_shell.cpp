@@ -56,3 +56,8 @@ Text sessionBusAddress(const Environment& environment)
     return environment.runtimeFolder.starts_with(pathSeparator) && exists(usual) ? "unix:path=" + usual
                                                                                  : Text();
 }
+
+Text systemBusAddress(const Environment& environment)
+{
+    return environment.systemBus.empty() ? "unix:path=/run/dbus/system_bus_socket" : environment.systemBus;
+}

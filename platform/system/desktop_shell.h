@@ -29,3 +29,7 @@ private:
 
 // The session bus that runs; "" when there is none. Never one that a library would start on its own account.
 Text sessionBusAddress(const Environment& environment);
+
+// The system bus: the one that is named, or where every system has it (D-Bus, "Well-known Message Bus
+// Instances").
+Text systemBusAddress(const Environment& environment);

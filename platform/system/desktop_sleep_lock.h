@@ -33,6 +33,3 @@ private:
     bool ending_ = false;
     std::thread asker_;
 };
-
-// Where every system has its system bus (D-Bus, "Well-known Message Bus Instances").
-inline constexpr std::string_view systemBusAddress = "unix:path=/run/dbus/system_bus_socket";

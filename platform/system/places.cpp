@@ -101,7 +101,8 @@ Environment environmentOfProcess()
             .cacheHome = variable("XDG_CACHE_HOME"),
             .runtimeFolder = variable("XDG_RUNTIME_DIR"),
             .searchPath = variable("PATH"),
-            .busAddress = variable("DBUS_SESSION_BUS_ADDRESS")};
+            .busAddress = variable("DBUS_SESSION_BUS_ADDRESS"),
+            .systemBus = variable("DBUS_SYSTEM_BUS_ADDRESS")};
 }
 
 Text homeFolder(const Environment& environment)

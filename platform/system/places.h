@@ -16,6 +16,7 @@ struct Environment {
     Text runtimeFolder = {}; // XDG_RUNTIME_DIR
     Text searchPath = {};    // PATH
     Text busAddress = {};    // DBUS_SESSION_BUS_ADDRESS
+    Text systemBus = {};     // DBUS_SYSTEM_BUS_ADDRESS
 };
 
 Environment environmentOfProcess();

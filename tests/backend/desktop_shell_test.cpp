@@ -283,6 +283,12 @@ TEST_CASE("The session bus is the one that is named or the user's usual one, nev
     CHECK(sessionBusAddress({.runtimeFolder = runtime.path(), .busAddress = "autolaunch:"}).empty());
 }
 
+TEST_CASE("The system bus is the one that is named or the usual one")
+{
+    CHECK(systemBusAddress({}) == "unix:path=/run/dbus/system_bus_socket");
+    CHECK(systemBusAddress({.systemBus = "unix:path=/x"}) == "unix:path=/x");
+}
+
 TEST_CASE("Without a bus a notification is a line on standard error, at once")
 {
     const TemporaryFolder folder;
