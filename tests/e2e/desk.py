@@ -91,7 +91,8 @@ class Desk:
     def spawn(self, *command, **options):
         options.setdefault("stdout", subprocess.DEVNULL)
         options.setdefault("stderr", subprocess.DEVNULL)
-        process = subprocess.Popen(command, env=self.environment, start_new_session=True, **options)
+        options.setdefault("env", self.environment)
+        process = subprocess.Popen(command, start_new_session=True, **options)
         self.processes.append(process)
         return process
 
@@ -147,6 +148,7 @@ class Desk:
         os.close(write)
         with os.fdopen(read) as answer:
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = answer.readline().strip()
+        self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self.environment["DBUS_SESSION_BUS_ADDRESS"]
         self.reader = ScreenReader(self.environment["DBUS_SESSION_BUS_ADDRESS"])
 
     def _start_manager(self):
@@ -226,10 +228,12 @@ class Velmora:
             for name in ("velmora", "conf.mp3", "updates.txt"):
                 shutil.copy2(pathlib.Path(build) / name, self.folder / name)
         self.process = None
+        self.environment = {}  # beyond the desk's
 
     def start(self, wait=True):
         with open(self.desk.folder / "output.txt", "ab") as output:
-            self.process = self.desk.spawn(str(self.folder / "velmora"), stdout=output, stderr=output)
+            self.process = self.desk.spawn(str(self.folder / "velmora"), stdout=output, stderr=output,
+                                           env={**self.desk.environment, **self.environment})
         if wait:
             self.window("Velmora v2.0")
         return self
