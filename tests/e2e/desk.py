@@ -148,6 +148,7 @@ class Desk:
         os.close(write)
         with os.fdopen(read) as answer:
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = answer.readline().strip()
+        # The machine's own services, such as its login manager, are none of the tests' business.
         self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self.environment["DBUS_SESSION_BUS_ADDRESS"]
         self.reader = ScreenReader(self.environment["DBUS_SESSION_BUS_ADDRESS"])
 

@@ -96,7 +96,7 @@ class Disc(case.Case):
         self.assertEqual(len(list(self.desk.folder.glob("chunk*.wav"))), 3)
 
     def login_manager(self):
-        """Where the one of this desk tells which locks are asked for and let go."""
+        """One that keeps the system awake. Returns how to learn which locks were asked for and let go so far."""
         told = self.desk.folder / "locks"
         with open(told, "w") as output:
             self.desk.spawn(str(pathlib.Path(self.build) / "tests/sleep_service"),
@@ -110,7 +110,7 @@ class Disc(case.Case):
         self.addCleanup(drive.communicate)
         self.restart(VELMORA_SIMULATED_DRIVES=drive.stdout.readline().strip(),
                      LD_PRELOAD=str(pathlib.Path(self.build) / "tests/libsimulated_drive.so"),
-                     ASAN_OPTIONS="verify_asan_link_order=0")
+                     ASAN_OPTIONS="verify_asan_link_order=0")  # a sanitizer would be the first library otherwise
         return drive
 
     def test_files_go_onto_a_disc_in_a_drive_and_come_back_and_the_system_stays_awake_meanwhile(self):
