@@ -211,6 +211,7 @@ TEST_CASE("Stop answers at once on a drive that hangs, and keeps what was read")
     Drives d;
     const Text sound = noise(3000 * bytesOfSector);
     d.drive.insert({{sound}});
+    d.drive.change([](simulated::Drive& drive) { drive.millisecondsToRead = 1; });
     d.reader->DriveCount();
     REQUIRE(d.reader->TrackCount() == 1);
     auto quickest = Clock::duration::max(); // another program may hold up a single one
@@ -233,6 +234,7 @@ TEST_CASE("Stop answers at once on a drive that hangs, and keeps what was read")
     }
     CHECK(std::chrono::duration_cast<std::chrono::milliseconds>(quickest).count() < 100);
 
+    d.drive.change([](simulated::Drive& drive) { drive.millisecondsToRead = 0; });
     d.heard.done = 0;
     REQUIRE(d.reader->ReadTrack(1, d.wav) == 0);
     REQUIRE(d.heard.end());
