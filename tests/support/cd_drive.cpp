@@ -8,7 +8,7 @@
 int main()
 {
     SimulatedDrive drive;
-    drive.change([](simulated::Drive& state) { state.millisecondsToRead = state.millisecondsToWrite = 1; });
+    drive.change([](simulated::Drive& state) { state.millisecondsToRead = state.millisecondsToWrite = 2; });
     drive.insertBlank();
     std::cout << std::getenv(simulated::folderVariable) << std::endl;
     for (Text line; std::getline(std::cin, line);) {
