@@ -10,12 +10,18 @@ namespace
 
 constexpr std::size_t bufferedBytes = 1 << 16;
 
+void append(Mp3Bytes& to, std::span<const std::uint8_t> bytes)
+{
+    to.insert(to.end(), bytes.begin(), bytes.end());
+}
+
 }
 
 ChunkEncoder::ChunkEncoder(const EncodeJob& job, const EncodeChunk& chunk) :
     job_(job), chunk_(chunk), source_(job.file), encoder_(job.settings, source_.rate(), source_.channels()),
-    tagInOut_(static_cast<std::size_t>(job.tagBytes)),
-    at_(job.tagBytes + bytesBefore(chunk.first, kilobits(job.settings), job.clock))
+    tagInOut_(static_cast<std::size_t>(job.tagBytes)), at_(job.placeOf(chunk.first)),
+    bodyAt_(job.placeOf(chunk.bodyFirst())),
+    tailAt_(chunk.isLast() ? INT64_MAX : job.placeOf(chunk.bodyEnd()))
 {
     source_.seek(job.clock.inputSamples(chunk.start));
 }
@@ -32,10 +38,11 @@ EncodedChunk ChunkEncoder::run(const std::stop_token& stop)
     return std::move(result_);
 }
 
-// The frames before the chunk's own teach the encoder the sound; the chunk before this one writes them.
+// The frames before the chunk's own teach the encoder the sound; the chunk before this one has them. With the
+// flush the own ones begin without a reservoir, which the shared ones then fill as any encoder would.
 void ChunkEncoder::leadIn(const std::stop_token& stop)
 {
-    if (chunk_.first == 0)
+    if (chunk_.isFirst())
         return;
     while (frame() < chunk_.first && encodeBlock(blockBefore(chunk_.first), stop))
         ;
@@ -83,20 +90,39 @@ bool ChunkEncoder::encodeBlock(std::size_t samples, const std::stop_token& stop)
 
 void ChunkEncoder::advance()
 {
-    job_.progress.add(static_cast<std::int64_t>(block_.frames()));
+    if (frame() > chunk_.bodyFirst())
+        job_.progress.add(static_cast<std::int64_t>(block_.frames()));
     if (out_.size() > bufferedBytes)
         write();
 }
 
 void ChunkEncoder::write()
 {
-    const auto music = std::span(out_).subspan(tagInOut_);
-    job_.part.write(std::as_bytes(music), at_);
-    at_ += static_cast<std::int64_t>(music.size());
+    std::span<const std::uint8_t> music = std::span(out_).subspan(tagInOut_);
     result_.bytes += static_cast<std::int64_t>(music.size());
-    result_.checksum.add(music);
+
+    append(result_.head, takeUntil(bodyAt_, music));
+    const auto bodyPlace = at_;
+    const auto body = takeUntil(tailAt_, music);
+    job_.part.write(std::as_bytes(body), bodyPlace);
+    result_.checksum.add(body);
+    append(result_.tail, music);
+    at_ += static_cast<std::int64_t>(music.size());
+
     out_.clear();
     tagInOut_ = 0;
+}
+
+// Takes from the front of `music`, which belongs at `at_`, what comes before `place`.
+std::span<const std::uint8_t> ChunkEncoder::takeUntil(std::int64_t place,
+                                                      std::span<const std::uint8_t>& music)
+{
+    const auto left = static_cast<std::int64_t>(music.size());
+    const auto count = std::clamp<std::int64_t>(place - at_, 0, left);
+    const auto taken = music.first(static_cast<std::size_t>(count));
+    music = music.subspan(taken.size());
+    at_ += count;
+    return taken;
 }
 
 }

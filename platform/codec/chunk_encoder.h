@@ -17,14 +17,21 @@ struct EncodeJob {
     std::int64_t tagBytes; // room for the info tag at the front; 0: the file has none
     OutputFile& part;
     Progress& progress; // counts input samples
+
+    std::int64_t placeOf(std::int64_t frame) const
+    {
+        return tagBytes + bytesBefore(frame, kilobits(settings), clock);
+    }
 };
 
 // What a chunk became.
 struct EncodedChunk {
     std::int64_t frames = 0;
     std::int64_t bytes = 0;
-    Checksum checksum;
-    Mp3Bytes tag; // of the last chunk: as its encoder fills it
+    Mp3Bytes head;     // the frames that it shares with the chunk before,
+    Mp3Bytes tail;     // and with the one behind: not in the file yet
+    Checksum checksum; // of the bytes between, which are
+    Mp3Bytes tag;      // of the last chunk: as its encoder fills it
 };
 
 class ChunkEncoder
@@ -44,6 +51,7 @@ private:
     std::size_t blockBefore(std::int64_t frame) const;
     std::int64_t frame() const { return chunk_.start + encoder_.frames(); }
     void write();
+    std::span<const std::uint8_t> takeUntil(std::int64_t place, std::span<const std::uint8_t>& music);
 
     const EncodeJob& job_;
     EncodeChunk chunk_;
@@ -52,7 +60,9 @@ private:
     SoundBlock block_;
     Mp3Bytes out_;
     std::size_t tagInOut_; // bytes at the front of `out_` that are the room for the tag
-    std::int64_t at_;
+    std::int64_t at_;      // in the file, of what is written next
+    std::int64_t bodyAt_;
+    std::int64_t tailAt_;
     EncodedChunk result_;
 };
 

@@ -1,7 +1,7 @@
 #include "platform/codec/encode_file.h"
 
 #include "platform/codec/chunk_encoder.h"
-#include "platform/codec/quiet_search.h"
+#include "platform/codec/frame_join.h"
 #include "platform/failure.h"
 #include "platform/system/folders.h"
 
@@ -21,17 +21,6 @@ std::int64_t infoTagBytes(LameEncoder& fresh)
     return static_cast<std::int64_t>(out.size());
 }
 
-StreamFacts factsOf(const std::vector<EncodedChunk>& chunks)
-{
-    StreamFacts facts;
-    for (const auto& chunk : chunks) {
-        facts.frames += chunk.frames;
-        facts.bytes += chunk.bytes;
-        facts.checksum.add(chunk.checksum, chunk.bytes);
-    }
-    return facts;
-}
-
 // One file's conversion.
 class Encoding
 {
@@ -49,10 +38,11 @@ public:
     void run(unsigned workers, const std::stop_token& stop)
     {
         const auto frames = job_.clock.outputSamples(source_.frames()) / job_.clock.frameSamples;
-        const auto plan = planChunks(frames, job_.clock, QuietSearch(source_, job_.clock));
+        const auto plan = planChunks(frames, job_.clock);
         const auto chunks = encode(plan, workers, stop);
         requireFit(chunks, plan);
-        writeTag(chunks);
+        writeTag(chunks.back().tag, join(chunks, plan));
+        progress_.add(source_.frames()); // what rounding left out at the joins
     }
 
 private:
@@ -69,24 +59,37 @@ private:
     // Every chunk fills its place to the byte, or the file is not to be trusted.
     void requireFit(const std::vector<EncodedChunk>& chunks, const std::vector<EncodeChunk>& plan) const
     {
-        const auto place = [this](std::int64_t frame) {
-            return bytesBefore(frame, kilobits(job_.settings), job_.clock);
-        };
         for (std::size_t i = 0; i < chunks.size(); ++i) {
             const std::int64_t end = plan[i].first + chunks[i].frames;
             const bool isWhole = plan[i].isLast() || plan[i].end == end;
-            if (!isWhole || chunks[i].bytes != place(end) - place(plan[i].first))
+            if (!isWhole || chunks[i].bytes != job_.placeOf(end) - job_.placeOf(plan[i].first))
                 throw Failure{57, "The encoder left gaps."};
         }
     }
 
-    void writeTag(const std::vector<EncodedChunk>& chunks)
+    // Writes the frames that chunks share, and tells what the stream has become.
+    StreamFacts join(const std::vector<EncodedChunk>& chunks, const std::vector<EncodeChunk>& plan)
     {
-        auto tag = chunks.back().tag;
+        StreamFacts facts;
+        for (std::size_t i = 0; i < chunks.size(); ++i) {
+            const auto& chunk = chunks[i];
+            if (i > 0) {
+                const auto joined = joinFrames(chunks[i - 1].tail, chunk.head);
+                job_.part.write(std::as_bytes(std::span(joined)), job_.placeOf(plan[i].first));
+                facts.checksum.add(joined);
+            }
+            facts.checksum.add(chunk.checksum, chunk.bytes - std::ssize(chunk.head) - std::ssize(chunk.tail));
+        }
+        facts.frames = plan.back().first + chunks.back().frames;
+        facts.bytes = job_.placeOf(facts.frames) - job_.placeOf(0);
+        facts.samples = job_.clock.outputSamples(source_.frames());
+        return facts;
+    }
+
+    void writeTag(Mp3Bytes tag, const StreamFacts& facts)
+    {
         if (tag.empty())
             return;
-        auto facts = factsOf(chunks);
-        facts.samples = job_.clock.outputSamples(source_.frames());
         rewriteInfoTag(tag, facts);
         job_.part.write(std::as_bytes(std::span(tag)), 0);
     }

@@ -12,9 +12,9 @@ namespace
 
 constexpr std::int64_t paddingPeriod = 49; // frames, at 44.1 and 22.05 kHz for every bit rate
 constexpr std::int64_t leadIn = 24;        // frames after which an encoder has settled
-constexpr std::int64_t searched = 300;     // frames in which a border may lie, at most
 
-// Enough chunks for many cores, few enough that little is encoded twice. An even number, for two cores.
+// Enough chunks for many cores, few enough that little is encoded twice. An even number, for two cores. None
+// is shorter than four seconds, which is more than twice the frames that it shares.
 std::int64_t chunkCount(std::int64_t seconds)
 {
     if (seconds <= 8)
@@ -47,20 +47,18 @@ std::int64_t EncodeClock::startUnit() const
     return paddingPeriod * (rateOut / std::gcd<std::int64_t>(rateOut, inputOfPeriod));
 }
 
-std::vector<EncodeChunk> planChunks(std::int64_t frames, const EncodeClock& clock,
-                                    const QuietestFrame& quietest)
+std::vector<EncodeChunk> planChunks(std::int64_t frames, const EncodeClock& clock)
 {
     const std::int64_t unit = clock.startUnit();
     const std::int64_t count = chunkCount(frames * clock.frameSamples / clock.rateOut);
-    const std::int64_t window = std::min(searched, frames / count / 2);
     std::vector<EncodeChunk> chunks{{}};
     for (std::int64_t i = 1; i < count; ++i) {
-        const std::int64_t ideal = frames * i / count / unit * unit + leadIn;
-        if (ideal < chunks.back().first + window || ideal + window > frames)
+        const std::int64_t start = frames * i / count / unit * unit;
+        const std::int64_t first = start + leadIn;
+        if (first < chunks.back().bodyFirst())
             continue;
-        const std::int64_t border = quietest(ideal, window);
-        chunks.back().end = border;
-        chunks.push_back({(border - leadIn) / unit * unit, border, 0});
+        chunks.back().end = first + EncodeChunk::overlap;
+        chunks.push_back({start, first, 0});
     }
     chunks.back().end = EncodeChunk::toTheEnd;
     return chunks;

@@ -2,22 +2,29 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 namespace codec
 {
 
 // A run of frames for one encoder. It starts on earlier frames, which are thrown away, so that it knows the
-// sound before its own.
+// sound before its own. Its first frames are the last ones of the chunk before it, too: there the two
+// encoders come to agree, and one takes over from the other.
 struct EncodeChunk {
     std::int64_t start = 0; // the frame at which its encoder starts
     std::int64_t first = 0; // its own frames: from this one
     std::int64_t end = 0;   // up to but without this one; `toTheEnd` in the last chunk
 
-    static constexpr std::int64_t toTheEnd = -1;
+    static constexpr std::int64_t toTheEnd = INT64_MAX;
+    static constexpr std::int64_t overlap = 48;
 
+    bool isFirst() const { return first == 0; }
     bool isLast() const { return end == toTheEnd; }
+
+    // The frames that no other chunk has.
+    std::int64_t bodyFirst() const { return isFirst() ? 0 : first + overlap; }
+    std::int64_t bodyEnd() const { return isLast() ? toTheEnd : end - overlap; }
+
     bool operator==(const EncodeChunk&) const = default;
 };
 
@@ -39,13 +46,9 @@ struct EncodeClock {
     std::int64_t startUnit() const;
 };
 
-// The sound's quietest place among `count` frames from `first` on.
-using QuietestFrame = std::function<std::int64_t(std::int64_t first, std::int64_t count)>;
-
-// The chunks of a sound of so many frames. They follow from the length and the sound alone, never from the
-// machine: the same input gives the same bytes everywhere. One chunk up to eight seconds.
-std::vector<EncodeChunk> planChunks(std::int64_t frames, const EncodeClock& clock,
-                                    const QuietestFrame& quietest);
+// The chunks of a sound of so many frames. They follow from the length alone, never from the machine: the
+// same input gives the same bytes everywhere. One chunk up to eight seconds.
+std::vector<EncodeChunk> planChunks(std::int64_t frames, const EncodeClock& clock);
 
 // Bytes before `frame` in a stream of constant bit rate, as the encoder pads its frames.
 std::int64_t bytesBefore(std::int64_t frame, int kilobits, const EncodeClock& clock);
