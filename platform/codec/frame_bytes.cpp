@@ -34,12 +34,6 @@ int FrameBytes::reservoirBefore(std::int64_t frame) const
     return std::min(reservoir, most);
 }
 
-int FrameBytes::takenBefore(std::int64_t frame) const
-{
-    const int wanted = mainDataBegin(bytes_.data() + placeOf(frame), header(frame));
-    return std::min(wanted, reservoirBefore(frame));
-}
-
 void FrameBytes::silence(std::int64_t frame)
 {
     codec::silence(at(frame), header(frame), reservoirBefore(frame));

@@ -23,9 +23,6 @@ public:
     // use.
     int reservoirBefore(std::int64_t frame) const;
 
-    // How many of those the decoder takes for the frame: what its side information asks for, or all there is.
-    int takenBefore(std::int64_t frame) const;
-
     // No sound any more, but the reservoir is handed on.
     void silence(std::int64_t frame);
 

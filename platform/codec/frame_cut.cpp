@@ -1,6 +1,9 @@
 #include "platform/codec/frame_cut.h"
 
+#include "platform/failure.h"
+
 #include <algorithm>
+#include <iterator>
 
 namespace codec
 {
@@ -15,19 +18,14 @@ std::int64_t startOf(const FrameTable& table, std::int64_t begin)
     return reservoirStart(table, overlapOf(begin)) / FrameCut::windowTurn * FrameCut::windowTurn;
 }
 
-// The decoder keeps what the last frame took from the reservoir and brought itself. One that reaches back
-// past that finds what frames long before happened to leave there.
-std::int64_t firstPastReservoir(const FrameBytes& bytes, std::int64_t begin, std::int64_t end)
-{
-    for (std::int64_t frame = std::max<std::int64_t>(1, begin); frame < end; ++frame)
-        if (bytes.takenBefore(frame) > bytes.takenBefore(frame - 1) + bytes.header(frame - 1).mainData())
-            return frame;
-    return end;
-}
+constexpr std::size_t windowBytes = 1 << 16;
 
-std::vector<std::uint8_t> silenced(FrameBytes bytes, std::int64_t start, std::int64_t end)
+// Frames `start` to `begin`, silent up to those that overlap.
+std::vector<std::uint8_t> leadIn(const SourceFile& file, const FrameTable& table, std::int64_t start,
+                                 std::int64_t begin)
 {
-    for (std::int64_t frame = start; frame < end; ++frame)
+    FrameBytes bytes(file, table, start, begin);
+    for (std::int64_t frame = start; frame < overlapOf(begin); ++frame)
         bytes.silence(frame);
     return bytes.take();
 }
@@ -35,14 +33,40 @@ std::vector<std::uint8_t> silenced(FrameBytes bytes, std::int64_t start, std::in
 }
 
 FrameCut::FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t begin, std::int64_t end) :
-    FrameCut(FrameBytes(file, table, startOf(table, begin), end), startOf(table, begin), begin, end)
+    FrameCut(file, table, startOf(table, begin), begin, end)
 {
 }
 
-FrameCut::FrameCut(FrameBytes bytes, std::int64_t start, std::int64_t begin, std::int64_t end) :
-    leadIn_(begin - start), exactEnd_(firstPastReservoir(bytes, begin, end)),
-    source_(silenced(std::move(bytes), start, overlapOf(begin)))
+FrameCut::FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t start, std::int64_t begin,
+                   std::int64_t end) :
+    leadIn_(begin - start),
+    source_(codec::leadIn(file, table, start, begin), file, table.positions[begin], table.positions[end])
 {
+}
+
+FrameCut::Source::Source(std::vector<std::uint8_t> front, const SourceFile& file, std::int64_t begin,
+                         std::int64_t end) :
+    file_(file),
+    next_(begin), end_(end), window_(std::move(front)), left_(window_)
+{
+}
+
+std::int64_t FrameCut::Source::read(void* bytes, std::size_t count)
+{
+    if (left_.empty() && !succeeds([this] { fill(); }))
+        return -1;
+    const auto given = left_.first(std::min(count, left_.size()));
+    std::copy(given.begin(), given.end(), static_cast<std::uint8_t*>(bytes));
+    left_ = left_.subspan(given.size());
+    return std::ssize(given);
+}
+
+void FrameCut::Source::fill()
+{
+    window_.resize(windowBytes);
+    const auto count = std::min(std::ssize(window_), end_ - next_);
+    left_ = std::span(window_).first(file_.read(window_.data(), static_cast<std::size_t>(count), next_));
+    next_ += count;
 }
 
 }

@@ -6,6 +6,7 @@
 #include "platform/codec/frame_scan.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace codec
@@ -27,16 +28,31 @@ public:
     std::int64_t leadIn() const { return leadIn_; } // frames that come before `begin`
     ByteSource& source() { return source_; }
 
-    // From this frame on, only decoding from the file's beginning gives what that gives; `end` when none is
-    // such.
-    std::int64_t exactEnd() const { return exactEnd_; }
-
 private:
-    FrameCut(FrameBytes bytes, std::int64_t start, std::int64_t begin, std::int64_t end);
+    // Changed bytes, and behind them those of the file.
+    class Source final : public ByteSource
+    {
+    public:
+        Source(std::vector<std::uint8_t> front, const SourceFile& file, std::int64_t begin, std::int64_t end);
+
+        std::int64_t read(void* bytes, std::size_t count) override;
+        std::int64_t seek(std::int64_t, int) override { return -1; }
+
+    private:
+        void fill();
+
+        const SourceFile& file_;
+        std::int64_t next_; // in the file: what is read into the window next
+        std::int64_t end_;
+        std::vector<std::uint8_t> window_;
+        std::span<const std::uint8_t> left_; // of the window
+    };
+
+    FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t start, std::int64_t begin,
+             std::int64_t end);
 
     std::int64_t leadIn_;
-    std::int64_t exactEnd_;
-    MemorySource source_;
+    Source source_;
 };
 
 }

@@ -1,5 +1,7 @@
 #include "platform/codec/frame_scan.h"
 
+#include "platform/codec/side_info.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -170,14 +172,39 @@ bool mayFollow(const std::optional<FrameHeader>& header, const FrameHeader& firs
     return header && header->bytes > 0 && areAlike(*header, first);
 }
 
-// Where the run of frames at `position` ends; each frame's place is added to `table`.
-std::int64_t collect(Bytes& bytes, std::int64_t position, std::int64_t size, FrameTable& table)
+// What the frames so far leave for the next.
+class Reservoir
 {
+public:
+    // False for a frame that reaches back past what the decoder keeps, which is what the last frame took from
+    // the reservoir and brought itself: it finds there what frames long before happened to leave.
+    bool take(const FrameHeader& header, int wanted)
+    {
+        const int taken = std::min(wanted, filled_);
+        const bool isKept = taken <= kept_;
+        kept_ = taken + header.mainData();
+        filled_ = std::min(filled_ + header.mainData(), header.maxReservoir());
+        return isKept;
+    }
+
+private:
+    int filled_ = 0;
+    int kept_ = 0;
+};
+
+// Where the run of frames at `position` ends; each frame's place is added to `table`. Nothing when a frame
+// depends on others than those shortly before it.
+std::optional<std::int64_t> collect(Bytes& bytes, std::int64_t position, std::int64_t size, FrameTable& table)
+{
+    Reservoir reservoir;
     for (;;) {
         const auto header = bytes.header(position);
         table.positions.push_back(position);
         if (!mayFollow(header, table.first) || position + header->bytes > size)
             return position;
+        const auto* frame = bytes.at(position, static_cast<std::size_t>(header->sideInfo));
+        if (!frame || !reservoir.take(*header, mainDataBegin(frame, *header)))
+            return std::nullopt;
         position += header->bytes;
     }
 }
@@ -273,7 +300,7 @@ std::optional<FrameTable> scanFrames(const SourceFile& file)
         position += first->bytes;
     const auto end = collect(bytes, position, file.size(), table);
     const auto trim = trimOf(note, table.frames(), first->samples);
-    if (!trim || !endsCleanly(bytes, end, file.size()))
+    if (!end || !trim || !endsCleanly(bytes, *end, file.size()))
         return std::nullopt;
     table.trim = *trim;
     return table;

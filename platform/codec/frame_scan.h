@@ -39,7 +39,8 @@ struct Trim {
     std::int64_t end = 0;
 };
 
-// A file in which every byte is accounted for: tags around an unbroken run of like frames.
+// A file in which every byte is accounted for: tags around an unbroken run of like frames, of which each can
+// be decoded from those shortly before it.
 struct FrameTable {
     FrameHeader first;
     std::vector<std::int64_t> positions; // of each frame that sounds, and where the last one ends
@@ -48,7 +49,7 @@ struct FrameTable {
     std::int64_t frames() const { return static_cast<std::int64_t>(positions.size()) - 1; }
 };
 
-// nullopt when a byte is not accounted for, or when the encoder's note at the front contradicts the frames.
+// nullopt for any other file, and when the encoder's note at the front contradicts the frames.
 std::optional<FrameTable> scanFrames(const SourceFile& file);
 
 // True for a file with layer III sound: within 64 KB after its tags, four like frames stand one behind the

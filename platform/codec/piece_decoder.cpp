@@ -20,8 +20,6 @@ bool PieceDecoder::next(std::span<const std::int16_t>& samples)
     for (; frame_ < begin_; ++frame_)
         if (!decoder_.next(samples))
             return false;
-    if (frame_ == cut_.exactEnd())
-        return false;
     const auto expected = static_cast<std::size_t>(table_.first.samples * table_.first.channels);
     if (!decoder_.next(samples) || samples.size() != expected)
         return false;

@@ -16,8 +16,7 @@ public:
     PieceDecoder(const SourceFile& file, const FrameTable& table, std::int64_t begin, std::int64_t end);
 
     // The next frame's samples, valid until the next call. False for one that perhaps broke off in the
-    // decoder, or reaches back past what the frame before it left: what that does, only decoding from the
-    // start can tell.
+    // decoder: what that does, only decoding from the start can tell.
     bool next(std::span<const std::int16_t>& samples);
 
 private:
