@@ -21,8 +21,8 @@ std::int64_t startOf(const FrameTable& table, std::int64_t begin)
 constexpr std::size_t windowBytes = 1 << 16;
 
 // Frames `start` to `begin`, silent up to those that overlap.
-std::vector<std::uint8_t> leadIn(const SourceFile& file, const FrameTable& table, std::int64_t start,
-                                 std::int64_t begin)
+std::vector<std::uint8_t> leadInBytes(const SourceFile& file, const FrameTable& table, std::int64_t start,
+                                      std::int64_t begin)
 {
     FrameBytes bytes(file, table, start, begin);
     for (std::int64_t frame = start; frame < overlapOf(begin); ++frame)
@@ -40,7 +40,7 @@ FrameCut::FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t
 FrameCut::FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t start, std::int64_t begin,
                    std::int64_t end) :
     leadIn_(begin - start),
-    source_(codec::leadIn(file, table, start, begin), file, table.positions[begin], table.positions[end])
+    source_(leadInBytes(file, table, start, begin), file, table.positions[begin], table.positions[end])
 {
 }
 

@@ -34,6 +34,8 @@ private:
     {
     public:
         Source(std::vector<std::uint8_t> front, const SourceFile& file, std::int64_t begin, std::int64_t end);
+        Source(const Source&) = delete;
+        Source& operator=(const Source&) = delete;
 
         std::int64_t read(void* bytes, std::size_t count) override;
         std::int64_t seek(std::int64_t, int) override { return -1; }
