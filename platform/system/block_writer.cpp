@@ -1,5 +1,6 @@
 #include "platform/system/block_writer.h"
 
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,7 +10,7 @@ namespace
 {
 
 // Beside those that the runs fill: enough for a disk that is at times slow.
-constexpr std::size_t waitingBlocks = 6;
+constexpr std::size_t waitingBlocks = 3;
 
 }
 
@@ -93,9 +94,10 @@ BlockWriter::Block BlockWriter::take()
     if (failure_)
         throw *failure_;
     if (free_.empty()) {
-        Block made(static_cast<std::byte*>(std::aligned_alloc(unitBytes, blockBytes)), &std::free);
+        Block made(static_cast<std::byte*>(std::aligned_alloc(blockBytes, blockBytes)), &std::free);
         if (!made)
             throw failure(7);
+        madvise(made.get(), blockBytes, MADV_HUGEPAGE);
         --unmade_;
         return made;
     }

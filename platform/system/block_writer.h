@@ -20,7 +20,8 @@ class BlockWriter
     using Block = std::unique_ptr<std::byte[], decltype(&std::free)>;
 
 public:
-    static constexpr std::int64_t blockBytes = 1 << 20;
+    // A large page of memory, which the system finds and holds for the disk in one step.
+    static constexpr std::int64_t blockBytes = 1 << 21;
 
     // Every known disk's unit, and every page of memory, divides it.
     static constexpr std::int64_t unitBytes = 1 << 16;

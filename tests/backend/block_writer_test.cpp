@@ -171,7 +171,7 @@ TEST_CASE("Without a way past the file cache everything goes through it")
 TEST_CASE("A full disk is told to whoever writes on or finishes, and a writer never waits for ever")
 {
     TemporaryFolder folder;
-    const SmallDisk disk(folder / "disk", 3072);
+    const SmallDisk disk(folder / "disk", 3 * block / 1024);
     if (!disk)
         return;
     OutputFile file(folder / "disk/a.wav", NoPartNotes::instance());
@@ -184,7 +184,7 @@ TEST_CASE("A full disk is told to whoever writes on or finishes, and a writer ne
 TEST_CASE("A disk that becomes full with the last block is told by finishing")
 {
     TemporaryFolder folder;
-    const SmallDisk disk(folder / "disk", 3500);
+    const SmallDisk disk(folder / "disk", 4 * block / 1024 - 500);
     if (!disk)
         return;
     OutputFile file(folder / "disk/a.wav", NoPartNotes::instance());
