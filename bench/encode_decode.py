@@ -2,8 +2,9 @@
 """Encoding and decoding one file, against lame, ffmpeg and mpg123.
 
 Each pair runs the peer and Velmora one right after the other, so that both meet the same machine; the table gives
-medians over the pairs. `wall` is what a person waits, `cpu` the processor time of all cores. Outputs are removed
-before each run. Velmora's times hold the writing through to the disk, which no peer does.
+medians over the pairs. `wall` is what a person waits, `cpu` the processor time of all cores, `MiB` the most memory
+that each held, in one more run. Outputs are removed before each run. Velmora's times hold the writing through to the
+disk, which no peer does.
 """
 
 import argparse
@@ -14,7 +15,7 @@ import tempfile
 from dataclasses import dataclass
 from pathlib import Path
 
-from pairs import machine, measure, middle, ratio_of
+from pairs import machine, measure, middle, peak_memory, ratio_of
 
 ROOT = Path(__file__).resolve().parent.parent
 
@@ -57,20 +58,28 @@ def rows(driver, place, workers):
     yield Row("decode", "ffmpeg", ffmpeg, own, [ours, theirs])
 
 
-def run(command, outputs):
+def remove(outputs):
     for output in outputs:
         Path(output).unlink(missing_ok=True)
+
+
+def run(command, outputs):
+    remove(outputs)
     return measure(command)
 
 
-def compare(row, pairs):
+def compare(row, pairs, launcher):
     peer, ours = [], []
     for _ in range(pairs):
         peer.append(run(row.peer, row.outputs))
         ours.append(run(row.ours, row.outputs))
+    peer_peak = peak_memory(launcher, row.peer)
+    remove(row.outputs)
+    own_peak = peak_memory(launcher, row.ours)
     print(f"| {row.what} | {row.peer_name} | {middle(peer, 'wall'):.2f} | {middle(ours, 'wall'):.2f} "
           f"| **{ratio_of(ours, peer, 'wall'):.3f}** | {middle(peer, 'cpu'):.2f} | {middle(ours, 'cpu'):.2f} "
-          f"| {ratio_of(ours, peer, 'cpu'):.3f} | {middle(ours, 'peak'):.0f} |", flush=True)
+          f"| {ratio_of(ours, peer, 'cpu'):.3f} | {peer_peak:.0f} | {own_peak:.0f} "
+          f"| {own_peak / peer_peak:.2f} |", flush=True)
 
 
 def main():
@@ -89,11 +98,12 @@ def main():
                            check=True)
         print(f"{options.seconds} s of sound, {options.workers} workers, {options.pairs} pairs; {machine()}; "
               f"{datetime.date.today()}\n")
-        print("| what | peer | peer wall s | Velmora wall s | ratio | peer cpu s | Velmora cpu s | ratio | peak MiB |")
-        print("|---|---|---:|---:|---:|---:|---:|---:|---:|")
+        print("| what | peer | peer wall s | Velmora wall s | ratio | peer cpu s | Velmora cpu s | ratio "
+              "| peer MiB | Velmora MiB | ratio |")
+        print("|---|---|---:|---:|---:|---:|---:|---:|---:|---:|---:|")
         for row in rows(options.driver, place, options.workers):
             if row.what.startswith(options.only):
-                compare(row, options.pairs)
+                compare(row, options.pairs, str(Path(options.driver).parent / "peak_memory"))
 
 
 if __name__ == "__main__":
