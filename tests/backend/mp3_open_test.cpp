@@ -31,16 +31,13 @@ Text oggBytes(const Text& path)
     return fileBytes(path);
 }
 
-double bestOpening(Mp3Play& mp3, const Text& path)
+double opening(double wanted, Mp3Play& mp3, const Text& path)
 {
-    double best = 1e9;
-    for (int time = 0; time < 5; ++time) {
+    return atBest(wanted, [&] {
         const auto then = std::chrono::steady_clock::now();
         REQUIRE(mp3.Open(path, "") == 0);
-        const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - then;
-        best = std::min(best, took.count());
-    }
-    return best;
+        return millisecondsSince(then);
+    });
 }
 
 }
@@ -292,11 +289,11 @@ TEST_CASE(
     SoundParts parts;
     const Text path = parts.folder / "a.mp3";
     putFile(path, withInfoFrame(137000)); // an hour
-    CHECK(bestOpening(*parts.mp3, path) < 5 * slowdown);
+    CHECK(opening(5 * slowdown, *parts.mp3, path) < 5 * slowdown);
     putFile(path, id3v2Tag(20000000) + withInfoFrame(2000));
-    CHECK(bestOpening(*parts.mp3, path) < 5 * slowdown);
+    CHECK(opening(5 * slowdown, *parts.mp3, path) < 5 * slowdown);
     putFile(path, silentFrames(137000));
-    const double counted = bestOpening(*parts.mp3, path);
+    const double counted = opening(100 * slowdown, *parts.mp3, path);
     CHECK(counted < 100 * slowdown);
     MESSAGE("An hour without a header opens in " << counted << " ms");
 }
@@ -306,7 +303,7 @@ TEST_CASE("A file that vanishes while it plays is played to its end, one that is
     const NoSound none;
     SoundParts parts;
     const Text path = parts.folder / "a.mp3";
-    const Text bytes = mp3Bytes(noise(second * 3), {.bitrate = 320});
+    const Text bytes = mp3Bytes(noise(second * 10), {.bitrate = 320});
     putFile(path, bytes.substr(0, 40000)); // one second
     REQUIRE(parts.mp3->Open(path, "") == 0);
     const std::int32_t length = parts.mp3->Length();
@@ -319,12 +316,12 @@ TEST_CASE("A file that vanishes while it plays is played to its end, one that is
 
     putFile(path, bytes);
     REQUIRE(parts.mp3->Open(path, "") == 0);
-    CHECK(parts.mp3->Length() == 3000);
+    CHECK(parts.mp3->Length() == 10000);
     then = std::chrono::steady_clock::now();
     parts.mp3->Play();
     REQUIRE(waitUntil([&] { return parts.mp3Milliseconds() > 50; }));
     std::filesystem::resize_file(path, 30000);
     CHECK(waitUntil([&] { return parts.mp3->IsPlaying() == 0; }));
-    CHECK(std::chrono::steady_clock::now() - then < 2500ms);
+    CHECK(std::chrono::steady_clock::now() - then < 8s);
     CHECK(parts.mp3->CurrentFrame() == 0);
 }

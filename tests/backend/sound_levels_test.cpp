@@ -18,23 +18,26 @@ TEST_CASE("A new level is heard within 60 ms, and reached without a step")
 {
     SoundServer server;
     SoundParts parts;
-    const Text path = putWav(parts.folder / "a.wav", constant(second * 6));
+    const Text path = putWav(parts.folder / "a.wav", constant(second * 20));
     parts.openWav(path);
     parts.mp3->Open(path, ""); // the levels are set through this engine, whichever plays
     Recorder recorder(server);
     parts.wav->setCommand("Play");
     recorder.waitForSound();
 
-    double best = 1e9;
-    for (const std::int16_t level : {50, 100, 20, 100}) {
+    const auto hearing = [&](std::int16_t level) {
         const auto then = Recorder::Clock::now();
         parts.mp3->SetVolume(level, static_cast<std::int16_t>(level / 2));
         const StereoFrame wanted{static_cast<std::int16_t>(level * 100),
                                  static_cast<std::int16_t>(level / 2 * 100)};
         REQUIRE(waitUntil([&] { return recorder.latest().first == wanted; }));
         const std::chrono::duration<double, std::milli> took = recorder.latest().second - then;
-        best = std::min(best, took.count());
-    }
+        return took.count();
+    };
+    const double best = atBest(60, [&] {
+        hearing(100);
+        return hearing(20);
+    });
     CHECK(best < 60);
     MESSAGE("A new level was heard after " << best << " ms");
 

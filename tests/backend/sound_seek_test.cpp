@@ -37,10 +37,11 @@ TEST_CASE("A seek while playing goes on exactly from the new place, forwards and
     parts.mp3->Play();
     recorder.waitForSound();
     for (const std::int32_t frame : {300, 20}) {
+        const auto then = Recorder::Clock::now();
         parts.mp3->Seek(frame);
-        CHECK(parts.mp3->CurrentFrame() == frame);
+        CHECK(parts.mp3WentOn(frame, then));
         CHECK(waitUntil([&] { return parts.mp3->CurrentFrame() > frame + 5; }));
-        CHECK(parts.mp3->CurrentFrame() < frame + 60);
+        CHECK(parts.mp3WentOn(frame, then));
     }
     parts.mp3->Stop();
     const auto runs = runsOf(recordedToTheEnd(recorder));
@@ -119,8 +120,9 @@ TEST_CASE("Many seeks in a row end at the last one")
     Recorder recorder(server);
     parts.mp3->Play();
     for (std::int32_t frame = 0; frame < 200; ++frame) {
+        const auto then = Recorder::Clock::now();
         parts.mp3->Seek(frame);
-        CHECK(parts.mp3->CurrentFrame() == frame);
+        CHECK(parts.mp3WentOn(frame, then));
     }
     CHECK(waitUntil([&] { return parts.mp3->CurrentFrame() > 205; }));
     parts.mp3->Stop();

@@ -214,18 +214,18 @@ TEST_CASE("From is held to the file's ends, used once, and forgotten by Open and
         parts.openWav(path);
         parts.wav->setFrom(c.from);
         CHECK(parts.wav->Position() == 0);
+        const auto then = std::chrono::steady_clock::now();
         parts.wav->setCommand("Play");
-        CHECK(parts.wav->Position() >= c.position);
-        CHECK(parts.wav->Position() <= c.position + 20);
+        CHECK(wentOn(parts.wav->Position(), c.position, then));
     }
     parts.openWav(path);
     parts.wav->setFrom(3000);
     parts.wav->setCommand("Open");
     parts.wav->setCommand("Play");
-    CHECK(parts.wav->Position() < 1000);
+    CHECK(parts.wav->Position() < 3000);
     parts.wav->setFrom(3000);
     parts.wav->setCommand("Close");
     parts.wav->setCommand("Open");
     parts.wav->setCommand("Play");
-    CHECK(parts.wav->Position() < 1000);
+    CHECK(parts.wav->Position() < 3000);
 }

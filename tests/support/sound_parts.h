@@ -9,6 +9,7 @@
 #include "platform/post.h"
 #include "platform/shell.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/timing.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -70,5 +71,13 @@ struct SoundParts {
         wav->setCommand("Open");
     }
 
-    double mp3Milliseconds() const { return static_cast<double>(mp3->CurrentFrame()) * mp3->FrameDuration(); }
+    double milliseconds(std::int32_t frame) const
+    {
+        return static_cast<double>(frame) * mp3->FrameDuration();
+    }
+    double mp3Milliseconds() const { return milliseconds(mp3->CurrentFrame()); }
+    bool mp3WentOn(std::int32_t frame, std::chrono::steady_clock::time_point then) const
+    {
+        return wentOn(mp3Milliseconds(), milliseconds(frame), then);
+    }
 };

@@ -121,16 +121,18 @@ public:
         return {frames_.empty() ? StereoFrame{} : frames_.back(), when_};
     }
 
-    // When the recording first held sound behind its frame `from`.
+    // When the recording first held sound behind its frame `from`. Throws when none comes.
     Clock::time_point waitForSound(std::size_t from = 0) const
     {
         Clock::time_point when;
-        waitUntil([&] {
+        const bool sounds = waitUntil([&] {
             const std::lock_guard lock(mutex_);
             when = when_;
             return std::any_of(frames_.begin() + static_cast<std::ptrdiff_t>(std::min(from, frames_.size())),
                                frames_.end(), [](const StereoFrame& frame) { return !frame.isSilent(); });
         });
+        if (!sounds)
+            throw std::runtime_error("No sound was recorded.");
         return when;
     }
 
