@@ -396,6 +396,13 @@ class Velmora:
         self.click_control(self.control(title, role, name))
 
     def click_control(self, control, times=1):
+        self.point_at(control)
+        self.desk.run("xdotool", "click", "--repeat", str(times), "--delay", "60", "1")
+
+    def point_at(self, control):
         left, top, width, height = control.place()
-        self.desk.run("xdotool", "mousemove", str(left + width // 2), str(top + height // 2),
-                      "click", "--repeat", str(times), "--delay", "60", "1")
+        self.desk.run("xdotool", "mousemove", str(left + width // 2), str(top + height // 2))
+
+    def click_meanwhile(self):
+        """Clicks where the pointer is while the test goes on: it sees what begins from its first moment."""
+        self.desk.spawn("xdotool", "click", "1")

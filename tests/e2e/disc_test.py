@@ -56,9 +56,8 @@ class Disc(case.Case):
         self.check_tracks(count)
         bars = {control.name: control for control in self.app.controls(case.WORKBENCH) if control.role == "progress bar"}
         shown = {name: set() for name in ("This Track", "All Selected Tracks")}
-        left, top, width, height = self.app.control(case.WORKBENCH, "push button", "START").place()
-        self.desk.run("xdotool", "mousemove", str(left + width // 2), str(top + height // 2))
-        self.desk.spawn("xdotool", "click", "1")
+        self.app.point_at(self.app.control(case.WORKBENCH, "push button", "START"))
+        self.app.click_meanwhile()
 
         def ended():
             for name, values in shown.items():
@@ -82,10 +81,15 @@ class Disc(case.Case):
         self.record(sources)
         (sheet,) = (self.desk.music / "Velmora Discs").glob("*.cue")
         self.other_programs_accept(sheet)
-        self.restart()
-        tracks, moved = self.rip(3)
-        self.assert_tracks(tracks, samples)
-        self.assertTrue(moved)  # too quick to see both for certain
+        for _ in range(5):  # too quick to see both bars move, and on a busy machine any
+            self.restart()
+            tracks, moved = self.rip(3)
+            self.assert_tracks(tracks, samples)
+            if moved:
+                break
+            for path in tracks:
+                path.unlink()
+        self.assertTrue(moved)
 
     def other_programs_accept(self, sheet):
         listed = subprocess.run(["cd-info", "--no-header", "--no-cddb", "--cue-file", str(sheet)], capture_output=True,

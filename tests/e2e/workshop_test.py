@@ -37,8 +37,7 @@ class Workshop(case.Case):
         self.open_workbench("e", "w")
         self.to_folder(case.WORKBENCH, "source")
         self.select_rows(case.WORKBENCH, self.names("wav"))
-        self.app.press(case.WORKBENCH, "push button", "Encode")
-        names, shares = self.watch(self.desk.music / "song 2.mp3")
+        names, shares = self.watch("Encode", self.desk.music / "song 2.mp3")
         self.assertTrue(names & set(self.names("mp3")), names)
         self.assertTrue(any(0 < share < 1000 for share in shares), shares)
         for name in self.names("mp3"):
@@ -48,8 +47,7 @@ class Workshop(case.Case):
         self.app.press(case.WORKBENCH, "page tab", "Mp3 Decoder")
         self.to_folder(case.WORKBENCH, "Music")
         self.select_rows(case.WORKBENCH, self.names("mp3"))
-        self.app.press(case.WORKBENCH, "push button", "Decode")
-        self.watch(self.desk.music / "song 2.wav")
+        self.watch("Decode", self.desk.music / "song 2.wav")
         for name in self.names("mp3"):
             wanted = self.desk.folder / "wanted.wav"
             subprocess.run(["mpg123", "-q", "-w", str(wanted), str(self.desk.music / name)], check=True)
@@ -57,12 +55,15 @@ class Workshop(case.Case):
             self.assertEqual(decoded.read_bytes(), wanted.read_bytes(), name)
         self.assertEqual([path.name for path in self.desk.music.iterdir() if path.suffix == ".part"], [])
 
-    def watch(self, last):
-        """Waits for the batch's last file, and for its end. Returns the names and the shares that showed meanwhile."""
+    def watch(self, button, last):
+        """Starts a batch and waits for its last file, and for its end. Returns the names and the shares that showed
+        meanwhile."""
+        self.app.point_at(self.app.control(case.WORKBENCH, "push button", button))
         face = self.app.controls(case.WORKBENCH)
         box = next(control for control in face if control.role == "text")
         bar = next(control for control in face if control.role == "progress bar")
         names, shares = set(), set()
+        self.app.click_meanwhile()
 
         def ended():
             name = box.text()
