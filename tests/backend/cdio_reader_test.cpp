@@ -402,9 +402,9 @@ TEST_CASE("A drive that hangs has no disc, and holds nobody up for long")
         drive.hangOn(command);
         const auto begin = std::chrono::steady_clock::now();
         CHECK(reader->contents() == DiscContents{});
-        for (int i = 0; i < 50; ++i)
+        for (int i = 0; i < 100; ++i)
             CHECK(reader->contents() == DiscContents{});
-        CHECK(std::chrono::steady_clock::now() - begin < std::chrono::seconds(2));
+        CHECK(std::chrono::steady_clock::now() - begin < std::chrono::seconds(5));
         CHECK(drive.now().hanging == 1);
         drive.answerAgain();
         while (reader->contents() == DiscContents{})

