@@ -95,13 +95,12 @@ void FormWidget::follow()
     grabMouse();
 }
 
+// A dialog or another program in front takes nothing from the window: it goes on where it was left.
 bool FormWidget::event(QEvent* event)
 {
     auto& toolkit = form_.toolkit();
     if (event->type() == QEvent::WindowActivate)
         toolkit.outermost([&] { toolkit.activated(form_); });
-    if (event->type() == QEvent::WindowDeactivate)
-        toolkit.outermost([&] { toolkit.deactivated(form_); });
     return QWidget::event(event);
 }
 

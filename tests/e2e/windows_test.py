@@ -55,6 +55,19 @@ class Windows(case.Case):
             self.app.drag(self.main, TITLE, (-60, 25))
             self.settled(self.list, self.beside("bottom", 0))
 
+    def test_a_docked_list_can_be_drawn_off_also_after_a_dialog_was_in_front(self):
+        self.list = self.show_list()
+        self.drag_list_to(self.beside("bottom", 9))
+        self.settled(self.list, self.beside("bottom", 0))
+        title = "Select .wav/.mp3 files to add to the playlist"
+        self.app.menu(self.list, "o", "a")
+        self.desk.run("xdotool", "windowfocus", "--sync", self.app.window(title), "key", "Escape")
+        self.app.gone(title)
+        away = self.beside("bottom", 60)
+        self.drag_list_to(away)
+        wait_for(lambda: self.app.setting("Position PlayList Editor", "Top") == str(away[1] * 15), "the place is noted")
+        self.settled(self.list, away)
+
     def test_both_windows_minimise_and_come_back(self):
         self.list = self.show_list()
         self.app.click(self.main, places.MINIMIZE)

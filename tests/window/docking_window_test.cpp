@@ -406,7 +406,7 @@ TEST_CASE("A docked list that was left is held in place on each tick, though the
     Docking p;
     p.showList();
     p.listAt(3000, 8985);
-    p.list().Deactivate.raise(); // for another program
+    p.list().Deactivate.raise(); // for the settings, say
     for (const Twips left : {3600.0F, 20010.0F}) {
         CAPTURE(left);
         p.listAt(left, 20010);
