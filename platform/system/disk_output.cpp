@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <tuple>
+#include <utility>
 
 namespace
 {
@@ -51,6 +53,7 @@ void settle(const Descriptor& file, std::uint64_t revision)
     stampPrecisely(file);
 }
 
+// Once a write has failed rows are missing: the old file stays, though the disk may have room again.
 class OutputBeside final : public TextOutput
 {
 public:
@@ -78,13 +81,18 @@ public:
 private:
     void writePending()
     {
-        writeAll(part_->file(), pending_);
-        pending_.clear();
+        if (failed_)
+            throw *failed_;
+        guarded([&](const Failure& failure) { failed_ = failure; },
+                [&] { writeAll(part_->file(), std::exchange(pending_, {})); });
+        if (failed_)
+            throw *failed_;
     }
 
     std::unique_ptr<PartFile> part_;
     FileLeft left_;
     Text pending_;
+    std::optional<Failure> failed_;
 };
 
 class FileInPlace final : public TextOutput

@@ -134,8 +134,10 @@ std::int64_t DiskTextFiles::length(const Text& path)
     if (!S_ISREG(status.st_mode))
         throw failure(53);
     // What cannot be read has no length for the caller either: it would go on to read it.
-    if (access(path.c_str(), R_OK) != 0)
+    if (eaccess(path.c_str(), R_OK) != 0)
         throw failure(70);
+    if (status.st_size > largestText)
+        throw failure(75);
     return status.st_size;
 }
 

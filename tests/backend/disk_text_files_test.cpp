@@ -270,6 +270,26 @@ TEST_CASE("A full disk fails with its own number and keeps the old file")
     CHECK(namesInFolder(disk) == std::set<Text>{"list.vlp"});
 }
 
+TEST_CASE("A disk that was full for a while keeps the old file, too: rows would be missing or doubled")
+{
+    Desk desk;
+    const Text disk = desk.folder / "disk";
+    const SmallDisk mounted(disk, 512);
+    if (!mounted)
+        return;
+    putFile(disk + "/list.vlp", oldRows);
+    putFile(disk + "/film", Text(400'000, 'f'));
+    {
+        const auto output = desk.files.openForOutput(disk + "/list.vlp");
+        CHECK(failureOf([&] { output->write(Text(200'000, 'x')); }) == 61);
+        std::filesystem::remove(disk + "/film");
+        CHECK(failureOf([&] { output->write(Text(100'000, 'y')); }) == 61);
+        CHECK(failureOf([&] { output->finish(); }) == 61);
+    }
+    CHECK(fileBytes(disk + "/list.vlp") == oldRows);
+    CHECK(namesInFolder(disk) == std::set<Text>{"list.vlp"});
+}
+
 TEST_CASE("A full disk keeps the old file also where it is written in place")
 {
     Desk desk;
@@ -346,7 +366,7 @@ TEST_CASE("Reading fails for what is no file")
     }
 }
 
-TEST_CASE("A file that may not be read is refused, one of a film's size too")
+TEST_CASE("A file that may not be read is refused, one of a film's size too, and neither has a length")
 {
     Desk desk;
     putFile(desk.list, oldRows);
@@ -356,12 +376,13 @@ TEST_CASE("A file that may not be read is refused, one of a film's size too")
     Child child([&] {
         becomeNobody();
         endUnless(failureOf([&] { desk.files.readWhole(desk.list); }) == 70, 1);
+        endUnless(failureOf([&] { desk.files.length(desk.list); }) == 70, 2);
     });
     CHECK(child.wait() == 0);
     putFile(desk.lists + "/film", "");
     std::filesystem::resize_file(desk.lists + "/film", 5'000'000'000);
     CHECK(failureOf([&] { desk.files.readWhole(desk.lists + "/film"); }) == 75);
-    CHECK(desk.files.length(desk.lists + "/film") == 5'000'000'000);
+    CHECK(failureOf([&] { desk.files.length(desk.lists + "/film"); }) == 75);
 }
 
 TEST_CASE("A file is still what was left there until anything about it changes")
