@@ -46,8 +46,11 @@ AboutFrame& Program::aboutFrame() { return touched(aboutFrame_); }
 
 Error& Program::error() { return touched(error_); }
 
-void Program::unloadAboutFrame()
+// A second click may have been on its way to a window that is gone by now.
+void Program::unloadAboutFrame(const AboutFrame& window)
 {
+    if (&window != aboutFrame_.get())
+        return;
     aboutFrame_->Hide();
     std::shared_ptr<AboutFrame> leaving = std::move(aboutFrame_);
     platform_.toolkit().post().post([leaving] {});

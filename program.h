@@ -38,7 +38,7 @@ public:
 
     // The window that is built anew at each opening: it goes when the handler that asks for this has
     // returned.
-    void unloadAboutFrame();
+    void unloadAboutFrame(const AboutFrame& window);
 
     Platform& platform() const { return platform_; }
     SettingsStore& settingsStore() { return settingsStore_; }

@@ -50,7 +50,7 @@ void AboutFrame::showUpdates()
 
 void AboutFrame::cmdOK_Click() { closeRequested(); }
 
-void AboutFrame::closeRequested() { program_.unloadAboutFrame(); }
+void AboutFrame::closeRequested() { program_.unloadAboutFrame(*this); }
 
 void AboutFrame::cmdSysInfo_Click() { StartSysInfo(); }
 

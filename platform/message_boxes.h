@@ -12,6 +12,7 @@ public:
 
     virtual ~MessageBoxes() = default;
 
-    // Modal; returns when answered. Closing the box is Cancel, where it has one. Timers go on behind it.
+    // Modal; returns when answered. Closing the box is Cancel, where it has one; a question of Yes and No
+    // stays until one of them is pressed. Timers go on behind it.
     virtual Answer show(const Text& text, const Text& title, Icon icon, Buttons buttons) = 0;
 };

@@ -12,10 +12,8 @@ Mp3Encoder::Mp3Encoder(Program& program) :
     CdBase1(program.platform().makeCdBase()), CDWriter(program.platform().makeACDWRITE()), program_(program)
 {
     setCaption("Encoder / Decoder / CD => WAV / WAV => CD");
-    for (auto* panel : {&txtEncNowEnc, &txtEncNowDec}) {
-        panel->setLocked(true);
-        panel->setGrey();
-    }
+    txtEncNowEnc.setGrey();
+    txtEncNowDec.setGrey();
     EncWAVtoCDdragndrop.setGrey();
     EncWAVtoCDdragndrop.setToolTipText("Drag And Drop Wave-Files Here (44KHz, 16bit, Stereo)");
     EncWAVtoCDdragndrop.acceptFiles();

@@ -3,6 +3,7 @@
 #include "platform/post.h"
 #include "platform/toolkit/qt_bridge.h"
 
+#include <QApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
@@ -173,10 +174,18 @@ private:
             if (message.member() != command.name)
                 continue;
             bus.send(message.createReply());
-            post_.post([this, command] { (this->*command.event).raise(); });
+            post_.post([this, command] { carryOut(command); });
             return true;
         }
         return false;
+    }
+
+    // A box or a dialog has the program to itself, as it has against the mouse: what began behind a file
+    // dialog would hold up its answer.
+    void carryOut(const Command& command)
+    {
+        if (!QApplication::activeModalWidget())
+            (this->*command.event).raise();
     }
 
     bool answerProperties(const QDBusMessage& message, const QDBusConnection& bus) const

@@ -3,6 +3,8 @@
 #include "platform/toolkit/qt_bridge.h"
 
 #include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMessageBox>
 
 namespace
@@ -32,6 +34,31 @@ QMessageBox::StandardButtons buttonsOf(MessageBoxes::Buttons buttons)
     }
 }
 
+// Without a Cancel there is no way round an answer: the library would take Escape for a No.
+class Box final : public QMessageBox
+{
+public:
+    using QMessageBox::QMessageBox;
+
+protected:
+    void closeEvent(QCloseEvent* event) override
+    {
+        if (isQuestion())
+            event->ignore();
+        else
+            QMessageBox::closeEvent(event);
+    }
+
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (!isQuestion() || event->key() != Qt::Key_Escape)
+            QMessageBox::keyPressEvent(event);
+    }
+
+private:
+    bool isQuestion() const { return standardButtons().testFlag(QMessageBox::No); }
+};
+
 MessageBoxes::Answer answerOf(int button)
 {
     switch (button) {
@@ -50,7 +77,7 @@ MessageBoxes::Answer answerOf(int button)
 
 MessageBoxes::Answer QtMessageBoxes::show(const Text& text, const Text& title, Icon icon, Buttons buttons)
 {
-    QMessageBox box(iconOf(icon), shown(title), QString(), buttonsOf(buttons), QApplication::activeWindow());
+    Box box(iconOf(icon), shown(title), QString(), buttonsOf(buttons), QApplication::activeWindow());
     box.setTextFormat(Qt::PlainText);
     box.setText(shown(text).replace("\r\n", "\n"));
     box.setWindowModality(Qt::ApplicationModal);

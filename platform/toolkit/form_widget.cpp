@@ -145,10 +145,12 @@ bool FormWidget::isEcho(QPoint place)
 }
 
 // A place that nobody here asked for: a choice of the window manager's while the window appears, the user's
-// afterwards.
+// afterwards. Where no window learns its place, what it hears of one is made up, and the one it has is kept.
 void FormWidget::settle(QPoint place)
 {
-    if (placesItself() && Clock::now() - shownAt_ < appearing)
+    if (!placesItself())
+        return;
+    if (Clock::now() - shownAt_ < appearing)
         carryOut();
     else
         place_ = place;

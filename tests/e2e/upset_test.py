@@ -19,6 +19,9 @@ class Upset(case.Case):
         minutes, seconds = self.label(places.TIME).split(":")
         return int(minutes) * 60 + int(seconds)
 
+    def ask(self, name, path, member):
+        return self.desk.run("dbus-send", "--session", "--print-reply", f"--dest={name}", path, member)
+
     def test_a_sound_server_that_dies_takes_the_sound_along_and_not_the_place(self):
         recording = self.desk.record()
         self.play(self.wav(60), 0)
@@ -47,6 +50,18 @@ class Upset(case.Case):
         self.app.window(case.LIST)
         self.desk.sound.send_signal(signal.SIGCONT)
         self.assert_alive()
+
+    def test_a_media_key_starts_nothing_behind_a_file_dialog(self):
+        title = "Select a file to open"
+        self.app.click(self.main, places.PLAY)
+        self.app.window(title)
+        wait_for(lambda: "MediaPlayer2.velmora" in self.ask("org.freedesktop.DBus", "/", "org.freedesktop.DBus.ListNames"),
+                 "the media keys reach the program")
+        for command in ("Play", "Next", "Play"):  # the answer to each comes when the one before was carried out
+            self.ask("org.mpris.MediaPlayer2.velmora", "/org/mpris/MediaPlayer2", f"org.mpris.MediaPlayer2.Player.{command}")
+        self.assertEqual(len(self.app.windows(title)), 1)
+        self.app.choose_file(title, self.wav(5), 0)
+        self.wait_label(places.TIME, "0:01")
 
     def test_without_a_sound_server_files_play_silently(self):
         self.desk.end(self.desk.sound)

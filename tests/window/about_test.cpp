@@ -207,6 +207,18 @@ TEST_CASE("The window goes when its own handler has returned, not earlier")
     CHECK(next.Visible());
 }
 
+TEST_CASE("A second click that was on its way finds nothing left to unload, and leaves the next window alone")
+{
+    About a;
+    AboutFrame& frame = a.open();
+    frame.cmdOK_Click();
+    frame.cmdOK_Click();
+    AboutFrame& next = a.open();
+    frame.cmdOK_Click();
+    QCoreApplication::processEvents();
+    CHECK(next.Visible());
+}
+
 TEST_CASE("The window manager's close unloads the window, too")
 {
     About a;

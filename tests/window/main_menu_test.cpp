@@ -277,7 +277,7 @@ TEST_CASE("The About window is built anew after its button has unloaded it")
 {
     Player p;
     choose(p, 20);
-    p.program.unloadAboutFrame();
+    p.program.unloadAboutFrame(p.program.aboutFrame());
     choose(p, 20);
     CHECK(p.program.aboutFrame().Visible());
 }
