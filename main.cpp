@@ -4,11 +4,11 @@
 
 #include <csignal>
 
-int main(int argc, char** argv)
+int main(int, char** argv)
 {
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is a failed write, not the end
     const rlimit stackLimit = raiseStackLimit();
-    Desktop desktop(argc, argv, stackLimit); // toolkit, sound, discs, store: the real parts
+    Desktop desktop(argv[0], stackLimit); // toolkit, sound, discs, store: the real parts
     Program program(desktop);
     return desktop.run([&] { program.start(); });
 }

@@ -6,6 +6,7 @@
 #include <QPalette>
 #include <cstdlib>
 #include <iostream>
+#include <unistd.h>
 
 namespace
 {
@@ -40,19 +41,30 @@ QPalette darkPalette()
     return palette;
 }
 
-bool hasDisplay() { return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY"); }
+constexpr const char* unseen = "offscreen";
+
+// The last one only tells that no other answers.
+char platformOption[] = "-platform";
+char platforms[] = "xcb;wayland;offscreen";
+
+bool isChosenByUser() { return std::getenv("QT_QPA_PLATFORM") != nullptr; }
 
 }
 
-void chooseWindowSystem()
+LibraryArguments::LibraryArguments(char* program) : values_{program}
 {
-    if (std::getenv("QT_QPA_PLATFORM"))
+    if (isChosenByUser())
         return;
-    if (!hasDisplay()) {
-        std::cerr << "Velmora needs a display: neither DISPLAY nor WAYLAND_DISPLAY is set.\n";
-        std::exit(1);
-    }
-    setenv("QT_QPA_PLATFORM", "xcb;wayland", 0);
+    values_[count_++] = platformOption;
+    values_[count_++] = platforms;
+}
+
+void requireDisplay()
+{
+    if (isChosenByUser() || QGuiApplication::platformName() != unseen)
+        return;
+    std::cerr << "Velmora needs a display: none answers at DISPLAY or WAYLAND_DISPLAY.\n";
+    _exit(1);
 }
 
 void dressApplication()

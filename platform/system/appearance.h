@@ -1,9 +1,24 @@
 // How the program looks and where its windows appear, before the first one does.
 #pragma once
 
-// X11 first, also on a Wayland session: the windows there can be placed, and docking needs that. The user's
-// own choice stands. Without any display the process says so and ends with status 1.
-void chooseWindowSystem();
+// The command line that the window library gets: the program's name, and which window system to take. X11 first,
+// also on a Wayland session: the windows there can be placed, and docking needs that. A choice in the
+// environment stands. The user's command line is nobody's.
+class LibraryArguments
+{
+public:
+    explicit LibraryArguments(char* program);
+
+    int& count() { return count_; }
+    char** values() { return values_; }
+
+private:
+    int count_ = 1;
+    char* values_[4] = {};
+};
+
+// Where no display answers, the process says so and ends with status 1 instead of running unseen.
+void requireDisplay();
 
 // Name, icon, colours and type.
 void dressApplication();

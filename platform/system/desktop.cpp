@@ -51,12 +51,14 @@ Text searchPath()
 }
 
 struct Desktop::Parts {
-    Parts(int& argc, char** argv, rlim_t stackLimit) : application(argc, argv), shell(environment, stackLimit)
+    Parts(char* program, rlim_t stackLimit) : arguments(program), shell(environment, stackLimit)
     {
+        requireDisplay();
     }
 
+    LibraryArguments arguments;
     Environment environment = environmentOfProcess();
-    QApplication application;
+    QApplication application{arguments.count(), arguments.values()};
     Toolkit toolkit{Toolkit::Timers::run};
     StatePartNotes partNotes{stateFolder(environment)};
     DiskTextFiles textFiles{partNotes};
@@ -74,10 +76,9 @@ struct Desktop::Parts {
     QtPump pump;
 };
 
-Desktop::Desktop(int& argc, char** argv, const rlimit& stackLimit)
+Desktop::Desktop(char* program, const rlimit& stackLimit)
 {
-    chooseWindowSystem();
-    parts_ = std::make_unique<Parts>(argc, argv, stackLimit.rlim_cur);
+    parts_ = std::make_unique<Parts>(program, stackLimit.rlim_cur);
     dressApplication();
     removeNotedParts(stateFolder(parts_->environment));
     fillApplicationFolder(parts_->environment, parts_->textFiles);

@@ -10,8 +10,8 @@
 class Desktop final : public Platform
 {
 public:
-    // Programs that this one starts get back the stack limit.
-    Desktop(int& argc, char** argv, const rlimit& stackLimit);
+    // `program` is the name under which this one was started. Programs that it starts get back the stack limit.
+    Desktop(char* program, const rlimit& stackLimit);
     ~Desktop() override;
 
     // Runs `start`, then the window events. Returns the process's exit status.

@@ -69,6 +69,14 @@ class Upset(case.Case):
         self.wait_label(places.TIME, "0:02")
         self.assert_alive()
 
+    def test_without_a_display_the_program_says_so_and_ends(self):
+        for environment in ({"DISPLAY": ":4242"}, {"DISPLAY": ""}):
+            self.app.kill()
+            self.app.environment = environment
+            self.app.start(wait=False)
+            self.assertEqual(self.app.process.wait(60), 1)
+            self.assertIn("Velmora needs a display", self.app.said())
+
     def test_files_that_are_none_leave_the_window_usable(self):
         folder = self.desk.music
         wav = self.wav(1)
