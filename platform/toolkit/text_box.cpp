@@ -10,36 +10,67 @@
 namespace
 {
 
-// Takes of what is typed or pasted as much as there is room for. A box that the program filled past its bound
-// can still be shortened.
+// Takes of what is typed or pasted as much as the bound leaves room for. A box that the program filled past
+// it can be shortened, and what the user takes back or does again comes as it was: the line edit cannot
+// refuse that.
 class LengthBound final : public QValidator
 {
 public:
-    LengthBound(QObject* owner, const ctl::TextBox& box, std::size_t characters) :
-        QValidator(owner), box_(box), bound_(characters)
+    LengthBound(QLineEdit& line, const ctl::TextBox& box, std::size_t characters) :
+        QValidator(&line), line_(line), box_(box), bound_(characters)
     {
+        note();
+        connect(&line, &QLineEdit::textChanged, this, &LengthBound::note);
+        connect(&line, &QLineEdit::selectionChanged, this, &LengthBound::note);
+        connect(&line, &QLineEdit::inputRejected, this, [this] { latest_ = shown(box_.Text()); });
     }
 
     // The new text stands before the cursor, so that is where its end is cut.
     State validate(QString& text, int& cursor) const override
     {
-        const std::size_t length = characterCount(bytesOf(text));
-        const std::size_t room = std::max(bound_, characterCount(box_.Text()));
-        if (length <= room)
+        const QString before = shown(box_.Text());
+        if (line_.isRedoAvailable() || text == latest_ || text == before)
+            return Acceptable;
+        const std::size_t length = count(text);
+        if (length <= std::max(bound_, unselected_))
             return Acceptable;
         const Text head = bytesOf(text.left(cursor));
-        if (characterCount(head) < length - room)
+        const std::size_t excess = length - bound_;
+        if (unselected_ >= bound_ || characterCount(head) < excess)
             return Invalid;
-        const QString kept = shown(Text(firstCharacters(head, characterCount(head) - (length - room))));
+        const QString kept = shown(Text(firstCharacters(head, characterCount(head) - excess)));
         text = kept + text.mid(cursor);
         cursor = static_cast<int>(kept.size());
-        return text == shown(box_.Text()) ? Invalid : Acceptable;
+        return text == before ? Invalid : Acceptable;
     }
 
 private:
-    const ctl::TextBox& box_; // still with the text before the change
+    static std::size_t count(const QString& text) { return characterCount(bytesOf(text)); }
+
+    // While a change is judged, the line edit has already forgotten what it replaces.
+    void note()
+    {
+        unselected_ = count(line_.text()) - count(line_.selectedText());
+        if (!line_.isRedoAvailable())
+            latest_ = line_.text();
+    }
+
+    const QLineEdit& line_;
+    const ctl::TextBox& box_; // still with the text before a change of the user's
     std::size_t bound_;
+    std::size_t unselected_ = 0; // characters that typing leaves in place
+    QString latest_;             // where doing again ends
 };
+
+// A redo can leave the line edit with a selection from before the text's start or a cursor past its end,
+// where the next key would then delete or write.
+void holdToText(QLineEdit& line)
+{
+    if (line.selectionStart() < 0)
+        line.deselect();
+    if (line.cursorPosition() > line.text().size())
+        line.end(false);
+}
 
 // The byte at which a character begins.
 std::size_t byteOf(std::string_view text, std::size_t character)
@@ -61,8 +92,10 @@ TextBox::TextBox(Container& container, const char* name, Place place, const ::Te
     Control(container, name, place, boxOf(lines)), text_(text), lines_(lines)
 {
     showText();
-    if (auto* line = qobject_cast<QLineEdit*>(widget_))
+    if (auto* line = qobject_cast<QLineEdit*>(widget_)) {
         QObject::connect(line, &QLineEdit::textEdited, [this](const QString& now) { typed(bytesOf(now)); });
+        QObject::connect(line, &QLineEdit::textChanged, [line] { holdToText(*line); });
+    }
     if (auto* page = qobject_cast<QPlainTextEdit*>(widget_))
         QObject::connect(page, &QPlainTextEdit::textChanged, [this, page] {
             if (!showing_)
@@ -115,7 +148,7 @@ void TextBox::setLocked(bool locked)
 void TextBox::setMaxLength(std::size_t characters)
 {
     if (auto* line = qobject_cast<QLineEdit*>(widget_))
-        line->setValidator(new LengthBound(line, *this, characters));
+        line->setValidator(new LengthBound(*line, *this, characters));
 }
 
 void TextBox::setSelStart(std::ptrdiff_t start)

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <doctest/doctest.h>
+#include <vector>
 
 namespace
 {
@@ -41,11 +42,13 @@ struct Boxes {
             QApplication::sendEvent(widget(name), &event);
         }
     }
-    void backspace(const char* name)
+    void press(const char* name, int key, Qt::KeyboardModifiers held = Qt::NoModifier)
     {
-        QKeyEvent event(QEvent::KeyPress, Qt::Key_Backspace, Qt::NoModifier);
+        QKeyEvent event(QEvent::KeyPress, key, held);
         QApplication::sendEvent(widget(name), &event);
     }
+    void undo() { press("line", Qt::Key_Z, Qt::ControlModifier); }
+    void redo() { press("line", Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier); }
     QLineEdit& edit() { return *static_cast<QLineEdit*>(widget("line")); }
 };
 
@@ -110,7 +113,7 @@ TEST_CASE("A maximum length bounds the keys in characters, and the program not a
     boxes.edit().end(false);
     boxes.type("line", "x");
     CHECK(boxes.line.Text() == "longer than that");
-    boxes.backspace("line");
+    boxes.press("line", Qt::Key_Backspace);
     CHECK(boxes.line.Text() == "longer than tha");
 }
 
@@ -129,7 +132,11 @@ TEST_CASE("Of a pasted text a bounded box takes what there is room for, where th
         {"into a full box", "wxyz", 2, 0, "abc", "wxyz"},
         {"characters of several bytes", "", 0, 0, "\xF0\x9F\x8E\xB5\xC3\xA9\xE2\x82\xACxy",
          "\xF0\x9F\x8E\xB5\xC3\xA9\xE2\x82\xACx"},
-        {"over a part of what the program set too long", "abcdef", 1, 3, "xyzzy", "axyzef"},
+        {"over a part of what the program set too long", "abcdef", 1, 3, "xyzzy", "axef"},
+        {"over a part of it that begins alike", "abcdef", 1, 3, "bzzzz", "abef"},
+        {"over all of it", "abcdef", 0, 6, "uvwxyz", "uvwx"},
+        {"over too little of it", "abcdef", 2, 2, "xy", "abcdef"},
+        {"over too little of it, which begins alike", "aaaaaa", 2, 1, "a", "aaaaaa"},
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);
@@ -143,6 +150,177 @@ TEST_CASE("Of a pasted text a bounded box takes what there is room for, where th
         CHECK(boxes.line.Text() == c.after);
         CHECK(boxes.edit().text().toStdString() == c.after);
     }
+}
+
+TEST_CASE("A key over a selection that leaves no room changes nothing, and deleting it always works")
+{
+    for (const char* letter : {"x", "a"}) {
+        Boxes boxes;
+        boxes.line.setMaxLength(4);
+        boxes.line.setText("aaaaaaaa");
+        boxes.edit().setSelection(1, 3);
+        boxes.form.changes = 0;
+        boxes.type("line", letter);
+        CHECK(boxes.edit().text() == "aaaaaaaa");
+        CHECK(boxes.edit().selectedText() == "aaa");
+        CHECK(boxes.form.changes == 0);
+        boxes.press("line", Qt::Key_Delete);
+        CHECK(boxes.line.Text() == "aaaaa");
+        boxes.type("line", letter);
+        CHECK(boxes.line.Text() == "aaaaa");
+    }
+}
+
+TEST_CASE("A text that is too long comes back by undo as it stood, and typing stays bounded afterwards")
+{
+    struct Case {
+        Text what;
+        int cursor, selected, key;
+        Text then;
+    };
+    const Case cases[] = {
+        {"Backspace at the end", 8, 0, Qt::Key_Backspace, "abcdefg"},
+        {"Backspace in the middle", 5, 0, Qt::Key_Backspace, "abcdfgh"},
+        {"Delete in the middle", 3, 0, Qt::Key_Delete, "abcefgh"},
+        {"Delete at the start", 0, 0, Qt::Key_Delete, "bcdefgh"},
+        {"Delete of a selection", 2, 3, Qt::Key_Delete, "abfgh"},
+        {"Delete of all but what fits", 1, 5, Qt::Key_Delete, "agh"},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        Boxes boxes;
+        boxes.line.setMaxLength(4);
+        boxes.line.setText("abcdefgh");
+        boxes.edit().setCursorPosition(c.cursor);
+        boxes.edit().setSelection(c.cursor, c.selected);
+        boxes.press("line", c.key);
+        CHECK(boxes.line.Text() == c.then);
+        boxes.undo();
+        CHECK(boxes.line.Text() == "abcdefgh");
+        CHECK(boxes.edit().text() == "abcdefgh");
+        boxes.redo();
+        CHECK(boxes.line.Text() == c.then);
+        boxes.undo();
+        boxes.edit().end(false);
+        boxes.type("line", "xyz");
+        CHECK(boxes.line.Text() == "abcdefgh");
+    }
+}
+
+TEST_CASE("What was taken back is done again whatever is selected by then")
+{
+    Boxes boxes;
+    boxes.line.setMaxLength(4);
+    boxes.line.setText("abcdefgh");
+    boxes.edit().end(false);
+    boxes.press("line", Qt::Key_Backspace);
+    boxes.undo();
+    boxes.edit().setSelection(0, 5);
+    boxes.redo();
+    CHECK(boxes.line.Text() == "abcdefg");
+    boxes.edit().end(false);
+    boxes.type("line", "xyz");
+    CHECK(boxes.line.Text() == "abcdefg");
+}
+
+TEST_CASE("After a refused key, too, what is taken back is done again")
+{
+    Boxes boxes;
+    boxes.line.setMaxLength(4);
+    boxes.line.setText("abcdefgh");
+    boxes.edit().setCursorPosition(5);
+    boxes.press("line", Qt::Key_Backspace);
+    boxes.press("line", Qt::Key_Delete);
+    boxes.undo();
+    boxes.type("line", "x");
+    boxes.undo();
+    CHECK(boxes.line.Text() == "abcdefgh");
+    boxes.edit().selectAll();
+    boxes.redo();
+    CHECK(boxes.line.Text() == "abcdfgh");
+}
+
+TEST_CASE("Undo and redo walk through a shortened text and what was typed when it had room")
+{
+    Boxes boxes;
+    boxes.line.setMaxLength(4);
+    boxes.line.setText("abcdef");
+    const auto walk = [&](auto&& step) {
+        std::vector<Text> texts;
+        for (Text before = "none"; before != boxes.line.Text(); step()) {
+            before = boxes.line.Text();
+            texts.push_back(before);
+        }
+        return texts;
+    };
+    boxes.edit().end(false);
+    for (int i = 0; i < 3; ++i)
+        boxes.press("line", Qt::Key_Backspace);
+    boxes.edit().home(false);
+    boxes.press("line", Qt::Key_Delete);
+    boxes.type("line", "xyz");
+    CHECK(boxes.line.Text() == "xybc");
+    CHECK(walk([&] { boxes.undo(); }) == std::vector<Text>{"xybc", "bc", "abc", "abcdef"});
+    CHECK(walk([&] { boxes.redo(); }) == std::vector<Text>{"abcdef", "abc", "bc", "xybc"});
+}
+
+TEST_CASE("A key after a redo works on what the user sees selected: nothing")
+{
+    Boxes boxes;
+    boxes.line.setText("abcdef");
+    boxes.edit().end(false);
+    boxes.press("line", Qt::Key_Left, Qt::ShiftModifier);
+    boxes.press("line", Qt::Key_Delete);
+    boxes.undo();
+    boxes.redo();
+    CHECK(boxes.line.Text() == "abcde");
+    CHECK_FALSE(boxes.edit().hasSelectedText());
+    boxes.type("line", "x");
+    CHECK(boxes.line.Text() == "abcdex");
+}
+
+TEST_CASE("A key after a redo writes at the end of what stands there")
+{
+    Boxes boxes;
+    boxes.line.setText("abc");
+    boxes.edit().selectAll();
+    boxes.press("line", Qt::Key_Delete);
+    QApplication::clipboard()->setText("xyz");
+    boxes.edit().paste();
+    boxes.undo();
+    boxes.undo();
+    CHECK(boxes.line.Text() == "abc");
+    boxes.redo();
+    CHECK(boxes.line.Text().empty());
+    boxes.type("line", "q");
+    CHECK(boxes.line.Text() == "q");
+}
+
+TEST_CASE("What was cut out of a text that is too long is pasted back only as far as there is room")
+{
+    Boxes boxes;
+    boxes.line.setMaxLength(4);
+    boxes.line.setText("abcdef");
+    boxes.edit().selectAll();
+    boxes.press("line", Qt::Key_X, Qt::ControlModifier);
+    CHECK(boxes.line.Text().empty());
+    boxes.press("line", Qt::Key_V, Qt::ControlModifier);
+    CHECK(boxes.line.Text() == "abcd");
+}
+
+TEST_CASE("The program's text is shown whole over a selection, too, and stays when the box is left")
+{
+    Boxes boxes;
+    boxes.line.setMaxLength(4);
+    boxes.line.setText("abcdef");
+    boxes.edit().selectAll();
+    boxes.line.setText("uvwxyz");
+    CHECK(boxes.edit().text() == "uvwxyz");
+    boxes.edit().selectAll();
+    boxes.press("line", Qt::Key_Return);
+    QFocusEvent left(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    QApplication::sendEvent(&boxes.edit(), &left);
+    CHECK(boxes.edit().text() == "uvwxyz");
 }
 
 TEST_CASE("A selected part is counted in characters, held to the text's ends and replaced")
