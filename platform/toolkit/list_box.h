@@ -35,7 +35,7 @@ public:
     ListBox(Container& container, const char* name, Hidden);
     ~ListBox();
 
-    Event<> Click;                             // the selection changed, or the user clicked
+    Event<> Click;                             // the selection changed, or the left button clicked
     Event<> DblClick;                          // also on the empty part of the list
     Event<std::int16_t, std::int16_t> KeyDown; // key code, shift state
     Event<const DroppedFiles&> OLEDragDrop;    // files from another program, accepted as copies

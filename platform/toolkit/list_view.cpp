@@ -73,8 +73,11 @@ void ListView::currentChanged(const QModelIndex& current, const QModelIndex& pre
         list_.chosen(current.row());
 }
 
+// The left button alone points at rows: any other would change what the next key or button works on.
 void ListView::mousePressEvent(QMouseEvent* event)
 {
+    if (event->button() != Qt::LeftButton)
+        return;
     const QModelIndex row = indexAt(event->position().toPoint());
     quietly([&] { QListView::mousePressEvent(event); });
     if (row.isValid())
@@ -83,11 +86,12 @@ void ListView::mousePressEvent(QMouseEvent* event)
 
 void ListView::mouseDoubleClickEvent(QMouseEvent* event)
 {
+    if (event->button() != Qt::LeftButton)
+        return;
     const QModelIndex row = indexAt(event->position().toPoint());
     if (row.isValid() && row.row() != list_.ListIndex())
         list_.chosen(row.row());
-    if (event->button() == Qt::LeftButton)
-        list_.fromOutside([this] { list_.DblClick.raise(); });
+    list_.fromOutside([this] { list_.DblClick.raise(); });
 }
 
 void ListView::keyPressEvent(QKeyEvent* event)

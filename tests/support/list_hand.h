@@ -52,7 +52,10 @@ public:
     {
         send(QEvent::MouseButtonRelease, at, button, Qt::NoButton, {});
     }
-    void move(QPoint to) { send(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, {}); }
+    void move(QPoint to, Qt::MouseButton held = Qt::LeftButton)
+    {
+        send(QEvent::MouseMove, to, Qt::NoButton, held, {});
+    }
     void click(QPoint at, Qt::KeyboardModifiers held = {})
     {
         press(at, Qt::LeftButton, held);

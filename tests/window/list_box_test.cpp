@@ -367,6 +367,34 @@ TEST_CASE("A double click counts on a row, on the empty part and on an empty lis
     CHECK(window.form.doubleClicks == 3);
 }
 
+TEST_CASE("The other buttons leave a list alone: pressed, drawn over the rows or pressed twice")
+{
+    for (const auto button : {Qt::RightButton, Qt::MiddleButton}) {
+        Shown window(4);
+        window.list.setListIndex(1);
+        window.form.clicks = 0;
+        window.hand.press(window.hand.middleOf(3), button);
+        window.hand.move(window.hand.middleOf(2), button);
+        window.hand.release(window.hand.middleOf(2), button);
+        window.hand.doubleClick(window.hand.middleOf(0), button);
+        CHECK(window.list.ListIndex() == 1);
+        CHECK(window.hand.markedRow() == 1);
+        CHECK(window.form.clicks == 0);
+        CHECK(window.form.doubleClicks == 0);
+    }
+}
+
+TEST_CASE("Another button during a click does not take the click's row away")
+{
+    Shown window(4);
+    window.hand.press(window.hand.middleOf(2));
+    window.hand.press(window.hand.middleOf(0), Qt::RightButton);
+    window.hand.release(window.hand.middleOf(0), Qt::RightButton);
+    window.hand.release(window.hand.middleOf(2));
+    CHECK(window.list.ListIndex() == 2);
+    CHECK(window.form.clicks == 1);
+}
+
 TEST_CASE("A failure in a handler that a key raised is nobody's, and reaches the end of the program")
 {
     Shown window(1);
@@ -391,6 +419,18 @@ TEST_CASE("A list with check marks: a click on the mark checks, a click beside i
     CHECK(checks.ListIndex() == 2);
     hand.click(hand.checkMarkOf(1));
     CHECK_FALSE(checks.Selected(1));
+}
+
+TEST_CASE("A list with check marks: only the left button checks and selects")
+{
+    Shown window(4);
+    ctl::ListBox& checks = window.form.checks;
+    ListHand hand(window.form, checks);
+    for (const auto button : {Qt::RightButton, Qt::MiddleButton}) {
+        hand.doubleClick(hand.checkMarkOf(1), button);
+        CHECK_FALSE(checks.Selected(1));
+        CHECK(checks.ListIndex() == -1);
+    }
 }
 
 TEST_CASE("A list with check marks: the space bar checks the selected row")
