@@ -75,8 +75,7 @@ QRect ImageWidget::dropZone() const { return geometry().adjusted(0, -kindness, 0
 
 bool ImageWidget::event(QEvent* event)
 {
-    const bool lost = event->type() == QEvent::UngrabMouse || event->type() == QEvent::WindowDeactivate;
-    if (lost && outline_)
+    if (down_ && isLostBy(*event))
         endGesture();
     return QWidget::event(event);
 }
@@ -190,6 +189,14 @@ void ImageWidget::drop(QPointF inForm)
     const Twips x = twipsAt(inForm.x()) - target.Left();
     const Twips y = twipsAt(inForm.y()) - target.Top();
     image_.fromOutside([&] { target.DragDrop.raise(image_, x, y); });
+}
+
+// A click outlives the moment for which another window comes forward. A drag and the other buttons do not
+// wait for a release that a modal window may have taken.
+bool ImageWidget::isLostBy(const QEvent& event) const
+{
+    const bool clicks = down_ == Qt::LeftButton && !outline_;
+    return event.type() == QEvent::UngrabMouse || (event.type() == QEvent::WindowDeactivate && !clicks);
 }
 
 // However it ended, it ends with a release.

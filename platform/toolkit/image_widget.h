@@ -39,6 +39,7 @@ protected:
 private:
     void startDrag(QPoint grip);
     void drop(QPointF inForm);
+    bool isLostBy(const QEvent& event) const;
     void endGesture();
     void tellRelease();
     ImageWidget* trackUnder(QPointF inForm) const;

@@ -3,6 +3,7 @@
 #include "support/pointer.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <doctest/doctest.h>
@@ -212,6 +213,42 @@ TEST_CASE("A window that hides ends the press of another button, too")
     s.face.told();
     s.face.Hide();
     CHECK(s.face.told() == "thumb up 1\nDeactivate\n");
+}
+
+TEST_CASE("A press of another button ends when the pointer is lost or the window is left, and only once")
+{
+    for (const auto button : {Qt::RightButton, Qt::MiddleButton})
+        for (const auto type : {QEvent::UngrabMouse, QEvent::WindowDeactivate}) {
+            CAPTURE(type);
+            Shown s;
+            s.pointer.to(s.face.thumb).press(button);
+            s.face.told();
+            for (int i = 0; i < 2; ++i) {
+                QEvent lost(type);
+                QApplication::sendEvent(s.face.widgetOf(s.face.thumb), &lost);
+            }
+            s.pointer.release(button);
+            CHECK(s.face.told() == "thumb up 1\n");
+        }
+}
+
+TEST_CASE("A modal window that opens while a button is down on a thumb ends the press")
+{
+    for (const auto button : {Qt::LeftButton, Qt::RightButton}) {
+        Shown s;
+        QApplication::processEvents();
+        s.pointer.to(s.face.thumb).press(button);
+        s.face.told();
+        QDialog box;
+        box.setModal(true);
+        box.show();
+        box.activateWindow();
+        QApplication::processEvents();
+        s.pointer.release(button);
+        const Text told = s.face.told();
+        CHECK(told.find("thumb up 1\n") != Text::npos);
+        CHECK(told.find("thumb up") == told.rfind("thumb up"));
+    }
 }
 
 TEST_CASE("Other buttons neither end nor disturb a drag")

@@ -2,6 +2,7 @@
 #include "support/face.h"
 #include "support/pointer.h"
 
+#include <QApplication>
 #include <doctest/doctest.h>
 
 namespace
@@ -56,6 +57,33 @@ TEST_CASE("A second button that is pressed meanwhile does not take the click awa
     s.pointer.release(Qt::RightButton).release();
     CHECK(s.face.told() ==
           "key down 1 0 at 150, 150\nkey down 2 0 at 150, 150\nkey up 2\nkey up 1\nkey click\n");
+}
+
+TEST_CASE("A window that is left for a moment keeps the click, and ends the press of another button")
+{
+    Shown s;
+    const auto leave = [&] {
+        QEvent left(QEvent::WindowDeactivate);
+        QApplication::sendEvent(s.face.widgetOf(s.face.key), &left);
+    };
+    s.pointer.to(s.face.key).press();
+    leave();
+    s.pointer.release();
+    CHECK(s.face.told() == "key down 1 0 at 150, 150\nkey up 1\nkey click\n");
+    s.pointer.press(Qt::RightButton);
+    leave();
+    s.pointer.release(Qt::RightButton);
+    CHECK(s.face.told() == "key down 2 0 at 150, 150\nkey up 1\n");
+}
+
+TEST_CASE("A lost pointer ends a press without a click")
+{
+    Shown s;
+    s.pointer.to(s.face.key).press();
+    QEvent lost(QEvent::UngrabMouse);
+    QApplication::sendEvent(s.face.widgetOf(s.face.key), &lost);
+    s.pointer.release();
+    CHECK(s.face.told() == "key down 1 0 at 150, 150\nkey up 1\n");
 }
 
 TEST_CASE("A press tells its place in twips of the image, and the keys that are held")
