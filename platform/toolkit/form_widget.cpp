@@ -42,6 +42,7 @@ FormWidget::FormWidget(Form& form, const char* name, Form::Border border, Extent
 
 void FormWidget::setPlace(QPoint place)
 {
+    isPlaced_ = true;
     if (std::exchange(place_, place) != place && isVisible())
         carryOut();
 }
@@ -64,20 +65,25 @@ void FormWidget::setState(Form::State state)
     setWindowState(state == Form::minimized ? rest | Qt::WindowMinimized : rest);
 }
 
-// The window is placed once more after it is shown: a window manager may have put it somewhere of its own
-// choice.
 void FormWidget::present()
 {
-    const bool appears = !isVisible();
-    if (appears) {
-        shownAt_ = Clock::now();
-        move(place_);
-        setWindowState(state_ == Form::minimized ? Qt::WindowMinimized : Qt::WindowNoState);
-        show();
-        carryOut();
-    }
+    if (!isVisible())
+        appear();
     raise();
     activateWindow();
+}
+
+// The window is placed once more after it is shown: a window manager may have put it somewhere of its own
+// choice. Where the program has none, it is welcome to.
+void FormWidget::appear()
+{
+    shownAt_ = Clock::now();
+    if (isPlaced_)
+        move(place_);
+    setWindowState(state_ == Form::minimized ? Qt::WindowMinimized : Qt::WindowNoState);
+    show();
+    if (isPlaced_)
+        carryOut();
 }
 
 // The window moves itself: some window managers send no positions during a move of their own, and the docked
@@ -150,11 +156,14 @@ void FormWidget::settle(QPoint place)
 {
     if (!placesItself())
         return;
-    if (Clock::now() - shownAt_ < appearing)
+    if (isPlaced_ && Clock::now() - shownAt_ < appearing)
         carryOut();
     else
         place_ = place;
 }
+
+// It comes back where it was seen last.
+void FormWidget::hideEvent(QHideEvent*) { isPlaced_ = true; }
 
 void FormWidget::paintEvent(QPaintEvent*)
 {

@@ -37,6 +37,7 @@ protected:
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -49,6 +50,7 @@ private:
         Clock::time_point at;
     };
 
+    void appear();
     void carryOut();
     void forgetOldMoves();
     bool isEcho(QPoint place);
@@ -56,6 +58,7 @@ private:
 
     Form& form_;
     QPoint place_;
+    bool isPlaced_ = false; // by the program, or once it was seen somewhere
     Form::State state_ = Form::normal;
     std::deque<OwnMove> ownMoves_;
     bool moving_ = false;
