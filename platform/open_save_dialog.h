@@ -41,6 +41,6 @@ public:
     virtual Text FileTitle() const = 0; // its name without the folder
 
     // After a selection of several: their folder, their names from index 1 on (index 0 is unused), their
-    // count.
+    // count. Files of more than one folder have full paths for names, and an empty folder.
     virtual void GetFileList(Text& folder, std::vector<Text>& names, std::int32_t& count) const = 0;
 };

@@ -8,6 +8,7 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QStandardPaths>
 #include <algorithm>
@@ -28,11 +29,13 @@ QString anyCase(const Text& pattern)
     return result == "*.*" ? "*" : result;
 }
 
+// The first pattern matches no name and has no suffix: when the filter is turned in a dialog that saves, Qt
+// gives the typed name the suffix of the first pattern.
 QStringList nameFilters(const std::vector<DialogFilter>& filters)
 {
     QStringList names;
     for (const auto& filter : filters)
-        names << shown(filter.name) + " (" + anyCase(filter.pattern) + ")";
+        names << shown(filter.name) + " (/ " + anyCase(filter.pattern) + ")";
     return names;
 }
 
@@ -52,6 +55,12 @@ QString firstFolder()
     return QDir(music).exists() ? music : QDir::homePath();
 }
 
+// With its separator.
+std::string_view folderOf(std::string_view path)
+{
+    return path.substr(0, path.size() - fileTitle(path).size());
+}
+
 // A list is lines: a name that holds a line's end would break it.
 bool holdsLineEnd(const QStringList& paths)
 {
@@ -59,8 +68,22 @@ bool holdsLineEnd(const QStringList& paths)
                        [](const QString& path) { return path.contains('\n') || path.contains('\r'); });
 }
 
-// What is typed counts. While a path is typed, the dialog selects the folders on the way, and then takes
-// those for the answer (Qt 6.4).
+bool isFolder(const QModelIndex& row)
+{
+    return QFileInfo(row.data(QFileSystemModel::FilePathRole).toString()).isDir();
+}
+
+// What the dialog writes into the name's field when these rows are selected.
+QString nameOf(const QModelIndexList& rows)
+{
+    QStringList names;
+    for (const auto& row : rows)
+        names << row.data().toString();
+    return names.size() == 1 ? names.front() : '"' + names.join("\" \"") + '"';
+}
+
+// The answer is the selection while the name's field tells it, and otherwise what is typed there. Qt 6.4
+// alone would take every selection, and while a path is typed, it selects the folders on the way.
 class FileDialog final : public QFileDialog
 {
 public:
@@ -69,17 +92,22 @@ public:
     void accept() override
     {
         const auto* name = findChild<QLineEdit*>("fileNameEdit");
-        if (name && !name->text().isEmpty())
-            for (const char* view : {"listView", "treeView"})
-                forgetSelection(findChild<QAbstractItemView*>(view));
+        const auto* files = findChild<QAbstractItemView*>("listView"); // the other shares its selection
+        if (name && files && !name->text().isEmpty())
+            settle(*name, *files->selectionModel());
         QFileDialog::accept();
     }
 
 private:
-    static void forgetSelection(QAbstractItemView* view)
+    static void settle(const QLineEdit& name, QItemSelectionModel& selection)
     {
-        const QSignalBlocker quiet(view->selectionModel());
-        view->selectionModel()->clearSelection();
+        const QSignalBlocker quiet(selection);
+        for (const auto& row : selection.selectedRows())
+            if (isFolder(row))
+                selection.select(row, QItemSelectionModel::Deselect | QItemSelectionModel::Rows);
+        // A long selection does not fit into the field.
+        if (name.text() != nameOf(selection.selectedRows()).left(name.maxLength()))
+            selection.clearSelection();
     }
 };
 
@@ -133,8 +161,7 @@ void QtOpenSaveDialog::take(QFileDialog& dialog)
     for (const auto& path : dialog.selectedFiles())
         paths_.push_back(bytesOf(path));
     filterIndex_ = chosenFilter(dialogFilters(filter_), dialog.selectedNameFilter());
-    const Text& first = paths_.front();
-    folder_ = first.substr(0, first.size() - fileTitle(first).size());
+    folder_ = folderOf(paths_.front());
 }
 
 Text QtOpenSaveDialog::FileName() const { return paths_.empty() ? Text() : paths_.front(); }
@@ -143,9 +170,11 @@ Text QtOpenSaveDialog::FileTitle() const { return Text(fileTitle(FileName())); }
 
 void QtOpenSaveDialog::GetFileList(Text& folder, std::vector<Text>& names, std::int32_t& count) const
 {
-    folder = folder_;
+    const bool together = std::all_of(paths_.begin(), paths_.end(),
+                                      [this](const Text& path) { return folderOf(path) == folder_; });
+    folder = together ? folder_ : Text();
     names.assign(1, Text());
     for (const auto& path : paths_)
-        names.emplace_back(fileTitle(path));
+        names.push_back(together ? Text(fileTitle(path)) : path);
     count = static_cast<std::int32_t>(paths_.size());
 }

@@ -27,7 +27,7 @@ private:
     Text title_;
     Text filter_;
     Text initialName_;
-    Text folder_; // of the last choice: where the next dialog begins
+    Text folder_; // of the first file chosen last: where the next dialog begins
     std::vector<Text> paths_;
     std::int32_t flags_ = 0;
     std::int16_t filterIndex_ = 0;
