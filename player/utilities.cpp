@@ -49,12 +49,16 @@ bool StartUp::AddToINI(const Text& section, const Text& key, const Text& value, 
     return program_.platform().profileFile().write(section, key, value, file);
 }
 
-// Reading a missing value plants its default in the file.
+// Reading a missing value plants its default in the file. A value is cut to 254 characters, of up to four
+// bytes each.
 Text StartUp::GetFromINI(const Text& section, const Text& key, const Text& fallback, const Text& file)
 {
-    std::array<char, 255> buffer{};
-    if (program_.platform().profileFile().read(section, key, "", buffer.data(), buffer.size(), file) != 0)
-        return StripTerminator(Text(buffer.data(), buffer.size()));
+    constexpr std::size_t characters = 255;
+    std::array<char, 4 * characters> buffer{};
+    if (program_.platform().profileFile().read(section, key, "", buffer.data(), buffer.size(), file) != 0) {
+        const Text value = StripTerminator(Text(buffer.data(), buffer.size()));
+        return Text(firstCharacters(value, characters - 1));
+    }
     if (!fallback.empty())
         AddToINI(section, key, fallback, file);
     return fallback;

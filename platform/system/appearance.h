@@ -1,9 +1,9 @@
 // How the program looks and where its windows appear, before the first one does.
 #pragma once
 
-// The command line that the window library gets: the program's name, and which window system to take. X11 first,
-// also on a Wayland session: the windows there can be placed, and docking needs that. A choice in the
-// environment stands. The user's command line is nobody's.
+// The command line that the window library gets: the program's name, and which window system to take. X11
+// first, also on a Wayland session: the windows there can be placed, and docking needs that. A choice in the
+// environment stands. What the user's own command line holds is read by nobody.
 class LibraryArguments
 {
 public:

@@ -10,7 +10,8 @@
 class Desktop final : public Platform
 {
 public:
-    // `program` is the name under which this one was started. Programs that it starts get back the stack limit.
+    // `program` is the name under which this one was started. Programs that it starts get back the stack
+    // limit.
     Desktop(char* program, const rlimit& stackLimit);
     ~Desktop() override;
 

@@ -26,10 +26,12 @@ std::vector<Text> filesIn(const QMimeData& data)
     return paths;
 }
 
-// As copies, whatever the other program offers first: a move would delete its files.
+// As copies, whatever the other program offers first: a move would delete its files. What brings no files, a
+// link to the web for one, is turned away.
 bool offerCopy(QDropEvent& event)
 {
-    const bool takes = event.mimeData()->hasUrls() && event.possibleActions().testFlag(Qt::CopyAction);
+    const bool takes =
+        !filesIn(*event.mimeData()).empty() && event.possibleActions().testFlag(Qt::CopyAction);
     event.setDropAction(Qt::CopyAction);
     event.setAccepted(takes);
     return takes;

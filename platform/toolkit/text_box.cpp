@@ -135,10 +135,10 @@ void TextBox::typed(const ::Text& text)
     fromOutside([this] { Change.raise(); });
 }
 
-// What cannot be changed does not take the keys first.
+// A line that cannot be changed does not take the keys first; a page needs them to be read to its end.
 void TextBox::setLocked(bool locked)
 {
-    widget_->setFocusPolicy(locked ? Qt::ClickFocus : Qt::StrongFocus);
+    widget_->setFocusPolicy(locked && lines_ == Lines::one ? Qt::ClickFocus : Qt::StrongFocus);
     if (auto* line = qobject_cast<QLineEdit*>(widget_))
         line->setReadOnly(locked);
     if (auto* page = qobject_cast<QPlainTextEdit*>(widget_))

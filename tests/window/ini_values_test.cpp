@@ -5,6 +5,7 @@
 #include "support/player.h"
 #include "support/temporary_folder.h"
 
+#include <cstring>
 #include <doctest/doctest.h>
 #include <filesystem>
 
@@ -87,6 +88,14 @@ TEST_CASE("A value is cut to what its reader takes: 254 characters")
         p.held("PlayList") = Text(length, 'x');
         CHECK(p.read("PlayList", "").size() == std::min<std::size_t>(length, 254));
         CHECK(p.held("PlayList").size() == length);
+    }
+    for (const char* character : {"\u0416", "\u3042", "\U0001F3B5", "\xE9"}) {
+        CAPTURE(character);
+        Values p;
+        Text& held = p.held("PlayList");
+        for (int n = 0; n < 300; ++n)
+            held += character;
+        CHECK(p.read("PlayList", "") == held.substr(0, 254 * std::strlen(character)));
     }
 }
 

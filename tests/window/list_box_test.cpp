@@ -524,6 +524,7 @@ TEST_CASE("What cannot be copied, or is no list of files, is not taken")
     Shown window(0);
     CHECK_FALSE(dropOn(window.hand, "file:///a.wav\r\n", Qt::MoveAction).taken);
     CHECK_FALSE(dropOn(window.hand, "", Qt::CopyAction).taken);
+    CHECK_FALSE(dropOn(window.hand, "https://example.org/a.wav\r\n", Qt::CopyAction).taken);
     CHECK(window.form.drops == 0);
 }
 

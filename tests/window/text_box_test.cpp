@@ -101,6 +101,20 @@ TEST_CASE("A locked box takes nothing from the keys and everything from the prog
     CHECK(boxes.line.Text() == "xset");
 }
 
+TEST_CASE("Tab passes over a locked line, and comes to a locked page, which the keys scroll")
+{
+    Boxes boxes;
+    for (auto* box : {&boxes.line, &boxes.lines})
+        box->setLocked(true);
+    const auto takesTab = [&](const char* name) {
+        return (boxes.form.page()->findChild<QWidget*>(name)->focusPolicy() & Qt::TabFocus) != 0;
+    };
+    CHECK_FALSE(takesTab("line"));
+    CHECK(takesTab("lines"));
+    boxes.line.setLocked(false);
+    CHECK(takesTab("line"));
+}
+
 TEST_CASE("A maximum length bounds the keys in characters, and the program not at all")
 {
     Boxes boxes;

@@ -387,6 +387,22 @@ TEST_CASE("A minimised window keeps its place, whatever the system says of it")
     CHECK(face.Top() == 600);
 }
 
+TEST_CASE("A window without a place is where the window manager puts it, and comes back there")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.Show();
+    face.page()->move(300, 200);
+    face.page()->move(310, 210);
+    CHECK(face.Left() == 4650);
+    CHECK(face.Top() == 3150);
+    face.Hide();
+    face.Show();
+    CHECK(face.page()->pos() == QPoint(310, 210));
+    face.page()->move(0, 0); // now it has one
+    CHECK(face.page()->pos() == QPoint(310, 210));
+}
+
 TEST_CASE("The window manager's close hides a window and keeps it")
 {
     Toolkit toolkit(Toolkit::Timers::byHand);
