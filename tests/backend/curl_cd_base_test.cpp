@@ -356,7 +356,7 @@ TEST_CASE("An answer of ten million bytes is not read to its end")
 TEST_CASE("A lookup ends within its time limit whatever holds it up")
 {
     constexpr int limit = 600;
-    constexpr milliseconds bearable{limit + 2000};
+    constexpr milliseconds bearable{limit + 200};
 
     SUBCASE("a server that says nothing")
     {
@@ -383,7 +383,7 @@ TEST_CASE("A lookup ends within its time limit whatever holds it up")
                 client.sendPage(exact);
         });
         Titles titles({server.address()});
-        CHECK(timeOf([&] { titles.lookedUp(3 * limit); }) < milliseconds(3 * limit + 2000));
+        CHECK(timeOf([&] { titles.lookedUp(3 * limit); }) < milliseconds(3 * limit + 200));
         CHECK(titles.control->TrackTitle(1) == "");
         CHECK(server.requests().size() == 2);
     }
@@ -456,7 +456,7 @@ TEST_CASE("A drive that hangs holds up no lookup past its limit, and no second s
                                              }});
     control->setTimeLimit(100);
     for (int i = 0; i < 3; ++i)
-        CHECK(timeOf([&] { control->Lookup(); }) < milliseconds(2100));
+        CHECK(timeOf([&] { control->Lookup(); }) < milliseconds(300));
     CHECK(gate->waiting() == 1);
     CHECK(control->DiscArtist() == "");
     gate->open();

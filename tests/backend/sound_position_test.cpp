@@ -87,20 +87,26 @@ TEST_CASE("A file has ended when its last frame was heard")
     parts.mp3->Open(putWav(parts.folder / "a.wav", counting(second / 4)), "");
     Recorder recorder(server);
     std::size_t times = 0;
-    const double best = atBest(12, [&] { // the recording comes in pieces of 10 ms
+    const auto error = [&] {
         const auto from = recorder.size();
         parts.mp3->Play();
         const auto began = recorder.waitForSound(from);
         REQUIRE(waitUntil([&] { return parts.mp3->IsPlaying() == 0; }));
-        const double error = std::abs(millisecondsSince(began) - 250);
+        const double off = std::abs(millisecondsSince(began) - 250);
         CHECK(parts.mp3->CurrentFrame() == 0);
         CHECK(parts.activity.running == 0);
         ++times;
         CHECK(waitUntil([&] { return parts.post.count() == times; })); // the waiting window is woken
-        return error;
+        return off;
+    };
+    const double best = atBest(12, [&] { // the recording comes in pieces of 10 ms
+        std::vector<double> errors(7);
+        std::ranges::generate(errors, error);
+        std::ranges::sort(errors);
+        return errors[3];
     });
     CHECK(best < 12);
-    MESSAGE("The end from the last frame: " << best << " ms");
+    MESSAGE("The end from the last frame, median: " << best << " ms");
 }
 
 TEST_CASE("An ended MP3 file plays again from its start, an ended WAV file stands at its length")

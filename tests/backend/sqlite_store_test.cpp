@@ -322,7 +322,7 @@ TEST_CASE("A busy store is waited for only a moment, and gets the value later")
         for (int i = 2; i < 100; ++i)
             store.SaveSetting(app, section, "Left", std::to_string(i));
     });
-    CHECK(waited < 2500); // once fifty, not a hundred times
+    CHECK(waited < 500); // once fifty, not a hundred times
     CHECK(store.GetSetting(app, section, "Left") == "99");
     CHECK(place.get("Left") == "1");
     REQUIRE(outsider.runs("COMMIT"));
@@ -344,7 +344,7 @@ TEST_CASE("A locked store gives no values and costs no more than a moment")
         for (int i = 0; i < 100; ++i)
             CHECK(store.GetSetting(app, section, "Left").empty());
     });
-    CHECK(waited < 2500);
+    CHECK(waited < 500);
     CHECK(fileBytes(place.path + ".damaged").empty());
 }
 
