@@ -5,11 +5,11 @@
 #include "info/error.h"
 #include "platform/message_boxes.h"
 #include "platform/numbers.h"
-#include "platform/toolkit/toolkit.h"
 #include "player/remote_control.h"
 #include "player/start_up.h"
 #include "playlist/play_list_editor.h"
 #include "settingsdlg/settings.h"
+#include "toolkit/toolkit.h"
 #include "workbench/mp3_encoder.h"
 
 Program::Program(Platform& platform) : platform_(platform), settingsStore_(platform.keyValueStore()) {}

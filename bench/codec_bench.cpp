@@ -1,6 +1,6 @@
 // Makes, encodes and decodes one file, for a bench that measures it from outside.
-#include "platform/codec/decode_file.h"
-#include "platform/codec/encode_file.h"
+#include "engines/codec/decode_file.h"
+#include "engines/codec/encode_file.h"
 #include "platform/failure.h"
 #include "tests/support/wav_files.h"
 

@@ -2,8 +2,8 @@
 // with the window hidden, with the window shown, for a tick with nothing changed, for a tick that writes the
 // list anew.
 #include "fakes/fake_platform.h"
-#include "platform/system/disk_profile_file.h"
-#include "platform/system/disk_text_files.h"
+#include "files/disk_profile_file.h"
+#include "files/disk_text_files.h"
 #include "player/start_up.h"
 #include "playlist/play_list_editor.h"
 #include "program.h"

@@ -1,7 +1,7 @@
 // Where one window docks to another: plain comparisons of two rectangles, in twips, equality included.
 #pragma once
 
-#include "platform/toolkit/twips.h"
+#include "platform/twips.h"
 
 #include <optional>
 

@@ -1,4 +1,4 @@
-#include "platform/system/appearance.h"
+#include "desktop/appearance.h"
 
 #include <QApplication>
 #include <QFont>

@@ -1,8 +1,8 @@
-#include "platform/system/places.h"
+#include "desktop/places.h"
 
+#include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
 
 namespace
 {

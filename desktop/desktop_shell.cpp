@@ -1,9 +1,9 @@
-#include "platform/system/desktop_shell.h"
+#include "desktop/desktop_shell.h"
 
+#include "desktop/programs.h"
+#include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
-#include "platform/system/programs.h"
 
 #include <sys/stat.h>
 

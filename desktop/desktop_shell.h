@@ -1,9 +1,9 @@
 // The desktop around the program: other programs, and notifications over the session bus.
 #pragma once
 
+#include "desktop/notifications.h"
+#include "desktop/places.h"
 #include "platform/shell.h"
-#include "platform/system/notifications.h"
-#include "platform/system/places.h"
 
 #include <sys/resource.h>
 

@@ -1,4 +1,4 @@
-#include "platform/system/dialog_filter.h"
+#include "desktop/dialog_filter.h"
 
 std::vector<DialogFilter> dialogFilters(const Text& filter)
 {

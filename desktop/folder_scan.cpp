@@ -1,4 +1,4 @@
-#include "platform/system/folder_scan.h"
+#include "desktop/folder_scan.h"
 
 #include "platform/paths.h"
 

@@ -1,8 +1,8 @@
-#include "platform/system/mounted_drives.h"
+#include "desktop/mounted_drives.h"
 
+#include "desktop/mounts.h"
+#include "files/folders.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
-#include "platform/system/mounts.h"
 
 #include <fcntl.h>
 #include <unistd.h>

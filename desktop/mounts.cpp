@@ -1,4 +1,4 @@
-#include "platform/system/mounts.h"
+#include "desktop/mounts.h"
 
 #include "platform/paths.h"
 

@@ -1,7 +1,7 @@
-#include "platform/system/mpris_remote.h"
+#include "desktop/mpris_remote.h"
 
 #include "platform/post.h"
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QApplication>
 #include <QDBusConnection>

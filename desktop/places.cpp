@@ -1,7 +1,7 @@
-#include "platform/system/places.h"
+#include "desktop/places.h"
 
+#include "files/folders.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
 
 #include <pwd.h>
 #include <unistd.h>

@@ -1,8 +1,8 @@
-#include "platform/system/programs.h"
+#include "desktop/programs.h"
 
+#include "files/descriptor.h"
+#include "files/folders.h"
 #include "platform/paths.h"
-#include "platform/system/descriptor.h"
-#include "platform/system/folders.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>

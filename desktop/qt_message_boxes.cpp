@@ -1,6 +1,6 @@
-#include "platform/system/qt_message_boxes.h"
+#include "desktop/qt_message_boxes.h"
 
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -1,9 +1,9 @@
-#include "platform/system/qt_open_save_dialog.h"
+#include "desktop/qt_open_save_dialog.h"
 
+#include "desktop/dialog_filter.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
-#include "platform/system/dialog_filter.h"
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

@@ -1,8 +1,8 @@
-#include "platform/system/qt_popup_menu.h"
+#include "desktop/qt_popup_menu.h"
 
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/qt_bridge.h"
-#include "platform/toolkit/toolkit.h"
+#include "toolkit/form.h"
+#include "toolkit/qt_bridge.h"
+#include "toolkit/toolkit.h"
 
 #include <QMenu>
 #include <QScreen>

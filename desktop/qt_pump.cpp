@@ -1,4 +1,4 @@
-#include "platform/system/qt_pump.h"
+#include "desktop/qt_pump.h"
 
 #include <QCoreApplication>
 #include <unistd.h>

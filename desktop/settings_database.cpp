@@ -1,4 +1,4 @@
-#include "platform/system/settings_database.h"
+#include "desktop/settings_database.h"
 
 #include <sqlite3.h>
 

@@ -1,6 +1,6 @@
-#include "platform/system/sqlite_store.h"
+#include "desktop/sqlite_store.h"
 
-#include "platform/system/folders.h"
+#include "files/folders.h"
 
 namespace
 {

@@ -1,9 +1,9 @@
 // The settings store in an SQLite file of its own. Several processes may use one file.
 #pragma once
 
+#include "desktop/settings_database.h"
+#include "files/set_aside.h"
 #include "platform/key_value_store.h"
-#include "platform/system/set_aside.h"
-#include "platform/system/settings_database.h"
 
 #include <chrono>
 #include <functional>

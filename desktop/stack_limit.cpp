@@ -1,4 +1,4 @@
-#include "platform/system/stack_limit.h"
+#include "desktop/stack_limit.h"
 
 #include <algorithm>
 

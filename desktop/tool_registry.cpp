@@ -1,6 +1,6 @@
-#include "platform/system/tool_registry.h"
+#include "desktop/tool_registry.h"
 
-#include "platform/system/programs.h"
+#include "desktop/programs.h"
 
 namespace
 {

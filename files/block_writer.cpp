@@ -1,4 +1,4 @@
-#include "platform/system/block_writer.h"
+#include "files/block_writer.h"
 
 #include <sys/mman.h>
 #include <unistd.h>

@@ -3,8 +3,8 @@
 // own. The ends of each run, and everything where the file system has no such way, go through the cache.
 #pragma once
 
+#include "files/output_file.h"
 #include "platform/failure.h"
-#include "platform/system/output_file.h"
 
 #include <condition_variable>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "platform/tags/byte_source.h"
+#include "files/byte_source.h"
 
 #include "platform/failure.h"
 

@@ -1,7 +1,7 @@
 // Bytes that are read where they are wanted, so that a large picture in a tag costs nothing.
 #pragma once
 
-#include "platform/codec/input_file.h"
+#include "files/input_file.h"
 #include "platform/text.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "platform/system/disk_output.h"
+#include "files/disk_output.h"
 
 #include "platform/failure.h"
 

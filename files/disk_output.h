@@ -1,8 +1,8 @@
 // The two ways in which a text file comes onto the disk.
 #pragma once
 
-#include "platform/system/left_file.h"
-#include "platform/system/part_file.h"
+#include "files/left_file.h"
+#include "files/part_file.h"
 #include "platform/text_files.h"
 
 #include <functional>

@@ -1,7 +1,7 @@
-#include "platform/system/disk_profile_file.h"
+#include "files/disk_profile_file.h"
 
+#include "files/profile_text.h"
 #include "platform/failure.h"
-#include "platform/system/profile_text.h"
 
 namespace
 {

@@ -1,9 +1,9 @@
-#include "platform/system/disk_text_files.h"
+#include "files/disk_text_files.h"
 
+#include "files/disk_output.h"
+#include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
-#include "platform/system/disk_output.h"
-#include "platform/system/folders.h"
 
 #include <fcntl.h>
 

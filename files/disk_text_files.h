@@ -1,8 +1,8 @@
 // Text files on the disk. A file is replaced whole: a kill at any instant leaves the old one or the new one.
 #pragma once
 
+#include "files/left_file.h"
 #include "platform/part_notes.h"
-#include "platform/system/left_file.h"
 #include "platform/text_files.h"
 
 #include <map>

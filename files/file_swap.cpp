@@ -1,8 +1,8 @@
-#include "platform/tags/file_swap.h"
+#include "files/file_swap.h"
 
+#include "files/descriptor.h"
+#include "files/folders.h"
 #include "platform/failure.h"
-#include "platform/system/descriptor.h"
-#include "platform/system/folders.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -1,7 +1,7 @@
-#include "platform/system/folders.h"
+#include "files/folders.h"
 
+#include "files/descriptor.h"
 #include "platform/paths.h"
-#include "platform/system/descriptor.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include "platform/system/left_file.h"
+#include "files/left_file.h"
 
 #include <fcntl.h>
 

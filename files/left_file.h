@@ -1,7 +1,7 @@
 // A file as its writer left it, and the question whether it still is.
 #pragma once
 
-#include "platform/system/descriptor.h"
+#include "files/descriptor.h"
 #include "platform/text.h"
 
 #include <sys/stat.h>

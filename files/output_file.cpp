@@ -1,8 +1,8 @@
-#include "platform/system/output_file.h"
+#include "files/output_file.h"
 
+#include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
 
 #include <fcntl.h>
 

@@ -2,8 +2,8 @@
 // nothing is left behind, and what stood under the target's name stands there still.
 #pragma once
 
+#include "files/part_file.h"
 #include "platform/part_notes.h"
-#include "platform/system/part_file.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
-#include "platform/system/part_file.h"
+#include "files/part_file.h"
 
+#include "files/folders.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
 
 #include <fcntl.h>
 

@@ -1,8 +1,8 @@
 // A file that is written beside its target and takes its place in one step, or leaves nothing.
 #pragma once
 
+#include "files/descriptor.h"
 #include "platform/part_notes.h"
-#include "platform/system/descriptor.h"
 
 #include <sys/stat.h>
 

@@ -1,4 +1,4 @@
-#include "platform/system/profile_text.h"
+#include "files/profile_text.h"
 
 #include <algorithm>
 

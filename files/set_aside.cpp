@@ -1,6 +1,6 @@
-#include "platform/system/set_aside.h"
+#include "files/set_aside.h"
 
-#include "platform/system/descriptor.h"
+#include "files/descriptor.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

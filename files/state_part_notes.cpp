@@ -1,7 +1,7 @@
-#include "platform/system/state_part_notes.h"
+#include "files/state_part_notes.h"
 
+#include "files/folders.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -1,8 +1,8 @@
 // Part notes in the user's state folder: one file a process, locked for as long as the process lives.
 #pragma once
 
+#include "files/descriptor.h"
 #include "platform/part_notes.h"
-#include "platform/system/descriptor.h"
 
 #include <mutex>
 #include <set>

@@ -7,9 +7,10 @@
 #include "platform/registry.h"
 #include "platform/shell.h"
 #include "platform/text_files.h"
-#include "platform/toolkit/toolkit.h"
+#include "platform/version.h"
 #include "player/start_up.h"
 #include "program.h"
+#include "toolkit/toolkit.h"
 
 namespace
 {

@@ -1,13 +1,13 @@
 // What the program is, its version and its news. Built anew at each opening.
 #pragma once
 
-#include "platform/toolkit/buttons.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/frame.h"
-#include "platform/toolkit/image.h"
-#include "platform/toolkit/label.h"
-#include "platform/toolkit/shape.h"
-#include "platform/toolkit/text_box.h"
+#include "toolkit/buttons.h"
+#include "toolkit/form.h"
+#include "toolkit/frame.h"
+#include "toolkit/image.h"
+#include "toolkit/label.h"
+#include "toolkit/shape.h"
+#include "toolkit/text_box.h"
 
 #include <cstdint>
 

@@ -1,9 +1,9 @@
 #include "info/edit_file_info_form.h"
 
 #include "platform/numbers.h"
-#include "platform/toolkit/toolkit.h"
 #include "player/start_up.h"
 #include "program.h"
+#include "toolkit/toolkit.h"
 
 editfileinfoform::editfileinfoform(Program& program) :
     Form(program.platform().toolkit(), "editfileinfoform", Border::fixed, {4500_tw, 2610_tw}),

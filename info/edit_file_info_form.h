@@ -3,11 +3,11 @@
 #pragma once
 
 #include "info/genre_rows.h"
-#include "platform/toolkit/buttons.h"
-#include "platform/toolkit/combo_box.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/label.h"
-#include "platform/toolkit/text_box.h"
+#include "toolkit/buttons.h"
+#include "toolkit/combo_box.h"
+#include "toolkit/form.h"
+#include "toolkit/label.h"
+#include "toolkit/text_box.h"
 
 class Program;
 

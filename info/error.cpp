@@ -1,7 +1,7 @@
 #include "info/error.h"
 
-#include "platform/toolkit/toolkit.h"
 #include "program.h"
+#include "toolkit/toolkit.h"
 
 Error::Error(Program& program) :
     Form(program.platform().toolkit(), "Error", Border::fixed, {4215_tw, 1725_tw})

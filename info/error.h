@@ -1,9 +1,9 @@
 // The common message window: whoever has a message sets the label and shows the window.
 #pragma once
 
-#include "platform/toolkit/buttons.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/label.h"
+#include "toolkit/buttons.h"
+#include "toolkit/form.h"
+#include "toolkit/label.h"
 
 class Program;
 

@@ -1,5 +1,5 @@
-#include "platform/system/desktop.h"
-#include "platform/system/stack_limit.h"
+#include "desktop/stack_limit.h"
+#include "main/desktop.h"
 #include "program.h"
 
 #include <csignal>

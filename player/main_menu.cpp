@@ -3,12 +3,12 @@
 #include "info/error.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
-#include "platform/toolkit/menu_below.h"
 #include "player/file_kind.h"
 #include "player/start_up.h"
 #include "playlist/play_list_editor.h"
 #include "program.h"
 #include "settingsdlg/settings.h"
+#include "toolkit/menu_below.h"
 #include "workbench/mp3_encoder.h"
 
 namespace

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/media_remote.h"
-#include "platform/toolkit/interval_timer.h"
+#include "toolkit/interval_timer.h"
 
 #include <memory>
 

@@ -4,9 +4,10 @@
 #include "platform/numbers.h"
 #include "platform/paths.h"
 #include "platform/pump.h"
-#include "platform/toolkit/toolkit.h"
+#include "platform/version.h"
 #include "playlist/play_list_editor.h"
 #include "program.h"
+#include "toolkit/toolkit.h"
 
 namespace
 {

@@ -5,12 +5,12 @@
 #include "platform/mp3_play.h"
 #include "platform/open_save_dialog.h"
 #include "platform/popup_menu.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/image.h"
-#include "platform/toolkit/interval_timer.h"
-#include "platform/toolkit/label.h"
-#include "platform/toolkit/shape.h"
-#include "platform/toolkit/slider.h"
+#include "toolkit/form.h"
+#include "toolkit/image.h"
+#include "toolkit/interval_timer.h"
+#include "toolkit/label.h"
+#include "toolkit/shape.h"
+#include "toolkit/slider.h"
 
 #include <functional>
 #include <memory>

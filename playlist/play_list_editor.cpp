@@ -3,11 +3,11 @@
 #include "platform/failure.h"
 #include "platform/paths.h"
 #include "platform/text_files.h"
-#include "platform/toolkit/toolkit.h"
 #include "player/start_up.h"
 #include "playlist/list_settings.h"
 #include "playlist/playlist_format.h"
 #include "program.h"
+#include "toolkit/toolkit.h"
 
 namespace
 {

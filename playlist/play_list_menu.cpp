@@ -1,5 +1,5 @@
-#include "platform/toolkit/menu_below.h"
 #include "playlist/play_list_editor.h"
+#include "toolkit/menu_below.h"
 
 #include <iterator>
 

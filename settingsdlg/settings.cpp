@@ -2,9 +2,9 @@
 
 #include "platform/failure.h"
 #include "platform/numbers.h"
-#include "platform/toolkit/toolkit.h"
 #include "player/start_up.h"
 #include "program.h"
+#include "toolkit/toolkit.h"
 
 Settings::Settings(Program& program) :
     Form(program.platform().toolkit(), "Settings", Border::fixed, {6900_tw, 5070_tw}),

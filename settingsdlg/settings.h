@@ -2,13 +2,13 @@
 // does the same and hides the window, Cancel only hides it.
 #pragma once
 
-#include "platform/toolkit/buttons.h"
-#include "platform/toolkit/file_lists.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/frame.h"
-#include "platform/toolkit/label.h"
-#include "platform/toolkit/list_box.h"
-#include "platform/toolkit/text_box.h"
+#include "toolkit/buttons.h"
+#include "toolkit/file_lists.h"
+#include "toolkit/form.h"
+#include "toolkit/frame.h"
+#include "toolkit/label.h"
+#include "toolkit/list_box.h"
+#include "toolkit/text_box.h"
 
 #include <array>
 

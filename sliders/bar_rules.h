@@ -1,7 +1,7 @@
 // The arithmetic of the drawn bars. Lengths in twips; a bar's travel is its track's width less its thumb's.
 #pragma once
 
-#include "platform/toolkit/twips.h"
+#include "platform/twips.h"
 
 #include <cstdint>
 

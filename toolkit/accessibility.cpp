@@ -1,6 +1,6 @@
-#include "platform/toolkit/accessibility.h"
+#include "toolkit/accessibility.h"
 
-#include "platform/toolkit/image_widget.h"
+#include "toolkit/image_widget.h"
 
 #include <QAccessibleWidget>
 

@@ -1,8 +1,8 @@
-#include "platform/toolkit/buttons.h"
+#include "toolkit/buttons.h"
 
 #include "platform/failure.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/form.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QApplication>
 #include <QCheckBox>

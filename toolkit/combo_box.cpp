@@ -1,7 +1,7 @@
-#include "platform/toolkit/combo_box.h"
+#include "toolkit/combo_box.h"
 
 #include "platform/failure.h"
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QComboBox>
 #include <QSignalBlocker>

@@ -1,9 +1,9 @@
-#include "platform/toolkit/file_lists.h"
+#include "toolkit/file_lists.h"
 
 #include "platform/failure.h"
 #include "platform/paths.h"
-#include "platform/toolkit/folder_listing.h"
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/folder_listing.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QComboBox>
 #include <QKeyEvent>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/drives.h"
-#include "platform/toolkit/control.h"
+#include "toolkit/control.h"
 
 #include <cstdint>
 #include <vector>

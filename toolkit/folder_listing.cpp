@@ -1,4 +1,4 @@
-#include "platform/toolkit/folder_listing.h"
+#include "toolkit/folder_listing.h"
 
 #include "platform/paths.h"
 

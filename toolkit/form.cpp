@@ -1,8 +1,8 @@
-#include "platform/toolkit/form.h"
+#include "toolkit/form.h"
 
-#include "platform/toolkit/form_widget.h"
-#include "platform/toolkit/qt_bridge.h"
-#include "platform/toolkit/toolkit.h"
+#include "toolkit/form_widget.h"
+#include "toolkit/qt_bridge.h"
+#include "toolkit/toolkit.h"
 
 Form::Form(Toolkit& toolkit, const char* name, Border border, Extent client) :
     toolkit_(toolkit), name_(name), widget_(std::make_unique<FormWidget>(*this, name, border, client))

@@ -3,8 +3,8 @@
 
 #include "platform/event.h"
 #include "platform/text.h"
-#include "platform/toolkit/container.h"
-#include "platform/toolkit/twips.h"
+#include "platform/twips.h"
+#include "toolkit/container.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,7 +1,7 @@
-#include "platform/toolkit/form_widget.h"
+#include "toolkit/form_widget.h"
 
-#include "platform/toolkit/skin.h"
-#include "platform/toolkit/toolkit.h"
+#include "toolkit/skin.h"
+#include "toolkit/toolkit.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/text.h"
-#include "platform/toolkit/form.h"
+#include "toolkit/form.h"
 
 #include <QPixmap>
 #include <QPoint>

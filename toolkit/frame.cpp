@@ -1,7 +1,7 @@
-#include "platform/toolkit/frame.h"
+#include "toolkit/frame.h"
 
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/form.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QGroupBox>
 #include <QTabWidget>

@@ -1,6 +1,6 @@
-#include "platform/toolkit/image.h"
+#include "toolkit/image.h"
 
-#include "platform/toolkit/image_widget.h"
+#include "toolkit/image_widget.h"
 
 namespace ctl
 {

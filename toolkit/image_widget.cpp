@@ -1,10 +1,10 @@
-#include "platform/toolkit/image_widget.h"
+#include "toolkit/image_widget.h"
 
-#include "platform/toolkit/form_widget.h"
-#include "platform/toolkit/key_codes.h"
-#include "platform/toolkit/qt_bridge.h"
-#include "platform/toolkit/skin.h"
-#include "platform/toolkit/toolkit.h"
+#include "toolkit/form_widget.h"
+#include "toolkit/key_codes.h"
+#include "toolkit/qt_bridge.h"
+#include "toolkit/skin.h"
+#include "toolkit/toolkit.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

@@ -1,7 +1,7 @@
 // The widget behind an image. For the toolkit's own sources alone.
 #pragma once
 
-#include "platform/toolkit/image.h"
+#include "toolkit/image.h"
 
 #include <QWidget>
 

@@ -1,7 +1,7 @@
-#include "platform/toolkit/interval_timer.h"
+#include "toolkit/interval_timer.h"
 
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/toolkit.h"
+#include "toolkit/form.h"
+#include "toolkit/toolkit.h"
 
 #include <QTimer>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/event.h"
-#include "platform/toolkit/container.h"
+#include "toolkit/container.h"
 
 #include <chrono>
 #include <memory>

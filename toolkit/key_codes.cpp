@@ -1,4 +1,4 @@
-#include "platform/toolkit/key_codes.h"
+#include "toolkit/key_codes.h"
 
 #include <QKeyEvent>
 #include <string_view>

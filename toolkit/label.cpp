@@ -1,6 +1,6 @@
-#include "platform/toolkit/label.h"
+#include "toolkit/label.h"
 
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QFontMetrics>
 #include <QLabel>

@@ -1,8 +1,8 @@
-#include "platform/toolkit/list_box.h"
+#include "toolkit/list_box.h"
 
 #include "platform/failure.h"
-#include "platform/toolkit/list_rows.h"
-#include "platform/toolkit/list_view.h"
+#include "toolkit/list_rows.h"
+#include "toolkit/list_view.h"
 
 namespace ctl
 {

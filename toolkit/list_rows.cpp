@@ -1,6 +1,6 @@
-#include "platform/toolkit/list_rows.h"
+#include "toolkit/list_rows.h"
 
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/qt_bridge.h"
 
 namespace
 {

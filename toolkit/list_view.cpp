@@ -1,6 +1,6 @@
-#include "platform/toolkit/list_view.h"
+#include "toolkit/list_view.h"
 
-#include "platform/toolkit/key_codes.h"
+#include "toolkit/key_codes.h"
 
 #include <QDropEvent>
 #include <QKeyEvent>

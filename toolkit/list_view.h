@@ -1,7 +1,7 @@
 // The view behind a list box. For the toolkit's own sources alone.
 #pragma once
 
-#include "platform/toolkit/list_box.h"
+#include "toolkit/list_box.h"
 
 #include <QListView>
 

@@ -1,4 +1,4 @@
-#include "platform/toolkit/menu_below.h"
+#include "toolkit/menu_below.h"
 
 #include "platform/numbers.h"
 

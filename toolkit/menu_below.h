@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/popup_menu.h"
-#include "platform/toolkit/image.h"
+#include "toolkit/image.h"
 
 // Shows the tree kept under that name directly below the image that stands for it.
 void showMenuBelow(PopupMenu& menu, const ctl::Image& image, const Text& treeName);

@@ -1,6 +1,6 @@
-#include "platform/toolkit/pace.h"
+#include "toolkit/pace.h"
 
-#include "platform/toolkit/interval_timer.h"
+#include "toolkit/interval_timer.h"
 
 #include <QEvent>
 #include <QWidget>

@@ -1,4 +1,4 @@
-#include "platform/toolkit/progress_bar.h"
+#include "toolkit/progress_bar.h"
 
 #include <QProgressBar>
 #include <algorithm>

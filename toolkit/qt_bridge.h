@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/text.h"
-#include "platform/toolkit/twips.h"
+#include "platform/twips.h"
 
 #include <QByteArray>
 #include <QRect>

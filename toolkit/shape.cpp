@@ -1,8 +1,8 @@
-#include "platform/toolkit/shape.h"
+#include "toolkit/shape.h"
 
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/form_widget.h"
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/form.h"
+#include "toolkit/form_widget.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QFrame>
 

@@ -1,4 +1,4 @@
-#include "platform/toolkit/skin.h"
+#include "toolkit/skin.h"
 
 #include <QFile>
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "platform/toolkit/slider.h"
+#include "toolkit/slider.h"
 
 #include "platform/failure.h"
 

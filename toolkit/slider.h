@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/toolkit/control.h"
+#include "toolkit/control.h"
 
 namespace ctl
 {

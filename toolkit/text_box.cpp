@@ -1,6 +1,6 @@
-#include "platform/toolkit/text_box.h"
+#include "toolkit/text_box.h"
 
-#include "platform/toolkit/qt_bridge.h"
+#include "toolkit/qt_bridge.h"
 
 #include <QLineEdit>
 #include <QPlainTextEdit>

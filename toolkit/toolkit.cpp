@@ -1,10 +1,10 @@
-#include "platform/toolkit/toolkit.h"
+#include "toolkit/toolkit.h"
 
-#include "platform/toolkit/accessibility.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/form_widget.h"
-#include "platform/toolkit/pace.h"
-#include "platform/toolkit/skin.h"
+#include "toolkit/accessibility.h"
+#include "toolkit/form.h"
+#include "toolkit/form_widget.h"
+#include "toolkit/pace.h"
+#include "toolkit/skin.h"
 
 #include <QEvent>
 #include <QGuiApplication>

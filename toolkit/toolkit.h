@@ -4,7 +4,7 @@
 #include "platform/activity.h"
 #include "platform/failure.h"
 #include "platform/post.h"
-#include "platform/toolkit/twips.h"
+#include "platform/twips.h"
 
 #include <functional>
 #include <memory>

@@ -1,9 +1,9 @@
 #include "workbench/mp3_encoder.h"
 
-#include "platform/toolkit/toolkit.h"
 #include "player/start_up.h"
 #include "program.h"
 #include "settingsdlg/settings.h"
+#include "toolkit/toolkit.h"
 
 Mp3Encoder::Mp3Encoder(Program& program) :
     Form(program.platform().toolkit(), "Mp3Encoder", Border::fixed, {7800_tw, 5520_tw}),

@@ -8,14 +8,14 @@
 #include "platform/cd_base.h"
 #include "platform/mp3_enc.h"
 #include "platform/mp3_play.h"
-#include "platform/toolkit/buttons.h"
-#include "platform/toolkit/file_lists.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/frame.h"
-#include "platform/toolkit/label.h"
-#include "platform/toolkit/list_box.h"
-#include "platform/toolkit/progress_bar.h"
-#include "platform/toolkit/text_box.h"
+#include "toolkit/buttons.h"
+#include "toolkit/file_lists.h"
+#include "toolkit/form.h"
+#include "toolkit/frame.h"
+#include "toolkit/label.h"
+#include "toolkit/list_box.h"
+#include "toolkit/progress_bar.h"
+#include "toolkit/text_box.h"
 
 #include <memory>
 

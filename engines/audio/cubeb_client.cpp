@@ -1,4 +1,4 @@
-#include "platform/audio/cubeb_client.h"
+#include "engines/audio/cubeb_client.h"
 
 #include <algorithm>
 #include <cubeb/cubeb.h>

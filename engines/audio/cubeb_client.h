@@ -1,7 +1,7 @@
 // The sound server's client, for one thread. Any call may block.
 #pragma once
 
-#include "platform/audio/stream.h"
+#include "engines/audio/stream.h"
 
 #include <memory>
 #include <vector>

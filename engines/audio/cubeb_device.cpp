@@ -1,7 +1,7 @@
-#include "platform/audio/cubeb_device.h"
+#include "engines/audio/cubeb_device.h"
 
-#include "platform/audio/cubeb_client.h"
-#include "platform/audio/thread_priority.h"
+#include "engines/audio/cubeb_client.h"
+#include "engines/audio/thread_priority.h"
 
 #include <condition_variable>
 #include <deque>

@@ -2,7 +2,7 @@
 // first stream; the calls here return at once, also while the server hangs.
 #pragma once
 
-#include "platform/audio/stream.h"
+#include "engines/audio/stream.h"
 
 #include <memory>
 #include <thread>

@@ -1,4 +1,4 @@
-#include "platform/audio/feed.h"
+#include "engines/audio/feed.h"
 
 #include <algorithm>
 

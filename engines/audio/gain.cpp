@@ -1,4 +1,4 @@
-#include "platform/audio/gain.h"
+#include "engines/audio/gain.h"
 
 #include <cmath>
 

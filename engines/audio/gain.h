@@ -2,7 +2,7 @@
 // reached in 5 ms, so that it does not click.
 #pragma once
 
-#include "platform/audio/levels.h"
+#include "engines/audio/levels.h"
 
 #include <array>
 #include <cstddef>

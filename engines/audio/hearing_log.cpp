@@ -1,4 +1,4 @@
-#include "platform/audio/hearing_log.h"
+#include "engines/audio/hearing_log.h"
 
 bool Run::continues(const Run& before) const
 {

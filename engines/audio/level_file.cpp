@@ -1,4 +1,4 @@
-#include "platform/audio/level_file.h"
+#include "engines/audio/level_file.h"
 
 #include <cstdio>
 #include <filesystem>

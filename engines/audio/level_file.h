@@ -2,7 +2,7 @@
 // otherwise, also when it cannot be read; what cannot be written is lost with the process.
 #pragma once
 
-#include "platform/audio/levels.h"
+#include "engines/audio/levels.h"
 #include "platform/text.h"
 
 class LevelFile

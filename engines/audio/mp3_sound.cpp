@@ -1,6 +1,6 @@
-#include "platform/audio/opened_sound.h"
+#include "engines/audio/opened_sound.h"
 
-#include "platform/codec/mpg123_file.h"
+#include "engines/formats/mpg123_file.h"
 
 #include <algorithm>
 #include <vector>

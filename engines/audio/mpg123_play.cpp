@@ -1,14 +1,14 @@
-#include "platform/audio/mpg123_play.h"
+#include "engines/audio/mpg123_play.h"
 
-#include "platform/audio/opened_sound.h"
-#include "platform/audio/sound_output.h"
-#include "platform/audio/thinned_source.h"
-#include "platform/audio/voice.h"
-#include "platform/codec/decode_jobs.h"
+#include "engines/audio/opened_sound.h"
+#include "engines/audio/sound_output.h"
+#include "engines/audio/thinned_source.h"
+#include "engines/audio/voice.h"
+#include "engines/codec/decode_jobs.h"
+#include "engines/tags/genre.h"
+#include "engines/tags/tag_file.h"
 #include "platform/post.h"
 #include "platform/shell.h"
-#include "platform/tags/genre.h"
-#include "platform/tags/tag_file.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,8 +1,8 @@
 // A sound file that an engine has opened.
 #pragma once
 
-#include "platform/audio/pcm_source.h"
-#include "platform/audio/timeline.h"
+#include "engines/audio/pcm_source.h"
+#include "engines/audio/timeline.h"
 #include "platform/text.h"
 
 #include <memory>

@@ -1,4 +1,4 @@
-#include "platform/audio/outlet.h"
+#include "engines/audio/outlet.h"
 
 #include <algorithm>
 

@@ -2,8 +2,8 @@
 // none, or none that answers. The server is tried again from time to time.
 #pragma once
 
-#include "platform/audio/silent_clock.h"
-#include "platform/audio/sound_output.h"
+#include "engines/audio/silent_clock.h"
+#include "engines/audio/sound_output.h"
 
 #include <memory>
 #include <optional>

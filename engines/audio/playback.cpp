@@ -1,4 +1,4 @@
-#include "platform/audio/playback.h"
+#include "engines/audio/playback.h"
 
 #include <algorithm>
 

@@ -2,9 +2,9 @@
 // engine's own thread carries out. Every call returns at once.
 #pragma once
 
+#include "engines/audio/pcm_source.h"
+#include "engines/audio/stream.h"
 #include "platform/activity.h"
-#include "platform/audio/pcm_source.h"
-#include "platform/audio/stream.h"
 
 #include <memory>
 #include <mutex>

@@ -1,4 +1,4 @@
-#include "platform/audio/silent_clock.h"
+#include "engines/audio/silent_clock.h"
 
 #include <algorithm>
 #include <array>

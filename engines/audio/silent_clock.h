@@ -1,7 +1,7 @@
 // Takes a stream's sound at the pace at which it would be heard, where no sound server does.
 #pragma once
 
-#include "platform/audio/stream.h"
+#include "engines/audio/stream.h"
 
 #include <memory>
 

@@ -1,8 +1,8 @@
-#include "platform/audio/sndfile_control.h"
+#include "engines/audio/sndfile_control.h"
 
-#include "platform/audio/opened_sound.h"
-#include "platform/audio/thinned_source.h"
-#include "platform/audio/voice.h"
+#include "engines/audio/opened_sound.h"
+#include "engines/audio/thinned_source.h"
+#include "engines/audio/voice.h"
 
 #include <optional>
 

@@ -1,4 +1,4 @@
-#include "platform/audio/sound_output.h"
+#include "engines/audio/sound_output.h"
 
 SoundOutput::SoundOutput(Text levelFile, Activity& activity) :
     file_(std::move(levelFile)), activity_(activity)

@@ -2,10 +2,10 @@
 // volume of whichever plays. It is silent, and touches no sound server, until an engine plays.
 #pragma once
 
+#include "engines/audio/cubeb_device.h"
+#include "engines/audio/level_file.h"
+#include "engines/audio/levels.h"
 #include "platform/activity.h"
-#include "platform/audio/cubeb_device.h"
-#include "platform/audio/level_file.h"
-#include "platform/audio/levels.h"
 
 #include <memory>
 

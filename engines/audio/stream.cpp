@@ -1,4 +1,4 @@
-#include "platform/audio/stream.h"
+#include "engines/audio/stream.h"
 
 #include <algorithm>
 #include <thread>

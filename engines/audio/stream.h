@@ -2,10 +2,10 @@
 // feed, and what of it has been heard.
 #pragma once
 
-#include "platform/audio/bell.h"
-#include "platform/audio/feed.h"
-#include "platform/audio/gain.h"
-#include "platform/audio/hearing_log.h"
+#include "engines/audio/bell.h"
+#include "engines/audio/feed.h"
+#include "engines/audio/gain.h"
+#include "engines/audio/hearing_log.h"
 
 #include <atomic>
 #include <chrono>

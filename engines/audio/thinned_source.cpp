@@ -1,4 +1,4 @@
-#include "platform/audio/thinned_source.h"
+#include "engines/audio/thinned_source.h"
 
 #include <vector>
 

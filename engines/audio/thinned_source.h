@@ -1,7 +1,7 @@
 // A sound at a rate above what an output takes: so many of its frames become one.
 #pragma once
 
-#include "platform/audio/opened_sound.h"
+#include "engines/audio/opened_sound.h"
 
 // `sound` as it is, where its rate can be played.
 OpenedSound playable(OpenedSound sound);

@@ -1,4 +1,4 @@
-#include "platform/audio/thread_priority.h"
+#include "engines/audio/thread_priority.h"
 
 #include <pthread.h>
 #include <sched.h>

@@ -1,4 +1,4 @@
-#include "platform/audio/timeline.h"
+#include "engines/audio/timeline.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,7 +1,7 @@
-#include "platform/audio/voice.h"
+#include "engines/audio/voice.h"
 
-#include "platform/audio/sound_output.h"
-#include "platform/audio/voice_worker.h"
+#include "engines/audio/sound_output.h"
+#include "engines/audio/voice_worker.h"
 
 Voice::Voice(SoundOutput& output, AtEnd atEnd, std::function<void()> ended) :
     output_(output), ended_(std::move(ended)), playback_(output.activity(), atEnd)

@@ -2,7 +2,7 @@
 // voice's own, which begins with the first `play`, decodes and watches over the way to the listener.
 #pragma once
 
-#include "platform/audio/playback.h"
+#include "engines/audio/playback.h"
 
 #include <functional>
 #include <memory>

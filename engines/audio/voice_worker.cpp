@@ -1,4 +1,4 @@
-#include "platform/audio/voice_worker.h"
+#include "engines/audio/voice_worker.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 // Carries out what a `Playback` wishes, on a thread of its own: decodes, and keeps the way out open.
 #pragma once
 
-#include "platform/audio/outlet.h"
-#include "platform/audio/playback.h"
+#include "engines/audio/outlet.h"
+#include "engines/audio/playback.h"
 
 #include <atomic>
 #include <functional>

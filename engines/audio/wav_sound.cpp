@@ -1,7 +1,7 @@
-#include "platform/audio/opened_sound.h"
+#include "engines/audio/opened_sound.h"
 
-#include "platform/audio/stereo_mix.h"
-#include "platform/codec/input_file.h"
+#include "engines/formats/stereo_mix.h"
+#include "files/input_file.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
-#include "platform/codec/broken_frame.h"
+#include "engines/codec/broken_frame.h"
 
-#include "platform/codec/frame_bytes.h"
-#include "platform/codec/frame_decoder.h"
-#include "platform/codec/side_info.h"
+#include "engines/codec/frame_bytes.h"
+#include "engines/codec/frame_decoder.h"
+#include "engines/formats/side_info.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Finds the frames that a decoder breaks off.
 #pragma once
 
-#include "platform/codec/frame_scan.h"
+#include "engines/formats/frame_scan.h"
 
 namespace codec
 {

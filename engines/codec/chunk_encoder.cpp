@@ -1,4 +1,4 @@
-#include "platform/codec/chunk_encoder.h"
+#include "engines/codec/chunk_encoder.h"
 
 #include <algorithm>
 

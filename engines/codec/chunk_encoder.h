@@ -1,10 +1,10 @@
 // Encodes one chunk of a sound into its place in the MP3 file.
 #pragma once
 
-#include "platform/codec/info_tag.h"
-#include "platform/codec/lame_encoder.h"
-#include "platform/codec/tasks.h"
-#include "platform/system/output_file.h"
+#include "engines/codec/info_tag.h"
+#include "engines/codec/lame_encoder.h"
+#include "engines/codec/tasks.h"
+#include "files/output_file.h"
 
 namespace codec
 {

@@ -1,4 +1,4 @@
-#include "platform/codec/conversion_queue.h"
+#include "engines/codec/conversion_queue.h"
 
 #include "platform/failure.h"
 

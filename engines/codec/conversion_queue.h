@@ -1,7 +1,7 @@
 // Runs conversions of files one after the other on a thread of its own.
 #pragma once
 
-#include "platform/codec/tasks.h"
+#include "engines/codec/tasks.h"
 #include "platform/post.h"
 #include "platform/shell.h"
 #include "platform/text.h"

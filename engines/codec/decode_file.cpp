@@ -1,10 +1,10 @@
-#include "platform/codec/decode_file.h"
+#include "engines/codec/decode_file.h"
 
-#include "platform/codec/piece_decoder.h"
-#include "platform/codec/wav_header.h"
+#include "engines/codec/piece_decoder.h"
+#include "engines/formats/wav_header.h"
+#include "files/block_writer.h"
+#include "files/folders.h"
 #include "platform/failure.h"
-#include "platform/system/block_writer.h"
-#include "platform/system/folders.h"
 
 #include <algorithm>
 #include <atomic>

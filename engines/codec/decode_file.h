@@ -1,7 +1,7 @@
 // Turns an MP3 file into a WAV file.
 #pragma once
 
-#include "platform/codec/tasks.h"
+#include "engines/codec/tasks.h"
 #include "platform/part_notes.h"
 #include "platform/text.h"
 

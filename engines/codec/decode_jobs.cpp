@@ -1,10 +1,10 @@
-#include "platform/codec/decode_jobs.h"
+#include "engines/codec/decode_jobs.h"
 
-#include "platform/codec/conversion_queue.h"
-#include "platform/codec/decode_file.h"
-#include "platform/codec/frame_scan.h"
+#include "engines/codec/conversion_queue.h"
+#include "engines/codec/decode_file.h"
+#include "engines/formats/frame_scan.h"
+#include "files/folders.h"
 #include "platform/failure.h"
-#include "platform/system/folders.h"
 
 struct DecodeJobs::Parts {
     struct Job {

@@ -1,9 +1,9 @@
-#include "platform/codec/encode_file.h"
+#include "engines/codec/encode_file.h"
 
-#include "platform/codec/chunk_encoder.h"
-#include "platform/codec/frame_join.h"
+#include "engines/codec/chunk_encoder.h"
+#include "engines/codec/frame_join.h"
+#include "files/folders.h"
 #include "platform/failure.h"
-#include "platform/system/folders.h"
 
 #include <algorithm>
 

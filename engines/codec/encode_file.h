@@ -1,8 +1,8 @@
 // Turns a WAV file into an MP3 file.
 #pragma once
 
-#include "platform/codec/mp3_settings.h"
-#include "platform/codec/tasks.h"
+#include "engines/codec/mp3_settings.h"
+#include "engines/codec/tasks.h"
 #include "platform/part_notes.h"
 #include "platform/text.h"
 

@@ -1,4 +1,4 @@
-#include "platform/codec/encode_plan.h"
+#include "engines/codec/encode_plan.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // A run of frames in memory, to be changed before it is decoded.
 #pragma once
 
-#include "platform/codec/frame_scan.h"
+#include "engines/formats/frame_scan.h"
 
 #include <cstdint>
 #include <vector>

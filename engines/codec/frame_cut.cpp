@@ -1,4 +1,4 @@
-#include "platform/codec/frame_cut.h"
+#include "engines/codec/frame_cut.h"
 
 #include "platform/failure.h"
 

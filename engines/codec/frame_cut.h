@@ -1,9 +1,9 @@
 // Frames cut out of the middle of a file, made decodable from their first one on.
 #pragma once
 
-#include "platform/codec/frame_bytes.h"
-#include "platform/codec/frame_decoder.h"
-#include "platform/codec/frame_scan.h"
+#include "engines/codec/frame_bytes.h"
+#include "engines/codec/frame_decoder.h"
+#include "engines/formats/frame_scan.h"
 
 #include <cstdint>
 #include <span>

@@ -1,4 +1,4 @@
-#include "platform/codec/frame_decoder.h"
+#include "engines/codec/frame_decoder.h"
 
 #include "platform/failure.h"
 

@@ -1,6 +1,6 @@
-#include "platform/codec/frame_join.h"
+#include "engines/codec/frame_join.h"
 
-#include "platform/codec/side_info.h"
+#include "engines/formats/side_info.h"
 #include "platform/failure.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Joins the frames of two encoders in a stretch that both have encoded.
 #pragma once
 
-#include "platform/codec/lame_encoder.h"
+#include "engines/codec/lame_encoder.h"
 
 #include <span>
 

@@ -1,6 +1,6 @@
-#include "platform/codec/info_tag.h"
+#include "engines/codec/info_tag.h"
 
-#include "platform/codec/frame_scan.h"
+#include "engines/formats/frame_scan.h"
 
 #include <algorithm>
 #include <array>

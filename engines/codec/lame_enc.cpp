@@ -1,11 +1,11 @@
-#include "platform/codec/lame_enc.h"
+#include "engines/codec/lame_enc.h"
 
-#include "platform/codec/conversion_queue.h"
-#include "platform/codec/encode_file.h"
-#include "platform/codec/wav_source.h"
+#include "engines/codec/conversion_queue.h"
+#include "engines/codec/encode_file.h"
+#include "engines/formats/wav_source.h"
+#include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
-#include "platform/system/folders.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "platform/codec/lame_encoder.h"
+#include "engines/codec/lame_encoder.h"
 
 #include "platform/failure.h"
 

@@ -1,9 +1,9 @@
 // One libmp3lame encoder.
 #pragma once
 
-#include "platform/codec/encode_plan.h"
-#include "platform/codec/mp3_settings.h"
-#include "platform/codec/wav_source.h"
+#include "engines/codec/encode_plan.h"
+#include "engines/codec/mp3_settings.h"
+#include "engines/formats/wav_source.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "platform/codec/mp3_settings.h"
+#include "engines/codec/mp3_settings.h"
 
 #include <cstdlib>
 #include <span>

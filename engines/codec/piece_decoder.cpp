@@ -1,6 +1,6 @@
-#include "platform/codec/piece_decoder.h"
+#include "engines/codec/piece_decoder.h"
 
-#include "platform/codec/broken_frame.h"
+#include "engines/codec/broken_frame.h"
 
 #include <algorithm>
 

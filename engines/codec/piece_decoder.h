@@ -1,7 +1,7 @@
 // Decodes a run of frames from the middle of a file, to the bits that decoding from the first frame on gives.
 #pragma once
 
-#include "platform/codec/frame_cut.h"
+#include "engines/codec/frame_cut.h"
 
 #include <cstdint>
 #include <span>

@@ -1,7 +1,7 @@
-#include "platform/disc/burn_job.h"
+#include "engines/disc/burn_job.h"
 
-#include "platform/disc/burn_source.h"
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/burn_source.h"
+#include "engines/disc/disc_contents.h"
 #include "platform/failure.h"
 
 #include <libburn/libburn.h>

@@ -1,8 +1,8 @@
 // A session of tracks on its way onto a disc.
 #pragma once
 
-#include "platform/disc/burn_recorder.h"
-#include "platform/disc/writer_drive.h"
+#include "engines/disc/burn_recorder.h"
+#include "engines/disc/writer_drive.h"
 
 #include <memory>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "platform/disc/burn_recorder.h"
+#include "engines/disc/burn_recorder.h"
 
 #include "platform/failure.h"
 

@@ -1,6 +1,6 @@
-#include "platform/disc/burn_source.h"
+#include "engines/disc/burn_source.h"
 
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/disc_contents.h"
 
 #include <libburn/libburn.h>
 

@@ -1,7 +1,7 @@
 // A track's sound as libburn fetches it: whole sectors, silent behind the file's end.
 #pragma once
 
-#include "platform/disc/cd_sound.h"
+#include "engines/disc/cd_sound.h"
 
 #include <atomic>
 #include <memory>

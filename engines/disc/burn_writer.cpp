@@ -1,7 +1,7 @@
-#include "platform/disc/burn_writer.h"
+#include "engines/disc/burn_writer.h"
 
-#include "platform/disc/burn_job.h"
-#include "platform/disc/errand.h"
+#include "engines/disc/burn_job.h"
+#include "engines/disc/errand.h"
 #include "platform/failure.h"
 
 namespace

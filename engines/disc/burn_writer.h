@@ -1,8 +1,8 @@
 // The real recorders.
 #pragma once
 
-#include "platform/disc/optical_devices.h"
-#include "platform/disc/writer_drive.h"
+#include "engines/disc/optical_devices.h"
+#include "engines/disc/writer_drive.h"
 
 #include <chrono>
 

@@ -1,4 +1,4 @@
-#include "platform/disc/busy_devices.h"
+#include "engines/disc/busy_devices.h"
 
 BusyDevices::Claim::~Claim()
 {

@@ -1,7 +1,7 @@
-#include "platform/disc/cd_sound.h"
+#include "engines/disc/cd_sound.h"
 
-#include "platform/disc/disc_contents.h"
-#include "platform/system/descriptor.h"
+#include "engines/disc/disc_contents.h"
+#include "files/descriptor.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
-#include "platform/disc/cdio_disc.h"
+#include "engines/disc/cdio_disc.h"
 
-#include "platform/disc/sector_rescue.h"
+#include "engines/disc/sector_rescue.h"
 
 #include <cdio/cdio.h>
 #include <cdio/logging.h>

@@ -1,7 +1,7 @@
 // The disc in a real drive, over libcdio. For worker threads: each call waits as long as the drive takes.
 #pragma once
 
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/disc_contents.h"
 #include "platform/text.h"
 
 #include <cstddef>

@@ -1,7 +1,7 @@
-#include "platform/disc/cdio_reader.h"
+#include "engines/disc/cdio_reader.h"
 
-#include "platform/disc/cdio_disc.h"
-#include "platform/disc/errand.h"
+#include "engines/disc/cdio_disc.h"
+#include "engines/disc/errand.h"
 #include "platform/failure.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // The real drives that discs are read from.
 #pragma once
 
-#include "platform/disc/optical_devices.h"
-#include "platform/disc/reader_drive.h"
+#include "engines/disc/optical_devices.h"
+#include "engines/disc/reader_drive.h"
 
 #include <chrono>
 

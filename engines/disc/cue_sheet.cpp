@@ -1,6 +1,6 @@
-#include "platform/disc/cue_sheet.h"
+#include "engines/disc/cue_sheet.h"
 
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/disc_contents.h"
 
 #include <algorithm>
 #include <charconv>

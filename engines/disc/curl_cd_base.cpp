@@ -1,10 +1,11 @@
-#include "platform/disc/curl_cd_base.h"
+#include "engines/disc/curl_cd_base.h"
 
-#include "platform/disc/cddb_answer.h"
-#include "platform/disc/disc_id.h"
-#include "platform/disc/download.h"
-#include "platform/disc/title_cache.h"
+#include "engines/disc/cddb_answer.h"
+#include "engines/disc/disc_id.h"
+#include "engines/disc/download.h"
+#include "engines/disc/title_cache.h"
 #include "platform/failure.h"
+#include "platform/version.h"
 
 #include <pwd.h>
 #include <unistd.h>

@@ -1,8 +1,8 @@
 // CDDB titles over the web.
 #pragma once
 
+#include "engines/disc/disc_contents.h"
 #include "platform/cd_base.h"
-#include "platform/disc/disc_contents.h"
 
 #include <functional>
 #include <memory>

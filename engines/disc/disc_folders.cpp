@@ -1,7 +1,7 @@
-#include "platform/disc/disc_folders.h"
+#include "engines/disc/disc_folders.h"
 
+#include "files/folders.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
 
 namespace
 {

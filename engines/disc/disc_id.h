@@ -2,7 +2,7 @@
 // later sessions too.
 #pragma once
 
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/disc_contents.h"
 #include "platform/text.h"
 
 // The disc's eight hexadecimal digits (the freedb "CDDB DISCID" algorithm).

@@ -1,8 +1,8 @@
-#include "platform/disc/disc_reader.h"
+#include "engines/disc/disc_reader.h"
 
-#include "platform/disc/reader_table.h"
-#include "platform/disc/track_copy.h"
-#include "platform/disc/window_calls.h"
+#include "engines/disc/reader_table.h"
+#include "engines/disc/track_copy.h"
+#include "engines/disc/window_calls.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
 

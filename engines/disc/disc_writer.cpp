@@ -1,7 +1,7 @@
-#include "platform/disc/disc_writer.h"
+#include "engines/disc/disc_writer.h"
 
-#include "platform/disc/disc_writing.h"
-#include "platform/disc/window_calls.h"
+#include "engines/disc/disc_writing.h"
+#include "engines/disc/window_calls.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
 

@@ -1,8 +1,8 @@
 // The disc writer over real recorders and the one that makes disc images.
 #pragma once
 
+#include "engines/disc/writer_drive.h"
 #include "platform/acd_write.h"
-#include "platform/disc/writer_drive.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "platform/disc/disc_writing.h"
+#include "engines/disc/disc_writing.h"
 
 #include "platform/failure.h"
 

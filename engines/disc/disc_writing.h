@@ -1,8 +1,8 @@
 // One disc in the writing, on a thread of its own.
 #pragma once
 
-#include "platform/disc/busy_devices.h"
-#include "platform/disc/writer_drive.h"
+#include "engines/disc/busy_devices.h"
+#include "engines/disc/writer_drive.h"
 #include "platform/shell.h"
 #include "platform/sleep_lock.h"
 

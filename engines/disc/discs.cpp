@@ -1,13 +1,13 @@
-#include "platform/disc/discs.h"
+#include "engines/disc/discs.h"
 
-#include "platform/disc/burn_writer.h"
-#include "platform/disc/cdio_reader.h"
-#include "platform/disc/curl_cd_base.h"
-#include "platform/disc/disc_reader.h"
-#include "platform/disc/disc_writer.h"
-#include "platform/disc/image_drive.h"
-#include "platform/disc/image_recorder.h"
-#include "platform/disc/reader_table.h"
+#include "engines/disc/burn_writer.h"
+#include "engines/disc/cdio_reader.h"
+#include "engines/disc/curl_cd_base.h"
+#include "engines/disc/disc_reader.h"
+#include "engines/disc/disc_writer.h"
+#include "engines/disc/image_drive.h"
+#include "engines/disc/image_recorder.h"
+#include "engines/disc/reader_table.h"
 
 Discs::Discs(DiscFolders folders, Text titleFolder) :
     folders_(std::move(folders)), titleFolder_(std::move(titleFolder)),

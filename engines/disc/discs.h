@@ -1,7 +1,7 @@
 // The program's disc controls over all drives that there are: real ones and disc images.
 #pragma once
 
-#include "platform/disc/disc_folders.h"
+#include "engines/disc/disc_folders.h"
 
 #include <memory>
 

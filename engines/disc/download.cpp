@@ -1,4 +1,5 @@
-#include "platform/disc/download.h"
+#include "engines/disc/download.h"
+#include "platform/version.h"
 
 #include <curl/curl.h>
 #include <dlfcn.h>

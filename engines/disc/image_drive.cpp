@@ -1,10 +1,10 @@
-#include "platform/disc/image_drive.h"
+#include "engines/disc/image_drive.h"
 
-#include "platform/disc/image_file.h"
-#include "platform/disc/image_layout.h"
+#include "engines/disc/image_file.h"
+#include "engines/disc/image_layout.h"
+#include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
 
 #include <algorithm>
 #include <compare>

@@ -1,8 +1,8 @@
 // Disc images as drives: a CUE sheet and the files it names, always with their disc in.
 #pragma once
 
-#include "platform/disc/disc_folders.h"
-#include "platform/disc/reader_drive.h"
+#include "engines/disc/disc_folders.h"
+#include "engines/disc/reader_drive.h"
 
 std::shared_ptr<ReaderDrive> makeImageDrive(const Text& sheetPath);
 

@@ -1,7 +1,7 @@
-#include "platform/disc/image_file.h"
+#include "engines/disc/image_file.h"
 
-#include "platform/disc/cd_sound.h"
-#include "platform/system/descriptor.h"
+#include "engines/disc/cd_sound.h"
+#include "files/descriptor.h"
 
 #include <algorithm>
 #include <cerrno>

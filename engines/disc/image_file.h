@@ -1,7 +1,7 @@
 // One of the files that a disc image is made of.
 #pragma once
 
-#include "platform/disc/cue_sheet.h"
+#include "engines/disc/cue_sheet.h"
 
 #include <cstddef>
 #include <memory>

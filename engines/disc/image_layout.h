@@ -1,8 +1,8 @@
 // Where the sectors of a disc image lie in its files.
 #pragma once
 
-#include "platform/disc/cue_sheet.h"
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/cue_sheet.h"
+#include "engines/disc/disc_contents.h"
 
 #include <optional>
 #include <span>

@@ -1,10 +1,10 @@
-#include "platform/disc/image_recorder.h"
+#include "engines/disc/image_recorder.h"
 
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/disc_contents.h"
+#include "files/folders.h"
+#include "files/output_file.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
-#include "platform/system/folders.h"
-#include "platform/system/output_file.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,8 +1,8 @@
 // The recorder that everybody has: it makes disc images.
 #pragma once
 
-#include "platform/disc/disc_folders.h"
-#include "platform/disc/writer_drive.h"
+#include "engines/disc/disc_folders.h"
+#include "engines/disc/writer_drive.h"
 #include "platform/part_notes.h"
 
 // Each disc becomes a CUE sheet and one file of raw sectors, both named for the time at which its writing

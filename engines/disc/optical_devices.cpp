@@ -1,6 +1,6 @@
-#include "platform/disc/optical_devices.h"
+#include "engines/disc/optical_devices.h"
 
-#include "platform/system/descriptor.h"
+#include "files/descriptor.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

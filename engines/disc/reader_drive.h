@@ -1,7 +1,7 @@
 // What the disc reader needs of one drive, real or a disc image.
 #pragma once
 
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/disc_contents.h"
 #include "platform/text.h"
 
 #include <cstddef>

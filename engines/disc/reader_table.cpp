@@ -1,4 +1,4 @@
-#include "platform/disc/reader_table.h"
+#include "engines/disc/reader_table.h"
 
 #include <algorithm>
 

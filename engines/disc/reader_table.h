@@ -2,8 +2,8 @@
 // for no job.
 #pragma once
 
-#include "platform/disc/busy_devices.h"
-#include "platform/disc/reader_drive.h"
+#include "engines/disc/busy_devices.h"
+#include "engines/disc/reader_drive.h"
 
 #include <map>
 #include <memory>

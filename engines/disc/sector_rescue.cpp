@@ -1,6 +1,6 @@
-#include "platform/disc/sector_rescue.h"
+#include "engines/disc/sector_rescue.h"
 
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/disc_contents.h"
 
 #include <cdio/cdio.h>
 #include <cdio/paranoia/cdda.h>

@@ -1,6 +1,6 @@
-#include "platform/disc/title_cache.h"
+#include "engines/disc/title_cache.h"
 
-#include "platform/disc/disc_id.h"
+#include "engines/disc/disc_id.h"
 #include "platform/paths.h"
 
 #include <unistd.h>

@@ -1,7 +1,7 @@
 // The answers that the CDDB gave, one file a disc, so that a disc is asked for once.
 #pragma once
 
-#include "platform/disc/disc_contents.h"
+#include "engines/disc/disc_contents.h"
 #include "platform/text.h"
 
 #include <optional>

@@ -1,4 +1,4 @@
-#include "platform/disc/track_copy.h"
+#include "engines/disc/track_copy.h"
 
 #include "platform/failure.h"
 

@@ -1,10 +1,10 @@
 // One track on its way from a drive into a WAV file, on threads of its own.
 #pragma once
 
-#include "platform/disc/busy_devices.h"
-#include "platform/disc/reader_drive.h"
-#include "platform/disc/track_pipe.h"
-#include "platform/disc/wav_output.h"
+#include "engines/disc/busy_devices.h"
+#include "engines/disc/reader_drive.h"
+#include "engines/disc/track_pipe.h"
+#include "engines/disc/wav_output.h"
 #include "platform/shell.h"
 #include "platform/sleep_lock.h"
 

@@ -1,4 +1,4 @@
-#include "platform/disc/track_pipe.h"
+#include "engines/disc/track_pipe.h"
 
 namespace
 {

@@ -2,7 +2,7 @@
 // writing one can leave at any time, however long the drive holds the other.
 #pragma once
 
-#include "platform/disc/reader_drive.h"
+#include "engines/disc/reader_drive.h"
 
 #include <condition_variable>
 #include <deque>

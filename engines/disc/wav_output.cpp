@@ -1,6 +1,6 @@
-#include "platform/disc/wav_output.h"
+#include "engines/disc/wav_output.h"
 
-#include "platform/codec/wav_header.h"
+#include "engines/formats/wav_header.h"
 #include "platform/failure.h"
 
 #include <limits>

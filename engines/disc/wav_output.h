@@ -1,7 +1,7 @@
 // A track's WAV file in the making: 16-bit stereo sound of 44100 Hz.
 #pragma once
 
-#include "platform/system/output_file.h"
+#include "files/output_file.h"
 
 class WavOutput
 {

@@ -1,7 +1,7 @@
 // What the disc writer needs of one recorder, real or one that makes disc images.
 #pragma once
 
-#include "platform/disc/cd_sound.h"
+#include "engines/disc/cd_sound.h"
 #include "platform/text.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
-#include "platform/codec/frame_scan.h"
+#include "engines/formats/frame_scan.h"
 
-#include "platform/codec/side_info.h"
+#include "engines/formats/side_info.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,7 +2,7 @@
 // their headers alone.
 #pragma once
 
-#include "platform/codec/source_file.h"
+#include "engines/formats/source_file.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "platform/codec/frame_walk.h"
+#include "engines/formats/frame_walk.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 // Steps from one Layer III frame header to the next, without decoding.
 #pragma once
 
-#include "platform/codec/input_file.h"
-#include "platform/codec/mpeg_header.h"
+#include "engines/formats/mpeg_header.h"
+#include "files/input_file.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "platform/codec/info_frame.h"
+#include "engines/formats/info_frame.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,7 +1,7 @@
 // The silent first frame in which encoders note a file's length: "Xing" or "Info", with LAME's addition.
 #pragma once
 
-#include "platform/codec/mpeg_header.h"
+#include "engines/formats/mpeg_header.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "platform/codec/mix_down.h"
+#include "engines/formats/mix_down.h"
 
 namespace codec
 {

@@ -1,8 +1,8 @@
-#include "platform/codec/mp3_probe.h"
+#include "engines/formats/mp3_probe.h"
 
-#include "platform/codec/frame_walk.h"
-#include "platform/codec/info_frame.h"
-#include "platform/codec/mp3_tags.h"
+#include "engines/formats/frame_walk.h"
+#include "engines/formats/info_frame.h"
+#include "engines/formats/mp3_tags.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // Finds out whether a file is MPEG Layer III, where its sound lies, and how long it is.
 #pragma once
 
-#include "platform/codec/input_file.h"
+#include "files/input_file.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "platform/codec/mp3_tags.h"
+#include "engines/formats/mp3_tags.h"
 
 #include <array>
 #include <charconv>

@@ -1,7 +1,7 @@
 // Where the tags around the frames of an MP3 file end and begin: ID3v1, ID3v2, APE, Lyrics3.
 #pragma once
 
-#include "platform/codec/input_file.h"
+#include "files/input_file.h"
 
 #include <cstdint>
 

@@ -1,4 +1,4 @@
-#include "platform/codec/mpeg_header.h"
+#include "engines/formats/mpeg_header.h"
 
 namespace
 {

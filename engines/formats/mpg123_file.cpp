@@ -1,4 +1,4 @@
-#include "platform/codec/mpg123_file.h"
+#include "engines/formats/mpg123_file.h"
 
 #include <algorithm>
 #include <mpg123.h>

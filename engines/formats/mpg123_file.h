@@ -2,7 +2,7 @@
 // 16 bits, exact seeks, tags left out. For one thread at a time.
 #pragma once
 
-#include "platform/codec/mp3_probe.h"
+#include "engines/formats/mp3_probe.h"
 
 #include <cstdint>
 #include <memory>

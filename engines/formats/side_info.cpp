@@ -1,4 +1,4 @@
-#include "platform/codec/side_info.h"
+#include "engines/formats/side_info.h"
 
 #include <algorithm>
 

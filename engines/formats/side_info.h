@@ -1,7 +1,7 @@
 // The side information of a layer III frame (ISO/IEC 11172-3, 2.4.1.7; 13818-3, 2.4.1.7).
 #pragma once
 
-#include "platform/codec/frame_scan.h"
+#include "engines/formats/frame_scan.h"
 
 #include <cstdint>
 

@@ -1,4 +1,4 @@
-#include "platform/codec/source_file.h"
+#include "engines/formats/source_file.h"
 
 #include "platform/failure.h"
 

@@ -1,7 +1,7 @@
 // The file that a conversion reads, from any thread: what it lacks is a failure, not an end.
 #pragma once
 
-#include "platform/codec/input_file.h"
+#include "files/input_file.h"
 
 namespace codec
 {

@@ -1,4 +1,4 @@
-#include "platform/audio/stereo_mix.h"
+#include "engines/formats/stereo_mix.h"
 
 #include <algorithm>
 #include <cmath>

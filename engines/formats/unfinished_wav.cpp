@@ -1,4 +1,4 @@
-#include "platform/codec/unfinished_wav.h"
+#include "engines/formats/unfinished_wav.h"
 
 #include <algorithm>
 #include <array>

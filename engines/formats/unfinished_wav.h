@@ -1,7 +1,7 @@
 // WAV files whose writer died before it filled in their sizes.
 #pragma once
 
-#include "platform/codec/source_file.h"
+#include "engines/formats/source_file.h"
 
 #include <cstdint>
 #include <optional>

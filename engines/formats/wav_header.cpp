@@ -1,4 +1,4 @@
-#include "platform/codec/wav_header.h"
+#include "engines/formats/wav_header.h"
 
 #include <algorithm>
 #include <string_view>

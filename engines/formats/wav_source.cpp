@@ -1,7 +1,7 @@
-#include "platform/codec/wav_source.h"
+#include "engines/formats/wav_source.h"
 
-#include "platform/codec/mix_down.h"
-#include "platform/codec/unfinished_wav.h"
+#include "engines/formats/mix_down.h"
+#include "engines/formats/unfinished_wav.h"
 #include "platform/failure.h"
 
 #include <algorithm>

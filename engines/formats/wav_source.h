@@ -1,7 +1,7 @@
 // The sound of a WAV file, as the encoder takes it.
 #pragma once
 
-#include "platform/codec/source_file.h"
+#include "engines/formats/source_file.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,7 +1,7 @@
-#include "platform/tags/ape_tag.h"
+#include "engines/tags/ape_tag.h"
 
-#include "platform/tags/byte_order.h"
-#include "platform/tags/tag_text.h"
+#include "engines/tags/byte_order.h"
+#include "engines/tags/tag_text.h"
 
 #include <algorithm>
 #include <utility>

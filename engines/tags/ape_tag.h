@@ -1,8 +1,8 @@
 // An APE tag (APEv1 and APEv2) near the end of a file, item by item.
 #pragma once
 
-#include "platform/tags/byte_source.h"
-#include "platform/tags/field_changes.h"
+#include "engines/tags/field_changes.h"
+#include "files/byte_source.h"
 
 #include <memory>
 #include <optional>

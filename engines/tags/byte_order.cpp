@@ -1,4 +1,4 @@
-#include "platform/tags/byte_order.h"
+#include "engines/tags/byte_order.h"
 
 #include <algorithm>
 

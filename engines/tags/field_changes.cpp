@@ -1,7 +1,7 @@
-#include "platform/tags/field_changes.h"
+#include "engines/tags/field_changes.h"
 
-#include "platform/tags/genre.h"
-#include "platform/tags/tag_text.h"
+#include "engines/tags/genre.h"
+#include "engines/tags/tag_text.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 // What the text formats of tags (ID3v2, APE) share: six fields, each a text, changed one by one.
 #pragma once
 
-#include "platform/tags/tag.h"
+#include "engines/tags/tag.h"
 
 #include <functional>
 #include <vector>

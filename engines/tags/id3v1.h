@@ -1,7 +1,7 @@
 // The ID3v1 tag: the last 128 bytes of a file, fields of fixed length, one byte a character.
 #pragma once
 
-#include "platform/tags/tag.h"
+#include "engines/tags/tag.h"
 
 #include <cstddef>
 #include <string_view>

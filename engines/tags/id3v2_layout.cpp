@@ -1,7 +1,7 @@
-#include "platform/tags/id3v2_layout.h"
+#include "engines/tags/id3v2_layout.h"
 
+#include "engines/tags/byte_order.h"
 #include "platform/failure.h"
-#include "platform/tags/byte_order.h"
 
 #include <algorithm>
 

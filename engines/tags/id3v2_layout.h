@@ -1,7 +1,7 @@
 // Where the parts of an ID3v2 tag (2.2, 2.3, 2.4) lie, without a look into them.
 #pragma once
 
-#include "platform/tags/byte_source.h"
+#include "files/byte_source.h"
 
 #include <memory>
 #include <optional>

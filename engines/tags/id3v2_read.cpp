@@ -1,6 +1,6 @@
-#include "platform/tags/id3v2_read.h"
+#include "engines/tags/id3v2_read.h"
 
-#include "platform/tags/tag_text.h"
+#include "engines/tags/tag_text.h"
 
 #include <algorithm>
 

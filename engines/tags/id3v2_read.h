@@ -1,8 +1,8 @@
 // What an ID3v2 tag says.
 #pragma once
 
-#include "platform/tags/field_changes.h"
-#include "platform/tags/id3v2_layout.h"
+#include "engines/tags/field_changes.h"
+#include "engines/tags/id3v2_layout.h"
 
 // The first readable frame of each kind answers; of the comments, the first without a description.
 HeldTag readId3v2(Id3v2Layout& layout);

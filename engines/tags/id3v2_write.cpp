@@ -1,9 +1,9 @@
-#include "platform/tags/id3v2_write.h"
+#include "engines/tags/id3v2_write.h"
 
+#include "engines/tags/byte_order.h"
+#include "engines/tags/id3v2_read.h"
+#include "engines/tags/tag_text.h"
 #include "platform/failure.h"
-#include "platform/tags/byte_order.h"
-#include "platform/tags/id3v2_read.h"
-#include "platform/tags/tag_text.h"
 
 #include <algorithm>
 #include <map>

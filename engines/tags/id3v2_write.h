@@ -1,8 +1,8 @@
 // How an ID3v2 tag comes to say something else, with every other byte kept.
 #pragma once
 
-#include "platform/tags/field_changes.h"
-#include "platform/tags/id3v2_layout.h"
+#include "engines/tags/field_changes.h"
+#include "engines/tags/id3v2_layout.h"
 
 // The whole tag, header and padding included, after `changes`: of the same length where they fit, and of the
 // same version. Frames that no change names, and what this program does not understand, stay byte for byte.

@@ -1,14 +1,14 @@
-#include "platform/tags/tag_file.h"
+#include "engines/tags/tag_file.h"
 
-#include "platform/codec/mp3_probe.h"
+#include "engines/formats/mp3_probe.h"
+#include "engines/tags/id3v1.h"
+#include "engines/tags/id3v2_read.h"
+#include "engines/tags/id3v2_write.h"
+#include "engines/tags/tag_parts.h"
+#include "engines/tags/tag_text.h"
+#include "files/file_swap.h"
+#include "files/folders.h"
 #include "platform/failure.h"
-#include "platform/system/folders.h"
-#include "platform/tags/file_swap.h"
-#include "platform/tags/id3v1.h"
-#include "platform/tags/id3v2_read.h"
-#include "platform/tags/id3v2_write.h"
-#include "platform/tags/tag_parts.h"
-#include "platform/tags/tag_text.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // Reads and writes the tag in an MP3 file.
 #pragma once
 
-#include "platform/tags/tag.h"
+#include "engines/tags/tag.h"
 
 // ID3v2 first, then APE, then ID3v1, field by field. An empty tag for a file without one, for one that cannot
 // be read, and for what is no MP3 file.

@@ -1,6 +1,6 @@
-#include "platform/tags/tag_parts.h"
+#include "engines/tags/tag_parts.h"
 
-#include "platform/tags/id3v1.h"
+#include "engines/tags/id3v1.h"
 
 TagParts tagPartsOf(ByteSource& file)
 {

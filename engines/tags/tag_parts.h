@@ -1,9 +1,9 @@
 // Where the tags in an MP3 file lie: ID3v2 at its head, then the audio, then APE, then ID3v1.
 #pragma once
 
-#include "platform/tags/ape_tag.h"
-#include "platform/tags/byte_source.h"
-#include "platform/tags/id3v2_layout.h"
+#include "engines/tags/ape_tag.h"
+#include "engines/tags/id3v2_layout.h"
+#include "files/byte_source.h"
 
 #include <optional>
 

@@ -1,4 +1,4 @@
-#include "platform/tags/tag_text.h"
+#include "engines/tags/tag_text.h"
 
 #include <algorithm>
 #include <charconv>

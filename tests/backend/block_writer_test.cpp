@@ -1,4 +1,4 @@
-#include "platform/system/block_writer.h"
+#include "files/block_writer.h"
 
 #include "tests/support/failures.h"
 #include "tests/support/files.h"

@@ -1,8 +1,8 @@
-#include "platform/disc/burn_writer.h"
+#include "engines/disc/burn_writer.h"
 
-#include "platform/disc/cdio_reader.h"
+#include "engines/disc/cdio_reader.h"
+#include "files/descriptor.h"
 #include "platform/failure.h"
-#include "platform/system/descriptor.h"
 #include "tests/support/disc_sounds.h"
 #include "tests/support/simulated_drive.h"
 

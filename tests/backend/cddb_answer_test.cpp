@@ -1,4 +1,4 @@
-#include "platform/disc/cddb_answer.h"
+#include "engines/disc/cddb_answer.h"
 
 #include <doctest/doctest.h>
 

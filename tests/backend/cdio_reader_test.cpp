@@ -1,7 +1,7 @@
-#include "platform/disc/cdio_reader.h"
+#include "engines/disc/cdio_reader.h"
 
+#include "files/descriptor.h"
 #include "platform/failure.h"
-#include "platform/system/descriptor.h"
 #include "tests/support/disc_desk.h"
 #include "tests/support/simulated_drive.h"
 

@@ -1,5 +1,5 @@
-#include "platform/codec/decode_file.h"
-#include "platform/codec/encode_file.h"
+#include "engines/codec/decode_file.h"
+#include "engines/codec/encode_file.h"
 #include "tests/support/child.h"
 #include "tests/support/failures.h"
 #include "tests/support/lame_alone.h"

@@ -1,4 +1,4 @@
-#include "platform/disc/cue_sheet.h"
+#include "engines/disc/cue_sheet.h"
 
 #include <doctest/doctest.h>
 

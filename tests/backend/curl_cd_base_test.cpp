@@ -1,6 +1,6 @@
-#include "platform/disc/curl_cd_base.h"
+#include "engines/disc/curl_cd_base.h"
 
-#include "platform/disc/disc_id.h"
+#include "engines/disc/disc_id.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
 #include "tests/support/loopback_server.h"

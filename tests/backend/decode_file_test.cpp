@@ -1,8 +1,8 @@
-#include "platform/codec/decode_file.h"
+#include "engines/codec/decode_file.h"
 
-#include "platform/codec/frame_scan.h"
-#include "platform/codec/piece_decoder.h"
-#include "platform/codec/wav_header.h"
+#include "engines/codec/piece_decoder.h"
+#include "engines/formats/frame_scan.h"
+#include "engines/formats/wav_header.h"
 #include "tests/support/failures.h"
 #include "tests/support/mp3_zoo.h"
 

@@ -1,4 +1,4 @@
-#include "platform/codec/decode_jobs.h"
+#include "engines/codec/decode_jobs.h"
 
 #include "tests/support/lame_alone.h"
 #include "tests/support/temporary_folder.h"

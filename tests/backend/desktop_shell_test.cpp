@@ -1,7 +1,7 @@
-#include "platform/system/desktop_shell.h"
+#include "desktop/desktop_shell.h"
 
-#include "platform/system/programs.h"
-#include "platform/system/tool_registry.h"
+#include "desktop/programs.h"
+#include "desktop/tool_registry.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
 #include "tests/support/private_bus.h"

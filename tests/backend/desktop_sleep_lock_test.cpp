@@ -1,4 +1,4 @@
-#include "platform/system/desktop_sleep_lock.h"
+#include "desktop/desktop_sleep_lock.h"
 
 #include "tests/support/private_bus.h"
 #include "tests/support/timing.h"

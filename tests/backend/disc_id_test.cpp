@@ -1,4 +1,4 @@
-#include "platform/disc/disc_id.h"
+#include "engines/disc/disc_id.h"
 
 #include <doctest/doctest.h>
 

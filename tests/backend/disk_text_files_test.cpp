@@ -1,6 +1,6 @@
-#include "platform/system/disk_text_files.h"
+#include "files/disk_text_files.h"
 
-#include "platform/system/state_part_notes.h"
+#include "files/state_part_notes.h"
 #include "tests/support/child.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"

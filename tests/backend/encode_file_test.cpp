@@ -1,7 +1,7 @@
-#include "platform/codec/encode_file.h"
+#include "engines/codec/encode_file.h"
 
-#include "platform/codec/decode_file.h"
-#include "platform/codec/lame_encoder.h"
+#include "engines/codec/decode_file.h"
+#include "engines/codec/lame_encoder.h"
 #include "tests/support/info_reader.h"
 #include "tests/support/lame_alone.h"
 #include "tests/support/temporary_folder.h"

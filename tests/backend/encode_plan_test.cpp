@@ -1,7 +1,7 @@
-#include "platform/codec/encode_plan.h"
+#include "engines/codec/encode_plan.h"
 
-#include "platform/codec/lame_encoder.h"
-#include "platform/codec/mp3_settings.h"
+#include "engines/codec/lame_encoder.h"
+#include "engines/codec/mp3_settings.h"
 
 #include <doctest/doctest.h>
 

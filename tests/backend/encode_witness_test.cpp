@@ -1,4 +1,4 @@
-#include "platform/codec/encode_file.h"
+#include "engines/codec/encode_file.h"
 #include "tests/support/info_reader.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/tool.h"

@@ -1,4 +1,4 @@
-#include "platform/codec/frame_join.h"
+#include "engines/codec/frame_join.h"
 
 #include "platform/failure.h"
 

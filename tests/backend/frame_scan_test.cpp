@@ -1,6 +1,6 @@
-#include "platform/codec/frame_scan.h"
+#include "engines/formats/frame_scan.h"
 
-#include "platform/codec/frame_cut.h"
+#include "engines/codec/frame_cut.h"
 #include "tests/support/lame_alone.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wav_files.h"

@@ -1,4 +1,4 @@
-#include "platform/tags/genre.h"
+#include "engines/tags/genre.h"
 
 #include "info/genre_rows.h"
 

@@ -1,4 +1,4 @@
-#include "platform/disc/image_layout.h"
+#include "engines/disc/image_layout.h"
 
 #include <doctest/doctest.h>
 

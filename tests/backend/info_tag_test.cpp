@@ -1,4 +1,4 @@
-#include "platform/codec/info_tag.h"
+#include "engines/codec/info_tag.h"
 
 #include "tests/support/info_reader.h"
 

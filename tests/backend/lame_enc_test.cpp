@@ -1,4 +1,4 @@
-#include "platform/codec/lame_enc.h"
+#include "engines/codec/lame_enc.h"
 
 #include "tests/support/child.h"
 #include "tests/support/failures.h"

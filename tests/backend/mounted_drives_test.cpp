@@ -1,6 +1,6 @@
-#include "platform/system/mounted_drives.h"
+#include "desktop/mounted_drives.h"
 
-#include "platform/system/mounts.h"
+#include "desktop/mounts.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"

@@ -1,4 +1,4 @@
-#include "platform/audio/opened_sound.h"
+#include "engines/audio/opened_sound.h"
 #include "tests/support/mp3_frames.h"
 #include "tests/support/no_sound.h"
 #include "tests/support/recordings.h"

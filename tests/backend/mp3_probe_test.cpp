@@ -1,5 +1,5 @@
-#include "platform/codec/mp3_probe.h"
-#include "platform/codec/mpeg_header.h"
+#include "engines/formats/mp3_probe.h"
+#include "engines/formats/mpeg_header.h"
 
 #include "tests/support/files.h"
 #include "tests/support/mp3_frames.h"

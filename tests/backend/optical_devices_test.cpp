@@ -1,4 +1,4 @@
-#include "platform/disc/optical_devices.h"
+#include "engines/disc/optical_devices.h"
 
 #include "tests/support/simulated_drive.h"
 

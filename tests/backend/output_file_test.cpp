@@ -1,6 +1,6 @@
-#include "platform/system/output_file.h"
+#include "files/output_file.h"
 
-#include "platform/system/folders.h"
+#include "files/folders.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"

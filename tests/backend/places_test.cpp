@@ -1,7 +1,7 @@
-#include "platform/system/places.h"
+#include "desktop/places.h"
 
-#include "platform/system/disk_text_files.h"
-#include "platform/system/state_part_notes.h"
+#include "files/disk_text_files.h"
+#include "files/state_part_notes.h"
 #include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"
 

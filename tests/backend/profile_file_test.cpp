@@ -1,8 +1,8 @@
-#include "platform/system/disk_profile_file.h"
+#include "files/disk_profile_file.h"
 
-#include "platform/system/disk_text_files.h"
-#include "platform/system/profile_text.h"
-#include "platform/system/state_part_notes.h"
+#include "files/disk_text_files.h"
+#include "files/profile_text.h"
+#include "files/state_part_notes.h"
 #include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"

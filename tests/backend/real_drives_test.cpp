@@ -1,7 +1,7 @@
-#include "platform/disc/discs.h"
+#include "engines/disc/discs.h"
 
+#include "engines/disc/disc_id.h"
 #include "platform/cd_base.h"
-#include "platform/disc/disc_id.h"
 #include "tests/support/disc_desk.h"
 #include "tests/support/loopback_server.h"
 #include "tests/support/simulated_drive.h"

@@ -1,7 +1,7 @@
-#include "platform/audio/feed.h"
-#include "platform/audio/gain.h"
-#include "platform/audio/hearing_log.h"
-#include "platform/audio/timeline.h"
+#include "engines/audio/feed.h"
+#include "engines/audio/gain.h"
+#include "engines/audio/hearing_log.h"
+#include "engines/audio/timeline.h"
 
 #include <doctest/doctest.h>
 #include <numeric>

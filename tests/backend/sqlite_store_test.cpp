@@ -1,4 +1,4 @@
-#include "platform/system/sqlite_store.h"
+#include "desktop/sqlite_store.h"
 
 #include "tests/support/child.h"
 #include "tests/support/files.h"

@@ -1,4 +1,4 @@
-#include "platform/system/state_part_notes.h"
+#include "files/state_part_notes.h"
 
 #include "tests/support/child.h"
 #include "tests/support/files.h"

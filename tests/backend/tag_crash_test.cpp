@@ -1,6 +1,6 @@
 // Kills a process that writes tags, at random moments: the file must always be whole, the old one or the new
 // one.
-#include "platform/tags/tag_file.h"
+#include "engines/tags/tag_file.h"
 
 #include "tests/support/child.h"
 #include "tests/support/mp3_files.h"

@@ -1,5 +1,5 @@
 // Damaged files: reading and writing their tags must end, and never spoil what they do not understand.
-#include "platform/tags/tag_file.h"
+#include "engines/tags/tag_file.h"
 
 #include "tests/support/mp3_files.h"
 

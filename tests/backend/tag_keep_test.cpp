@@ -1,5 +1,5 @@
 // What writing a tag must leave as it is.
-#include "platform/tags/tag_file.h"
+#include "engines/tags/tag_file.h"
 
 #include "tests/support/mp3_files.h"
 

@@ -1,8 +1,8 @@
 // Where and under what rights a tag is written: what becomes of the file, its names and its folder.
-#include "platform/tags/tag_file.h"
+#include "engines/tags/tag_file.h"
 
-#include "platform/system/descriptor.h"
-#include "platform/tags/file_swap.h"
+#include "files/descriptor.h"
+#include "files/file_swap.h"
 #include "tests/support/answer_of_child.h"
 #include "tests/support/failures.h"
 #include "tests/support/mp3_files.h"

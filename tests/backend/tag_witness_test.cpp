@@ -1,5 +1,5 @@
 // What an independent reader (ffprobe) says of the tags that are written.
-#include "platform/tags/tag_file.h"
+#include "engines/tags/tag_file.h"
 
 #include "tests/support/mp3_files.h"
 

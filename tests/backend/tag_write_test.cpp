@@ -1,4 +1,4 @@
-#include "platform/tags/tag_file.h"
+#include "engines/tags/tag_file.h"
 
 #include "tests/support/mp3_files.h"
 

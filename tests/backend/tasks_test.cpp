@@ -1,4 +1,4 @@
-#include "platform/codec/tasks.h"
+#include "engines/codec/tasks.h"
 
 #include <doctest/doctest.h>
 

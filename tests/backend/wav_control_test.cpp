@@ -1,4 +1,4 @@
-#include "platform/audio/thinned_source.h"
+#include "engines/audio/thinned_source.h"
 #include "tests/support/no_sound.h"
 #include "tests/support/recordings.h"
 #include "tests/support/sound_files.h"

@@ -1,8 +1,8 @@
-#include "platform/codec/wav_source.h"
+#include "engines/formats/wav_source.h"
 
-#include "platform/codec/decode_file.h"
-#include "platform/codec/encode_file.h"
-#include "platform/codec/mix_down.h"
+#include "engines/codec/decode_file.h"
+#include "engines/codec/encode_file.h"
+#include "engines/formats/mix_down.h"
 #include "tests/support/failures.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wav_files.h"

@@ -5,7 +5,7 @@
 #include "fakes/recording_engines.h"
 #include "fakes/scripted_services.h"
 #include "platform/platform.h"
-#include "platform/toolkit/toolkit.h"
+#include "toolkit/toolkit.h"
 
 class FakePlatform : public Platform
 {

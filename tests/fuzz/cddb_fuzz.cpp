@@ -1,5 +1,5 @@
 // A CDDB server's answers, whatever they hold.
-#include "platform/disc/cddb_answer.h"
+#include "engines/disc/cddb_answer.h"
 
 #include <cstdint>
 

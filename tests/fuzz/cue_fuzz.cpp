@@ -1,6 +1,6 @@
 // Any bytes as a CUE sheet: what is read of it holds together, and so does the disc that it makes of files of
 // any length.
-#include "platform/disc/image_layout.h"
+#include "engines/disc/image_layout.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 // Frames cut out of a file sound, bit for bit, as they do when it is decoded from its start, unless one of
 // all its frames breaks off in the decoder.
-#include "platform/codec/piece_decoder.h"
+#include "engines/codec/piece_decoder.h"
 #include "platform/failure.h"
 #include "tests/fuzz/input.h"
 

@@ -1,5 +1,5 @@
 // Whatever a file holds, looking for its frames ends, and the places that are found lie in order within it.
-#include "platform/codec/frame_scan.h"
+#include "engines/formats/frame_scan.h"
 #include "tests/fuzz/input.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // Any bytes as a private profile: reading stays inside them, and what was written is read back and written
 // once.
-#include "platform/system/profile_text.h"
+#include "files/profile_text.h"
 
 #include <cstdint>
 #include <cstdlib>

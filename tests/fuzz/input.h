@@ -1,7 +1,7 @@
 // A fuzzer's bytes as a file without a disk.
 #pragma once
 
-#include "platform/codec/source_file.h"
+#include "engines/formats/source_file.h"
 
 #include <cstdint>
 #include <sys/mman.h>

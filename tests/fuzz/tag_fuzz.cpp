@@ -3,9 +3,9 @@
 //
 // An input is the head of a file and its tail, with four MP3 frames between them, so that the file stays one
 // worth reading: a byte for the new tag, two for the length of the head, then both.
-#include "platform/tags/tag_file.h"
+#include "engines/tags/tag_file.h"
 
-#include "platform/tags/tag_parts.h"
+#include "engines/tags/tag_parts.h"
 #include "tests/support/mp3_files.h"
 
 #include <algorithm>

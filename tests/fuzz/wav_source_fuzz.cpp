@@ -1,5 +1,5 @@
 // Whatever a file holds, it is refused or read to its end, and no sample exceeds full scale.
-#include "platform/codec/wav_source.h"
+#include "engines/formats/wav_source.h"
 #include "platform/failure.h"
 #include "tests/fuzz/input.h"
 

@@ -2,13 +2,13 @@
 // recording fakes.
 #pragma once
 
-#include "platform/disc/busy_devices.h"
-#include "platform/disc/disc_folders.h"
-#include "platform/disc/disc_reader.h"
-#include "platform/disc/disc_writer.h"
-#include "platform/disc/image_drive.h"
-#include "platform/disc/image_recorder.h"
-#include "platform/disc/reader_table.h"
+#include "engines/disc/busy_devices.h"
+#include "engines/disc/disc_folders.h"
+#include "engines/disc/disc_reader.h"
+#include "engines/disc/disc_writer.h"
+#include "engines/disc/image_drive.h"
+#include "engines/disc/image_recorder.h"
+#include "engines/disc/reader_table.h"
 #include "platform/part_notes.h"
 #include "platform/post.h"
 #include "platform/shell.h"

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "platform/numbers.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/image.h"
-#include "platform/toolkit/interval_timer.h"
-#include "platform/toolkit/label.h"
+#include "toolkit/form.h"
+#include "toolkit/image.h"
+#include "toolkit/interval_timer.h"
+#include "toolkit/label.h"
 
 #include <QWidget>
 #include <functional>

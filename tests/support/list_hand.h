@@ -1,8 +1,8 @@
 // A user's hand on a list box: keys and mouse buttons, as the window system would send them.
 #pragma once
 
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/list_box.h"
+#include "toolkit/form.h"
+#include "toolkit/list_box.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

@@ -1,7 +1,7 @@
 // A web server on the loopback interface, with the manners that a test gives it.
 #pragma once
 
-#include "platform/system/descriptor.h"
+#include "files/descriptor.h"
 #include "platform/text.h"
 
 #include <arpa/inet.h>

@@ -2,8 +2,8 @@
 // control under it, which then has the pointer until its buttons are up.
 #pragma once
 
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/image.h"
+#include "toolkit/form.h"
+#include "toolkit/image.h"
 
 #include <QWidget>
 #include <QWindow>

@@ -1,7 +1,7 @@
 // A drive that does what the test says.
 #pragma once
 
-#include "platform/disc/reader_drive.h"
+#include "engines/disc/reader_drive.h"
 #include "platform/failure.h"
 #include "tests/support/disc_sounds.h"
 

@@ -1,7 +1,7 @@
 // A recorder that does what the test says.
 #pragma once
 
-#include "platform/disc/writer_drive.h"
+#include "engines/disc/writer_drive.h"
 #include "platform/failure.h"
 
 #include <atomic>

@@ -1,10 +1,10 @@
 // What the engines are given in place of the program around them, and the engines on it.
 #pragma once
 
+#include "engines/audio/mpg123_play.h"
+#include "engines/audio/sndfile_control.h"
+#include "engines/audio/sound_output.h"
 #include "platform/activity.h"
-#include "platform/audio/mpg123_play.h"
-#include "platform/audio/sndfile_control.h"
-#include "platform/audio/sound_output.h"
 #include "platform/part_notes.h"
 #include "platform/post.h"
 #include "platform/shell.h"

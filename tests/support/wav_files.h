@@ -1,7 +1,7 @@
 // WAV files made and read in a test.
 #pragma once
 
-#include "platform/codec/wav_header.h"
+#include "engines/formats/wav_header.h"
 #include "platform/text.h"
 #include "tests/support/files.h"
 #include "tests/support/music.h"

@@ -1,7 +1,7 @@
 // The window system's side of a form's controls.
 #pragma once
 
-#include "platform/toolkit/form.h"
+#include "toolkit/form.h"
 
 #include <QApplication>
 #include <QKeyEvent>

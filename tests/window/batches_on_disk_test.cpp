@@ -1,8 +1,8 @@
 // The batches with the real encoder and decoder, on real folders.
+#include "engines/audio/mpg123_play.h"
+#include "engines/audio/sound_output.h"
+#include "engines/codec/lame_enc.h"
 #include "info/error.h"
-#include "platform/audio/mpg123_play.h"
-#include "platform/audio/sound_output.h"
-#include "platform/codec/lame_enc.h"
 #include "platform/part_notes.h"
 #include "support/files.h"
 #include "support/lame_alone.h"

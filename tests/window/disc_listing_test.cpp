@@ -1,4 +1,4 @@
-#include "platform/disc/curl_cd_base.h"
+#include "engines/disc/curl_cd_base.h"
 #include "support/disc_program.h"
 #include "support/failures.h"
 #include "support/loopback_server.h"

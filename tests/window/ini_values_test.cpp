@@ -1,6 +1,6 @@
+#include "files/disk_profile_file.h"
+#include "files/disk_text_files.h"
 #include "platform/part_notes.h"
-#include "platform/system/disk_profile_file.h"
-#include "platform/system/disk_text_files.h"
 #include "support/files.h"
 #include "support/player.h"
 #include "support/temporary_folder.h"

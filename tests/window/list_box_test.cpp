@@ -1,8 +1,8 @@
 #include "platform/failure.h"
-#include "platform/toolkit/list_box.h"
-#include "platform/toolkit/toolkit.h"
 #include "support/failures.h"
 #include "support/list_hand.h"
+#include "toolkit/list_box.h"
+#include "toolkit/toolkit.h"
 
 #include <QDropEvent>
 #include <QMimeData>

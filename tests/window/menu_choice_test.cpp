@@ -1,6 +1,6 @@
-#include "platform/system/qt_popup_menu.h"
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/toolkit.h"
+#include "desktop/qt_popup_menu.h"
+#include "toolkit/form.h"
+#include "toolkit/toolkit.h"
 
 #include <QApplication>
 #include <QKeyEvent>

@@ -1,4 +1,4 @@
-#include "platform/system/qt_message_boxes.h"
+#include "desktop/qt_message_boxes.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>

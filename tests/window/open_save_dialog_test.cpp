@@ -1,4 +1,4 @@
-#include "platform/system/qt_open_save_dialog.h"
+#include "desktop/qt_open_save_dialog.h"
 #include "support/failures.h"
 #include "support/files.h"
 #include "support/temporary_folder.h"

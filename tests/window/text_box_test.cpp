@@ -1,6 +1,6 @@
-#include "platform/toolkit/form.h"
-#include "platform/toolkit/text_box.h"
-#include "platform/toolkit/toolkit.h"
+#include "toolkit/form.h"
+#include "toolkit/text_box.h"
+#include "toolkit/toolkit.h"
 
 #include <QApplication>
 #include <QClipboard>

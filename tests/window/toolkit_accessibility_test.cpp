@@ -1,6 +1,6 @@
-#include "platform/toolkit/toolkit.h"
 #include "support/face.h"
 #include "support/player.h"
+#include "toolkit/toolkit.h"
 
 #include <QAccessible>
 #include <doctest/doctest.h>

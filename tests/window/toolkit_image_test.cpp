@@ -1,6 +1,6 @@
-#include "platform/toolkit/toolkit.h"
 #include "support/face.h"
 #include "support/pointer.h"
+#include "toolkit/toolkit.h"
 
 #include <QApplication>
 #include <doctest/doctest.h>

@@ -1,5 +1,5 @@
-#include "platform/toolkit/toolkit.h"
 #include "support/face.h"
+#include "toolkit/toolkit.h"
 
 #include <QAccessible>
 #include <QImage>

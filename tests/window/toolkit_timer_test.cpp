@@ -1,7 +1,7 @@
-#include "platform/toolkit/toolkit.h"
 #include "support/face.h"
 #include "support/pointer.h"
 #include "support/waiting.h"
+#include "toolkit/toolkit.h"
 
 #include <QElapsedTimer>
 #include <doctest/doctest.h>
