@@ -53,12 +53,22 @@ void settle(const Descriptor& file, std::uint64_t revision)
     stampPrecisely(file);
 }
 
+// What a person saves must outlast a power cut, whoever wrote it. A file that may still change unnoticed is
+// compared anew the next time.
+void keepStanding(StandingText& standing, std::uint64_t revision, const FileLeft& left)
+{
+    if (revision == 0)
+        flushToDisk(standing.file());
+    const std::uint64_t provable = standing.hasSettled() ? revision : 0;
+    left(provable, standing.release());
+}
+
 // Once a write has failed rows are missing: the old file stays, though the disk may have room again.
 class OutputBeside final : public TextOutput
 {
 public:
-    OutputBeside(std::unique_ptr<PartFile> part, FileLeft left) :
-        part_(std::move(part)), left_(std::move(left))
+    OutputBeside(std::unique_ptr<PartFile> part, StandingText standing, FileLeft left) :
+        part_(std::move(part)), standing_(std::move(standing)), left_(std::move(left))
     {
     }
 
@@ -71,15 +81,23 @@ public:
 
     void finish(std::uint64_t revision) override
     {
-        writePending();
-        settle(part_->file(), revision);
-        if (!part_->takePlace())
-            fail(errno);
-        left_(revision, part_->release());
+        if (failed_)
+            throw *failed_;
+        standing_.compare(pending_);
+        if (standing_.isSame())
+            keepStanding(standing_, revision, left_);
+        else
+            replace(revision);
     }
 
 private:
     void writePending()
+    {
+        standing_.compare(pending_);
+        putPending();
+    }
+
+    void putPending()
     {
         if (failed_)
             throw *failed_;
@@ -89,7 +107,17 @@ private:
             throw *failed_;
     }
 
+    void replace(std::uint64_t revision)
+    {
+        putPending();
+        settle(part_->file(), revision);
+        if (!part_->takePlace())
+            fail(errno);
+        left_(revision, part_->release());
+    }
+
     std::unique_ptr<PartFile> part_;
+    StandingText standing_;
     FileLeft left_;
     Text pending_;
     std::optional<Failure> failed_;
@@ -98,8 +126,8 @@ private:
 class FileInPlace final : public TextOutput
 {
 public:
-    FileInPlace(Descriptor file, off_t oldSize, FileLeft left) :
-        file_(std::move(file)), oldSize_(oldSize), left_(std::move(left))
+    FileInPlace(const Text& path, Descriptor file, off_t oldSize, FileLeft left) :
+        standing_(path, std::move(file)), oldSize_(oldSize), left_(std::move(left))
     {
     }
 
@@ -107,28 +135,37 @@ public:
 
     void finish(std::uint64_t revision) override
     {
-        const auto size = static_cast<off_t>(bytes_.size());
-        makeRoom(size);
-        writeAll(file_, bytes_);
-        if (ftruncate(file_.number(), size) != 0)
-            fail(errno);
-        settle(file_, revision);
-        left_(revision, std::move(file_));
+        standing_.compare(bytes_);
+        if (standing_.isSame())
+            keepStanding(standing_, revision, left_);
+        else
+            writeOver(revision);
     }
 
 private:
+    void writeOver(std::uint64_t revision)
+    {
+        const auto size = static_cast<off_t>(bytes_.size());
+        makeRoom(size);
+        writeAll(standing_.file(), bytes_);
+        if (ftruncate(standing_.file().number(), size) != 0)
+            fail(errno);
+        settle(standing_.file(), revision);
+        left_(revision, standing_.release());
+    }
+
     // Before the first old byte goes: a full disk then leaves the old file.
     void makeRoom(off_t size)
     {
         if (size <= oldSize_)
             return;
-        if (const int error = posix_fallocate(file_.number(), 0, size); error != 0) {
-            std::ignore = ftruncate(file_.number(), oldSize_);
+        if (const int error = posix_fallocate(standing_.file().number(), 0, size); error != 0) {
+            std::ignore = ftruncate(standing_.file().number(), oldSize_);
             fail(error);
         }
     }
 
-    Descriptor file_;
+    StandingText standing_;
     off_t oldSize_;
     FileLeft left_;
     Text bytes_;
@@ -148,17 +185,17 @@ private:
 
 }
 
-std::unique_ptr<TextOutput> outputBeside(std::unique_ptr<PartFile> part, FileLeft left)
+std::unique_ptr<TextOutput> outputBeside(std::unique_ptr<PartFile> part, StandingText standing, FileLeft left)
 {
-    return std::make_unique<OutputBeside>(std::move(part), std::move(left));
+    return std::make_unique<OutputBeside>(std::move(part), std::move(standing), std::move(left));
 }
 
-std::unique_ptr<TextOutput> outputInPlace(Descriptor file, FileLeft left)
+std::unique_ptr<TextOutput> outputInPlace(const Text& path, Descriptor file, FileLeft left)
 {
     struct stat status;
     if (fstat(file.number(), &status) != 0)
         fail(errno);
     if (!S_ISREG(status.st_mode))
         return std::make_unique<DeviceOutput>(std::move(file));
-    return std::make_unique<FileInPlace>(std::move(file), status.st_size, std::move(left));
+    return std::make_unique<FileInPlace>(path, std::move(file), status.st_size, std::move(left));
 }

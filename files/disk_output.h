@@ -3,6 +3,7 @@
 
 #include "files/left_file.h"
 #include "files/part_file.h"
+#include "files/standing_text.h"
 #include "platform/text_files.h"
 
 #include <functional>
@@ -10,8 +11,11 @@
 // Called by `finish` when the file stands, under its revision.
 using FileLeft = std::function<void(std::uint64_t revision, Descriptor file)>;
 
-// The usual one: beside the target, and renamed over it.
-std::unique_ptr<TextOutput> outputBeside(std::unique_ptr<PartFile> part, FileLeft left);
+// The usual one: beside the target, and renamed over it. `standing` is what stands there now, if anything:
+// when it turns out to hold what was written, it stays.
+std::unique_ptr<TextOutput> outputBeside(std::unique_ptr<PartFile> part, StandingText standing,
+                                         FileLeft left);
 
-// For a file in a folder that takes no new ones, and for devices. `file` is open for writing and untouched.
-std::unique_ptr<TextOutput> outputInPlace(Descriptor file, FileLeft left);
+// For a file in a folder that takes no new ones, and for devices. `file` stands under `path`, open for
+// writing and untouched.
+std::unique_ptr<TextOutput> outputInPlace(const Text& path, Descriptor file, FileLeft left);

@@ -61,12 +61,12 @@ std::unique_ptr<TextOutput> replaceExisting(const Text& target, Descriptor file,
 {
     const struct stat status = statusOf(file);
     if (!S_ISREG(status.st_mode))
-        return outputInPlace(std::move(file), std::move(left));
+        return outputInPlace(target, std::move(file), std::move(left));
     auto part = std::make_unique<PartFile>(target, &status, notes);
     if (part->error() == 0)
-        return outputBeside(std::move(part), std::move(left));
+        return outputBeside(std::move(part), {target, std::move(file)}, std::move(left));
     if (folderRefuses(part->error()))
-        return outputInPlace(std::move(file), std::move(left));
+        return outputInPlace(target, std::move(file), std::move(left));
     fail(part->error());
 }
 
@@ -74,7 +74,7 @@ std::unique_ptr<TextOutput> makeNew(const Text& target, PartNotes& notes, FileLe
 {
     auto part = std::make_unique<PartFile>(target, nullptr, notes);
     if (part->error() == 0)
-        return outputBeside(std::move(part), std::move(left));
+        return outputBeside(std::move(part), {}, std::move(left));
     throw part->error() == ENOENT ? failure(76) : fileFailure(part->error());
 }
 
@@ -119,11 +119,14 @@ bool DiskTextFiles::stillHolds(const Text& path, std::uint64_t revision)
 
 void DiskTextFiles::keepBackup(const Text& path, std::string_view bytes)
 {
-    succeeds([&] {
-        const auto output = openForOutput(path + ".bak");
+    const Text backup = path + ".bak";
+    const bool kept = succeeds([&] {
+        const auto output = openForOutput(backup);
         output->write(bytes);
         output->finish();
     });
+    if (kept && !left_.contains(path))
+        earlierContentKept_(backup);
 }
 
 std::int64_t DiskTextFiles::length(const Text& path)

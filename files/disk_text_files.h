@@ -5,13 +5,22 @@
 #include "platform/part_notes.h"
 #include "platform/text_files.h"
 
+#include <functional>
 #include <map>
 
 // For one thread. Outlives the outputs that it opened.
 class DiskTextFiles final : public TextFiles
 {
 public:
-    explicit DiskTextFiles(PartNotes& notes) : notes_(notes) {}
+    // `earlierContentKept` hears of a backup of what this process did not write: the user does not know that
+    // it has gone.
+    using BackupKept = std::function<void(const Text& backup)>;
+    explicit DiskTextFiles(
+        PartNotes& notes, BackupKept earlierContentKept = [](const Text&) {}) :
+        notes_(notes),
+        earlierContentKept_(std::move(earlierContentKept))
+    {
+    }
 
     std::unique_ptr<TextOutput> openForOutput(const Text& path) override;
     bool stillHolds(const Text& path, std::uint64_t revision) override;
@@ -23,5 +32,6 @@ private:
     void leave(const Text& path, std::uint64_t revision, Descriptor file);
 
     PartNotes& notes_;
+    BackupKept earlierContentKept_;
     std::map<Text, LeftFile> left_; // those with a revision
 };

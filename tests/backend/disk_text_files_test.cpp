@@ -6,6 +6,7 @@
 #include "tests/support/files.h"
 #include "tests/support/small_disk.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wait_until.h"
 
 #include <doctest/doctest.h>
 
@@ -423,9 +424,96 @@ TEST_CASE("A file is still what was left there until anything about it changes")
         REQUIRE(desk.files.stillHolds(desk.list, 7));
         c.change(desk.list);
         CHECK(desk.files.stillHolds(desk.list, 7) == c.holds);
-        desk.write(desk.list, oldRows, 7);
-        CHECK(desk.files.stillHolds(desk.list, 7));
+        CHECK(waitUntil([&] {
+            desk.write(desk.list, oldRows, 7);
+            return desk.files.stillHolds(desk.list, 7);
+        }));
     }
+}
+
+TEST_CASE("Equal content is not written again, whoever wrote it")
+{
+    const struct {
+        const char* what;
+        Text standing, written;
+        bool stays;
+    } cases[] = {
+        {"the same rows", oldRows, oldRows, true},
+        {"nothing, and nothing again", "", "", true},
+        {"more than a buffer", Text(200'001, 'x'), Text(200'001, 'x'), true},
+        {"another last byte", Text(200'001, 'x'), Text(200'000, 'x') + 'y', false},
+        {"another first byte", 'y' + Text(200'000, 'x'), Text(200'001, 'x'), false},
+        {"a byte more than stands", oldRows, oldRows + 'x', false},
+        {"a byte less than stands", oldRows + 'x', oldRows, false},
+        {"nothing where rows stood", oldRows, "", false},
+        {"rows where nothing stood", "", oldRows, false},
+    };
+    for (const auto& c : cases)
+        for (const std::uint64_t revision : {0, 5}) {
+            CAPTURE(c.what);
+            CAPTURE(revision);
+            Desk desk;
+            putFile(desk.list, c.standing);
+            const struct stat before = desk.status(desk.list);
+            desk.write(desk.list, c.written, revision);
+            const struct stat after = desk.status(desk.list);
+            const bool untouched = after.st_ino == before.st_ino &&
+                                   after.st_ctim.tv_nsec == before.st_ctim.tv_nsec &&
+                                   after.st_ctim.tv_sec == before.st_ctim.tv_sec;
+            CHECK(untouched == c.stays);
+            CHECK(fileBytes(desk.list) == c.written);
+            CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp"});
+        }
+}
+
+TEST_CASE("Equal content that another wrote is held, once its time would show a later change")
+{
+    Desk desk;
+    const Text rows(1000, 'r');
+    desk.write(desk.list, rows, 7);
+    putFile(desk.list, 'x' + rows.substr(1));
+    CHECK_FALSE(desk.files.stillHolds(desk.list, 7));
+    putFile(desk.list, rows);
+    CHECK(waitUntil([&] {
+        desk.write(desk.list, rows, 7);
+        return desk.files.stillHolds(desk.list, 7);
+    }));
+    putFile(desk.list, 'x' + rows.substr(1));
+    CHECK_FALSE(desk.files.stillHolds(desk.list, 7));
+}
+
+TEST_CASE("Equal content is not written again where a file is written in place")
+{
+    Desk desk;
+    putFile(desk.list, oldRows);
+    chmod(desk.list.c_str(), 0666);
+    chmod(desk.folder.path().c_str(), 0755);
+    chmod(desk.lists.c_str(), 0555);
+    const struct stat before = desk.status(desk.list);
+    Child child([&] {
+        becomeNobody();
+        desk.write(desk.list, oldRows, 3);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(desk.status(desk.list).st_ctim.tv_nsec == before.st_ctim.tv_nsec);
+    CHECK(fileBytes(desk.list) == oldRows);
+}
+
+TEST_CASE("Two writers of equal content come to rest")
+{
+    Desk desk;
+    DiskTextFiles other(desk.notes);
+    desk.write(desk.list, oldRows, 1);
+    const auto number = desk.status(desk.list).st_ino;
+    CHECK(waitUntil([&] {
+        for (DiskTextFiles* files : {&desk.files, &other}) {
+            const auto output = files->openForOutput(desk.list);
+            output->write(oldRows);
+            output->finish(1);
+        }
+        return desk.files.stillHolds(desk.list, 1) && other.stillHolds(desk.list, 1);
+    }));
+    CHECK(desk.status(desk.list).st_ino == number);
 }
 
 TEST_CASE("Only the revision that was written is held")
@@ -468,6 +556,23 @@ TEST_CASE("A backup stands beside its file, and one that cannot be kept is no fa
     CHECK(fileBytes(desk.list + ".bak") == "new");
     desk.files.keepBackup(desk.lists + "/none/deflist.vlp", "new");
     CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp.bak"});
+}
+
+TEST_CASE("A backup of what this process did not write is told of, and no other")
+{
+    Desk desk;
+    std::vector<Text> told;
+    DiskTextFiles files(desk.notes, [&](const Text& backup) { told.push_back(backup); });
+    files.keepBackup(desk.lists + "/none/deflist.vlp", oldRows);
+    CHECK(told.empty());
+    putFile(desk.list, oldRows);
+    files.keepBackup(desk.list, oldRows);
+    CHECK(told == std::vector<Text>{desk.list + ".bak"});
+    const auto output = files.openForOutput(desk.list);
+    output->write("a row of this run");
+    output->finish(1);
+    files.keepBackup(desk.list, "a row of this run");
+    CHECK(told.size() == 1);
 }
 
 TEST_CASE("A kill at any instant leaves a whole list, and the next start clears up")
