@@ -16,6 +16,7 @@
 #include "engines/audio/mpg123_play.h"
 #include "engines/audio/sndfile_control.h"
 #include "engines/audio/sound_output.h"
+#include "engines/audio/unopened_files.h"
 #include "engines/codec/lame_enc.h"
 #include "engines/disc/curl_cd_base.h"
 #include "engines/disc/discs.h"
@@ -67,6 +68,7 @@ struct Desktop::Parts {
     SqliteStore store{joined(configFolder(environment), "settings.sqlite")};
     SoundOutput sound{joined(stateFolder(environment), "levels"), toolkit.activity()};
     DesktopShell shell;
+    UnopenedFiles unopened{shell};
     DesktopSleepLock sleepLock{systemBusAddress(environment), sessionBusAddress(environment)};
     Discs discs{{.music = musicFolder(environment), .home = homeFolder(environment)},
                 joined(cacheFolder(environment), "titles")};
@@ -101,7 +103,8 @@ Toolkit& Desktop::toolkit() { return parts_->toolkit; }
 
 std::unique_ptr<Mp3Play> Desktop::makeMp3Play()
 {
-    return makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell(), parts_->partNotes);
+    return makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell(), parts_->partNotes,
+                          parts_->unopened);
 }
 
 std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc()
@@ -121,7 +124,10 @@ std::unique_ptr<ACDWRITE> Desktop::makeACDWRITE()
 
 std::unique_ptr<CdBase> Desktop::makeCdBase() { return parts_->discs.makeTitles(); }
 
-std::unique_ptr<MMControl> Desktop::makeMMControl() { return makeSndfileControl(parts_->sound); }
+std::unique_ptr<MMControl> Desktop::makeMMControl()
+{
+    return makeSndfileControl(parts_->sound, parts_->unopened);
+}
 
 std::unique_ptr<OpenSaveDialog> Desktop::makeOpenSaveDialog() { return std::make_unique<QtOpenSaveDialog>(); }
 

@@ -3,6 +3,7 @@
 #include "engines/audio/opened_sound.h"
 #include "engines/audio/sound_output.h"
 #include "engines/audio/thinned_source.h"
+#include "engines/audio/unopened_files.h"
 #include "engines/audio/voice.h"
 #include "engines/codec/decode_jobs.h"
 #include "engines/tags/genre.h"
@@ -27,7 +28,7 @@ constexpr std::int64_t mostSteps = std::numeric_limits<std::int16_t>::max();
 class Mpg123Play final : public Mp3Play
 {
 public:
-    Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes);
+    Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes, UnopenedFiles& unopened);
 
     std::int16_t Open(const Text& path, const Text& output) override;
     void Close() override;
@@ -76,6 +77,7 @@ private:
     Post& post_;
     Shell& shell_;
     PartNotes& notes_;
+    UnopenedFiles& unopened_;
     std::optional<OpenedSound> sound_;
     Voice voice_;
     std::optional<DecodeJobs> jobs_; // from the first decoding on
@@ -85,8 +87,10 @@ private:
     mutable std::optional<Tag> tag_; // read when it is first asked for
 };
 
-Mpg123Play::Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes) :
-    output_(output), post_(post), shell_(shell), notes_(notes),
+Mpg123Play::Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes,
+                       UnopenedFiles& unopened) :
+    output_(output),
+    post_(post), shell_(shell), notes_(notes), unopened_(unopened),
     voice_(output, AtEnd::rewinds, [&post] { post.post([] {}); })
 {
 }
@@ -97,7 +101,12 @@ std::int16_t Mpg123Play::Open(const Text& path, const Text& output)
     isDecoding_ = !output.empty();
     if (isDecoding_)
         return openDecoding(path, output);
-    return openSound(path) ? opened : notOpened;
+    if (!openSound(path)) {
+        unopened_.failed(path, "MP3 or WAV");
+        return notOpened;
+    }
+    unopened_.opened(path);
+    return opened;
 }
 
 std::int16_t Mpg123Play::openDecoding(const Text& path, const Text& output)
@@ -217,7 +226,8 @@ void Mpg123Play::WriteTag()
 
 }
 
-std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes)
+std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes,
+                                        UnopenedFiles& unopened)
 {
-    return std::make_unique<Mpg123Play>(output, post, shell, notes);
+    return std::make_unique<Mpg123Play>(output, post, shell, notes, unopened);
 }

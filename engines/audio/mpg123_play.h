@@ -10,6 +10,8 @@ class PartNotes;
 class Post;
 class Shell;
 class SoundOutput;
+class UnopenedFiles;
 
 // `post` wakes the window thread when a file has been heard to its end. What is given outlives the engine.
-std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes);
+std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes,
+                                        UnopenedFiles& unopened);

@@ -2,6 +2,7 @@
 
 #include "engines/audio/opened_sound.h"
 #include "engines/audio/thinned_source.h"
+#include "engines/audio/unopened_files.h"
 #include "engines/audio/voice.h"
 
 #include <optional>
@@ -12,7 +13,10 @@ namespace
 class SndfileControl final : public MMControl
 {
 public:
-    explicit SndfileControl(SoundOutput& output) : voice_(output, AtEnd::stays, [] {}) {}
+    SndfileControl(SoundOutput& output, UnopenedFiles& unopened) :
+        unopened_(unopened), voice_(output, AtEnd::stays, [] {})
+    {
+    }
 
     void setDeviceType(const Text&) override {}
     void setFileName(const Text& path) override { path_ = path; }
@@ -28,6 +32,7 @@ private:
     void stop() { voice_.pause(); }
     void close();
 
+    UnopenedFiles& unopened_;
     Text path_;
     Timeline timeline_;
     std::optional<std::int32_t> from_; // milliseconds
@@ -55,8 +60,11 @@ void SndfileControl::open()
 {
     close();
     const auto sound = openWavSound(path_);
-    if (!sound)
+    if (!sound) {
+        unopened_.failed(path_, "WAV");
         return;
+    }
+    unopened_.opened(path_);
     auto [source, timeline, bitsPerSecond, stepFrames] = playable(*sound);
     timeline_ = std::move(timeline);
     voice_.load(std::move(source), timeline_.frames());
@@ -79,7 +87,7 @@ void SndfileControl::close()
 
 }
 
-std::unique_ptr<MMControl> makeSndfileControl(SoundOutput& output)
+std::unique_ptr<MMControl> makeSndfileControl(SoundOutput& output, UnopenedFiles& unopened)
 {
-    return std::make_unique<SndfileControl>(output);
+    return std::make_unique<SndfileControl>(output, unopened);
 }

@@ -6,5 +6,7 @@
 #include <memory>
 
 class SoundOutput;
+class UnopenedFiles;
 
-std::unique_ptr<MMControl> makeSndfileControl(SoundOutput& output);
+// What is given outlives the engine.
+std::unique_ptr<MMControl> makeSndfileControl(SoundOutput& output, UnopenedFiles& unopened);

@@ -4,6 +4,7 @@
 #include "engines/audio/mpg123_play.h"
 #include "engines/audio/sndfile_control.h"
 #include "engines/audio/sound_output.h"
+#include "engines/audio/unopened_files.h"
 #include "platform/activity.h"
 #include "platform/part_notes.h"
 #include "platform/post.h"
@@ -62,8 +63,9 @@ struct SoundParts {
     NotedShell shell;
     CountedActivity activity;
     SoundOutput output{folder / "state/levels", activity};
-    std::unique_ptr<Mp3Play> mp3 = makeMpg123Play(output, post, shell, NoPartNotes::instance());
-    std::unique_ptr<MMControl> wav = makeSndfileControl(output);
+    UnopenedFiles unopened{shell};
+    std::unique_ptr<Mp3Play> mp3 = makeMpg123Play(output, post, shell, NoPartNotes::instance(), unopened);
+    std::unique_ptr<MMControl> wav = makeSndfileControl(output, unopened);
 
     void openWav(const Text& path)
     {

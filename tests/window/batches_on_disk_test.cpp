@@ -70,13 +70,14 @@ public:
         auto fake = FakePlatform::makeMp3Play();
         if (!Mp3Decoder)
             return fake;
-        return makeMpg123Play(output_, toolkit().post(), desktop, NoPartNotes::instance());
+        return makeMpg123Play(output_, toolkit().post(), desktop, NoPartNotes::instance(), unopened_);
     }
     Pump& pump() override { return pump_; }
 
 private:
     NoActivity activity_;
     SoundOutput output_;
+    UnopenedFiles unopened_{desktop};
     BoundedPump pump_;
 };
 

@@ -1,0 +1,54 @@
+#include "engines/audio/unopened_files.h"
+
+#include "files/input_file.h"
+#include "platform/shell.h"
+
+#include <cerrno>
+
+namespace
+{
+
+struct Reason {
+    int error;
+    const char* words;
+};
+
+// clang-format off
+constexpr Reason reasons[] = {
+    {ENOENT,    "There is no such file."},
+    {ENOTDIR,   "There is no such file."},
+    {EACCES,    "It may not be read."},
+    {EPERM,     "It may not be read."},
+    {EINVAL,    "It is no file with sound in it."},
+    {ETIMEDOUT, "The disk or the network that it is on does not answer."},
+    {EIO,       "The disk that it is on cannot be read."},
+};
+// clang-format on
+
+const char* wordsFor(int error)
+{
+    for (const Reason& reason : reasons)
+        if (reason.error == error)
+            return reason.words;
+    return "It cannot be read.";
+}
+
+Text reasonFor(const Text& path, const char* kinds)
+{
+    if (InputFile::open(path) == nullptr)
+        return wordsFor(errno);
+    return Text("It is no ") + kinds + " file, or a damaged one.";
+}
+
+}
+
+void UnopenedFiles::failed(const Text& path, const char* kinds)
+{
+    if (path.empty())
+        return;
+    const Text reason = reasonFor(path, kinds);
+    if (told_[path] == reason)
+        return;
+    told_[path] = reason;
+    shell_.notify("A file cannot be opened", path + ": " + reason);
+}
