@@ -22,6 +22,12 @@ void Program::start()
     remoteControl_ = std::make_unique<RemoteControl>(*this);
 }
 
+void Program::raise()
+{
+    if (remoteControl_)
+        startUp().Show();
+}
+
 template <typename Window>
 Window& Program::touched(std::unique_ptr<Window>& window)
 {

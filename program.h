@@ -26,6 +26,9 @@ public:
     // Loading the main window is starting the program.
     void start();
 
+    // The user looks for the main window. While the program is still starting, there is none.
+    void raise();
+
     // A window's load runs at its first touch, when the window is registered already: what the load touches
     // finds it.
     StartUp& startUp();

@@ -68,6 +68,11 @@ private:
 
 }
 
+bool isNotified(const Text& busAddress, const Text& title, const Text& message)
+{
+    return NotificationService(busAddress).notify(title, message);
+}
+
 Notifications::~Notifications()
 {
     {

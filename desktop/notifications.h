@@ -8,6 +8,9 @@
 #include <mutex>
 #include <thread>
 
+// Shows one, and waits for the desktop's answer: some seconds at most. False where it does not take it.
+bool isNotified(const Text& busAddress, const Text& title, const Text& message);
+
 class Notifications
 {
 public:

@@ -6,11 +6,13 @@
 #include "desktop/folder_scan.h"
 #include "desktop/mounted_drives.h"
 #include "desktop/mpris_remote.h"
+#include "desktop/only_copy.h"
 #include "desktop/places.h"
 #include "desktop/qt_message_boxes.h"
 #include "desktop/qt_open_save_dialog.h"
 #include "desktop/qt_popup_menu.h"
 #include "desktop/qt_pump.h"
+#include "desktop/second_start.h"
 #include "desktop/sqlite_store.h"
 #include "desktop/tool_registry.h"
 #include "engines/audio/mpg123_play.h"
@@ -59,16 +61,20 @@ struct Desktop::Parts {
 
     LibraryArguments arguments;
     Environment environment = environmentOfProcess();
+    OnlyCopy onlyCopy{environment};
     QApplication application{arguments.count(), arguments.values()};
     Toolkit toolkit{Toolkit::Timers::run};
     StatePartNotes partNotes{stateFolder(environment)};
-    DiskTextFiles textFiles{partNotes};
+    DiskTextFiles textFiles{partNotes, [this](const Text& backup) {
+                                shell.notify("The list begins empty", "Its last rows are in " + backup + ".");
+                            }};
     DiskProfileFile profileFile{textFiles};
     FolderScan directoryScan;
     SqliteStore store{joined(configFolder(environment), "settings.sqlite")};
     SoundOutput sound{joined(stateFolder(environment), "levels"), toolkit.activity()};
     DesktopShell shell;
     UnopenedFiles unopened{shell};
+    SecondStarts secondStarts{sessionBusAddress(environment), toolkit.post()};
     DesktopSleepLock sleepLock{systemBusAddress(environment), sessionBusAddress(environment)};
     Discs discs{{.music = musicFolder(environment), .home = homeFolder(environment)},
                 joined(cacheFolder(environment), "titles")};
@@ -81,6 +87,7 @@ struct Desktop::Parts {
 Desktop::Desktop(char* program, const rlimit& stackLimit)
 {
     parts_ = std::make_unique<Parts>(program, stackLimit.rlim_cur);
+    parts_->secondStarts.Asked.calls([this] { SecondStart.raise(); });
     dressApplication();
     removeNotedParts(stateFolder(parts_->environment));
     fillApplicationFolder(parts_->environment, parts_->textFiles);

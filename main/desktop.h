@@ -1,6 +1,7 @@
 // The real parts of the program, chosen in one place.
 #pragma once
 
+#include "platform/event.h"
 #include "platform/platform.h"
 
 #include <functional>
@@ -14,6 +15,8 @@ public:
     // limit.
     Desktop(char* program, const rlimit& stackLimit);
     ~Desktop() override;
+
+    Event<> SecondStart; // the user has started the program once more: it is this one that is wanted
 
     // Runs `start`, then the window events. Returns the process's exit status.
     int run(const std::function<void()>& start);

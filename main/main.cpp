@@ -1,3 +1,4 @@
+#include "desktop/ground.h"
 #include "desktop/stack_limit.h"
 #include "main/desktop.h"
 #include "program.h"
@@ -6,9 +7,12 @@
 
 int main(int, char** argv)
 {
+    openStandardStreams();
+    requireThreads();
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is a failed write, not the end
     const rlimit stackLimit = raiseStackLimit();
     Desktop desktop(argv[0], stackLimit); // toolkit, sound, discs, store: the real parts
     Program program(desktop);
+    desktop.SecondStart.calls([&] { program.raise(); });
     return desktop.run([&] { program.start(); });
 }

@@ -1,7 +1,9 @@
 """What the end-to-end tests share: a desk, the program on it, and short words for what a person does."""
+import os
 import pathlib
 import subprocess
 import sys
+import time
 import unittest
 
 import places
@@ -30,6 +32,27 @@ class Case(unittest.TestCase):
     def tool(self, name):
         """A program that the build makes for these tests."""
         return pathlib.Path(self.build) / "tests/e2e" / name
+
+    def notifications(self):
+        """A desktop that shows notifications: the lines that it got so far, by a function."""
+        shown = self.desk.folder / "notifications.txt"
+        with open(shown, "wb") as output:
+            self.desk.spawn(str(pathlib.Path(self.build) / "tests/notification_service"),
+                            self.desk.environment["DBUS_SESSION_BUS_ADDRESS"], stdout=output)
+        lines = lambda: shown.read_text(errors="replace").splitlines()
+        wait_for(lambda: lines() == ["ready"], "the desktop takes notifications")
+        return lambda: lines()[1:]
+
+    def processor_time(self):
+        """Seconds, of all its threads."""
+        fields = pathlib.Path(f"/proc/{self.app.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+    def assert_at_rest(self):
+        """Over a second it takes less than half of a processor: what polls without a pause takes a whole one."""
+        before, start = self.processor_time(), time.monotonic()
+        wait_for(lambda: time.monotonic() - start > 1, "a second goes by")
+        self.assertLess(self.processor_time() - before, 0.5 * (time.monotonic() - start))
 
     def play(self, path, filter_row):
         """Presses Play with nothing chosen yet, and chooses."""

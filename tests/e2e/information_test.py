@@ -54,6 +54,19 @@ class Information(case.Case):
                 self.app.kill()
                 self.start()
 
+    def test_a_tag_is_not_saved_in_a_pause(self):
+        wav = sounds.write_wav(self.desk.music / "a.wav", sounds.counter(60 * sounds.RATE, 1))
+        mp3 = sounds.encode(wav, self.desk.music / "a.mp3")
+        before = mp3.read_bytes()
+        self.play(mp3, 1)
+        self.wait_label(places.TIME, "0:01")
+        self.app.click(self.main, places.PAUSE)
+        self.app.menu(self.main, "f", "i")
+        self.app.press(case.TAGS, "push button", "SAVE")
+        self.app.window("Error")
+        self.app.gone(case.TAGS)
+        self.assertEqual(mp3.read_bytes(), before)
+
     def test_the_clock_goes_with_the_sound(self):
         seconds = 180 if LONG else 8
         wav = sounds.write_wav(self.desk.music / "a.wav", sounds.counter(seconds * sounds.RATE, 1))

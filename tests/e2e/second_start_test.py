@@ -1,0 +1,89 @@
+#!/usr/bin/python3
+"""The program started once more: it is one program for one user and one folder, and the running one comes up."""
+import shutil
+import signal
+
+import case
+from desk import Velmora, wait_for
+
+
+class SecondStart(case.Case):
+    def second(self, **environment):
+        """Starts the program once more, and waits for its end: the status, and what it said."""
+        said = len(self.app.said())
+        again = Velmora(self.desk, self.build, self.app.folder)
+        again.environment = environment
+        again.start(wait=False)
+        status = again.process.wait(60)
+        return status, self.app.said()[said:]
+
+    def active(self):
+        return self.desk.run("xdotool", "getactivewindow").strip()
+
+    def refusal(self):
+        return f"Velmora is running and does not answer (process {self.app.process.pid})"
+
+    def test_the_running_one_comes_to_the_front(self):
+        other = self.show_list()
+        self.desk.run("xdotool", "windowactivate", "--sync", other)
+        self.assertEqual(self.second(), (0, ""))
+        wait_for(lambda: self.active() == self.main, "the main window is the active one")
+        self.assertEqual(len(self.app.windows(case.MAIN)), 1)
+        self.assert_alive()
+
+    def test_a_dialog_that_has_the_program_to_itself_comes_to_the_front(self):
+        other = self.show_list()
+        self.app.menu(other, "o", "a")
+        dialog = self.app.window("Select .wav/.mp3 files to add to the playlist")
+        self.desk.run("xdotool", "windowactivate", "--sync", self.main)
+        self.assertEqual(self.second(), (0, ""))
+        wait_for(lambda: self.active() == dialog, "the dialog is the active window")
+
+    def test_one_that_hangs_is_told_of(self):
+        shown = self.notifications()
+        self.app.process.send_signal(signal.SIGSTOP)
+        try:
+            self.assertEqual(self.second(), (1, self.refusal() + "\n"))
+            wait_for(lambda: shown() == [f"Velmora|Velmora|{self.refusal()}"], "the desktop is told")
+        finally:
+            self.app.process.send_signal(signal.SIGCONT)
+        self.assertEqual(self.second(), (0, ""))
+        self.assert_alive()
+
+    def test_without_a_bus_nobody_can_be_asked(self):
+        self.assertEqual(self.second(DBUS_SESSION_BUS_ADDRESS=""), (1, self.refusal() + "\n"))
+        self.assert_alive()
+
+    def test_after_a_kill_the_next_start_is_the_only_one(self):
+        for _ in range(3):
+            self.app.kill()
+            self.start()
+            self.assertEqual(self.second(), (0, ""))
+
+    def test_two_that_start_together_become_one(self):
+        self.app.kill()
+        both = [Velmora(self.desk, self.build, self.app.folder).start(wait=False) for _ in range(2)]
+        wait_for(lambda: sum(app.alive() for app in both) == 1, "one of them ends")
+        self.app.window(case.MAIN)
+        self.assertEqual(sum(app.alive() for app in both), 1)
+
+    def test_another_home_and_folder_have_a_program_of_their_own(self):
+        home = self.desk.folder / "other home"
+        home.mkdir()
+        other = Velmora(self.desk, self.build, self.desk.folder / "other folder")
+        other.environment = {"HOME": str(home)}
+        other.start(wait=False)
+        wait_for(lambda: len(self.app.windows(case.MAIN)) == 2, "both windows show")
+        self.assertTrue(other.alive())
+        self.assert_alive()
+
+    def test_a_copy_of_the_folder_would_share_the_settings(self):
+        copy = self.desk.folder / "copy"
+        shutil.copytree(self.app.folder, copy)
+        again = Velmora(self.desk, self.build, copy).start(wait=False)
+        self.assertEqual(again.process.wait(60), 0)
+        self.assert_alive()
+
+
+if __name__ == "__main__":
+    case.main()
