@@ -70,7 +70,7 @@ void requireDisplay()
 void dressApplication()
 {
     QApplication::setApplicationName("Velmora");
-    QApplication::setDesktopFileName("velmora");
+    QApplication::setDesktopFileName(applicationId);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle("Fusion");
     QApplication::setPalette(darkPalette());

@@ -20,5 +20,8 @@ private:
 // Where no display answers, the process says so and ends with status 1 instead of running unseen.
 void requireDisplay();
 
+// What desktops know the program by: its menu entry, its icon, its windows, its media controls.
+inline constexpr const char* applicationId = "org.velmora.Velmora";
+
 // Name, icon, colours and type.
 void dressApplication();

@@ -1,5 +1,6 @@
 #include "desktop/mpris_remote.h"
 
+#include "desktop/appearance.h"
 #include "platform/post.h"
 #include "toolkit/qt_bridge.h"
 
@@ -53,7 +54,7 @@ QVariantMap rootProperties()
             {"CanRaise", true},
             {"HasTrackList", false},
             {"Identity", "Velmora"},
-            {"DesktopEntry", "velmora"},
+            {"DesktopEntry", applicationId},
             {"SupportedUriSchemes", QStringList()},
             {"SupportedMimeTypes", QStringList()}};
 }

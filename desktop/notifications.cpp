@@ -1,5 +1,7 @@
 #include "desktop/notifications.h"
 
+#include "desktop/appearance.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QStringList>
@@ -56,7 +58,7 @@ private:
         const auto plain = QString::fromStdString(message);
         const QString body = takesMarkup() ? plain.toHtmlEscaped() : plain;
         const auto reply = answer(QStringLiteral("Notify"),
-                                  {QStringLiteral("Velmora"), 0U, QStringLiteral("velmora"),
+                                  {QStringLiteral("Velmora"), 0U, QString(applicationId),
                                    QString::fromStdString(title), body, QStringList(), QVariantMap(), -1});
         return reply.type() == QDBusMessage::ReplyMessage;
     }
