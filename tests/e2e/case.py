@@ -19,10 +19,11 @@ TAGS = "Edit File Information"
 
 class Case(unittest.TestCase):
     build = None
+    program = Velmora
 
     def setUp(self):
         self.desk = self.enterContext(Desk())
-        self.app = Velmora(self.desk, self.build)
+        self.app = self.program(self.desk, self.build)
         self.start()
 
     def start(self):

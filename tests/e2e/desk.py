@@ -219,12 +219,16 @@ class Recording:
 
 
 class Velmora:
-    """The running program. Its folder is a portable copy of the build's, so it is the application folder, too."""
+    """The running program. Its folder is a portable copy of the build's, so it is the application folder, too.
 
-    def __init__(self, desk, build, folder=None):
+    A program that stands elsewhere already is started by a command of its own.
+    """
+
+    def __init__(self, desk, build, folder=None, command=None):
         self.desk = desk
         self.folder = pathlib.Path(folder or desk.folder / "app")
-        if not self.folder.exists():
+        self.command = command or [str(self.folder / "velmora")]
+        if not command and not self.folder.exists():
             self.folder.mkdir()
             for name in ("velmora", "conf.mp3", "updates.txt"):
                 shutil.copy2(pathlib.Path(build) / name, self.folder / name)
@@ -233,7 +237,7 @@ class Velmora:
 
     def start(self, wait=True):
         with open(self.desk.folder / "output.txt", "ab") as output:
-            self.process = self.desk.spawn(str(self.folder / "velmora"), stdout=output, stderr=output,
+            self.process = self.desk.spawn(*self.command, stdout=output, stderr=output,
                                            env={**self.desk.environment, **self.environment})
         if wait:
             self.window("Velmora v2.0")
