@@ -1,6 +1,7 @@
 // The batches with the real encoder and decoder, on real folders.
 #include "engines/audio/mpg123_play.h"
 #include "engines/audio/sound_output.h"
+#include "engines/audio/unopened_files.h"
 #include "engines/codec/lame_enc.h"
 #include "info/error.h"
 #include "platform/part_notes.h"
