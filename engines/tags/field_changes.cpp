@@ -28,17 +28,25 @@ std::int16_t genreOf(const std::vector<Text>& values)
     return -1;
 }
 
-// 80 goes by its number: its name here is the program's own, and other programs would show it as a genre.
-Text genreText(std::int16_t genre)
+Text nameOf(const std::vector<Text>& genres)
 {
-    const Text name = genreName(genre);
-    return genre == noName || name.empty() ? std::to_string(genre) : name;
+    std::vector<Text> names;
+    for (const Text& genre : genres)
+        if (Text name = genreWithoutNumber(genre); !name.empty())
+            names.push_back(std::move(name));
+    return oneLine(joined(names));
 }
+
+// 80 goes by its number: its name here is the program's own, and other programs would show it as a genre. So
+// do those above it, whose names stand for no number here.
+Text genreText(std::int16_t genre) { return genre >= noName ? std::to_string(genre) : genreName(genre); }
 
 // A genre that only its text can say is 80 or -1 to the program; saving another field must not wipe it.
 bool genreStays(const Tag& wanted, const HeldTag& held, const Tag& shown)
 {
     const std::int16_t genre = wanted.genreIndex;
+    if (keepsGenreName(wanted, shown))
+        return true;
     if (held.tag.genreIndex >= 0 || held.genre.empty())
         return held.tag.genreIndex == genre;
     return genre == noName || genre == shown.genreIndex;
@@ -50,10 +58,12 @@ HeldTag heldTag(const std::function<std::vector<Text>(Field)>& valuesOf)
 {
     HeldTag held;
     for (const auto& [field, text] : textFields)
-        held.tag.*text = joined(valuesOf(field));
+        held.tag.*text = oneLine(joined(valuesOf(field)));
     const auto genres = valuesOf(Field::Genre);
     held.tag.year = yearOf(joined(valuesOf(Field::Year)));
     held.tag.genreIndex = genreOf(genres);
+    if (held.tag.genreIndex < 0)
+        held.tag.genreName = nameOf(genres);
     held.genre = joined(genres);
     return held;
 }
@@ -78,6 +88,13 @@ void addMissing(Tag& tag, const Tag& other)
             tag.*text = other.*text;
     if (tag.year == 0)
         tag.year = other.year;
-    if (tag.genreIndex < 0)
-        tag.genreIndex = other.genreIndex;
+    if (tag.genreIndex >= 0 || !tag.genreName.empty())
+        return;
+    tag.genreIndex = other.genreIndex;
+    tag.genreName = other.genreName;
+}
+
+bool keepsGenreName(const Tag& wanted, const Tag& shown)
+{
+    return !shown.genreName.empty() && (wanted.genreIndex < 0 || wanted.genreIndex == noName);
 }

@@ -26,5 +26,9 @@ struct FieldChange {
 // together.
 std::vector<FieldChange> changesTo(const Tag& wanted, const HeldTag& held, const Tag& shown);
 
+// Whether `shown` has a genre without a number, which the program shows as 80, and `wanted` leaves it so:
+// then its name stays where it stands.
+bool keepsGenreName(const Tag& wanted, const Tag& shown);
+
 // Fields that `tag` does not have are taken from `other`.
 void addMissing(Tag& tag, const Tag& other);

@@ -3,31 +3,49 @@
 #include <array>
 #include <charconv>
 
-#include <id3v1genres.h>
-
 namespace
 {
 
-constexpr std::int16_t named = 192;
+// The numbers of ID3v1 and those that players have agreed on since.
+// clang-format off
+constexpr std::array<const char*, 192> names = {
+    "Blues", "Classic Rock", "Country", "Dance", "Disco", "Funk", "Grunge", "Hip-Hop", "Jazz", "Metal",
+    "New Age", "Oldies", "Other", "Pop", "R&B", "Rap", "Reggae", "Rock", "Techno", "Industrial",
+    "Alternative", "Ska", "Death Metal", "Pranks", "Soundtrack", "Euro-Techno", "Ambient", "Trip-Hop",
+    "Vocal", "Jazz+Funk", "Fusion", "Trance", "Classical", "Instrumental", "Acid", "House", "Game",
+    "Sound Clip", "Gospel", "Noise", "AlternRock", "Bass", "Soul", "Punk", "Space", "Meditative",
+    "Instrumental Pop", "Instrumental Rock", "Ethnic", "Gothic", "Darkwave", "Techno-Industrial",
+    "Electronic", "Pop-Folk", "Eurodance", "Dream", "Southern Rock", "Comedy", "Cult", "Gangsta", "Top 40",
+    "Christian Rap", "Pop/Funk", "Jungle", "Native American", "Cabaret", "New Wave", "Psychadelic", "Rave",
+    "Showtunes", "Trailer", "Lo-Fi", "Tribal", "Acid Punk", "Acid Jazz", "Polka", "Retro", "Musical",
+    "Rock & Roll", "Hard Rock", "Unknown", "Folk Rock", "National Folk", "Swing", "Fast Fusion", "Bebop",
+    "Latin", "Revival", "Celtic", "Bluegrass", "Avant-garde", "Gothic Rock", "Progressive Rock",
+    "Psychedelic Rock", "Symphonic Rock", "Slow Rock", "Big Band", "Chorus", "Easy Listening", "Acoustic",
+    "Humour", "Speech", "Chanson", "Opera", "Chamber Music", "Sonata", "Symphony", "Booty Bass", "Primus",
+    "Porn Groove", "Satire", "Slow Jam", "Club", "Tango", "Samba", "Folklore", "Ballad", "Power Ballad",
+    "Rhythmic Soul", "Freestyle", "Duet", "Punk Rock", "Drum Solo", "A Cappella", "Euro-House", "Dancehall",
+    "Goa", "Drum & Bass", "Club-House", "Hardcore Techno", "Terror", "Indie", "Britpop", "Worldbeat",
+    "Polsk Punk", "Beat", "Christian Gangsta Rap", "Heavy Metal", "Black Metal", "Crossover",
+    "Contemporary Christian", "Christian Rock", "Merengue", "Salsa", "Thrash Metal", "Anime", "Jpop",
+    "Synthpop", "Abstract", "Art Rock", "Baroque", "Bhangra", "Big Beat", "Breakbeat", "Chillout",
+    "Downtempo", "Dub", "EBM", "Eclectic", "Electro", "Electroclash", "Emo", "Experimental", "Garage",
+    "Global", "IDM", "Illbient", "Industro-Goth", "Jam Band", "Krautrock", "Leftfield", "Lounge",
+    "Math Rock", "New Romantic", "Nu-Breakz", "Post-Punk", "Post-Rock", "Psytrance", "Shoegaze",
+    "Space Rock", "Trop Rock", "World Music", "Neoclassical", "Audiobook", "Audio Theatre",
+    "Neue Deutsche Welle", "Podcast", "Indie Rock", "G-Funk", "Dubstep", "Garage Rock", "Psybient",
+};
+// clang-format on
+
+constexpr std::int16_t named = names.size();
+constexpr std::int16_t lastRow = 80; // of those that the tag editor has
 
 struct Spelling {
     std::int16_t genre;
     const char* name;
 };
 
-// Where the usual names (ID3v2.3, appendix A, as players show them) are not TagLib's.
-constexpr Spelling spellings[] = {
-    {29, "Jazz+Funk"}, {40, "AlternRock"}, {67, "Psychadelic"}, {80, "Unknown"}};
-
-std::array<Text, named> usualNames()
-{
-    std::array<Text, named> names;
-    for (std::int16_t genre = 0; genre < named; ++genre)
-        names[genre] = TagLib::ID3v1::genre(genre).to8Bit(true);
-    for (const auto& spelling : spellings)
-        names[spelling.genre] = spelling.name;
-    return names;
-}
+// What later programs call the genres that the first list misspelt.
+constexpr Spelling laterSpellings[] = {{40, "Alternative Rock"}, {67, "Psychedelic"}};
 
 // Letters and digits alone: "Hip Hop" and "hip-hop" are one name.
 Text bare(std::string_view name)
@@ -39,32 +57,16 @@ Text bare(std::string_view name)
     return letters;
 }
 
-std::array<Text, named> bareNames(Text (*name)(std::int16_t))
-{
-    std::array<Text, named> names;
-    for (std::int16_t genre = 0; genre < named; ++genre)
-        names[genre] = bare(name(genre));
-    return names;
-}
-
-std::int16_t find(const std::array<Text, named>& names, const Text& name)
-{
-    for (std::int16_t genre = 0; genre < named; ++genre)
-        if (names[genre] == name)
-            return genre;
-    return -1;
-}
-
 std::int16_t numberOfName(std::string_view name)
 {
-    static const auto usual = bareNames(genreName);
-    static const auto others =
-        bareNames([](std::int16_t genre) -> Text { return TagLib::ID3v1::genre(genre).to8Bit(true); });
     const Text wanted = bare(name);
-    if (wanted.empty())
-        return -1;
-    const std::int16_t genre = find(usual, wanted);
-    return genre >= 0 ? genre : find(others, wanted);
+    for (std::int16_t genre = 0; genre <= lastRow; ++genre)
+        if (!wanted.empty() && bare(names[static_cast<std::size_t>(genre)]) == wanted)
+            return genre;
+    for (const auto& spelling : laterSpellings)
+        if (bare(spelling.name) == wanted)
+            return spelling.genre;
+    return -1;
 }
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
@@ -75,6 +77,16 @@ std::size_t digitsIn(std::string_view text)
     while (count < text.size() && isDigit(text[count]))
         ++count;
     return count;
+}
+
+// The length of a number in brackets that `text` begins with, brackets included; 0 without one.
+std::size_t bracketsIn(std::string_view text)
+{
+    if (!text.starts_with('('))
+        return 0;
+    const std::size_t digits = digitsIn(text.substr(1));
+    const bool isClosed = digits > 0 && text.substr(1 + digits).starts_with(')');
+    return isClosed ? digits + 2 : 0;
 }
 
 std::int16_t leadingNumber(std::string_view text)
@@ -96,21 +108,22 @@ std::string_view withoutBlanks(std::string_view text)
 
 Text genreName(std::int16_t genre)
 {
-    static const auto names = usualNames();
-    return genre >= 0 && genre < named ? names[genre] : "";
+    return genre >= 0 && genre < named ? names[static_cast<std::size_t>(genre)] : "";
 }
 
 std::int16_t genreNumber(std::string_view text)
 {
     text = withoutBlanks(text);
-    const std::size_t digits = digitsIn(text);
-    if (digits > 0 && digits == text.size())
+    if (!text.empty() && digitsIn(text) == text.size())
         return leadingNumber(text);
-    if (text.empty() || text.front() != '(')
-        return numberOfName(text);
-    const std::string_view inside = text.substr(1);
-    const std::size_t inner = digitsIn(inside);
-    if (inner > 0 && inner < inside.size() && inside[inner] == ')')
-        return leadingNumber(inside);
-    return numberOfName(text);
+    return bracketsIn(text) > 0 ? leadingNumber(text.substr(1)) : numberOfName(text);
+}
+
+Text genreWithoutNumber(std::string_view text)
+{
+    if (genreNumber(text) >= 0)
+        return {};
+    text = withoutBlanks(text);
+    text = withoutBlanks(text.substr(bracketsIn(text)));
+    return digitsIn(text) == text.size() ? Text() : Text(text);
 }

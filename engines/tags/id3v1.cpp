@@ -33,7 +33,7 @@ Text textAt(std::string_view block, Place place)
     std::string_view bytes = upToZero(bytesAt(block, place));
     if (bytes.size() == place.size)
         bytes = bytes.substr(0, bytes.find_last_not_of(' ') + 1);
-    return utf8OfUnstated(bytes);
+    return oneLine(utf8OfUnstated(bytes));
 }
 
 bool hasTrack(std::string_view block) { return block[trackAt - 1] == '\0' && block[trackAt] != '\0'; }
@@ -111,7 +111,8 @@ Text id3v1With(const Tag& wanted, const Tag& shown, std::string_view block)
     putComment(result, wanted.comment, shown.comment);
     putYear(result, wanted.year);
     const bool hasPlace = wanted.genreIndex >= 0 && wanted.genreIndex < noGenre;
-    result[genreAt] = static_cast<char>(hasPlace ? wanted.genreIndex : noGenre);
+    if (hasPlace || shown.genreName.empty())
+        result[genreAt] = static_cast<char>(hasPlace ? wanted.genreIndex : noGenre);
     return result;
 }
 

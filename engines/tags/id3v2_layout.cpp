@@ -14,6 +14,13 @@ constexpr std::size_t mostFrames = 10'000;
 constexpr std::uint64_t longestText = 64 * 1024;
 constexpr std::uint32_t longestScrambled = 64 << 20;
 
+constexpr unsigned extendedHeaderFlag = 0x40; // of the tag
+
+// Of a frame of ID3v2.4.
+constexpr unsigned unsynchronisedFrame = 0x02;
+constexpr unsigned hasLength = 0x01;
+constexpr std::size_t lengthSize = 4;
+
 struct ShortName {
     const char* id;
     const char* before; // in ID3v2.2
@@ -111,6 +118,23 @@ std::uint64_t extendedHeaderSize(const Id3v2Layout& layout)
     return whole;
 }
 
+// Some programs announce an extended header and go on with the first frame, or with padding. No extended
+// header begins like one of these: it would be longer than any tag, or of no length.
+bool beginsWithFrames(const Id3v2Layout& layout)
+{
+    const Text start = layout.body->read(0, idSize(layout.header.version));
+    return isId(start, layout.header.version) || start == Text(4, '\0');
+}
+
+// The flag goes where it is not true: a written tag must not mislead the next reader.
+void takeExtendedHeader(Id3v2Layout& layout)
+{
+    if (beginsWithFrames(layout))
+        layout.header.bytes[5] = static_cast<char>(value(layout.header.bytes[5]) & ~extendedHeaderFlag);
+    else
+        layout.framesBegin = extendedHeaderSize(layout);
+}
+
 Text resynchronised(std::string_view stored)
 {
     Text body;
@@ -161,9 +185,14 @@ void checkForm(ByteSource& file, const Id3v2Header& header)
 
 }
 
-bool Id3v2Header::isScrambled() const { return version < 4 && (value(bytes[5]) & 0x80) != 0; }
+bool Id3v2Header::saysScrambled() const { return (value(bytes[5]) & 0x80) != 0; }
 
-bool Id3v2Header::hasExtendedHeader() const { return version > 2 && (value(bytes[5]) & 0x40) != 0; }
+bool Id3v2Header::isScrambled() const { return version < 4 && saysScrambled(); }
+
+bool Id3v2Header::hasExtendedHeader() const
+{
+    return version > 2 && (value(bytes[5]) & extendedHeaderFlag) != 0;
+}
 
 bool Id3v2Header::hasFooter() const { return version == 4 && (value(bytes[5]) & 0x10) != 0; }
 
@@ -199,17 +228,21 @@ Id3v2Layout id3v2Layout(ByteSource& file, const Id3v2Header& header)
     layout.header = header;
     takeBody(layout, file);
     if (header.hasExtendedHeader())
-        layout.framesBegin = extendedHeaderSize(layout);
+        takeExtendedHeader(layout);
     takeFrames(layout);
     return layout;
 }
 
-Text frameBytes(Id3v2Layout& layout, const Id3v2Frame& frame)
+Text frameContent(Id3v2Layout& layout, const Id3v2Frame& frame)
 {
+    const Id3v2Header& tag = layout.header;
     Text bytes = layout.body->read(frame.at, frame.size);
-    if (layout.header.version == 4 && bytes.size() >= headerSize)
-        bytes.replace(4, 4, toSyncSafe(static_cast<std::uint32_t>(bytes.size() - headerSize)));
-    return bytes;
+    if (bytes.size() < frame.size)
+        return {};
+    const unsigned flags = tag.version == 4 ? value(bytes[9]) : 0;
+    bytes.erase(0, frameHeaderSize(tag.version) + ((flags & hasLength) != 0 ? lengthSize : 0));
+    const bool isScrambled = tag.version == 4 && ((flags & unsynchronisedFrame) != 0 || tag.saysScrambled());
+    return isScrambled ? resynchronised(bytes) : bytes;
 }
 
 Text makeFrame(int version, const Text& id, const Text& content)

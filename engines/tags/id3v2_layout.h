@@ -13,6 +13,7 @@ struct Id3v2Header {
     std::uint32_t size = 0; // of the body: what follows the header, without a footer
     std::uint64_t end = 0;  // where the tag ends in the file, its footer included
 
+    bool saysScrambled() const;
     bool isScrambled() const; // unsynchronised as a whole, which 2.4 does frame by frame
     bool hasExtendedHeader() const;
     bool hasFooter() const;
@@ -36,7 +37,7 @@ struct Id3v2Layout {
     Id3v2Header header;
     std::unique_ptr<ByteSource> body; // as it is without unsynchronisation
     bool isFaithful = true;           // false: unsynchronising the body would not give the file's bytes
-    std::uint64_t framesBegin = 0;    // after the extended header
+    std::uint64_t framesBegin = 0;    // after the extended header, where there is one
     std::uint64_t framesEnd = 0;      // where padding, or what this program cannot read, begins
     std::vector<Id3v2Frame> frames;
 };
@@ -45,8 +46,8 @@ struct Id3v2Layout {
 // Fails with words for a person where the tag's form is unknown or damaged.
 Id3v2Layout id3v2Layout(ByteSource& file, const Id3v2Header& header);
 
-// The frame as its version stores it, but with a size that follows the standard.
-Text frameBytes(Id3v2Layout& layout, const Id3v2Frame& frame);
+// What the frame holds, without its header and without unsynchronisation; the frame is readable.
+Text frameContent(Id3v2Layout& layout, const Id3v2Frame& frame);
 
 // A whole frame of that version around `content`; `id` as ID3v2.3 names it.
 Text makeFrame(int version, const Text& id, const Text& content);

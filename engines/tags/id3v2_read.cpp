@@ -1,53 +1,22 @@
 #include "engines/tags/id3v2_read.h"
 
-#include "engines/tags/tag_text.h"
-
 #include <algorithm>
-
-#include <commentsframe.h>
-#include <id3v2framefactory.h>
-#include <textidentificationframe.h>
 
 namespace
 {
 
 constexpr std::size_t mostComments = 100;
 
-Text textOf(const TagLib::String& string)
-{
-    std::u16string units;
-    for (const wchar_t unit : string)
-        units += static_cast<char16_t>(unit);
-    return Text(upToZero(utf8OfUtf16(units)));
-}
-
-TagLib::ByteVector vectorOf(const Text& bytes) { return {bytes.data(), static_cast<unsigned>(bytes.size())}; }
-
-std::unique_ptr<TagLib::ID3v2::Frame> parsed(Id3v2Layout& layout, const Id3v2Frame& frame)
-{
-    const TagLib::ID3v2::Header header(vectorOf(layout.header.bytes));
-    const auto* factory = TagLib::ID3v2::FrameFactory::instance();
-    return std::unique_ptr<TagLib::ID3v2::Frame>(
-        factory->createFrame(vectorOf(frameBytes(layout, frame)), &header));
-}
-
 // The values of the first readable frame of that name.
 std::vector<Text> valuesOf(Id3v2Layout& layout, const Text& id)
 {
     const auto fits = [&](const Id3v2Frame& frame) { return frame.readable && frame.id == id; };
     const auto frame = std::find_if(layout.frames.begin(), layout.frames.end(), fits);
-    if (frame == layout.frames.end())
-        return {};
-    std::vector<Text> values;
-    const auto contents = parsed(layout, *frame);
-    if (const auto* text = dynamic_cast<TagLib::ID3v2::TextIdentificationFrame*>(contents.get()))
-        for (const auto& value : text->fieldList())
-            values.push_back(textOf(value));
-    return values;
+    return frame == layout.frames.end() ? std::vector<Text>() : textsIn(frameContent(layout, *frame));
 }
 
 // A widespread player keeps numbers for itself in comments with such descriptions.
-bool isForPeople(const Id3v2Comment& comment) { return comment.description.substr(0, 4) != "iTun"; }
+bool isForPeople(const Id3v2Comment& comment) { return !comment.description.starts_with("iTun"); }
 
 std::vector<Text> commentIn(Id3v2Layout& layout)
 {
@@ -82,13 +51,7 @@ std::vector<Id3v2Comment> id3v2Comments(Id3v2Layout& layout)
     for (std::size_t i = 0; i < layout.frames.size() && comments.size() < mostComments; ++i) {
         if (layout.frames[i].id != "COMM" || !layout.frames[i].readable)
             continue;
-        const auto contents = parsed(layout, layout.frames[i]);
-        const auto* comment = dynamic_cast<TagLib::ID3v2::CommentsFrame*>(contents.get());
-        if (!comment)
-            continue;
-        const auto language = comment->language();
-        comments.push_back({i, Text(language.data(), language.size()), textOf(comment->description()),
-                            textOf(comment->text())});
+        comments.push_back({commentIn(frameContent(layout, layout.frames[i])), i});
     }
     return comments;
 }

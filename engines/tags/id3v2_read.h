@@ -3,15 +3,13 @@
 
 #include "engines/tags/field_changes.h"
 #include "engines/tags/id3v2_layout.h"
+#include "engines/tags/id3v2_text.h"
 
 // The first readable frame of each kind answers; of the comments, the first without a description.
 HeldTag readId3v2(Id3v2Layout& layout);
 
-struct Id3v2Comment {
+struct Id3v2Comment : CommentText {
     std::size_t frame; // its place among the layout's frames
-    Text language;     // three letters
-    Text description;
-    Text text;
 };
 
 // The readable comments in their order; the first hundred, for a file that was made to keep its reader busy.

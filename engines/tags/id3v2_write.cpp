@@ -9,6 +9,8 @@
 #include <map>
 #include <utility>
 
+#include <zlib.h>
+
 namespace
 {
 
@@ -27,6 +29,8 @@ struct Encoding {
 
 constexpr char utf16 = 1;
 constexpr char utf8 = 3;
+
+constexpr unsigned checksumSize4 = 5;
 
 // Not Latin-1, which many readers take for their own code page. UTF-8 since 2.4: it has no byte that
 // unsynchronisation would change.
@@ -146,15 +150,53 @@ std::size_t paddingFor(const Id3v2Header& header, std::size_t size, const Text& 
 
 unsigned value(char byte) { return static_cast<unsigned char>(byte); }
 
-// A checksum would no longer be right; the padding that 2.3 counts is counted anew.
-void renewExtendedHeader(Text& body, const Id3v2Header& header, std::size_t padding)
+std::uint32_t checksumOf(std::string_view frames, std::size_t padding)
 {
-    const bool hasChecksum =
-        header.version == 3 ? (value(body[4]) & 0x80) != 0 : (value(body[5]) & 0x20) != 0;
-    if (hasChecksum)
-        throw Failure{75, "Its ID3v2 tag has a checksum, which Velmora cannot renew."};
-    if (header.version == 3)
-        body.replace(6, 4, toBigEndian(static_cast<std::uint32_t>(padding), 4));
+    const auto sum = [](uLong before, std::string_view bytes) {
+        return crc32_z(before, reinterpret_cast<const Bytef*>(bytes.data()), bytes.size());
+    };
+    return static_cast<std::uint32_t>(sum(sum(crc32_z(0, nullptr, 0), frames), Text(padding, '\0')));
+}
+
+[[noreturn]] void refuseDamage() { throw Failure{75, "Its ID3v2 tag is damaged."}; }
+
+void renew(Text& header, std::size_t at, const Text& bytes)
+{
+    if (at + bytes.size() > header.size())
+        refuseDamage();
+    header.replace(at, bytes.size(), bytes);
+}
+
+// 2.3 counts the padding, and its checksum covers the frames alone.
+void renewExtendedHeader3(Text& header, std::string_view frames, std::size_t padding)
+{
+    renew(header, 6, toBigEndian(static_cast<std::uint32_t>(padding), 4));
+    if ((value(header[4]) & 0x80) != 0)
+        renew(header, 10, toBigEndian(checksumOf(frames, 0), 4));
+}
+
+// The checksum of 2.4 covers the padding, too. It takes five bytes, behind one that counts them; before it
+// stands what says that the tag is an update, a zero.
+void renewExtendedHeader4(Text& header, std::string_view frames, std::size_t padding)
+{
+    const unsigned flags = value(header[5]);
+    if ((flags & 0x20) == 0)
+        return;
+    const std::uint32_t sum = checksumOf(frames, padding);
+    const std::size_t at = (flags & 0x40) != 0 ? 7 : 6;
+    if (header.size() <= at || value(header[at]) != checksumSize4)
+        refuseDamage();
+    renew(header, at + 1, Text(1, static_cast<char>(sum >> 28)) + toSyncSafe(sum));
+}
+
+// `body` without its padding.
+void renewExtendedHeader(Text& body, const Id3v2Layout& layout, std::size_t padding)
+{
+    const auto size = static_cast<std::size_t>(layout.framesBegin);
+    Text header = body.substr(0, size);
+    const std::string_view frames = std::string_view(body).substr(size);
+    (layout.header.version == 3 ? renewExtendedHeader3 : renewExtendedHeader4)(header, frames, padding);
+    body.replace(0, size, header);
 }
 
 Text wholeTag(const Id3v2Header& header, const Text& body)
@@ -178,7 +220,7 @@ Text id3v2With(Id3v2Layout& layout, const std::vector<FieldChange>& changes)
     const std::size_t size = header.isScrambled() ? unsynchronised(body).size() : body.size();
     const std::size_t padding = paddingFor(header, size, remains);
     if (header.hasExtendedHeader())
-        renewExtendedHeader(body, header, padding);
+        renewExtendedHeader(body, layout, padding);
     if (header.isScrambled())
         body = unsynchronised(body);
     return wholeTag(header, body + Text(padding, '\0'));

@@ -12,6 +12,7 @@ struct Tag {
     Text comment;
     std::int16_t year = 0;        // 0: no year
     std::int16_t genreIndex = -1; // -1: none
+    Text genreName = {};          // where a text names a genre that has no number
 
     bool operator==(const Tag&) const = default;
 };

@@ -43,14 +43,25 @@ Tag tagOf(ByteSource& file, TagParts& parts)
     return tag;
 }
 
-// What the formats can hold: valid text without a zero, and no genre beyond ID3v1's byte.
+// What the formats can hold: valid text in one line, and no genre beyond ID3v1's byte.
 Tag storable(Tag tag)
 {
     for (Text* text : {&tag.title, &tag.artist, &tag.album, &tag.comment})
-        *text = validUtf8(upToZero(*text));
+        *text = oneLine(upToZero(*text));
     if (tag.genreIndex < 0 || tag.genreIndex >= noGenre)
         tag.genreIndex = -1;
+    tag.genreName = "";
     return tag;
+}
+
+// How a file reads that says `wanted` now and was `shown` before.
+Tag saying(Tag wanted, const Tag& shown)
+{
+    if (keepsGenreName(wanted, shown)) {
+        wanted.genreIndex = -1;
+        wanted.genreName = shown.genreName;
+    }
+    return wanted;
 }
 
 Text resolved(const Text& path)
@@ -100,21 +111,21 @@ NewEnds endsFor(const NewTags& tags, const TagParts& parts, std::uint64_t size)
 bool isMp3(const std::shared_ptr<const InputFile>& file) { return firstMp3Frame(file).has_value(); }
 
 // A file whose tags are damaged in some way that was not foreseen stays as it is.
-void requireSaying(const Tag& wanted, const Text& path)
+void requireSaying(const Tag& expected, const Text& path)
 {
     const auto file = InputFile::open(path);
-    if (!file || !isMp3(file) || readTag(path) != wanted)
+    if (!file || !isMp3(file) || readTag(path) != expected)
         throw Failure{75, "Its tags are damaged and cannot be changed."};
 }
 
 // Where no copy can be made, and no tag is there or needed that readers would prefer, ID3v1 is written in the
 // file itself: it is so short that there is next to no moment for a crash.
-void put(const NewTags& tags, const TagParts& parts, const StandingFile& file, const Tag& wanted)
+void put(const NewTags& tags, const TagParts& parts, const StandingFile& file, const Tag& expected)
 {
     requireWritable(file);
     Failure refused;
     const auto ends = endsFor(tags, parts, static_cast<std::uint64_t>(file.status.st_size));
-    const auto approve = [&](const Text& copy) { requireSaying(wanted, copy); };
+    const auto approve = [&](const Text& copy) { requireSaying(expected, copy); };
     if (guarded([&](const Failure& failure) { refused = failure; }, [&] { swapEnds(file, ends, approve); }))
         return;
     const bool id3v1Alone = !parts.id3v2 && !parts.ape && !tags.id3v2;
@@ -142,7 +153,7 @@ void write(const Text& path, const Tag& wanted)
     tags.ape = newApeFor(parts, wanted, shown);
     tags.id3v1 = id3v1With(wanted, shown, parts.id3v1);
     if (tags.id3v2 || tags.ape || tags.id3v1 != parts.id3v1)
-        put(tags, parts, standing, wanted);
+        put(tags, parts, standing, saying(wanted, shown));
 }
 
 }

@@ -10,6 +10,6 @@ Tag readTag(const Text& path);
 // Makes the file's tag say `tag`; a field that says so already stays as it is, byte for byte. "" when that is
 // done, otherwise the reason in words, and the file is as it was. ID3v1 is always written, the other formats
 // where they are present; ID3v2 is made where ID3v1 cannot hold a field. The file is replaced by a changed
-// copy, whole at every moment, so it takes as long as copying it to the disk; other hard links keep the old
-// file.
+// copy, whole at every moment, so it takes as long as copying it to the disk, unless the file system shares
+// the bytes of both; other hard links keep the old file.
 Text writeTag(const Text& path, const Tag& tag);

@@ -32,6 +32,12 @@ void appendUnit(Text& text, char32_t unit)
     text += static_cast<char>(unit >> 8);
 }
 
+bool breaksLine(char32_t character)
+{
+    const bool isControl = character < 0x20 || (character >= 0x7F && character < 0xA0);
+    return isControl || character == 0x2028 || character == 0x2029;
+}
+
 bool isFirstHalf(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 
 bool isSecondHalf(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
@@ -69,14 +75,22 @@ Text utf8OfUtf16(std::u16string_view units)
     return text;
 }
 
-Text utf8OfUnstated(std::string_view bytes)
+Text utf8OfUnstated(std::string_view bytes) { return isValidUtf8(bytes) ? Text(bytes) : utf8OfLatin1(bytes); }
+
+Text utf8OfLatin1(std::string_view bytes)
 {
-    if (isValidUtf8(bytes))
-        return Text(bytes);
     Text text;
     for (const char byte : bytes)
         append(text, static_cast<unsigned char>(byte));
     return text;
+}
+
+Text oneLine(std::string_view text)
+{
+    Text line;
+    for (const char32_t character : charactersOf(text))
+        append(line, breaksLine(character) ? U' ' : character);
+    return line;
 }
 
 bool isLatin1(std::string_view text)

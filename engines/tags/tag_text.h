@@ -20,6 +20,13 @@ Text utf8OfUtf16(std::u16string_view units);
 // Bytes that do not say what they are: UTF-8 where they are valid as such, otherwise Latin-1.
 Text utf8OfUnstated(std::string_view bytes);
 
+// Latin-1, whatever the bytes are.
+Text utf8OfLatin1(std::string_view bytes);
+
+// UTF-8 that a label, a box and a row of a list can show: a blank stands for each control character and for
+// each other end of a line.
+Text oneLine(std::string_view text);
+
 bool isLatin1(std::string_view text);
 
 // One byte a character; '?' stands for one that Latin-1 does not have.

