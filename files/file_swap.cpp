@@ -1,27 +1,24 @@
 #include "files/file_swap.h"
 
 #include "files/descriptor.h"
-#include "files/folders.h"
+#include "files/part_file.h"
 #include "platform/failure.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
-#include <string_view>
 #include <vector>
 
 namespace
 {
 
-constexpr std::string_view copyPrefix = ".velmora-tag-";
-constexpr std::string_view copySuffix = ".part";
-constexpr int mostTries = 8;
 constexpr std::size_t bufferSize = 1 << 20;
+constexpr std::uint64_t pieceSize = 4 << 20;
 
 struct stat statusOf(int descriptor)
 {
@@ -29,74 +26,6 @@ struct stat statusOf(int descriptor)
     fstat(descriptor, &status);
     return status;
 }
-
-bool isCopyName(std::string_view name)
-{
-    return name.starts_with(copyPrefix) && name.ends_with(copySuffix) &&
-           name.size() == copyPrefix.size() + randomName().size() + copySuffix.size();
-}
-
-// A copy is locked while somebody writes it, and the lock ends with its writer, however that came about.
-void removeIfStale(const Text& path)
-{
-    const Descriptor copy(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
-    const bool isFile = copy && S_ISREG(statusOf(copy.number()).st_mode);
-    if (isFile && flock(copy.number(), LOCK_EX | LOCK_NB) == 0)
-        unlink(path.c_str());
-}
-
-void removeStaleCopies(const Text& folder)
-{
-    for (const Text& name : namesIn(folder))
-        if (isCopyName(name))
-            removeIfStale(folder + '/' + name);
-}
-
-// The copy beside the file, gone at the end unless it was put in place.
-class Copy
-{
-public:
-    // Between its making and its lock a copy may be taken for stale; then another is made.
-    explicit Copy(const Text& folder)
-    {
-        for (int tries = 0; tries < mostTries && !isThere(); ++tries)
-            make(folder);
-    }
-
-    ~Copy()
-    {
-        if (!inPlace_)
-            unlink(path_.c_str());
-    }
-
-    Copy(const Copy&) = delete;
-    Copy& operator=(const Copy&) = delete;
-
-    const Text& path() const { return path_; }
-    int descriptor() const { return file_.number(); }
-
-    bool putInPlaceOf(const Text& path)
-    {
-        inPlace_ = rename(path_.c_str(), path.c_str()) == 0;
-        return inPlace_;
-    }
-
-private:
-    void make(const Text& folder)
-    {
-        path_ = folder + '/' + Text(copyPrefix) + randomName() + Text(copySuffix);
-        file_ = Descriptor(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-        if (!file_)
-            failWith("A copy could not be made in the file's folder", errno);
-        flock(file_.number(), LOCK_EX);
-    }
-
-    bool isThere() const { return file_ && statusOf(file_.number()).st_nlink > 0; }
-
-    Text path_;
-    Descriptor file_;
-    bool inPlace_ = false;
-};
 
 // Writes all of `bytes` at `at`; false with the reason in errno.
 bool writeAt(int descriptor, const Text& bytes, off_t at)
@@ -124,17 +53,6 @@ void copyAttributes(int from, int to)
     }
 }
 
-void takeOver(const struct stat& old, int from, int to)
-{
-    const struct stat now = statusOf(to);
-    const bool isOwner = now.st_uid == old.st_uid && now.st_gid == old.st_gid;
-    if (!isOwner && fchown(to, old.st_uid, old.st_gid) != 0)
-        failWith("The file's owner could not be kept", EPERM);
-    copyAttributes(from, to);
-    if (now.st_mode != old.st_mode && fchmod(to, old.st_mode & 07777) != 0)
-        failWith("The file's permissions could not be kept", errno);
-}
-
 struct Stretch {
     off_t from;
     off_t to;
@@ -148,15 +66,26 @@ struct Stretch {
     }
 };
 
-// Inside the system, where the file system can; what it leaves is copied by `copyByHand`.
+// Room first: a full disk is found before anything is copied, and the copy lies in one piece. Where the file
+// system cannot promise it, the writing finds out.
+void makeRoom(int file, std::uint64_t bytes)
+{
+    if (fallocate(file, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(bytes)) != 0 && errno == ENOSPC)
+        failWith("The copy could not be written", errno);
+}
+
+// Inside the system, where the file system can; what it leaves is copied by `copyByHand`. The disk begins
+// with one piece while the next is copied.
 void copyInside(int from, int to, Stretch& stretch)
 {
     while (stretch.left > 0) {
         loff_t in = stretch.from;
         loff_t out = stretch.to;
-        const auto copied = copy_file_range(from, &in, to, &out, stretch.left, 0);
+        const auto piece = std::min<std::uint64_t>(stretch.left, pieceSize);
+        const auto copied = copy_file_range(from, &in, to, &out, piece, 0);
         if (copied <= 0)
             return;
+        sync_file_range(to, stretch.to, copied, SYNC_FILE_RANGE_WRITE);
         stretch.advance(static_cast<std::uint64_t>(copied));
     }
 }
@@ -178,15 +107,31 @@ void copyByHand(int from, int to, Stretch& stretch)
     }
 }
 
-void write(int from, int to, const NewEnds& ends)
+// One copy with all bytes shared: nothing is read, and next to nothing is left to force to the disk.
+bool copyByReference(int from, int to, const NewEnds& ends)
+{
+    return ends.head.size() == ends.begin && ioctl(to, FICLONE, from) == 0 &&
+           ftruncate(to, static_cast<off_t>(ends.end)) == 0;
+}
+
+void copyBetween(int from, int to, const NewEnds& ends)
 {
     Stretch stretch{static_cast<off_t>(ends.begin), static_cast<off_t>(ends.head.size()),
                     ends.end - ends.begin};
-    if (!writeAt(to, ends.head, 0))
-        failWith("The copy could not be written", errno);
+    makeRoom(to, stretch.left);
     copyInside(from, to, stretch);
     copyByHand(from, to, stretch);
-    if (!writeAt(to, ends.tail, stretch.to) || fsync(to) != 0)
+}
+
+// Some file systems know no flush, and say so; that is no failure.
+bool force(int descriptor) { return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS; }
+
+void write(int from, int to, const NewEnds& ends)
+{
+    if (!copyByReference(from, to, ends))
+        copyBetween(from, to, ends);
+    const auto tailAt = static_cast<off_t>(ends.head.size() + ends.end - ends.begin);
+    if (!writeAt(to, ends.head, 0) || !writeAt(to, ends.tail, tailAt) || !force(to))
         failWith("The copy could not be written", errno);
 }
 
@@ -232,18 +177,19 @@ Text bytesFrom(int descriptor, std::uint64_t at, std::size_t count)
 
 void requireWritable(const StandingFile& file) { openForWriting(file); }
 
-void swapEnds(const StandingFile& file, const NewEnds& ends, const std::function<void(const Text&)>& approve)
+// The file is whole, old or new, without a force of its folder: what is renamed is on the disk already.
+void swapEnds(const StandingFile& file, const NewEnds& ends, PartNotes& notes,
+              const std::function<void(const Text&)>& approve)
 {
-    const Text folder = folderOf(file.path);
-    removeStaleCopies(folder);
-    Copy copy(folder);
-    takeOver(file.status, file.descriptor, copy.descriptor());
-    write(file.descriptor, copy.descriptor(), ends);
+    PartFile copy(file.path, &file.status, notes);
+    if (copy.error() != 0)
+        failWith("A copy could not be made in the file's folder", copy.error());
+    copyAttributes(file.descriptor, copy.file().number());
+    write(file.descriptor, copy.file().number(), ends);
     approve(copy.path());
     requireStanding(file);
-    if (!copy.putInPlaceOf(file.path))
+    if (!copy.takePlace())
         failWith("The copy could not be put in the file's place", errno);
-    syncFolder(folder);
 }
 
 void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes)
@@ -251,7 +197,7 @@ void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes)
     const Descriptor writable = openForWriting(file);
     requireUnchanged(file.status, statusOf(writable.number()));
     const Text old = bytesFrom(writable.number(), at, bytes.size());
-    if (writeAt(writable.number(), bytes, static_cast<off_t>(at)) && fsync(writable.number()) == 0)
+    if (writeAt(writable.number(), bytes, static_cast<off_t>(at)) && force(writable.number()))
         return;
     const int reason = errno;
     const bool undone = writeAt(writable.number(), old, static_cast<off_t>(at)) &&

@@ -2,6 +2,7 @@
 // whole. Everything here fails with words for a person, and then the file is as it was.
 #pragma once
 
+#include "platform/part_notes.h"
 #include "platform/text.h"
 
 #include <sys/stat.h>
@@ -29,9 +30,10 @@ struct NewEnds {
 void requireWritable(const StandingFile& file);
 
 // Puts a copy in the file's place, once `approve`, given the copy's path, has not failed. Mode, owner and
-// extended attributes are kept; another hard link to the file goes on naming the old one. Copies that a crash
-// left in the folder are removed. Fails with number 70 where the folder or the owner does not permit a copy.
-void swapEnds(const StandingFile& file, const NewEnds& ends, const std::function<void(const Text&)>& approve);
+// extended attributes are kept; another hard link to the file goes on naming the old one. Fails with number
+// 70 where the folder or the owner does not permit a copy.
+void swapEnds(const StandingFile& file, const NewEnds& ends, PartNotes& notes,
+              const std::function<void(const Text&)>& approve);
 
 // Writes over the file itself from `at` on: for few bytes, where no copy can be made.
 void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes);

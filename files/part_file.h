@@ -19,6 +19,7 @@ public:
 
     int error() const { return error_; } // an error number of the system, or 0
     const Descriptor& file() const { return file_; }
+    const Text& path() const { return path_; } // until it takes its place
 
     // The target is the file from now on. False when it is not, and the system's error number says why.
     bool takePlace();

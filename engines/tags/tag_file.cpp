@@ -120,13 +120,15 @@ void requireSaying(const Tag& expected, const Text& path)
 
 // Where no copy can be made, and no tag is there or needed that readers would prefer, ID3v1 is written in the
 // file itself: it is so short that there is next to no moment for a crash.
-void put(const NewTags& tags, const TagParts& parts, const StandingFile& file, const Tag& expected)
+void put(const NewTags& tags, const TagParts& parts, const StandingFile& file, const Tag& expected,
+         PartNotes& notes)
 {
     requireWritable(file);
     Failure refused;
     const auto ends = endsFor(tags, parts, static_cast<std::uint64_t>(file.status.st_size));
     const auto approve = [&](const Text& copy) { requireSaying(expected, copy); };
-    if (guarded([&](const Failure& failure) { refused = failure; }, [&] { swapEnds(file, ends, approve); }))
+    if (guarded([&](const Failure& failure) { refused = failure; },
+                [&] { swapEnds(file, ends, notes, approve); }))
         return;
     const bool id3v1Alone = !parts.id3v2 && !parts.ape && !tags.id3v2;
     if (refused.number != permissionDenied || !id3v1Alone)
@@ -134,7 +136,7 @@ void put(const NewTags& tags, const TagParts& parts, const StandingFile& file, c
     overwriteEnd(file, parts.audioEnd, tags.id3v1);
 }
 
-void write(const Text& path, const Tag& wanted)
+void write(const Text& path, const Tag& wanted, PartNotes& notes)
 {
     const Text target = resolved(path);
     const auto file = isFile(target) ? InputFile::open(target) : nullptr;
@@ -153,7 +155,7 @@ void write(const Text& path, const Tag& wanted)
     tags.ape = newApeFor(parts, wanted, shown);
     tags.id3v1 = id3v1With(wanted, shown, parts.id3v1);
     if (tags.id3v2 || tags.ape || tags.id3v1 != parts.id3v1)
-        put(tags, parts, standing, saying(wanted, shown));
+        put(tags, parts, standing, saying(wanted, shown), notes);
 }
 
 }
@@ -168,10 +170,10 @@ Tag readTag(const Text& path)
     return tagOf(bytes, parts);
 }
 
-Text writeTag(const Text& path, const Tag& tag)
+Text writeTag(const Text& path, const Tag& tag, PartNotes& notes)
 {
     Text reason;
     guarded([&](const Failure& failure) { reason = failure.description; },
-            [&] { write(path, storable(tag)); });
+            [&] { write(path, storable(tag), notes); });
     return reason;
 }

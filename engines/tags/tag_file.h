@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engines/tags/tag.h"
+#include "platform/part_notes.h"
 
 // ID3v2 first, then APE, then ID3v1, field by field. An empty tag for a file without one, for one that cannot
 // be read, and for what is no MP3 file.
@@ -12,4 +13,4 @@ Tag readTag(const Text& path);
 // where they are present; ID3v2 is made where ID3v1 cannot hold a field. The file is replaced by a changed
 // copy, whole at every moment, so it takes as long as copying it to the disk, unless the file system shares
 // the bytes of both; other hard links keep the old file.
-Text writeTag(const Text& path, const Tag& tag);
+Text writeTag(const Text& path, const Tag& tag, PartNotes& notes = NoPartNotes::instance());

@@ -9,17 +9,21 @@
 
 #include <doctest/doctest.h>
 
+#include <atomic>
 #include <csignal>
+#include <cstdarg>
 #include <future>
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sched.h>
-#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <sys/sendfile.h>
+#include <sys/syscall.h>
 #include <sys/xattr.h>
 
 namespace
@@ -49,6 +53,30 @@ void giveToNobody(const Text& path)
 }
 
 const auto approved = [](const Text&) {};
+PartNotes& noNotes = NoPartNotes::instance();
+
+std::atomic<int> forces = 0;
+std::atomic<int> clones = 0;
+std::atomic<bool> isCloning = false;
+
+// A file system that can share bytes between files, as long as this lives.
+struct Cloning {
+    Cloning()
+    {
+        clones = 0;
+        isCloning = true;
+    }
+    ~Cloning() { isCloning = false; }
+    Cloning(const Cloning&) = delete;
+    Cloning& operator=(const Cloning&) = delete;
+};
+
+int clone(int to, int from)
+{
+    ++clones;
+    off_t at = 0;
+    return sendfile(to, from, &at, static_cast<std::size_t>(lseek(from, 0, SEEK_END))) < 0 ? -1 : 0;
+}
 
 Text answerOfNobody(const std::function<Text()>& work)
 {
@@ -79,6 +107,25 @@ Outcome writtenInClosedFolder(const Text& bytes, const Tag& tag)
     return {reason, fileBytes(path), statusOf(path).st_ino == inode};
 }
 
+}
+
+// In the place of the system's own.
+extern "C" int fsync(int file)
+{
+    ++forces;
+    return static_cast<int>(syscall(SYS_fsync, file));
+}
+
+extern "C" int ioctl(int file, unsigned long request, ...) noexcept
+{
+    va_list more;
+    va_start(more, request);
+    void* const argument = va_arg(more, void*);
+    va_end(more);
+    if (request == FICLONE && isCloning)
+        return clone(file, static_cast<int>(reinterpret_cast<std::intptr_t>(argument)));
+    static const auto next = reinterpret_cast<int (*)(int, unsigned long, ...)>(dlsym(RTLD_NEXT, "ioctl"));
+    return next(file, request, argument);
 }
 
 TEST_CASE("Mode, owner and attributes of a file are kept, and its time is new")
@@ -291,26 +338,76 @@ TEST_CASE("An immutable file is refused")
     CHECK(holdsOnlyTheSong(folder));
 }
 
-TEST_CASE(
-    "A copy that a crash left is removed by the next writing in the folder; one at work and other files stay")
+TEST_CASE("A copy is noted before it is made, until it stands in the file's place or is gone")
 {
+    struct Book : PartNotes {
+        void note(const Text& path) override
+        {
+            CHECK_FALSE(fs::exists(path));
+            CHECK(path.ends_with(".part"));
+            open.insert(path);
+            ++noted;
+        }
+        void done(const Text& path) override
+        {
+            CHECK_FALSE(fs::exists(path));
+            open.erase(path);
+        }
+        std::set<Text> open;
+        int noted = 0;
+    };
     const TemporaryFolder folder;
     const Text path = putSong(folder, withV2);
-    const Text atWorkPath = putSong(folder, "at work", ".velmora-tag-0123456789abcdef.part");
-    const Descriptor atWork(open(atWorkPath.c_str(), O_RDONLY));
-    REQUIRE(flock(atWork.number(), LOCK_EX) == 0);
-    putSong(folder, "half a song", ".velmora-tag-0000000000000000.part");
-    putSong(folder, "a person's", ".velmora-tag-mine.part");
-    putSong(folder, "a person's", "velmora-tag-0000000000000000.part");
-    REQUIRE(mkfifo((folder / ".velmora-tag-1111111111111111.part").c_str(), 0600) == 0);
-    fs::create_directory(folder / ".velmora-tag-2222222222222222.part");
-    fs::create_symlink("song.mp3", folder / ".velmora-tag-3333333333333333.part");
+    Book book;
+    CHECK(writeTag(path, wanted, book) == "");
+    CHECK(book.noted == 1);
+    CHECK(book.open.empty());
 
-    CHECK(writeTag(path, wanted) == "");
-    CHECK(namesInFolder(folder.path()) ==
-          std::set<Text>{".velmora-tag-0123456789abcdef.part", ".velmora-tag-1111111111111111.part",
-                         ".velmora-tag-2222222222222222.part", ".velmora-tag-3333333333333333.part",
-                         ".velmora-tag-mine.part", "song.mp3", "velmora-tag-0000000000000000.part"});
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    const auto refuse = [&](const Text& copy) {
+        CHECK(book.open == std::set<Text>{copy});
+        throw failure(75);
+    };
+    CHECK(failureOf([&] {
+              swapEnds({path, file.number(), statusOf(path)}, {"", 0, 100, ""}, book, refuse);
+          }) == 75);
+    CHECK(book.noted == 2);
+    CHECK(book.open.empty());
+    CHECK(holdsOnlyTheSong(folder));
+}
+
+TEST_CASE("A writing costs one force to the disk")
+{
+    const TemporaryFolder folder;
+    const Text roomy = v2Tag(3, v2Frame(3, "TIT2", latin1Text("Old")), 500) + mp3Frames(5000);
+    for (const Text& bytes : {roomy, v1Alone, audio}) {
+        const Text path = putSong(folder, bytes);
+        forces = 0;
+        CHECK(writeTag(path, wanted) == "");
+        CHECK(forces == 1);
+    }
+}
+
+TEST_CASE("Where the file system can, the copy shares the file's bytes, also where the tag behind them goes "
+          "or grows")
+{
+    const TemporaryFolder folder;
+    const Text bytes = mp3Frames(5000);
+    const Text path = putSong(folder, bytes);
+    for (const Text tail : {"", "longer than what was cut off"}) {
+        const Descriptor file(open(path.c_str(), O_RDONLY));
+        const Cloning system;
+        swapEnds({path, file.number(), statusOf(path)}, {"head", 4, bytes.size() - 10, tail}, noNotes,
+                 approved);
+        CHECK(clones == 1);
+        CHECK(fileBytes(path) == "head" + bytes.substr(4, bytes.size() - 14) + tail);
+        putSong(folder, bytes);
+    }
+    const Descriptor file(open(path.c_str(), O_RDONLY));
+    const Cloning system;
+    swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size(), ""}, noNotes, approved);
+    CHECK(clones == 0); // the bytes have another place in the copy
+    CHECK(fileBytes(path) == "head" + bytes.substr(10));
 }
 
 TEST_CASE("Writers of two files in one folder leave each other's copies alone")
@@ -336,7 +433,7 @@ TEST_CASE("What another program writes meanwhile is not undone")
     const Descriptor file(open(path.c_str(), O_RDONLY));
     const StandingFile standing{path, file.number(), statusOf(path)};
     putSong(folder, withV2 + "more");
-    CHECK(failureOf([&] { swapEnds(standing, {"", 0, 100, ""}, approved); }) == 75);
+    CHECK(failureOf([&] { swapEnds(standing, {"", 0, 100, ""}, noNotes, approved); }) == 75);
     CHECK(failureOf([&] { overwriteEnd(standing, 0, "TAG"); }) == 75);
     CHECK(fileBytes(path) == withV2 + "more");
     CHECK(holdsOnlyTheSong(folder));
@@ -353,7 +450,7 @@ TEST_CASE("A copy that is not approved does not take the file's place")
         throw failure(75);
     };
     CHECK(failureOf([&] {
-              swapEnds({path, file.number(), statusOf(path)}, {"new ", 0, 3, ""}, refuse);
+              swapEnds({path, file.number(), statusOf(path)}, {"new ", 0, 3, ""}, noNotes, refuse);
           }) == 75);
     CHECK(seen == "new old");
     CHECK(fileBytes(path) == "old");
@@ -366,7 +463,8 @@ TEST_CASE("The new ends stand around exactly the bytes that were asked for")
     const Text bytes = mp3Frames(5000);
     const Text path = putSong(folder, bytes);
     const Descriptor file(open(path.c_str(), O_RDONLY));
-    swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, approved);
+    swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, noNotes,
+             approved);
     CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
 }
 
@@ -377,7 +475,8 @@ TEST_CASE("Bytes that the system does not copy by itself, as between two file sy
     const Descriptor elsewhere(memfd_create("song", MFD_CLOEXEC));
     const Text bytes = mp3Frames(5000);
     REQUIRE(write(elsewhere.number(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
-    swapEnds({path, elsewhere.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, approved);
+    swapEnds({path, elsewhere.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, noNotes,
+             approved);
     CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
 }
 
@@ -386,9 +485,10 @@ TEST_CASE("A file whose end cannot be read is not replaced by a shorter one")
     const TemporaryFolder folder;
     const Text path = putSong(folder, audio);
     const Descriptor file(open(path.c_str(), O_RDONLY));
-    CHECK(failureOf([&] {
-              swapEnds({path, file.number(), statusOf(path)}, {"", 0, audio.size() + 1, ""}, approved);
-          }) == 57);
+    CHECK(
+        failureOf([&] {
+            swapEnds({path, file.number(), statusOf(path)}, {"", 0, audio.size() + 1, ""}, noNotes, approved);
+        }) == 57);
     CHECK(fileBytes(path) == audio);
     CHECK(holdsOnlyTheSong(folder));
 }
