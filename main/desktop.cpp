@@ -110,8 +110,8 @@ Toolkit& Desktop::toolkit() { return parts_->toolkit; }
 
 std::unique_ptr<Mp3Play> Desktop::makeMp3Play()
 {
-    return makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell(), parts_->partNotes,
-                          parts_->unopened);
+    return makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell(), parts_->partNotes, parts_->unopened,
+                          applicationFolder() + pathSeparator + "conf.mp3");
 }
 
 std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc()

@@ -17,7 +17,7 @@ public:
     // may be a passing condition, and nothing is open then.
     virtual std::int16_t Open(const Text& path, const Text& output) = 0;
 
-    // Harmless with nothing open. The tag fields go on answering for the file last opened.
+    // Harmless with nothing open. Forgets tag and file, unless fields were set since `Open` or just written.
     virtual void Close() = 0;
 
     // Starts, or continues after `Pause`; an opened decoding begins, as a job of its own. No effect while
@@ -53,13 +53,13 @@ public:
     // Not 0 from `Play` on an open file until its last sample was heard, also in a pause.
     virtual std::int16_t IsPlaying() const = 0;
 
-    // The tag of the file last opened, values set since included.
+    // The tag of the open file, values set since included; each one line.
     virtual Text Title() const = 0;
     virtual Text Artist() const = 0;
     virtual Text Album() const = 0;
     virtual Text Comment() const = 0;
     virtual std::int16_t Year() const = 0;       // 0: no year
-    virtual std::int16_t GenreIndex() const = 0; // the ID3v1 number; -1: none
+    virtual std::int16_t GenreIndex() const = 0; // the ID3v1 number; -1: no genre, or one without a number
     virtual void setTitle(const Text& title) = 0;
     virtual void setArtist(const Text& artist) = 0;
     virtual void setAlbum(const Text& album) = 0;
@@ -67,11 +67,11 @@ public:
     virtual void setYear(std::int16_t year) = 0;
     virtual void setGenreIndex(std::int16_t genre) = 0;
 
-    // The text of a genre number; "" for -1. Never fails.
+    // The text of a genre number; for -1 the open file's genre without a number, or "". Never fails.
     virtual Text GenreName(std::int16_t genre) const = 0;
 
-    // Writes the set tag fields to the file last opened, also after `Close`. A failure is told to the
-    // desktop.
+    // Writes the tag fields to their file, also after the `Close` behind their setting. A failure, also that
+    // there is no file, is told to the desktop.
     virtual void WriteTag() = 0;
 
     // The length of an opened decoding in the unit of `Progress`, thousandths; 0 with none open.

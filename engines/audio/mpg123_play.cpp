@@ -6,8 +6,8 @@
 #include "engines/audio/unopened_files.h"
 #include "engines/audio/voice.h"
 #include "engines/codec/decode_jobs.h"
+#include "engines/tags/edited_tag.h"
 #include "engines/tags/genre.h"
-#include "engines/tags/tag_file.h"
 #include "platform/post.h"
 #include "platform/shell.h"
 
@@ -28,7 +28,8 @@ constexpr std::int64_t mostSteps = std::numeric_limits<std::int16_t>::max();
 class Mpg123Play final : public Mp3Play
 {
 public:
-    Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes, UnopenedFiles& unopened);
+    Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes, UnopenedFiles& unopened,
+               Text levelsFile);
 
     std::int16_t Open(const Text& path, const Text& output) override;
     void Close() override;
@@ -48,19 +49,19 @@ public:
     float FrameDuration() const override;
     std::int16_t IsPlaying() const override { return voice_.isPlaying() ? 1 : 0; }
 
-    Text Title() const override { return tag().title; }
-    Text Artist() const override { return tag().artist; }
-    Text Album() const override { return tag().album; }
-    Text Comment() const override { return tag().comment; }
-    std::int16_t Year() const override { return tag().year; }
-    std::int16_t GenreIndex() const override { return tag().genreIndex; }
-    void setTitle(const Text& title) override { tag().title = title; }
-    void setArtist(const Text& artist) override { tag().artist = artist; }
-    void setAlbum(const Text& album) override { tag().album = album; }
-    void setComment(const Text& comment) override { tag().comment = comment; }
-    void setYear(std::int16_t year) override { tag().year = year; }
-    void setGenreIndex(std::int16_t genre) override { tag().genreIndex = genre; }
-    Text GenreName(std::int16_t genre) const override { return genreName(genre); }
+    Text Title() const override { return tag_.fields().title; }
+    Text Artist() const override { return tag_.fields().artist; }
+    Text Album() const override { return tag_.fields().album; }
+    Text Comment() const override { return tag_.fields().comment; }
+    std::int16_t Year() const override { return tag_.fields().year; }
+    std::int16_t GenreIndex() const override { return tag_.fields().genreIndex; }
+    void setTitle(const Text& title) override { tag_.change().title = title; }
+    void setArtist(const Text& artist) override { tag_.change().artist = artist; }
+    void setAlbum(const Text& album) override { tag_.change().album = album; }
+    void setComment(const Text& comment) override { tag_.change().comment = comment; }
+    void setYear(std::int16_t year) override { tag_.change().year = year; }
+    void setGenreIndex(std::int16_t genre) override { tag_.change().genreIndex = genre; }
+    Text GenreName(std::int16_t genre) const override;
     void WriteTag() override;
 
     std::int32_t DecodeLength() const override { return jobs_ ? jobs_->length() : 0; }
@@ -70,7 +71,6 @@ private:
     bool openSound(const Text& path);
     void unload();
     void keepTagOf(const Text& path);
-    Tag& tag() const;
     std::int64_t step() const;
 
     SoundOutput& output_;
@@ -83,15 +83,16 @@ private:
     std::optional<DecodeJobs> jobs_; // from the first decoding on
     bool isDecoding_ = false;
 
-    Text taggedPath_;                // the file last opened, if it takes a tag
-    mutable std::optional<Tag> tag_; // read when it is first asked for
+    Text levelsFile_;
+    EditedTag tag_;
 };
 
 Mpg123Play::Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes,
-                       UnopenedFiles& unopened) :
+                       UnopenedFiles& unopened, Text levelsFile) :
     output_(output),
     post_(post), shell_(shell), notes_(notes), unopened_(unopened),
-    voice_(output, AtEnd::rewinds, [&post] { post.post([] {}); })
+    voice_(output, AtEnd::rewinds, [&post] { post.post([] {}); }), levelsFile_(std::move(levelsFile)),
+    tag_(notes)
 {
 }
 
@@ -143,6 +144,7 @@ void Mpg123Play::unload()
 void Mpg123Play::Close()
 {
     unload();
+    tag_.close();
     isDecoding_ = false;
     if (jobs_)
         jobs_->close();
@@ -202,32 +204,32 @@ float Mpg123Play::FrameDuration() const
 
 void Mpg123Play::keepTagOf(const Text& path)
 {
-    taggedPath_ = path;
-    tag_.reset();
     if (path.empty())
-        tag_.emplace();
+        tag_.forget();
+    else if (path == levelsFile_)
+        tag_.openForReading(path);
+    else
+        tag_.open(path);
 }
 
-Tag& Mpg123Play::tag() const
+// A genre without a number is asked for by none.
+Text Mpg123Play::GenreName(std::int16_t genre) const
 {
-    if (!tag_)
-        tag_ = readTag(taggedPath_);
-    return *tag_;
+    return genre == -1 ? tag_.fields().genreName : genreName(genre);
 }
 
 void Mpg123Play::WriteTag()
 {
-    if (taggedPath_.empty())
-        return;
-    const Text reason = writeTag(taggedPath_, tag());
+    const Text name = tag_.path().empty() ? "" : tag_.path() + ": ";
+    const Text reason = tag_.write();
     if (!reason.empty())
-        shell_.notify("The tag was not saved", taggedPath_ + ": " + reason);
+        shell_.notify("The tag was not saved", name + reason);
 }
 
 }
 
 std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes,
-                                        UnopenedFiles& unopened)
+                                        UnopenedFiles& unopened, const Text& levelsFile)
 {
-    return std::make_unique<Mpg123Play>(output, post, shell, notes, unopened);
+    return std::make_unique<Mpg123Play>(output, post, shell, notes, unopened, levelsFile);
 }

@@ -12,6 +12,7 @@ class Shell;
 class SoundOutput;
 class UnopenedFiles;
 
-// `post` wakes the window thread when a file has been heard to its end. What is given outlives the engine.
+// `post` wakes the window thread when a file has been heard to its end. `levelsFile` is the file that the
+// program opens to ask for the levels: no tag is written into it. What is given outlives the engine.
 std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes,
-                                        UnopenedFiles& unopened);
+                                        UnopenedFiles& unopened, const Text& levelsFile = {});

@@ -120,8 +120,10 @@ TEST_CASE("A WAV file opens, too, without tags")
     CHECK(parts.mp3->Title().empty());
     CHECK(parts.mp3->GenreIndex() == -1);
     parts.mp3->setTitle("Title");
+    const Text bytes = fileBytes(path);
     parts.mp3->WriteTag();
-    CHECK(parts.shell.notes.empty());
+    CHECK(parts.shell.notes == std::vector<Text>{"The tag was not saved|No MP3 file is open."});
+    CHECK(fileBytes(path) == bytes);
     CHECK(parts.mp3->Open(path, "") == 0);
     CHECK(parts.mp3->Title().empty());
 }

@@ -1,3 +1,5 @@
+#include "engines/tags/tag_file.h"
+#include "tests/support/mp3_files.h"
 #include "tests/support/mp3_frames.h"
 #include "tests/support/no_sound.h"
 #include "tests/support/sound_files.h"
@@ -19,11 +21,40 @@ struct Files : NoSound, SoundParts {
     {
         putFile(song, mp3Bytes(noise(second * 5)));
         putFile(clip, silentFrames(3));
+        putWav(wav, noise(second));
     }
 
     const Text song = folder / "song.mp3";
     const Text clip = folder / "clip.mp3";
+    const Text wav = folder / "sound.wav";
 };
+
+const Tag set{"Title", "Artist", "Album", "Comment", 1999, 17};
+
+Tag fieldsOf(const Mp3Play& mp3)
+{
+    return {mp3.Title(), mp3.Artist(), mp3.Album(), mp3.Comment(), mp3.Year(), mp3.GenreIndex()};
+}
+
+void setFields(Mp3Play& mp3, const Tag& tag = set)
+{
+    mp3.setTitle(tag.title);
+    mp3.setArtist(tag.artist);
+    mp3.setAlbum(tag.album);
+    mp3.setGenreIndex(tag.genreIndex);
+    mp3.setYear(tag.year);
+    mp3.setComment(tag.comment);
+}
+
+// The calls of the window that edits tags, in their order.
+void save(Mp3Play& mp3, const Tag& tag)
+{
+    setFields(mp3, tag);
+    mp3.Close();
+    mp3.WriteTag();
+    mp3.Stop();
+    mp3.Close();
+}
 
 bool plays(const Mp3Play& mp3) { return mp3.IsPlaying() != 0; }
 
@@ -56,7 +87,6 @@ TEST_CASE("With nothing open every question has an answer, and no call does harm
     parts.mp3->Stop();
     parts.mp3->Seek(10);
     parts.mp3->SetVolume(10, 10);
-    parts.mp3->WriteTag();
     CHECK(parts.mp3->Open("", "") != 0);
     check();
     CHECK(parts.mp3->GenreName(-1).empty());
@@ -183,33 +213,113 @@ TEST_CASE("A pause at the very end is left by Play alone")
     CHECK(waitUntil([&] { return files.mp3->IsPlaying() == 0; }));
 }
 
-TEST_CASE("The tag fields answer for the file last opened, set values included, until an Open")
+TEST_CASE("The tag fields answer for the open file, set values included")
 {
     Files files;
     REQUIRE(files.mp3->Open(files.song, "") == 0);
-    files.mp3->setTitle("Title");
-    files.mp3->setArtist("Artist");
-    files.mp3->setAlbum("Album");
-    files.mp3->setComment("Comment");
-    files.mp3->setYear(1999);
-    files.mp3->setGenreIndex(17);
+    setFields(*files.mp3);
     for (const bool closed : {false, true}) {
         if (closed)
             files.mp3->Close();
-        CHECK(files.mp3->Title() == "Title");
-        CHECK(files.mp3->Artist() == "Artist");
-        CHECK(files.mp3->Album() == "Album");
-        CHECK(files.mp3->Comment() == "Comment");
-        CHECK(files.mp3->Year() == 1999);
-        CHECK(files.mp3->GenreIndex() == 17);
+        CHECK(fieldsOf(*files.mp3) == set);
     }
     CHECK(files.mp3->Open("/missing", "") != 0);
-    CHECK(files.mp3->Title().empty());
-    CHECK(files.mp3->Year() == 0);
-    CHECK(files.mp3->GenreIndex() == -1);
+    CHECK(fieldsOf(*files.mp3) == Tag());
+}
+
+TEST_CASE("What is saved, opened again in the editor and saved again wipes nothing")
+{
+    Files files;
+    REQUIRE(files.mp3->Open(files.song, "") == 0);
+    for (int time = 0; time < 3; ++time) {
+        CAPTURE(time);
+        save(*files.mp3, time == 0 ? set : fieldsOf(*files.mp3));
+        CHECK(fieldsOf(*files.mp3) == set);
+        CHECK(readTag(files.song) == set);
+    }
+    CHECK(files.shell.notes.empty());
+}
+
+TEST_CASE("A file that was closed with nothing set is forgotten: no later saving reaches it")
+{
+    Files files;
+    writeTag(files.song, set);
+    const Text before = fileBytes(files.song);
+    struct Case {
+        const char* what;
+        std::function<void(Mp3Play&)> act;
+    };
+    const Case cases[] = {
+        {"opened and closed", [&](Mp3Play& mp3) { mp3.Open(files.song, ""); }},
+        {"asked", [&](Mp3Play& mp3) { mp3.Open(files.song, ""), mp3.Title(); }},
+        {"played", [&](Mp3Play& mp3) { mp3.Open(files.song, ""), mp3.Play(), mp3.Stop(); }},
+        {"set, and opened once more",
+         [&](Mp3Play& mp3) { mp3.Open(files.song, ""), mp3.setTitle("x"), mp3.Open(files.song, ""); }},
+        {"a sound without a tag", [&](Mp3Play& mp3) { mp3.Open(files.song, ""), mp3.Open(files.wav, ""); }},
+        {"saved, and closed once more",
+         [&](Mp3Play& mp3) { mp3.Open(files.song, ""), save(mp3, fieldsOf(mp3)); }},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        c.act(*files.mp3);
+        files.mp3->Close();
+        CHECK(fieldsOf(*files.mp3) == Tag());
+        CHECK(files.shell.notes.empty());
+        save(*files.mp3, {"Another", "", "", " ", 0, 80});
+        CHECK(fileBytes(files.song) == before);
+        CHECK(files.shell.notes == std::vector<Text>{"The tag was not saved|No MP3 file is open."});
+        CHECK(fieldsOf(*files.mp3) == Tag());
+        files.shell.notes.clear();
+    }
+}
+
+TEST_CASE("A writing with nothing open writes nothing and is told to the desktop")
+{
+    Files files;
+    const Text refusal = "The tag was not saved|No MP3 file is open.";
+    files.mp3->WriteTag();
+    CHECK(files.shell.notes == std::vector<Text>{refusal});
+    files.mp3->Open("/missing", "");
+    files.shell.notes.clear();
     files.mp3->setTitle("Title");
     files.mp3->WriteTag();
-    CHECK(files.shell.notes.empty()); // there is no file to write to
+    CHECK(files.shell.notes == std::vector<Text>{refusal});
+}
+
+TEST_CASE("The file that is opened for its levels takes no tag")
+{
+    Files files;
+    const Text before = fileBytes(files.clip);
+    const auto mp3 = makeMpg123Play(files.output, files.post, files.shell, NoPartNotes::instance(),
+                                    files.unopened, files.clip);
+    REQUIRE(mp3->Open(files.clip, "") == 0);
+    save(*mp3, set);
+    CHECK(fileBytes(files.clip) == before);
+    REQUIRE(files.shell.notes.size() == 1);
+    CHECK(files.shell.notes[0].find(files.clip) != Text::npos);
+    REQUIRE(mp3->Open(files.song, "") == 0);
+    save(*mp3, set);
+    CHECK(readTag(files.song) == set);
+    CHECK(files.shell.notes.size() == 1);
+}
+
+TEST_CASE("A genre without a number has its name, and a saving as the editor saves leaves it")
+{
+    Files files;
+    putFile(files.song, v2Tag(3, v2Frame(3, "TCON", latin1Text("Heavy Metal"))) + fileBytes(files.song));
+    REQUIRE(files.mp3->Open(files.song, "") == 0);
+    CHECK(files.mp3->GenreIndex() == -1);
+    CHECK(files.mp3->GenreName(files.mp3->GenreIndex()) == "Heavy Metal");
+    CHECK(files.mp3->GenreName(17) == "Rock");
+    save(*files.mp3, {"Title", "", "", " ", 0, 80});
+    REQUIRE(files.mp3->Open(files.song, "") == 0);
+    CHECK(files.mp3->GenreName(files.mp3->GenreIndex()) == "Heavy Metal");
+    CHECK(v1Of(fileBytes(files.song)).genre == 80);
+    save(*files.mp3, {"Title", "", "", " ", 0, 17});
+    REQUIRE(files.mp3->Open(files.song, "") == 0);
+    CHECK(files.mp3->GenreIndex() == 17);
+    CHECK(files.mp3->GenreName(-1) == "");
+    CHECK(files.shell.notes.empty());
 }
 
 TEST_CASE("A tag that cannot be written is told to the desktop")

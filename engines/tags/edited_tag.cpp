@@ -1,0 +1,52 @@
+#include "engines/tags/edited_tag.h"
+
+#include "engines/tags/tag_file.h"
+
+#include <utility>
+
+void EditedTag::open(const Text& path) { take(path, true); }
+
+void EditedTag::openForReading(const Text& path) { take(path, false); }
+
+void EditedTag::forget() { take("", false); }
+
+void EditedTag::take(const Text& path, bool takesTag)
+{
+    path_ = path;
+    takesTag_ = takesTag;
+    isSet_ = false;
+    isWritten_ = false;
+    tag_.reset();
+}
+
+void EditedTag::close()
+{
+    if (!std::exchange(isWritten_, false) && !isSet_)
+        forget();
+}
+
+const Tag& EditedTag::fields() const
+{
+    if (!tag_)
+        tag_ = path_.empty() ? Tag() : readTag(path_);
+    return *tag_;
+}
+
+Tag& EditedTag::change()
+{
+    fields();
+    isSet_ = true;
+    return *tag_;
+}
+
+Text EditedTag::write()
+{
+    const Tag wanted = fields();
+    take(path_, takesTag_);
+    if (path_.empty())
+        return "No MP3 file is open.";
+    if (!takesTag_)
+        return "The file is one of Velmora's own.";
+    isWritten_ = true;
+    return writeTag(path_, wanted, notes_);
+}
