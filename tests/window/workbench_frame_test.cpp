@@ -223,12 +223,15 @@ TEST_CASE("Each Settings button loads, disables the Apply of its tab, turns to i
             CHECK(w.settings.SettingsTab.Tab() == (row.tab + 2) % 4);
             CHECK_FALSE(w.settings.Visible());
         };
+        bool activated = false;
         w.settings.Activate.calls([&] {
+            activated = true;
             CHECK_FALSE(w.settings.applyButton(row.tab).Enabled());
             CHECK(w.settings.SettingsTab.Tab() == row.tab);
         });
         (w.workbench.*row.button).Click.raise();
         CHECK(loaded);
+        CHECK(activated);
         Text apply = "1111";
         apply[static_cast<std::size_t>(row.tab)] = '0';
         CHECK(w.applyButtons() == apply);
