@@ -24,8 +24,10 @@ void Program::start()
 
 void Program::raise()
 {
-    if (remoteControl_)
-        startUp().Show();
+    if (!remoteControl_)
+        return;
+    startUp().bringWithinReach();
+    startUp().Show();
 }
 
 template <typename Window>

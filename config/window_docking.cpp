@@ -74,6 +74,13 @@ void StartUp::dockAt(DockSide side)
 {
     PlayListEditor& list = program_.playListEditor();
     const Place place = docked(side, placeOf(*this), placeOf(list));
+    if (list.isKeptFrom(place.left, place.top))
+        return; // as good as done: asking again would move the window to and fro for ever
+    if (side == DockSide::right || side == DockSide::left) {
+        list.setLeft(place.left);
+        list.setTop(place.top);
+        return;
+    }
     list.setTop(place.top);
     list.setLeft(place.left);
 }

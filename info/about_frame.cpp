@@ -22,7 +22,7 @@ constexpr std::uint32_t bufferSize = 1024;
 }
 
 AboutFrame::AboutFrame(Program& program) :
-    Form(program.platform().toolkit(), "AboutFrame", Border::fixed, {6000_tw, 4500_tw}), program_(program)
+    Form(program.platform().toolkit(), "AboutFrame", Border::dialog, {6000_tw, 4500_tw}), program_(program)
 {
     setCaption("About Velmora");
     lblTitle.setFontSize(14);

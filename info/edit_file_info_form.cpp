@@ -6,7 +6,7 @@
 #include "toolkit/toolkit.h"
 
 editfileinfoform::editfileinfoform(Program& program) :
-    Form(program.platform().toolkit(), "editfileinfoform", Border::fixed, {4500_tw, 2610_tw}),
+    Form(program.platform().toolkit(), "editfileinfoform", Border::dialog, {4500_tw, 2610_tw}),
     program_(program)
 {
     setCaption("Edit File Information");

@@ -31,7 +31,8 @@ public:
     ctl::Label    Label1      {*this, "Label1",       {   0_tw, 1800_tw,  825_tw, 285_tw}, "Comment:"};
     ctl::TextBox  txtComment  {*this, "txtComment",   { 840_tw, 1800_tw, 3615_tw, 285_tw}};
     ctl::CommandButton butSave  {*this, "butSave",    {1200_tw, 2160_tw,  975_tw, 375_tw}, "&SAVE"};
-    ctl::CommandButton butCancel{*this, "butCancel",  {2400_tw, 2160_tw,  975_tw, 375_tw}, "&CANCEL"};
+    ctl::CommandButton butCancel{*this, "butCancel",  {2400_tw, 2160_tw,  975_tw, 375_tw}, "&CANCEL",
+                                ctl::CommandButton::Keys::escape};
     // clang-format on
 
     void Form_Unload();

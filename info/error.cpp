@@ -4,7 +4,7 @@
 #include "toolkit/toolkit.h"
 
 Error::Error(Program& program) :
-    Form(program.platform().toolkit(), "Error", Border::fixed, {4215_tw, 1725_tw})
+    Form(program.platform().toolkit(), "Error", Border::dialog, {4215_tw, 1725_tw})
 {
     setCaption("Error");
     theerror.setWordWrap(true);

@@ -5,6 +5,7 @@
 #include "platform/paths.h"
 #include "platform/pump.h"
 #include "platform/version.h"
+#include "player/first_place.h"
 #include "playlist/play_list_editor.h"
 #include "program.h"
 #include "toolkit/toolkit.h"
@@ -13,12 +14,6 @@ namespace
 {
 
 constexpr Extent client{6435_tw, 2985_tw};
-
-// Half the space that a window leaves on the screen, or the stored text where there is one.
-Twips placeOr(const Text& stored, Twips screen, Twips window)
-{
-    return stored.empty() ? screen / 2 - window / 2 : toSingle(stored);
-}
 
 // The version without its last number: "2.0".
 Text shortVersion()
@@ -36,7 +31,16 @@ StartUp::StartUp(Program& program) :
 {
     Image3.setEnabled(false);
     setTones();
+    setKeys();
     wire();
+}
+
+void StartUp::setKeys()
+{
+    setMenuImage(imgMenu);
+    volslider.showBy(vslider_img2, vslider_bg);
+    balslider.showBy(balbar_img2, balbar_bg);
+    pbar.showBy(posbar_img2, posbar_bg);
 }
 
 void StartUp::setTones()
@@ -106,9 +110,9 @@ void StartUp::placeFromStore()
     const auto& store = program_.settingsStore();
     const Text left = store.GetSetting(section::mainWindowPlace, key::left);
     const Text top = store.GetSetting(section::mainWindowPlace, key::top);
-    const Extent screen = toolkit().screen();
-    setLeft(placeOr(left, screen.width, Width()));
-    setTop(placeOr(top, screen.height, Height()));
+    const Place screen = toolkit().screen();
+    setLeft(left.empty() ? centred(screen.left, screen.width, Width()) : toSingle(left));
+    setTop(top.empty() ? centred(screen.top, screen.height, Height()) : toSingle(top));
 }
 
 // The engine knows its levels only while a file is open: that is what conf.mp3 is for.

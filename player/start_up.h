@@ -162,6 +162,7 @@ public:
 
 private:
     void setTones();
+    void setKeys();
     void wire();
     void closeRequested() override { Unload.raise(); }
 

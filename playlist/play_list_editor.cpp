@@ -27,6 +27,7 @@ PlayListEditor::PlayListEditor(Program& program) :
 {
     setCaption("Playlist Editor");
     PlayListFileName.setLocked(true);
+    setMenuImage(imgMenu);
     wire();
 }
 

@@ -7,7 +7,7 @@
 #include "toolkit/toolkit.h"
 
 Settings::Settings(Program& program) :
-    Form(program.platform().toolkit(), "Settings", Border::fixed, {6900_tw, 5070_tw}),
+    Form(program.platform().toolkit(), "Settings", Border::dialog, {6900_tw, 5070_tw}),
     drives_(program.platform().drives()), program_(program)
 {
     setCaption("Settings");

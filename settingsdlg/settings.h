@@ -23,6 +23,8 @@ private:
     Drives& drives_;
 
 public:
+    static constexpr auto escape = ctl::CommandButton::Keys::escape;
+
     // clang-format off
     ctl::TabControl SettingsTab{*this, "SettingsTab", {90_tw, 90_tw, 6720_tw, 4890_tw},
                                 {"Mp3 Encoder", "Mp3 Decoder", "CD => WAV", "WAV => CD"}};
@@ -51,7 +53,7 @@ public:
     ctl::DirListBox   Dir1          {SetEncSaveDir, "Dir1",   {120_tw, 750_tw, 3750_tw, 2370_tw}};
     ctl::CommandButton SetEncOK     {tab0, "SetEncOK",      {2130_tw, 3900_tw, 1380_tw,  390_tw}, "&OK"};
     ctl::CommandButton SetEncApp    {tab0, "SetEncApp",     {3645_tw, 3900_tw, 1380_tw,  390_tw}, "&Apply"};
-    ctl::CommandButton SetEncCan    {tab0, "SetEncCan",     {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel"};
+    ctl::CommandButton SetEncCan    {tab0, "SetEncCan",     {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel", escape};
 
     ctl::Container& tab1 = SettingsTab.page(1);
     ctl::Frame        Frame1        {tab1, "Frame1",        { 120_tw,   90_tw, 6420_tw, 3600_tw}, "Where do you want the .wav files to be saved?"};
@@ -59,7 +61,7 @@ public:
     ctl::DirListBox   Dir2          {Frame1, "Dir2",        { 120_tw,  750_tw, 6180_tw, 2730_tw}};
     ctl::CommandButton SetDecOK     {tab1, "SetDecOK",      {2130_tw, 3900_tw, 1380_tw,  390_tw}, "&OK"};
     ctl::CommandButton SetDecApp    {tab1, "SetDecApp",     {3645_tw, 3900_tw, 1380_tw,  390_tw}, "&Apply"};
-    ctl::CommandButton SetDecCan    {tab1, "SetDecCan",     {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel"};
+    ctl::CommandButton SetDecCan    {tab1, "SetDecCan",     {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel", escape};
 
     ctl::Container& tab2 = SettingsTab.page(2);
     ctl::Frame        frmCDDrive    {tab2, "frmCDDrive",    { 120_tw,   90_tw, 6420_tw, 1170_tw}, "Select Your CD Drive"};
@@ -74,7 +76,7 @@ public:
     ctl::DirListBox   Dir3          {SetCDtoWAVSaveDir, "Dir3",   {3210_tw, 330_tw, 3090_tw, 1260_tw}};
     ctl::CommandButton SetCDtoWAVOK {tab2, "SetCDtoWAVOK",  {2130_tw, 3900_tw, 1380_tw,  390_tw}, "&OK"};
     ctl::CommandButton SetCDtoWAVApp{tab2, "SetCDtoWAVApp", {3645_tw, 3900_tw, 1380_tw,  390_tw}, "&Apply"};
-    ctl::CommandButton SetCDtoWAVCan{tab2, "SetCDtoWAVCan", {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel"};
+    ctl::CommandButton SetCDtoWAVCan{tab2, "SetCDtoWAVCan", {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel", escape};
 
     ctl::Container& tab3 = SettingsTab.page(3);
     ctl::Frame        frmWAVtoCDcddrives{tab3, "frmWAVtoCDcddrives", {120_tw, 90_tw, 3210_tw, 1650_tw}, "CD Drives"};
@@ -103,7 +105,7 @@ public:
                                      "Automatically eject the CD after all tracks have been written."};
     ctl::CommandButton SetWAVtoCDOK {tab3, "SetWAVtoCDOK",  {2130_tw, 3900_tw, 1380_tw,  390_tw}, "&OK"};
     ctl::CommandButton SetWAVtoCDApp{tab3, "SetWAVtoCDApp", {3645_tw, 3900_tw, 1380_tw,  390_tw}, "&Apply"};
-    ctl::CommandButton SetWAVtoCDCan{tab3, "SetWAVtoCDCan", {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel"};
+    ctl::CommandButton SetWAVtoCDCan{tab3, "SetWAVtoCDCan", {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel", escape};
     // clang-format on
 
     struct BitrateButton {

@@ -2,10 +2,13 @@
 
 #include "platform/failure.h"
 #include "toolkit/form.h"
+#include "toolkit/form_widget.h"
 #include "toolkit/qt_bridge.h"
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QFocusEvent>
+#include <QKeyEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcut>
@@ -14,11 +17,56 @@
 namespace
 {
 
+bool isEnter(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter; }
+
+// Enter presses the button that has the focus, in every desktop's style, and once, however long it is held.
+class PushButton final : public QPushButton
+{
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (!isEnter(event->key()))
+            QPushButton::keyPressEvent(event);
+        else if (!event->isAutoRepeat())
+            click();
+    }
+};
+
+// Tab lands on the chosen one of a group, whichever was chosen when the group had the focus last.
+class RadioButton final : public QRadioButton
+{
+public:
+    using QRadioButton::QRadioButton;
+
+protected:
+    void focusInEvent(QFocusEvent* event) override
+    {
+        const bool byTab = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+        auto* chosen = byTab ? chosenOfGroup() : nullptr;
+        if (chosen && chosen != this)
+            chosen->setFocus(event->reason());
+        else
+            QRadioButton::focusInEvent(event);
+    }
+
+private:
+    QRadioButton* chosenOfGroup() const
+    {
+        for (auto* button : parentWidget()->findChildren<QRadioButton*>(Qt::FindDirectChildrenOnly))
+            if (button->isChecked() && button->isEnabled())
+                return button;
+        return nullptr;
+    }
+};
+
 // Enter presses the button that has the focus, if one has.
-QPushButton& buttonFor(int key, QPushButton& otherwise)
+QPushButton& buttonFor(QPushButton& otherwise)
 {
     auto* focused = qobject_cast<QPushButton*>(QApplication::focusWidget());
-    return focused && key != Qt::Key_Escape ? *focused : otherwise;
+    return focused ? *focused : otherwise;
 }
 
 }
@@ -28,20 +76,24 @@ namespace ctl
 
 CommandButton::CommandButton(Container& container, const char* name, Place place, const Text& caption,
                              Keys keys) :
-    Control(container, name, place, new QPushButton(shown(caption)))
+    Control(container, name, place, new PushButton(shown(caption)))
 {
     auto* button = static_cast<QPushButton*>(widget_);
     QObject::connect(button, &QPushButton::clicked, [this] { fromOutside([this] { Click.raise(); }); });
-    if (keys == Keys::none)
+    if (keys != Keys::none)
+        static_cast<FormWidget*>(form().page())->cancelsWith(*button);
+    if (keys != Keys::enterAndEscape)
         return;
     // The window's own keys: they press the button from behind another tab as well.
-    for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Escape})
-        QObject::connect(new QShortcut(key, form().page()), &QShortcut::activated, button,
-                         [button, key] { buttonFor(key, *button).click(); });
+    for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto* shortcut = new QShortcut(key, form().page());
+        shortcut->setAutoRepeat(false);
+        QObject::connect(shortcut, &QShortcut::activated, button, [button] { buttonFor(*button).click(); });
+    }
 }
 
 OptionButton::OptionButton(Container& container, const char* name, Place place, const Text& caption) :
-    Control(container, name, place, new QRadioButton(shown(caption)))
+    Control(container, name, place, new RadioButton(shown(caption)))
 {
     QObject::connect(static_cast<QRadioButton*>(widget_), &QRadioButton::toggled, [this](bool on) {
         if (on)

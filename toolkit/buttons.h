@@ -11,8 +11,9 @@ namespace ctl
 class CommandButton final : public Control
 {
 public:
-    // What besides a click presses the button while its window is active.
-    enum class Keys { none, enterAndEscape };
+    // What besides a click presses the button while its window is active; the one that is in sight, where
+    // several tabs have one. Enter presses any button that has the focus.
+    enum class Keys { none, escape, enterAndEscape };
 
     CommandButton(Container& container, const char* name, Place place, const Text& caption,
                   Keys keys = Keys::none);

@@ -51,4 +51,13 @@ void Form::Hide()
 
 void Form::dragWithPointer() { widget_->follow(); }
 
+void Form::bringWithinReach() { widget_->bringWithinReach(); }
+
+bool Form::isKeptFrom(Twips left, Twips top) const
+{
+    return widget_->isKeptFrom({pixelsOf(left), pixelsOf(top)});
+}
+
+void Form::setMenuImage(ctl::Image& image) { widget_->setMenuImage(image); }
+
 QWidget* Form::page() { return widget_.get(); }

@@ -12,10 +12,19 @@
 class FormWidget;
 class Toolkit;
 
+namespace ctl
+{
+class Image;
+}
+
 class Form : public ctl::Container
 {
 public:
-    enum class Border { none, fixed };
+    enum class Border {
+        none,
+        fixed,
+        dialog, // framed too, and without minimise and maximise: it can be closed, not lost
+    };
     enum State : std::int16_t { normal = 0, minimized = 1 };
 
     // `name` is the window's name in the program and that of its background picture in the skin, if there is
@@ -49,11 +58,21 @@ public:
     void setWindowState(State state);
 
     bool Visible() const;
-    void Show(); // raises a window that is visible already
+    void Show(); // raises a window that is visible already, and brings back a minimised one
     void Hide();
 
     // The window follows the pointer until the button is released.
     void dragWithPointer();
+
+    // Where no pointer can reach the window, it moves onto the nearest screen. For an act of the user's that
+    // asks for it; shows nothing and raises nothing.
+    void bringWithinReach();
+
+    // The window manager has put the window elsewhere twice when it was asked for this place.
+    bool isKeptFrom(Twips left, Twips top) const;
+
+    // F10, the Menu key and Alt alone press this image.
+    void setMenuImage(ctl::Image& image);
 
     Toolkit& toolkit() const { return toolkit_; }
     Form& form() override { return *this; }

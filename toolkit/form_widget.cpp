@@ -1,13 +1,21 @@
 #include "toolkit/form_widget.h"
 
+#include "toolkit/focus_mark.h"
+#include "toolkit/image_widget.h"
+#include "toolkit/reach.h"
 #include "toolkit/skin.h"
 #include "toolkit/toolkit.h"
 
+#include <QAbstractButton>
+#include <QAbstractItemView>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScreen>
+#include <QShortcut>
 #include <QWindow>
+#include <algorithm>
 
 using namespace std::chrono_literals;
 
@@ -17,15 +25,42 @@ namespace
 // An answer of the window manager that comes later than this is news, no echo.
 constexpr auto echoLimit = 1s;
 
-// For so long after a window was shown, a place of the window manager's own choice is put right.
+// For so long after a framed window was shown, a place of the window manager's own choice is put right:
+// whoever takes the window by its frame does so without a word to it.
 constexpr auto appearing = 500ms;
+
+// A window manager that corrects a place so often means it.
+constexpr int patience = 2;
 
 Qt::WindowFlags flagsFor(Form::Border border)
 {
-    if (border == Form::Border::none)
+    constexpr auto framed = Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+    switch (border) {
+    case Form::Border::none:
         return Qt::Window | Qt::FramelessWindowHint;
-    return Qt::Window | Qt::WindowTitleHint | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint |
-           Qt::WindowMinimizeButtonHint;
+    case Form::Border::dialog:
+        return Qt::Dialog | Qt::CustomizeWindowHint | framed;
+    default:
+        return Qt::Window | framed | Qt::WindowMinimizeButtonHint;
+    }
+}
+
+bool isTouch(QEvent::Type type)
+{
+    return type == QEvent::MouseMove || type == QEvent::MouseButtonPress || type == QEvent::Wheel ||
+           type == QEvent::KeyPress;
+}
+
+bool hasNoButtons(const QEvent& event)
+{
+    return event.type() == QEvent::MouseMove &&
+           static_cast<const QMouseEvent&>(event).buttons() == Qt::NoButton;
+}
+
+// What takes the pointer away from a window that it drags, or the window from it.
+bool endsDrag(QEvent::Type type)
+{
+    return type == QEvent::WindowBlocked || type == QEvent::UngrabMouse || type == QEvent::Hide;
 }
 
 bool placesItself() { return QGuiApplication::platformName() != "wayland"; }
@@ -38,6 +73,26 @@ FormWidget::FormWidget(Form& form, const char* name, Form::Border border, Extent
     setObjectName(name);
     setFixedSize(pixelsOf(client.width), pixelsOf(client.height));
     setAttribute(Qt::WA_QuitOnClose, false);
+    if (border == Form::Border::none)
+        return;
+    auto* escape = new QShortcut(Qt::Key_Escape, this);
+    escape->setAutoRepeat(false);
+    connect(escape, &QShortcut::activated, this, &FormWidget::cancel);
+}
+
+bool FormWidget::isFramed() const { return !windowFlags().testFlag(Qt::FramelessWindowHint); }
+
+// The button of the tab that is in sight; any, where only another tab has one.
+void FormWidget::cancel()
+{
+    const auto seen = std::find_if(cancelButtons_.begin(), cancelButtons_.end(),
+                                   [](const auto* button) { return button->isVisible(); });
+    if (seen != cancelButtons_.end())
+        (*seen)->click();
+    else if (!cancelButtons_.empty())
+        cancelButtons_.front()->click();
+    else
+        close();
 }
 
 void FormWidget::setPlace(QPoint place)
@@ -50,7 +105,8 @@ void FormWidget::setPlace(QPoint place)
 void FormWidget::carryOut()
 {
     forgetOldMoves();
-    ownMoves_.push_back({place_, Clock::now()});
+    askedAt_ = Clock::now();
+    ownMoves_.push_back({place_, askedAt_});
     moving_ = true;
     move(place_);
     moving_ = false;
@@ -69,6 +125,8 @@ void FormWidget::present()
 {
     if (!isVisible())
         appear();
+    else if (state_ == Form::minimized)
+        setState(Form::normal);
     raise();
     activateWindow();
 }
@@ -78,12 +136,28 @@ void FormWidget::present()
 void FormWidget::appear()
 {
     shownAt_ = Clock::now();
+    state_ = Form::normal;
     if (isPlaced_)
         move(place_);
-    setWindowState(state_ == Form::minimized ? Qt::WindowMinimized : Qt::WindowNoState);
+    setWindowState(Qt::WindowNoState);
+    prepareKeys();
     show();
     if (isPlaced_)
         carryOut();
+}
+
+// The pictures know by now what they do. Until a key moves it, the focus is a list's or the window's own: no
+// picture waits for a Space that nobody meant for it.
+void FormWidget::prepareKeys()
+{
+    if (isFramed() || focusWidget())
+        return;
+    for (auto* child : children())
+        if (auto* image = dynamic_cast<ctl::ImageWidget*>(child))
+            image->takeKeys();
+    ctl::setReadingOrder(*this);
+    auto* list = findChild<QAbstractItemView*>(QString(), Qt::FindDirectChildrenOnly);
+    (list ? list : static_cast<QWidget*>(this))->setFocus();
 }
 
 // The window moves itself: some window managers send no positions during a move of their own, and the docked
@@ -98,6 +172,7 @@ void FormWidget::follow()
         return;
     }
     grip_ = pressed_;
+    corrected_ = {};
     grabMouse();
 }
 
@@ -105,9 +180,25 @@ void FormWidget::follow()
 bool FormWidget::event(QEvent* event)
 {
     auto& toolkit = form_.toolkit();
+    if (grip_ && endsDrag(event->type()))
+        letGo();
     if (event->type() == QEvent::WindowActivate)
         toolkit.outermost([&] { toolkit.activated(form_); });
     return QWidget::event(event);
+}
+
+// All that the window hears, before its widgets do.
+bool FormWidget::eventFilter(QObject*, QEvent* event)
+{
+    touched_ = touched_ || isTouch(event->type());
+    if (grip_ && hasNoButtons(*event))
+        letGo(); // the release went elsewhere
+    if (!menuImage_)
+        return false;
+    const auto answer = menuKeys_.saw(*event);
+    if (answer == ctl::MenuKeys::Answer::open)
+        form_.toolkit().outermost([this] { menuImage_->Click.raise(); });
+    return answer != ctl::MenuKeys::Answer::pass;
 }
 
 void FormWidget::changeEvent(QEvent* event)
@@ -150,17 +241,49 @@ bool FormWidget::isEcho(QPoint place)
     return false;
 }
 
-// A place that nobody here asked for: a choice of the window manager's while the window appears, the user's
-// afterwards. Where no window learns its place, what it hears of one is made up, and the one it has is kept.
+// A place that nobody here asked for: a choice of the window manager's as long as the user has not touched
+// the window, the user's afterwards. Where no window learns its place, what it hears of one is made up, and
+// the one it has is kept.
 void FormWidget::settle(QPoint place)
 {
     if (!placesItself())
         return;
-    if (isPlaced_ && Clock::now() - shownAt_ < appearing)
+    if (isPlaced_ && !grip_)
+        noteCorrection();
+    if (isPlaced_ && !isUsersMove() && !isKeptFrom(place_))
         carryOut();
     else
         place_ = place;
 }
+
+bool FormWidget::isUsersMove() const
+{
+    return touched_ || (isFramed() && Clock::now() - shownAt_ >= appearing);
+}
+
+void FormWidget::noteCorrection()
+{
+    if (Clock::now() - askedAt_ > echoLimit)
+        return;
+    if (corrected_.place != place_)
+        corrected_ = {place_, 0};
+    ++corrected_.times;
+}
+
+bool FormWidget::isKeptFrom(QPoint place) const
+{
+    return corrected_.place == place && corrected_.times >= patience;
+}
+
+void FormWidget::bringWithinReach()
+{
+    QList<QRect> screens;
+    for (const auto* screen : QGuiApplication::screens())
+        screens << screen->availableGeometry();
+    setPlace(withinReach({place_, frameSize()}, screens));
+}
+
+void FormWidget::showEvent(QShowEvent*) { windowHandle()->installEventFilter(this); }
 
 // It comes back where it was seen last.
 void FormWidget::hideEvent(QHideEvent*) { isPlaced_ = true; }
@@ -182,8 +305,12 @@ void FormWidget::mouseMoveEvent(QMouseEvent* event)
 
 void FormWidget::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->buttons() != Qt::NoButton || !grip_)
-        return;
+    if (event->buttons() == Qt::NoButton && grip_)
+        letGo();
+}
+
+void FormWidget::letGo()
+{
     grip_.reset();
     releaseMouse();
 }

@@ -3,6 +3,7 @@
 
 #include "platform/text.h"
 #include "toolkit/form.h"
+#include "toolkit/menu_keys.h"
 
 #include <QPixmap>
 #include <QPoint>
@@ -11,6 +12,8 @@
 #include <deque>
 #include <optional>
 #include <vector>
+
+class QAbstractButton;
 
 class FormWidget final : public QWidget
 {
@@ -28,15 +31,21 @@ public:
     void setState(Form::State state);
 
     void present();
+    void bringWithinReach();
+    bool isKeptFrom(QPoint place) const;
     void pressed(QPoint at) { pressed_ = at; } // in the window
     void follow(); // the pointer from where it was pressed, until its buttons are released
+    void setMenuImage(ctl::Image& image) { menuImage_ = &image; }
+    void cancelsWith(QAbstractButton& button) { cancelButtons_.push_back(&button); }
     void addFrame(const QRect& rect) { frames_.push_back(rect); }
 
 protected:
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* window, QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -50,7 +59,19 @@ private:
         Clock::time_point at;
     };
 
+    // How often the window manager answered the wish for a place with another one.
+    struct Corrected {
+        QPoint place;
+        int times = 0;
+    };
+
     void appear();
+    bool isFramed() const;
+    void prepareKeys();
+    void cancel();
+    void letGo();
+    bool isUsersMove() const;
+    void noteCorrection();
     void carryOut();
     void forgetOldMoves();
     bool isEcho(QPoint place);
@@ -63,7 +84,13 @@ private:
     std::deque<OwnMove> ownMoves_;
     bool moving_ = false;
     Clock::time_point shownAt_{};
+    Clock::time_point askedAt_{}; // for the place
+    bool touched_ = false;        // by the user, with the pointer or a key
+    Corrected corrected_;
     QPoint pressed_;
     std::optional<QPoint> grip_; // where in the window the pointer holds it
     std::vector<QRect> frames_;
+    std::vector<QAbstractButton*> cancelButtons_;
+    ctl::Image* menuImage_ = nullptr;
+    ctl::MenuKeys menuKeys_;
 };

@@ -10,7 +10,13 @@ Image::Image(Container& container, const char* name, Place place, const Text& to
 {
 }
 
+void Image::standsFor(Slider& slider, const Image& track)
+{
+    slider_ = &slider;
+    track_ = &track;
+}
+
 // The form's widgets outlive its controls: none of them may tell of the end of a press any more.
-Image::~Image() { static_cast<ImageWidget*>(widget_)->letGo(); }
+Image::~Image() { static_cast<ImageWidget*>(widget_)->leave(); }
 
 }

@@ -1,9 +1,11 @@
 #include "toolkit/image_widget.h"
 
+#include "toolkit/focus_mark.h"
 #include "toolkit/form_widget.h"
 #include "toolkit/key_codes.h"
 #include "toolkit/qt_bridge.h"
 #include "toolkit/skin.h"
+#include "toolkit/slider.h"
 #include "toolkit/toolkit.h"
 
 #include <QKeyEvent>
@@ -57,6 +59,39 @@ QPoint pixelAt(QPointF place) { return {qFloor(place.x()), qFloor(place.y())}; }
 
 Twips twipsAt(qreal pixels) { return static_cast<Twips>(pixels) * twipsPerPixel; }
 
+// A key of a slider: by how much it moves the value.
+struct Step {
+    int key;
+    std::int32_t by;
+};
+
+// clang-format off
+constexpr Step steps[] = {
+    {Qt::Key_Left, -1}, {Qt::Key_Down, -1}, {Qt::Key_Right, 1}, {Qt::Key_Up, 1},
+    {Qt::Key_PageDown, -10}, {Qt::Key_PageUp, 10},
+};
+// clang-format on
+
+std::int32_t movedBy(int key, const Slider& slider)
+{
+    if (key == Qt::Key_Home)
+        return slider.Min();
+    if (key == Qt::Key_End)
+        return slider.Max();
+    for (const auto& step : steps)
+        if (step.key == key)
+            return slider.Value() + step.by;
+    return slider.Value();
+}
+
+bool pressesButtons(int key) { return key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter; }
+
+// A window that comes forward again or whose menu closes gives the focus back to who had it.
+bool isInterlude(Qt::FocusReason reason)
+{
+    return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
+}
+
 Qt::CursorShape pointerFor(Image::Use use)
 {
     return use == Image::Use::transport ? Qt::PointingHandCursor : Qt::ArrowCursor;
@@ -69,6 +104,12 @@ ImageWidget::ImageWidget(Image& image, Image::Use use) : image_(image) { setCurs
 void ImageWidget::act()
 {
     image_.fromOutside([this] { image_.Click.raise(); });
+}
+
+void ImageWidget::takeKeys()
+{
+    if (image_.acts() || image_.slider())
+        setFocusPolicy(Qt::TabFocus);
 }
 
 QRect ImageWidget::dropZone() const { return geometry().adjusted(0, -kindness, 0, kindness); }
@@ -86,7 +127,7 @@ void ImageWidget::paintEvent(QPaintEvent*)
     auto state = Skin::State::normal;
     if (!isEnabled())
         state = Skin::State::disabled;
-    else if (down_.testFlag(Qt::LeftButton))
+    else if (down_.testFlag(Qt::LeftButton) || (heldKey_ != 0 && image_.acts()))
         state = Skin::State::pressed;
     else if (hovered_)
         state = Skin::State::hover;
@@ -120,10 +161,7 @@ void ImageWidget::mouseReleaseEvent(QMouseEvent* event)
         return;
     const bool inside = rect().contains(pixelAt(event->position()));
     if (outline_) {
-        letGo(); // first: the drop's handler may wait for long
-        if (!inside)
-            drop(mapTo(window(), event->position()));
-        tellRelease();
+        endDrag(mapTo(window(), event->position()), inside);
         return;
     }
     down_.setFlag(event->button(), false);
@@ -140,8 +178,70 @@ void ImageWidget::keyPressEvent(QKeyEvent* event)
 {
     if (event->key() == Qt::Key_Escape && outline_)
         endGesture();
-    else
+    else if (outline_ || !takesKey(*event))
         QWidget::keyPressEvent(event);
+}
+
+// A key that is held presses once, and moves a slider on and on.
+bool ImageWidget::takesKey(const QKeyEvent& event)
+{
+    if (image_.slider()) {
+        moveSlider(event);
+        return keyCodeOf(event) != 0;
+    }
+    if (!image_.acts() || !pressesButtons(event.key()))
+        return false;
+    if (event.isAutoRepeat())
+        return true;
+    heldKey_ = event.key();
+    update();
+    act();
+    return true;
+}
+
+void ImageWidget::moveSlider(const QKeyEvent& event)
+{
+    const auto code = keyCodeOf(event);
+    if (code == 0)
+        return;
+    Slider& slider = *image_.slider();
+    heldKey_ = event.key();
+    heldCode_ = code;
+    image_.fromOutside([&] { slider.KeyDown.raise(code); });
+    slider.moveByUser(movedBy(event.key(), slider));
+}
+
+void ImageWidget::keyReleaseEvent(QKeyEvent* event)
+{
+    if (event->isAutoRepeat())
+        return;
+    if (event->key() == heldKey_)
+        letKeyGo();
+    else
+        QWidget::keyReleaseEvent(event);
+}
+
+void ImageWidget::letKeyGo()
+{
+    if (std::exchange(heldKey_, 0) == 0)
+        return;
+    update();
+    if (auto* slider = image_.slider())
+        image_.fromOutside([&] { slider->KeyUp.raise(heldCode_); });
+}
+
+void ImageWidget::focusInEvent(QFocusEvent* event)
+{
+    if (!isInterlude(event->reason()))
+        isFocusSeen_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (isFocusSeen_)
+        (mark_ = new FocusMark(*window()))->setWidget(this);
+}
+
+void ImageWidget::focusOutEvent(QFocusEvent*)
+{
+    delete mark_.data();
+    letKeyGo();
 }
 
 void ImageWidget::enterEvent(QEnterEvent*)
@@ -160,6 +260,7 @@ void ImageWidget::hideEvent(QHideEvent*)
 {
     if (down_)
         endGesture();
+    letKeyGo();
 }
 
 void ImageWidget::startDrag(QPoint grip)
@@ -180,12 +281,31 @@ void ImageWidget::letGo()
     update();
 }
 
-void ImageWidget::drop(QPointF inForm)
+void ImageWidget::leave()
 {
-    auto* track = trackUnder(inForm);
-    if (!track)
+    letGo();
+    heldKey_ = 0;
+}
+
+// The thumb's own track hears of the drop while the bar is still in the user's hand; the handler of another
+// track may wait for long, and finds it let go.
+void ImageWidget::endDrag(QPointF inForm, bool inside)
+{
+    letGo();
+    auto* track = inside ? nullptr : trackUnder(inForm);
+    if (track && &track->image() == image_.track()) {
+        drop(*track, inForm);
+        tellRelease();
         return;
-    Image& target = track->image();
+    }
+    tellRelease();
+    if (track)
+        drop(*track, inForm);
+}
+
+void ImageWidget::drop(ImageWidget& track, QPointF inForm)
+{
+    Image& target = track.image();
     const Twips x = twipsAt(inForm.x()) - target.Left();
     const Twips y = twipsAt(inForm.y()) - target.Top();
     image_.fromOutside([&] { target.DragDrop.raise(image_, x, y); });

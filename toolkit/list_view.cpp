@@ -10,6 +10,8 @@
 namespace
 {
 
+constexpr std::int16_t returnKey = 13;
+
 // The path's own bytes, also where they are no valid text.
 Text pathOf(const QUrl& url)
 {
@@ -101,6 +103,8 @@ void ListView::keyPressEvent(QKeyEvent* event)
     const auto code = keyCodeOf(*event);
     if (code != 0)
         list_.fromOutside([&] { list_.KeyDown.raise(code, shiftStateOf(*event)); });
+    if (code == returnKey && !event->isAutoRepeat())
+        list_.fromOutside([this] { list_.DblClick.raise(); });
     QListView::keyPressEvent(event);
 }
 

@@ -1,6 +1,9 @@
 #include "toolkit/slider.h"
 
 #include "platform/failure.h"
+#include "toolkit/image.h"
+
+#include <algorithm>
 
 namespace ctl
 {
@@ -18,6 +21,32 @@ void Slider::setValue(std::int32_t value)
     if (value < min_ || value > max_)
         throw failure(380);
     value_ = value;
+}
+
+void Slider::showBy(Image& thumb, Image& track)
+{
+    thumb_ = &thumb;
+    track_ = &track;
+    thumb.standsFor(*this, track);
+}
+
+// The thumb first: the handler may wait for long.
+void Slider::moveByUser(std::int32_t value)
+{
+    const auto inRange = std::clamp(value, min_, max_);
+    if (std::exchange(value_, inRange) == inRange)
+        return;
+    placeThumb();
+    fromOutside([this] { Scroll.raise(); });
+}
+
+void Slider::placeThumb()
+{
+    if (!thumb_)
+        return;
+    const Twips travel = track_->Width() - thumb_->Width();
+    const double share = static_cast<double>(value_ - min_) / (max_ - min_);
+    thumb_->setLeft(static_cast<Twips>(travel * share) + track_->Left());
 }
 
 }

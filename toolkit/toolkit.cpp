@@ -73,10 +73,10 @@ void Toolkit::outermost(const std::function<void()>& call)
 
 void Toolkit::stopTimers() { parts_->pace.stop(); }
 
-Extent Toolkit::screen() const
+Place Toolkit::screen() const
 {
-    const QSize size = QGuiApplication::primaryScreen()->size();
-    return {twipsOf(size.width()), twipsOf(size.height())};
+    const QRect whole = QGuiApplication::primaryScreen()->geometry();
+    return {twipsOf(whole.x()), twipsOf(whole.y()), twipsOf(whole.width()), twipsOf(whole.height())};
 }
 
 Activity& Toolkit::activity() { return parts_->pace; }

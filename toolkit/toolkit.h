@@ -36,7 +36,7 @@ public:
     // No timer ticks again, so that nothing writes behind a closing message.
     void stopTimers();
 
-    Extent screen() const;
+    Place screen() const; // the whole primary one
 
     Activity& activity();
     Post& post();

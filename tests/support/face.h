@@ -6,6 +6,7 @@
 #include "toolkit/image.h"
 #include "toolkit/interval_timer.h"
 #include "toolkit/label.h"
+#include "toolkit/slider.h"
 
 #include <QWidget>
 #include <functional>
@@ -18,6 +19,7 @@ struct Face final : Form {
     ctl::Image thumb     {*this, "thumb",      { 600_tw, 1425_tw, 105_tw, 225_tw}, "Thumb", ctl::Image::Use::thumb};
     ctl::Image otherTrack{*this, "otherTrack", { 300_tw, 2100_tw, 1500_tw, 75_tw}, "",      ctl::Image::Use::track};
     ctl::Label caption   {*this, "caption",    { 150_tw,  600_tw, 1500_tw, 600_tw}};
+    ctl::Slider bar{*this, "bar", 0, 100, 50}; // stands at `thumb`, along `track`
     ctl::IntervalTimer timer{*this, "timer", std::chrono::milliseconds(1)};
     // clang-format on
 
@@ -45,6 +47,7 @@ struct Face final : Form {
                     onDrop();
             });
         }
+        bar.showBy(thumb, track);
         key.Click.calls([this] {
             hear("key click");
             if (onClick)

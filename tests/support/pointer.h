@@ -57,6 +57,8 @@ public:
         send(QEvent::MouseButtonRelease, button);
         return *this;
     }
+    // The window will be gone before the buttons are up.
+    void keepDown() { buttons_ = {}; }
     Pointer& click(const ctl::Control& control, Qt::MouseButton button = Qt::LeftButton)
     {
         return to(control).press(button).release(button);

@@ -34,6 +34,21 @@ inline void typeInto(QWidget& widget, const QString& text)
     }
 }
 
+// One event of a key, to the form as the active window.
+inline void sendKey(Form& form, QEvent::Type type, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
+                    bool repeats = false)
+{
+    qt_handleKeyEvent(form.page()->window()->windowHandle(), type, key, modifiers, {}, repeats, 1);
+    QCoreApplication::processEvents();
+}
+
+// As the desktop does it while a key is held: each repeat is a release and a press.
+inline void repeatKey(Form& form, int key)
+{
+    sendKey(form, QEvent::KeyRelease, key, Qt::NoModifier, true);
+    sendKey(form, QEvent::KeyPress, key, Qt::NoModifier, true);
+}
+
 // A key goes to the form as the active window, access keys and shortcuts first.
 inline void pressKey(Form& form, int key)
 {

@@ -1,6 +1,12 @@
 #include "support/player.h"
+#include "support/waiting.h"
+
+#include <QApplication>
+#include <QWidget>
 
 #include <doctest/doctest.h>
+
+#include <algorithm>
 
 namespace
 {
@@ -74,6 +80,54 @@ struct Side {
     Twips farLeft, farTop;         // 210 twips off
     Twips dockedLeft, dockedTop;   // the corner shared
     Twips shiftedLeft, shiftedTop; // flush, and shifted along the side
+};
+
+// The places that a window goes through, one a line.
+struct MovesSeen final : QObject {
+    explicit MovesSeen(Form& form) : window(form.page()) { window->installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Move)
+            seen += line(twipsOf(window->x()), twipsOf(window->y()));
+        return false;
+    }
+    static Text line(Twips left, Twips top) { return textOf(left) + ", " + textOf(top) + "\n"; }
+
+    QWidget* window;
+    Text seen;
+};
+
+// Puts a window seven pixels beside each place that it asks for.
+struct ShiftingManager final : QObject {
+    explicit ShiftingManager(Form& form) : window(form.page()) { window->installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::Move && window->pos() != given) {
+            ++moves;
+            asked_.push_back(window->pos());
+            QMetaObject::invokeMethod(this, &ShiftingManager::shift, Qt::QueuedConnection);
+        }
+        return false;
+    }
+    void shift()
+    {
+        if (window->pos() == given)
+            return;
+        given = asked_.back() + QPoint(7, 7);
+        window->move(given);
+    }
+    int asked(Twips left, Twips top) const
+    {
+        return static_cast<int>(
+            std::count(asked_.begin(), asked_.end(), QPoint(pixelsOf(left), pixelsOf(top))));
+    }
+
+    QWidget* window;
+    int moves = 0;
+    QPoint given;
+    std::vector<QPoint> asked_;
 };
 
 const Side sides[] = {
@@ -250,6 +304,54 @@ TEST_CASE("An activation docks a list that is near and lets go of one that is fa
         CHECK(p.docked().empty());
         CHECK(p.window.dock_side.empty());
         CHECK(p.calls() == saved(textOf(side.farLeft), textOf(side.farTop), ""));
+    }
+}
+
+TEST_CASE("Docking sets the edge first, then the corner")
+{
+    for (const auto& side : sides) {
+        CAPTURE(side.name);
+        Docking p;
+        p.showList();
+        p.listAt(side.nearLeft, side.nearTop);
+        MovesSeen moves(p.list());
+        p.window.get_plss_pos_pi();
+        const bool sideways = side.name == "right" || side.name == "left";
+        const Twips between[] = {sideways ? side.dockedLeft : side.nearLeft,
+                                 sideways ? side.nearTop : side.dockedTop};
+        CHECK(moves.seen ==
+              MovesSeen::line(between[0], between[1]) + MovesSeen::line(side.dockedLeft, side.dockedTop));
+    }
+}
+
+TEST_CASE("A window manager that shifts every move is asked for a docked place twice, and then has its way")
+{
+    for (const auto& side : sides) {
+        CAPTURE(side.name);
+        Docking p;
+        p.showList();
+        p.listAt(side.nearLeft, side.nearTop);
+        QApplication::processEvents();
+        ShiftingManager manager(p.list());
+        const auto tick = [&] {
+            for (int i = 0; i < 20; ++i) {
+                p.window.Timer_Timer();
+                QApplication::processEvents();
+            }
+        };
+        tick();
+        CHECK(manager.asked(side.dockedLeft, side.dockedTop) == 2);
+        CHECK(p.listStandsAt(side.dockedLeft + 105, side.dockedTop + 105));
+        CHECK(p.docked() == side.name + " ");
+        const int before = manager.moves;
+        tick();
+        CHECK(manager.moves == before);
+
+        p.window.window_active = true;
+        p.window.setLeft(6000); // a new target
+        tick();
+        CHECK(manager.asked(side.dockedLeft + 3000, side.dockedTop) == 2);
+        CHECK(p.listStandsAt(side.dockedLeft + 3105, side.dockedTop + 105));
     }
 }
 

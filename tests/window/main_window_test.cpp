@@ -190,7 +190,7 @@ TEST_CASE("The start goes in this order")
 TEST_CASE("A saved place is taken, each coordinate by itself")
 {
     FakePlatform screen;
-    const Extent size = screen.toolkit().screen();
+    const Place size = screen.toolkit().screen();
     const auto middle = [](Twips outer, Twips inner) {
         return std::round((outer / 2 - inner / 2) / twipsPerPixel) * twipsPerPixel;
     };

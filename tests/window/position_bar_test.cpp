@@ -69,6 +69,39 @@ TEST_CASE("The thumb reckons with the controls as they stand")
     CHECK(p.window.posbar_img2.Left() == 5020);
 }
 
+TEST_CASE("The clock runs while the position thumb's drop on another track waits for conf.mp3")
+{
+    for (const auto track : {&StartUp::vslider_bg, &StartUp::balbar_bg}) {
+        Bar p;
+        p.window.Show();
+        p.mp3().openResults = {1, 1};
+        p.platform.scriptedPump.steps = {{}, {}};
+        Text clock;
+        p.platform.log.onCall = [&](const Text& call) {
+            if (call == "Mp3Player.Open(/app/conf.mp3)")
+                clock += p.window.Timer.Enabled() ? "runs\n" : "stands\n";
+        };
+        Pointer(p.window).to(p.window.posbar_img2).press().to(p.window.*track).release();
+        CHECK(clock == "runs\nruns\nruns\n");
+        CHECK(p.window.Timer.Enabled());
+    }
+}
+
+TEST_CASE("The clock stands until the position thumb's drop on its own track has sought")
+{
+    Bar p;
+    p.current(song, kind::mp3);
+    p.window.Show();
+    Text clock;
+    p.platform.log.onCall = [&](const Text& call) {
+        if (call.starts_with("Mp3Player.Seek"))
+            clock += p.window.Timer.Enabled() ? "runs\n" : "stands\n";
+    };
+    Pointer(p.window).to(p.window.posbar_img2).press().to(p.window.posbar_bg).release();
+    CHECK(clock == "stands\n");
+    CHECK(p.window.Timer.Enabled());
+}
+
 TEST_CASE("The thumb follows its number while the clock is off, too")
 {
     Bar p;

@@ -108,10 +108,10 @@ TEST_CASE("Between two pixels the one that the pointer is in counts")
     CHECK(releaseAt({-0.1, 7}).starts_with("track takes thumb"));
 }
 
-TEST_CASE("A drop goes to the track under the pointer, whichever thumb was dragged")
+TEST_CASE("A drop goes to the track under the pointer; another one's hears of it when the thumb is released")
 {
     Shown s;
-    CHECK(s.dropAt({60, 142}) == "otherTrack takes thumb at 600, 30\nthumb up 1\n");
+    CHECK(s.dropAt({60, 142}) == "thumb up 1\notherTrack takes thumb at 600, 30\n");
 }
 
 TEST_CASE("A release inside the thumb's own rectangle is no drop, though its track lies under it")
@@ -289,7 +289,7 @@ TEST_CASE("A new drag that begins while the handler of a drop waits goes on afte
     s.dropAt({80, 102});
     CHECK(s.outlines().size() == 1);
     s.pointer.to({60, 142}).release();
-    CHECK(s.face.told() == "otherTrack takes thumb at 600, 30\nthumb up 1\n");
+    CHECK(s.face.told() == "thumb up 1\notherTrack takes thumb at 600, 30\n");
 }
 
 TEST_CASE("A disabled thumb is not dragged")

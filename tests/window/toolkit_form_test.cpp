@@ -4,7 +4,11 @@
 #include "toolkit/toolkit.h"
 
 #include <QApplication>
+#include <QDialog>
+#include <QMouseEvent>
 #include <doctest/doctest.h>
+
+#include <functional>
 
 namespace
 {
@@ -108,15 +112,42 @@ TEST_CASE("What the window manager says of a window's own moves does not change 
     }
 }
 
-TEST_CASE("While a window with a place appears, the window manager's choice does not count")
+TEST_CASE("Until the user touches a window that has a place, the window manager's choice does not count")
 {
     Toolkit toolkit(Toolkit::Timers::byHand);
-    CHECK(waitFor([&] { // it appears for half a second, in which a busy machine may do nothing
+    Face face(toolkit);
+    face.setLeft(1500);
+    face.Show();
+    face.page()->move(200, 200);
+    CHECK(face.Left() == 1500);
+    CHECK(face.page()->x() == 100);
+}
+
+TEST_CASE("A window manager that insists has its way, and the place that it gave is the window's")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    CHECK(waitFor([&] { // it answers within a second, in which a busy machine may do nothing
         Face face(toolkit);
         face.setLeft(1500);
         face.Show();
         face.page()->move(200, 200);
-        return face.Left() == 1500;
+        face.page()->move(200, 200);
+        return face.Left() == 3000 && face.page()->x() == 200 && face.isKeptFrom(1500, 0);
+    }));
+}
+
+TEST_CASE(
+    "A framed window is taken by its frame without a word to it: half a second after it came, by the user")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    struct Framed final : Form {
+        using Form::Form;
+    } framed(toolkit, "Framed", Form::Border::fixed, {3000, 3000});
+    framed.setLeft(1500);
+    framed.Show();
+    CHECK(waitFor([&] {
+        framed.page()->move(framed.page()->x() + 1, 200);
+        return framed.Left() != 1500;
     }));
 }
 
@@ -127,10 +158,9 @@ TEST_CASE("A move by the user is adopted")
     face.setLeft(1500);
     face.setTop(600);
     face.Show();
-    REQUIRE(waitFor([&] {
-        face.page()->move(200, 200);
-        return face.Left() == 3000;
-    }));
+    Pointer(face).to({5, 5}).press();
+    face.page()->move(200, 200);
+    CHECK(face.Left() == 3000);
     CHECK(face.Top() == 3000);
     face.page()->move(150, 41);
     CHECK(face.Left() == 2250);
@@ -144,10 +174,9 @@ TEST_CASE("A repeated Left is no move")
     face.setLeft(1500);
     face.setTop(600);
     face.Show();
-    REQUIRE(waitFor([&] {
-        face.page()->move(200, 40);
-        return face.Left() == 3000;
-    }));
+    Pointer(face).to({5, 5}).press();
+    face.page()->move(200, 40);
+    CHECK(face.Left() == 3000);
     for (int i = 0; i < 5; ++i)
         face.setLeft(3000);
     face.page()->move(150, 40);
@@ -339,18 +368,39 @@ TEST_CASE("A window's state reads back at once and never shows a hidden window")
     CHECK(face.told().empty());
 }
 
-TEST_CASE("A window that was minimised while hidden comes up so")
+TEST_CASE("Show brings a minimised window back, whether it was visible or not")
 {
+    for (const bool visible : {false, true}) {
+        CAPTURE(visible);
+        Toolkit toolkit(Toolkit::Timers::byHand);
+        Face face(toolkit);
+        if (visible)
+            face.Show();
+        face.setWindowState(Form::minimized);
+        CHECK(face.page()->isMinimized() == visible);
+        face.Show();
+        CHECK_FALSE(face.page()->isMinimized());
+        CHECK(face.WindowState() == Form::normal);
+    }
+}
+
+TEST_CASE("A dialog window can be closed and not minimised or maximised, another framed one minimised, too")
+{
+    struct Framed final : Form {
+        using Form::Form;
+    };
     Toolkit toolkit(Toolkit::Timers::byHand);
-    Face face(toolkit);
-    face.setWindowState(Form::minimized);
-    face.Show();
-    CHECK(face.page()->isMinimized());
-    CHECK(face.WindowState() == Form::minimized);
-    face.Hide();
-    face.setWindowState(Form::normal);
-    face.Show();
-    CHECK_FALSE(face.page()->isMinimized());
+    Framed dialog(toolkit, "Dialog", Form::Border::dialog, {3000, 3000});
+    Framed window(toolkit, "Window", Form::Border::fixed, {3000, 3000});
+    const auto flags = [](Form& form) { return form.page()->windowFlags(); };
+    for (auto* form : {&dialog, &window}) {
+        CHECK(flags(*form).testFlag(Qt::WindowCloseButtonHint));
+        CHECK_FALSE(flags(*form).testFlag(Qt::WindowMaximizeButtonHint));
+    }
+    CHECK((flags(dialog) & Qt::WindowType_Mask) == Qt::Dialog);
+    CHECK_FALSE(flags(dialog).testFlag(Qt::WindowMinimizeButtonHint));
+    CHECK((flags(window) & Qt::WindowType_Mask) == Qt::Window);
+    CHECK(flags(window).testFlag(Qt::WindowMinimizeButtonHint));
 }
 
 TEST_CASE("A visible window is minimised and comes back; neither activates it")
@@ -386,10 +436,8 @@ TEST_CASE("A minimised window keeps its place, whatever the system says of it")
     Toolkit toolkit(Toolkit::Timers::byHand);
     Face face(toolkit);
     face.Show();
-    REQUIRE(waitFor([&] {
-        face.page()->move(100, 40);
-        return face.Left() == 1500;
-    }));
+    face.page()->move(100, 40);
+    REQUIRE(face.Left() == 1500);
     face.setWindowState(Form::minimized);
     face.page()->move(-32000, -32000);
     CHECK(face.Left() == 1500);
@@ -457,6 +505,52 @@ TEST_CASE("A window that the pointer drags follows it until the last button is u
     CHECK(face.Left() == 1980);
     CHECK(face.Top() == 1350);
     CHECK(QWidget::mouseGrabber() == nullptr);
+}
+
+TEST_CASE("A drag whose release goes elsewhere ends, and the pointer is free")
+{
+    struct Ending {
+        Text what;
+        std::function<void(Face&)> end;
+    };
+    QDialog box;
+    box.setModal(true);
+    const Ending endings[] = {
+        {"a modal box", [&](Face&) { box.show(); }},
+        {"a lost pointer",
+         [](Face& face) {
+             QEvent lost(QEvent::UngrabMouse);
+             QApplication::sendEvent(face.page(), &lost);
+         }},
+        {"a window that is closed", [](Face& face) { face.page()->close(); }},
+        {"a window that hides", [](Face& face) { face.Hide(); }},
+        {"a pointer that comes back without its button",
+         [](Face& face) {
+             QMouseEvent move(QEvent::MouseMove, QPointF(50, 50), QPointF(400, 400), Qt::NoButton,
+                              Qt::NoButton, Qt::NoModifier);
+             QApplication::sendEvent(face.page()->windowHandle(), &move);
+         }},
+    };
+    for (const auto& c : endings) {
+        CAPTURE(c.what);
+        Toolkit toolkit(Toolkit::Timers::byHand);
+        Face face(toolkit);
+        face.setLeft(1500);
+        face.Show();
+        QApplication::processEvents();
+        face.key.MouseDown.calls([&](ctl::Button, std::int16_t, Twips, Twips) { face.dragWithPointer(); });
+        Pointer pointer(face);
+        pointer.to({15, 15}).press().to({25, 15});
+        REQUIRE(face.Left() == 1650);
+        REQUIRE(QWidget::mouseGrabber() == face.page());
+        c.end(face);
+        QApplication::processEvents();
+        CHECK(QWidget::mouseGrabber() == nullptr);
+        pointer.to({60, 60});
+        CHECK(face.Left() == 1650);
+        box.hide();
+        QApplication::processEvents();
+    }
 }
 
 TEST_CASE("Without a button down there is nothing to drag")

@@ -168,8 +168,16 @@ TEST_CASE("A window that goes while a button is down on its image tells nothing 
 {
     Toolkit toolkit(Toolkit::Timers::byHand);
     for (const bool onThumb : {false, true}) {
-        Face face(toolkit);
-        face.Show();
-        Pointer(face).to(onThumb ? face.thumb : face.key).press();
+        CAPTURE(onThumb);
+        Text told;
+        {
+            Face face(toolkit);
+            face.Show();
+            ctl::Image& image = onThumb ? face.thumb : face.key;
+            image.MouseDown.calls([&](ctl::Button, std::int16_t, Twips, Twips) { told += "down\n"; });
+            image.MouseUp.calls([&](ctl::Button, std::int16_t, Twips, Twips) { told += "up\n"; });
+            Pointer(face).to(image).press().keepDown();
+        }
+        CHECK(told == "down\n");
     }
 }

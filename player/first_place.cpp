@@ -1,0 +1,6 @@
+#include "player/first_place.h"
+
+Twips centred(Twips screenStart, Twips screen, Twips window)
+{
+    return screenStart + (screen / 2 - window / 2);
+}

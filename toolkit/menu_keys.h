@@ -1,0 +1,26 @@
+// F10, the Menu key and Alt alone open the menu of a window that has no menu bar. For the toolkit's own
+// sources alone.
+#pragma once
+
+class QEvent;
+class QKeyEvent;
+
+namespace ctl
+{
+
+class MenuKeys
+{
+public:
+    enum class Answer { pass, swallow, open };
+
+    // All that the window hears passes here first.
+    Answer saw(const QEvent& event);
+
+private:
+    Answer pressed(const QKeyEvent& key);
+    Answer released(const QKeyEvent& key);
+
+    bool altAlone_ = false; // Alt is down, and nothing else has happened since
+};
+
+}
