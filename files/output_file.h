@@ -31,11 +31,13 @@ public:
 
     // The same under another name in the folder. False when that name is taken.
     bool takeFreePlace(const Text& path);
+    bool takeFreePlace() { return takeFreePlace(target_.path); } // the target's own
 
     // Everything written is on the disk, under the target's name.
     void finish();
 
-    std::int64_t bytes() const { return bytes_; } // appended so far
+    std::int64_t bytes() const { return bytes_; }         // appended so far
+    const Text& partPath() const { return part_.path(); } // where it stands until then
     bool replacesFile() const { return target_.old.has_value(); }
 
 private:

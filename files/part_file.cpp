@@ -12,19 +12,6 @@
 namespace
 {
 
-// Some file systems, on the network above all, cannot do both in one step.
-bool renameWithoutReplacing(const Text& from, const Text& to)
-{
-    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
-        return true;
-    if (errno != EINVAL && errno != ENOSYS)
-        return false;
-    struct stat status;
-    if (lstat(to.c_str(), &status) == 0)
-        errno = EEXIST;
-    return errno == ENOENT && rename(from.c_str(), to.c_str()) == 0;
-}
-
 // A long title is cut: the target's name may be as long as the file system allows, and this one is longer.
 Text partPath(const Text& target)
 {
@@ -38,6 +25,19 @@ bool takesFiles(const Text& folder)
     return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
 }
 
+}
+
+// Some file systems, on the network above all, cannot do both in one step.
+bool renameWithoutReplacing(const Text& from, const Text& to)
+{
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    struct stat status;
+    if (lstat(to.c_str(), &status) == 0)
+        errno = EEXIST;
+    return errno == ENOENT && rename(from.c_str(), to.c_str()) == 0;
 }
 
 PartFile::PartFile(const Text& target, const struct stat* status, PartNotes& notes) :

@@ -6,6 +6,10 @@
 
 #include <sys/stat.h>
 
+// Without a step between in which another program could make a file under that name; false with EEXIST where
+// something stands there.
+bool renameWithoutReplacing(const Text& from, const Text& to);
+
 class PartFile
 {
 public:

@@ -1,18 +1,22 @@
 #include "files/state_part_notes.h"
 
 #include "files/folders.h"
+#include "files/part_file.h"
 #include "platform/paths.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <ranges>
 #include <tuple>
 
 namespace
 {
 
 constexpr std::string_view partEnding = ".part";
+constexpr std::string_view wholeMark = "whole"; // before parts and places in turn, which an empty record ends
 
 Text notesFolder(const Text& stateFolder) { return joined(stateFolder, "parts"); }
 
@@ -40,18 +44,74 @@ void appendRecord(const Descriptor& file, const Text& path)
     std::ignore = write(file.number(), record.data(), record.size());
 }
 
+Text recordOf(const std::vector<WholePart>& parts)
+{
+    Text record = Text(wholeMark) + '\0';
+    for (const auto& [part, place] : parts)
+        record += part + '\0' + place + '\0';
+    return record;
+}
+
 void removePart(const Text& path)
 {
     if (path.ends_with(partEnding) && isFile(path))
         unlink(path.c_str());
 }
 
-// A note without its NUL is one whose file was not made yet.
-void removeParts(const Text& notes)
+// A record without its NUL is one whose file was not made yet.
+std::vector<Text> recordsIn(const Text& notes)
 {
+    std::vector<Text> records;
     std::size_t at = 0;
     for (std::size_t end; (end = notes.find('\0', at)) != Text::npos; at = end + 1)
-        removePart(notes.substr(at, end - at));
+        records.push_back(notes.substr(at, end - at));
+    return records;
+}
+
+// Takes those behind each mark out of the records.
+std::vector<std::vector<WholePart>> takenWhole(std::vector<Text>& records)
+{
+    std::vector<std::vector<WholePart>> all;
+    auto mark = std::ranges::find(records, wholeMark);
+    while (mark != records.end()) {
+        const auto end = std::find(mark, records.end(), Text());
+        auto& parts = all.emplace_back();
+        for (auto at = mark + 1; end != records.end() && end - at >= 2; at += 2)
+            parts.push_back({*at, *(at + 1)});
+        mark = records.erase(mark, end);
+        mark = std::find(mark, records.end(), wholeMark);
+    }
+    return all;
+}
+
+// One that has its place already is as it should be. Where one is lost, the others are whole no more.
+bool areStillWhole(const std::vector<WholePart>& parts)
+{
+    return std::ranges::all_of(parts, [](const WholePart& each) {
+        return each.part.ends_with(partEnding) && (isFile(each.part) || isFile(each.place));
+    });
+}
+
+// The first that finds its place taken leaves the rest where it is, for a person to find.
+std::vector<Text> unplaced(const std::vector<WholePart>& parts)
+{
+    std::vector<Text> left;
+    for (const auto& [part, place] : parts)
+        if (isFile(part) && (!left.empty() || !renameWithoutReplacing(part, place)))
+            left.push_back(part);
+    return left;
+}
+
+// What was noted last counts: parts that found a place taken were noted again with another.
+void settle(std::vector<Text> records)
+{
+    const auto together = takenWhole(records);
+    for (const auto& parts : together | std::views::reverse)
+        if (areStillWhole(parts))
+            for (const Text& left : unplaced(parts))
+                std::erase(records, left);
+    for (const Text& part : records)
+        removePart(part);
 }
 
 }
@@ -83,6 +143,16 @@ void StatePartNotes::done(const Text& partPath)
         std::ignore = ftruncate(file_.number(), 0);
 }
 
+// A power cut must find it, too: by then one of the parts may have its place.
+void StatePartNotes::whole(const std::vector<WholePart>& parts)
+{
+    const std::lock_guard guard(mutex_);
+    if (!file_)
+        return;
+    appendRecord(file_, recordOf(parts));
+    fdatasync(file_.number());
+}
+
 // Another process that starts at this moment may take the file for an abandoned one before it is locked here,
 // and remove it: then there is another.
 void StatePartNotes::begin()
@@ -105,7 +175,7 @@ void removeNotedParts(const Text& stateFolder)
         const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
         if (!isFile(path) || !lock(file, LOCK_NB))
             continue;
-        removeParts(content(file));
+        settle(recordsIn(content(file)));
         unlink(path.c_str());
     }
 }

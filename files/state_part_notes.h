@@ -15,6 +15,7 @@ public:
 
     void note(const Text& partPath) override;
     void done(const Text& partPath) override;
+    void whole(const std::vector<WholePart>& parts) override;
 
 private:
     void begin();
@@ -26,6 +27,6 @@ private:
     std::set<Text> open_;
 };
 
-// For the program's start: removes the part files that processes noted which ended without removing them.
-// Those of a process that still runs stay.
+// For the program's start, over the part files that processes noted which ended without removing them: those
+// that are whole together take their places, the others are removed. Those of a process that still runs stay.
 void removeNotedParts(const Text& stateFolder);

@@ -156,3 +156,64 @@ TEST_CASE("Threads note at the same time, and an orderly end leaves no notes")
     }
     CHECK(namesInFolder(state.state + "/parts").empty());
 }
+
+namespace
+{
+
+// Two parts that were noted as whole before their process was killed, and their places.
+struct WholeParts : State {
+    std::vector<WholePart> parts{{folder / "a.1.part", folder / "a"}, {folder / "b.2.part", folder / "b"}};
+
+    WholeParts()
+    {
+        Child([&] {
+            StatePartNotes notes(state);
+            for (const auto& each : parts) {
+                notes.note(each.part);
+                putFile(each.part, each.place);
+            }
+            notes.whole(parts);
+            _exit(0);
+        }).wait();
+    }
+
+    std::set<Text> atNextStart() const
+    {
+        removeNotedParts(state);
+        auto names = namesInFolder(folder.path());
+        names.erase("state");
+        return names;
+    }
+};
+
+}
+
+TEST_CASE("Parts that were whole together take their places at the next start")
+{
+    const WholeParts both;
+    CHECK(both.atNextStart() == std::set<Text>{"a", "b"});
+    CHECK(fileBytes(both.parts[0].place) == both.parts[0].place);
+    CHECK(fileBytes(both.parts[1].place) == both.parts[1].place);
+}
+
+TEST_CASE("What one of the parts was given before the kill, the other gets")
+{
+    const WholeParts both;
+    std::filesystem::rename(both.parts[0].part, both.parts[0].place);
+    CHECK(both.atNextStart() == std::set<Text>{"a", "b"});
+}
+
+TEST_CASE("Where one of the parts is lost the other goes")
+{
+    const WholeParts both;
+    std::filesystem::remove(both.parts[0].part);
+    CHECK(both.atNextStart().empty());
+}
+
+TEST_CASE("A place that is taken meanwhile stays as it is, and nothing that is whole is removed")
+{
+    const WholeParts both;
+    putFile(both.parts[0].place, "somebody else's");
+    CHECK(both.atNextStart() == std::set<Text>{"a", "a.1.part", "b.2.part"});
+    CHECK(fileBytes(both.parts[0].place) == "somebody else's");
+}
