@@ -7,9 +7,11 @@
 #include "platform/paths.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <sys/stat.h>
+#include <system_error>
 
 namespace
 {
@@ -65,7 +67,7 @@ class NewImage
 {
 public:
     NewImage(Text folder, std::int64_t bytes, PartNotes& notes) :
-        folder_(std::move(folder)), sound_(pathOf(".bin", begun_), notes),
+        folder_(std::move(folder)), notes_(notes), sound_(pathOf(".bin", begun_), notes),
         sheet_(pathOf(".cue", begun_), notes)
     {
         sound_.makeRoom(bytes);
@@ -85,40 +87,60 @@ private:
     {
         return joined(folder_, discName(time)).append(ending);
     }
-    std::time_t placeSound();
-    void placeSheet(const Text& text, std::time_t time);
+    bool isFree(std::time_t time) const;
+    bool placed(const std::vector<CdSound>& tracks, std::time_t time);
+    void writeSheet(const Text& text);
+    void placeSheet(std::time_t time);
 
     Text folder_;
+    PartNotes& notes_;
     std::time_t begun_ = std::time(nullptr);
     OutputFile sound_;
     OutputFile sheet_;
 };
 
-// The sheet comes last: whoever sees it finds a whole disc.
+// Two discs of one second get names of different ones.
 void NewImage::finish(const std::vector<CdSound>& tracks)
 {
     sound_.flush();
-    const std::time_t time = placeSound();
+    std::time_t time = begun_;
+    while (!isFree(time) || !placed(tracks, time))
+        ++time;
+    syncFolder(folder_);
+}
+
+bool NewImage::isFree(std::time_t time) const
+{
+    return !isFile(pathOf(".bin", time)) && !isFile(pathOf(".cue", time));
+}
+
+// Both files are whole before one of them has its name: a program that is killed between the two names has
+// its next start give the other. The sheet comes last: whoever sees it finds a whole disc.
+bool NewImage::placed(const std::vector<CdSound>& tracks, std::time_t time)
+{
+    const Text sound = pathOf(".bin", time);
+    writeSheet(sheetText(Text(fileTitle(sound)), tracks));
+    notes_.whole({{sound_.partPath(), sound}, {sheet_.partPath(), pathOf(".cue", time)}});
+    if (!sound_.takeFreePlace(sound))
+        return false;
     try {
-        placeSheet(sheetText(discName(time) + ".bin", tracks), time);
+        placeSheet(time);
     } catch (const Failure&) {
-        unlink(pathOf(".bin", time).c_str());
+        unlink(sound.c_str());
         throw;
     }
+    return true;
 }
 
-// Two discs of one second get names of different ones. Returns that of this disc.
-std::time_t NewImage::placeSound()
+// The names of all times have one length, so that one sheet covers the other.
+void NewImage::writeSheet(const Text& text)
 {
-    for (std::time_t time = begun_;; ++time)
-        if (!isFile(pathOf(".cue", time)) && sound_.takeFreePlace(pathOf(".bin", time)))
-            return time;
-}
-
-void NewImage::placeSheet(const Text& text, std::time_t time)
-{
-    sheet_.append(std::as_bytes(std::span(text)));
+    sheet_.write(std::as_bytes(std::span(text)), 0);
     sheet_.flush();
+}
+
+void NewImage::placeSheet(std::time_t time)
+{
     if (!sheet_.takeFreePlace(pathOf(".cue", time)))
         throw failure(75);
 }
@@ -170,6 +192,14 @@ void ImageRun::writeTrack(CdSound& track, const WriteProgress& progress, const s
     }
 }
 
+void requireFolder(const Text& folder)
+{
+    const int error = mkdir(folder.c_str(), 0777) == 0 ? 0 : errno;
+    if (error != 0 && !isFolder(folder))
+        throw Failure{fileFailure(error).number, "The folder " + folder + " cannot be made: " +
+                                                     std::generic_category().message(error) + '.'};
+}
+
 class ImageRecorder final : public WriterDrive
 {
 public:
@@ -193,7 +223,7 @@ private:
     std::unique_ptr<NewImage> newImage(std::int64_t bytes)
     {
         const Text folder = folders_.toWrite();
-        mkdir(folder.c_str(), 0777);
+        requireFolder(folder);
         return std::make_unique<NewImage>(folder, bytes, notes_);
     }
 

@@ -1,3 +1,4 @@
+#include "files/state_part_notes.h"
 #include "platform/failure.h"
 #include "tests/support/child.h"
 #include "tests/support/disc_desk.h"
@@ -6,8 +7,11 @@
 
 #include <doctest/doctest.h>
 
+#include <csignal>
 #include <regex>
 #include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace
 {
@@ -88,12 +92,69 @@ struct DirectRecording {
     }
 };
 
+// The renames that this process may make before it is killed in the middle of one; any number when negative.
+int renamesLeft = -1;
+
 Text filledUp(Text sound, std::int64_t sectors)
 {
     sound.resize(static_cast<std::size_t>(sectors * bytesOfSector), '\0');
     return sound;
 }
 
+}
+
+extern "C" int renameat2(int fromFolder, const char* from, int toFolder, const char* to,
+                         unsigned int flags) noexcept
+{
+    if (renamesLeft == 0)
+        raise(SIGKILL);
+    renamesLeft -= renamesLeft > 0 ? 1 : 0;
+    return static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+}
+
+TEST_CASE("A disc that was whole when the program was killed is whole at its next start")
+{
+    const Text sound = noise(4 * bytesOfSecond);
+    for (const int renames : {0, 1, 2}) {
+        CAPTURE(renames);
+        Recording r;
+        const Text wav = r.desk.output + "/a.wav";
+        putFile(wav, wavFile(sound));
+        Child killed([&] {
+            StatePartNotes notes(r.desk.folder / "state");
+            std::vector<CdSound> sounds;
+            sounds.push_back(std::move(*CdSound::open(wav)));
+            const auto run = makeImageRecorder(r.desk.folders, notes)->prepare(std::move(sounds), {});
+            renamesLeft = renames;
+            run->write([](std::int16_t) {}, {});
+            raise(SIGKILL);
+        });
+        killed.wait();
+        CHECK(namesInFolder(r.desk.discs).size() == 2);
+        removeNotedParts(r.desk.folder / "state");
+        CHECK(r.disc(".bin").size() == r.disc(".cue").size());
+        CHECK(namesInFolder(r.desk.discs).size() == 2);
+        CHECK(r.rip() == std::vector<Text>{sound});
+        CHECK(namesInFolder(r.desk.folder / "state/parts").empty());
+    }
+}
+
+TEST_CASE("A disc that was not whole when the program was killed is gone at its next start")
+{
+    Recording r;
+    const Text wav = r.desk.output + "/a.wav";
+    putFile(wav, wavFile(noise(4 * bytesOfSecond)));
+    Child killed([&] {
+        StatePartNotes notes(r.desk.folder / "state");
+        std::vector<CdSound> sounds;
+        sounds.push_back(std::move(*CdSound::open(wav)));
+        const auto run = makeImageRecorder(r.desk.folders, notes)->prepare(std::move(sounds), {});
+        run->write([](std::int16_t) { raise(SIGKILL); }, {});
+    });
+    killed.wait();
+    CHECK(namesInFolder(r.desk.discs).size() == 2);
+    removeNotedParts(r.desk.folder / "state");
+    CHECK(namesInFolder(r.desk.discs).empty());
 }
 
 TEST_CASE("A disc is a sheet and a file of sectors, both named for the time")
@@ -300,7 +361,28 @@ TEST_CASE("A folder that takes no files refuses the writing")
         r.desk.window.runPosted();
         CHECK(r.heard.done == 0);
     }
-    CHECK(r.desk.shell.told().size() == 2);
+    REQUIRE(r.desk.shell.told().size() == 2);
+    for (const Text& told : r.desk.shell.told())
+        CHECK(told.starts_with("The disc could not be written | The folder " + r.desk.folder.path()));
+    CHECK(r.desk.shell.told()[0].ends_with("Velmora Discs cannot be made: File exists."));
+    CHECK(r.desk.shell.told()[1].ends_with("Velmora Discs cannot be made: No such file or directory."));
+}
+
+TEST_CASE("A folder that may not be made says why")
+{
+    Recording r;
+    r.add(noise(400));
+    std::filesystem::remove(r.desk.discs);
+    chmod(r.desk.folder.path().c_str(), 0755);
+    chmod(r.desk.folders.music.c_str(), 0555);
+    Child child([&] {
+        becomeNobody();
+        endUnless(r.writer->Write() != 0, 1);
+        endUnless(r.desk.shell.told().size() == 1, 2);
+        endUnless(r.desk.shell.told()[0].ends_with(" cannot be made: Permission denied."), 3);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(namesInFolder(r.desk.folders.music).empty());
 }
 
 TEST_CASE("A folder that may not be written refuses the writing")
