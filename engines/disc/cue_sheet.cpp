@@ -133,7 +133,6 @@ private:
     CueSheet::Track* track() { return sheet_.tracks.empty() ? nullptr : &sheet_.tracks.back(); }
 
     CueSheet sheet_;
-    std::int32_t trackNumber_ = 0;
     std::int32_t place_ = 0; // of the last index in the current file
 };
 
@@ -171,10 +170,10 @@ bool SheetReader::takeTrack(std::string_view rest)
 {
     const auto number = numberIn(takenWord(rest));
     const Mode* const mode = rowNamed(modes, rest);
-    if (!number || *number <= trackNumber_ || *number > highestNumber || mode == nullptr)
+    const std::int32_t last = track() == nullptr ? 0 : track()->number;
+    if (!number || *number <= last || *number > highestNumber || mode == nullptr)
         return false;
-    trackNumber_ = *number;
-    sheet_.tracks.push_back({mode->isAudio, mode->bytesOfSector, 0, 0, {}});
+    sheet_.tracks.push_back({*number, mode->isAudio, mode->bytesOfSector, 0, 0, {}});
     return true;
 }
 

@@ -24,6 +24,7 @@ struct CueSheet {
     };
 
     struct Track {
+        std::int32_t number = 0;
         bool isAudio = true;
         std::int32_t bytesOfSector = 0; // in the file
         std::int32_t pregap = 0;        // sectors of silence that are in no file, before the first index
@@ -32,7 +33,7 @@ struct CueSheet {
     };
 
     std::vector<File> files;
-    std::vector<Track> tracks; // 1 to 99, each with an index 1
+    std::vector<Track> tracks; // 1 to 99, rising in their numbers, each with an index 1
 };
 
 // Nothing for what is no sheet, or one that cannot be followed to its end. Safe with any bytes.

@@ -1,6 +1,8 @@
 // A disc's table of contents.
 #pragma once
 
+#include "platform/text.h"
+
 #include <cstdint>
 #include <vector>
 
@@ -17,6 +19,7 @@ struct DiscTrack {
     bool isAudio = true;
     std::int32_t start = 0;
     std::int32_t sectors = 0; // up to where the next track starts, or its session ends
+    bool isMissing = false;   // a number that the disc leaves out: a disc may begin with track 4
 
     bool operator==(const DiscTrack&) const = default;
 };
@@ -24,6 +27,7 @@ struct DiscTrack {
 struct DiscContents {
     std::vector<DiscTrack> tracks; // track 1 first; none without a disc
     std::int32_t leadOut = 0;
+    Text trouble = {}; // why a disc has no tracks, as a person should read it; none without a disc
 
     bool operator==(const DiscContents&) const = default;
 };

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <compare>
+#include <filesystem>
+#include <optional>
 #include <sys/stat.h>
 
 namespace
@@ -42,15 +44,15 @@ Stamp stampOf(const Text& path)
     return {status.st_dev, status.st_ino, status.st_size, seconds * 1'000'000'000 + status.st_mtim.tv_nsec};
 }
 
-Text sheetText(const Text& path)
+// Nothing where it cannot be read; what is larger than any sheet is none.
+std::optional<Text> sheetText(const Text& path)
 {
     const auto file = ImageFile::open(path, CueSheet::Kind::binary);
-    const std::int64_t size = file ? file->bytes() : 0;
-    if (size > static_cast<std::int64_t>(longestSheet))
-        return {};
-    Text text(static_cast<std::size_t>(size), '\0');
-    if (file)
-        text.resize(file->read(std::as_writable_bytes(std::span(text)), 0));
+    if (!file)
+        return std::nullopt;
+    const bool isSheet = file->bytes() <= static_cast<std::int64_t>(longestSheet);
+    Text text(isSheet ? static_cast<std::size_t>(file->bytes()) : 0, '\0');
+    text.resize(file->read(std::as_writable_bytes(std::span(text)), 0));
     return text;
 }
 
@@ -71,14 +73,36 @@ Text foundIn(const Text& folder, std::string_view name)
     return {};
 }
 
+Text withSeparatorsTurned(Text name)
+{
+    std::ranges::replace(name, '\\', pathSeparator);
+    return name;
+}
+
+// A sheet is a stranger's: it shall have nothing read but what lies with it.
+bool leadsAway(const Text& name)
+{
+    const Text turned = pathSeparator + withSeparatorsTurned(name) + pathSeparator;
+    return name.front() == pathSeparator || turned.find("/../") != Text::npos;
+}
+
+// Also through links.
+bool liesIn(const Text& folder, const Text& path)
+{
+    std::error_code error;
+    const Text real = std::filesystem::canonical(path, error);
+    if (error)
+        return true; // there is none
+    return real.starts_with(joined(Text(std::filesystem::canonical(folder, error)), ""));
+}
+
 // Sheets come from other systems and from folders that were moved: a path that leads nowhere from here is
 // followed with its separators turned, and then only its last name is looked for beside the sheet.
 Text filePath(const Text& folder, const Text& name)
 {
-    Text turned = name;
-    std::ranges::replace(turned, '\\', pathSeparator);
+    const Text turned = withSeparatorsTurned(name);
     for (const Text& each : {name, turned})
-        if (const Text path = each.front() == pathSeparator ? each : joined(folder, each); isFile(path))
+        if (const Text path = joined(folder, each); each.front() != pathSeparator && isFile(path))
             return path;
     const Text beside = foundIn(folder, fileTitle(turned));
     return beside.empty() ? joined(folder, name) : beside;
@@ -104,6 +128,8 @@ public:
 private:
     void refresh();
     void load();
+    Text find(const CueSheet& sheet);
+    Text lay();
     std::vector<Stamp> stamps() const;
     std::vector<std::int64_t> fileBytes() const;
     void readExtent(const Extent& extent, TrackSink& sink, const std::stop_token& stop) const;
@@ -160,14 +186,42 @@ void ImageDrive::refresh()
 
 void ImageDrive::load()
 {
-    const auto sheet = cueSheetIn(sheetText(path_));
-    sheet_ = sheet.value_or(CueSheet());
+    layout_ = {};
     files_.clear();
-    for (const auto& file : sheet_.files)
-        files_.push_back(filePath(folderOf(path_), file.name));
+    const auto text = sheetText(path_);
+    const auto sheet = cueSheetIn(text.value_or(""));
+    sheet_ = sheet.value_or(CueSheet());
+    Text trouble = text ? "It is no sheet of a disc that can be followed." : "Its sheet cannot be read.";
+    if (sheet)
+        trouble = find(*sheet);
     stamps_ = stamps();
-    const auto layout = sheet ? layoutOf(sheet_, fileBytes()) : std::nullopt;
-    layout_ = layout.value_or(ImageLayout());
+    if (sheet && trouble.empty())
+        trouble = lay();
+    if (isFile(path_))
+        layout_.contents.trouble = trouble;
+}
+
+// The files that the sheet names, or why they are none of this disc.
+Text ImageDrive::find(const CueSheet& sheet)
+{
+    const Text folder = folderOf(path_);
+    Text trouble;
+    for (const auto& file : sheet.files) {
+        files_.push_back(leadsAway(file.name) ? Text() : filePath(folder, file.name));
+        if (files_.back().empty() || !liesIn(folder, files_.back()))
+            trouble = "Its sheet names " + file.name + ", which does not lie in the sheet's folder.";
+    }
+    return trouble;
+}
+
+// Why the files are no disc.
+Text ImageDrive::lay()
+{
+    auto layout = layoutOf(sheet_, fileBytes());
+    if (!layout)
+        return "It is longer than any disc.";
+    layout_ = std::move(*layout);
+    return {};
 }
 
 // A file that was missing may appear under any of the names that it is looked for by: the folder tells.

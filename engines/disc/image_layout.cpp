@@ -18,6 +18,7 @@ public:
 
 private:
     void add(const CueSheet::Track& track);
+    void list(const CueSheet::Track& track);
     void leaveFor(std::size_t file);
     void begin(const CueSheet::Track& track);
     void goTo(const CueSheet::Index& index);
@@ -62,8 +63,17 @@ void LayoutBuilder::add(const CueSheet::Track& track)
             goTo(index);
         }
         if (index.number == 1)
-            layout_.contents.tracks.push_back({track.isAudio, static_cast<std::int32_t>(end_)});
+            list(track);
     }
+}
+
+// A track stands in the list at its number, also where the sheet leaves out others before it.
+void LayoutBuilder::list(const CueSheet::Track& track)
+{
+    const auto start = static_cast<std::int32_t>(end_);
+    auto& tracks = layout_.contents.tracks;
+    tracks.resize(static_cast<std::size_t>(track.number) - 1, {false, start, 0, true});
+    tracks.push_back({track.isAudio, start});
 }
 
 void LayoutBuilder::leaveFor(std::size_t file)

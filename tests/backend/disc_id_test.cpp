@@ -63,3 +63,12 @@ TEST_CASE("The query names every start and the whole length in seconds")
     CHECK(queryCommand(discOf({150, 12767, 40487}, 63225 + 74)) ==
           "cddb query 1b034903 3 150 12767 40487 843");
 }
+
+TEST_CASE("A disc that begins with a later track is told by the tracks that it has")
+{
+    const DiscContents whole = discOf({150, 12767, 40487}, 63225);
+    DiscContents late = whole;
+    late.tracks.insert(late.tracks.begin(), 3, {false, 0, 0, true});
+    CHECK(discId(late) == discId(whole));
+    CHECK(queryCommand(late) == queryCommand(whole));
+}

@@ -173,8 +173,7 @@ TEST_CASE("A file is found whatever the sheet's own system called it")
         {"in a folder below", "sub/a.bin", "sub/a.bin"},
         {"with the separators of another system", "sub\\a.bin", "sub/a.bin"},
         {"in a folder that was not taken along", "C:\\My Discs\\a.bin", "a.bin"},
-        {"in a folder that is no more", "/nowhere/at all/A.bin", "a.bin"},
-        {"above the sheet's folder", "sub/../a.bin", "a.bin"},
+        {"below, by a path of another system", "\\sub\\a.bin", "a.bin"},
         {"a separator in the name", "a\\b.bin", "a\\b.bin"},
         {"bytes that are no text", "\xFF\xC3.bin", "\xFF\xC3.bin"},
     };
@@ -188,13 +187,88 @@ TEST_CASE("A file is found whatever the sheet's own system called it")
     }
 }
 
-TEST_CASE("An absolute path is followed")
+TEST_CASE("A file outside the sheet's folder is never read, and the reason says which")
+{
+    const TemporaryFolder elsewhere;
+    putFile(elsewhere / "a.bin", noise(300 * bytesOfSector));
+    const struct {
+        const char* what;
+        Text name;
+        void (*prepare)(const Text& folder, const Text& outside);
+    } cases[] = {
+        {"an absolute path", elsewhere / "a.bin", [](const Text&, const Text&) {}},
+        {"one that leads into the folder", "/a.bin",
+         [](const Text& folder, const Text&) { putFile(folder + "/a.bin", noise(300 * bytesOfSector)); }},
+        {"a folder above", "../a.bin",
+         [](const Text& folder, const Text&) { putFile(folder + "/../a.bin", noise(300 * bytesOfSector)); }},
+        {"the same within", "sub/../a.bin",
+         [](const Text& folder, const Text&) { putFile(folder + "/a.bin", noise(300 * bytesOfSector)); }},
+        {"the same with another system's separators", "..\\a.bin", [](const Text&, const Text&) {}},
+        {"a link out", "a.bin",
+         [](const Text& folder, const Text& outside) {
+             std::filesystem::create_symlink(outside + "/a.bin", folder + "/a.bin");
+         }},
+        {"a folder that is a link out", "sub2/a.bin",
+         [](const Text& folder, const Text& outside) {
+             std::filesystem::create_directory_symlink(outside, folder + "/sub2");
+         }},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        const TemporaryFolder above;
+        const Text folder = above / "discs";
+        std::filesystem::create_directories(folder + "/sub");
+        putFile(folder + "/disc.cue", "FILE \"" + c.name + "\" BINARY\nTRACK 01 AUDIO\nINDEX 01 00:00:00\n");
+        c.prepare(folder, elsewhere.path());
+        const auto contents = makeImageDrive(folder + "/disc.cue")->contents();
+        CHECK(contents.tracks.empty());
+        CHECK(contents.trouble ==
+              "Its sheet names " + c.name + ", which does not lie in the sheet's folder.");
+    }
+}
+
+TEST_CASE("A link within the sheet's folder is followed, and so is a folder for discs that is a link itself")
+{
+    const TemporaryFolder above;
+    std::filesystem::create_directories(above / "discs/sub");
+    std::filesystem::create_directory_symlink(above / "discs", above / "link");
+    const Text sound = noise(300 * bytesOfSector);
+    putFile(above / "discs/sub/real.bin", sound);
+    std::filesystem::create_symlink("sub/real.bin", above / "discs/a.bin");
+    putFile(above / "discs/disc.cue", oneTrack);
+    for (const char* folder : {"discs", "link"}) {
+        CAPTURE(folder);
+        const auto drive = makeImageDrive(above / folder + "/disc.cue");
+        CHECK(drive->contents().trouble == "");
+        KeptSound sink;
+        CHECK(drive->readTrack(1, sink, {}) == 0);
+        CHECK(sink.sound == sound);
+    }
+}
+
+TEST_CASE("A link that is turned out of the folder after the listing is not followed")
 {
     const TemporaryFolder elsewhere;
     const Text sound = noise(300 * bytesOfSector);
     putFile(elsewhere / "a.bin", sound);
-    const Disc disc("FILE \"" + (elsewhere / "a.bin") + "\" BINARY\nTRACK 01 AUDIO\nINDEX 01 00:00:00\n");
-    CHECK(disc.track(1) == sound);
+    const Disc disc(oneTrack);
+    putFile(disc.folder / "real.bin", sound);
+    std::filesystem::create_symlink("real.bin", disc.folder / "a.bin");
+    CHECK(disc.drive->contents().tracks.size() == 1);
+    std::filesystem::remove(disc.folder / "a.bin");
+    std::filesystem::create_symlink(elsewhere / "a.bin", disc.folder / "a.bin");
+    CHECK(disc.refusal(1) == "The disc image has changed.");
+}
+
+TEST_CASE("A sheet that begins with track 4 has its sound in track 4")
+{
+    const Disc disc("FILE a.bin BINARY\nTRACK 04 AUDIO\nINDEX 01 00:00:00\n"
+                    "TRACK 05 AUDIO\nINDEX 01 00:04:00\n");
+    const Text sound = noise(700 * bytesOfSector);
+    putFile(disc.folder / "a.bin", sound);
+    CHECK(disc.drive->contents().tracks.size() == 5);
+    CHECK(disc.track(4) == sound.substr(0, 300 * bytesOfSector));
+    CHECK(disc.track(5) == sound.substr(300 * bytesOfSector));
 }
 
 TEST_CASE("A damaged sheet is a drive without a disc")
@@ -214,7 +288,8 @@ TEST_CASE("A damaged sheet is a drive without a disc")
         CAPTURE(c.what);
         const Disc disc(c.sheet);
         putFile(disc.folder / "a.bin", noise(300 * bytesOfSector));
-        CHECK(disc.drive->contents() == DiscContents());
+        CHECK(disc.drive->contents().tracks.empty());
+        CHECK(disc.drive->contents().trouble != "");
     }
 }
 
@@ -362,7 +437,8 @@ TEST_CASE("A folder that may not be read lists nothing, and a sheet that may not
     Child child([&] {
         becomeNobody();
         endUnless(namesOf(imagesIn(desk.folders)) == std::vector<Text>{"Disc image: Locked"}, 1);
-        endUnless(imagesIn(desk.folders)()[0]->contents() == DiscContents(), 2);
+        endUnless(imagesIn(desk.folders)()[0]->contents().tracks.empty(), 2);
+        endUnless(imagesIn(desk.folders)()[0]->contents().trouble == "Its sheet cannot be read.", 3);
     });
     CHECK(child.wait() == 0);
     chmod(desk.discs.c_str(), 0755);

@@ -194,3 +194,19 @@ TEST_CASE("What no disc can hold is no disc")
         CHECK(layoutOf(c.sheet, {c.bytes}).has_value() == c.fits);
     }
 }
+
+TEST_CASE("A track stands at its number, and numbers that the sheet leaves out are empty")
+{
+    const auto layout = layoutOf("FILE a BINARY\nTRACK 04 AUDIO\nINDEX 01 00:00:00\n"
+                                 "TRACK 06 AUDIO\nINDEX 01 00:04:00\n",
+                                 {700 * sector});
+    REQUIRE(layout.has_value());
+    CHECK(tracksOf(*layout) == Tracks{{0, 0}, {0, 0}, {0, 0}, {0, 300}, {300, 0}, {300, 400}});
+    for (const std::size_t row : {0, 1, 2, 4}) {
+        CAPTURE(row);
+        CHECK(layout->contents.tracks[row].isMissing);
+        CHECK_FALSE(layout->contents.tracks[row].isAudio);
+    }
+    CHECK_FALSE(layout->contents.tracks[3].isMissing);
+    checkWhole(*layout);
+}

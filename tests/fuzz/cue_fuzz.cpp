@@ -44,10 +44,11 @@ void checkLayout(const CueSheet& sheet, const ImageLayout& layout)
         end = extent.end();
     }
     require(end == layout.contents.leadOut && end <= mostSectors);
-    require(layout.contents.tracks.size() == sheet.tracks.size());
-    for (std::size_t i = 0; i < sheet.tracks.size(); ++i) {
+    const auto count = static_cast<std::size_t>(sheet.tracks.back().number);
+    require(layout.contents.tracks.size() == count);
+    for (std::size_t i = 0; i < count; ++i) {
         const auto& track = layout.contents.tracks[i];
-        const bool isLast = i + 1 == sheet.tracks.size();
+        const bool isLast = i + 1 == count;
         require(track.sectors >= 0);
         require(track.start + track.sectors == (isLast ? end : layout.contents.tracks[i + 1].start));
     }
