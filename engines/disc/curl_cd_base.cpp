@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <condition_variable>
 #include <mutex>
@@ -44,13 +45,23 @@ Text greeting(std::string_view identity)
            word(host, "localhost").append(" ").append(client);
 }
 
+// The service counts the tracks that there are, also where a disc begins with a later number.
+DiscTitles placedOn(const DiscContents& disc, DiscTitles titles)
+{
+    for (std::size_t i = 0; i < disc.tracks.size() && i < titles.tracks.size(); ++i)
+        if (disc.tracks[i].isMissing)
+            titles.tracks.insert(titles.tracks.begin() + static_cast<std::ptrdiff_t>(i), Text());
+    return titles;
+}
+
 // One lookup on its worker. The control waits for it as long as it may; whoever is last lets it go.
 class TitleSearch
 {
 public:
-    TitleSearch(const CddbAccess& access, const Text& identity, Deadline deadline) :
+    TitleSearch(const CddbAccess& access, const Text& identity, Deadline deadline, bool isServiceSilent) :
         disc_(access.disc), addresses_(access.addresses), cache_(access.cacheFolder),
-        greeting_(greeting(identity)), deadline_(deadline)
+        silence_(access.silence), greeting_(greeting(identity)), deadline_(deadline),
+        isServiceSilent_(isServiceSilent)
     {
     }
 
@@ -68,32 +79,37 @@ public:
         return over_.wait_until(lock, time, [this] { return isOver_; });
     }
 
-    // To be read when it is over.
-    const DiscTitles& titles() const { return titles_; }
+    // The best that is known by now: kept ones until a server gives its word.
+    DiscTitles titles() const
+    {
+        const std::lock_guard lock(mutex_);
+        return titles_;
+    }
+
+    bool isServiceSilent() const { return isServiceSilent_; }
 
 private:
     void find()
     {
         const auto disc = disc_();
-        if (!disc.tracks.empty() && !takenFromCache(disc))
-            askServers(disc);
+        if (disc.tracks.empty())
+            return;
+        const auto kept = cache_.answer(disc);
+        const bool isKept = kept && taken(disc, *kept);
+        const auto begin = steady_clock::now();
+        const bool isHeard =
+            askServers(disc, isKept && isServiceSilent_ ? std::min(deadline_, begin + silence_) : deadline_);
+        isServiceSilent_ = !isHeard && (isServiceSilent_ || steady_clock::now() - begin >= silence_);
     }
 
-    bool takenFromCache(const DiscContents& disc)
-    {
-        const auto answer = cache_.answer(disc);
-        return answer && taken(*answer);
-    }
-
-    // A silent server takes no more than its share of the time from the next.
-    void askServers(const DiscContents& disc)
+    // A silent server takes no more than its share of the time from the next. Whether one gave its word.
+    bool askServers(const DiscContents& disc, Deadline deadline)
     {
         auto left = static_cast<int>(addresses_.size());
-        for (const Text& address : addresses_) {
+        return std::ranges::any_of(addresses_, [&](const Text& address) {
             const auto now = steady_clock::now();
-            if (gaveItsWord(address, disc, now + (deadline_ - now) / left--))
-                return;
-        }
+            return gaveItsWord(address, disc, now + (deadline - now) / left--);
+        });
     }
 
     // Whether the server was heard to the end: that it does not know the disc is an answer too.
@@ -101,21 +117,29 @@ private:
     {
         const auto page = ask(address, queryCommand(disc), deadline);
         const auto matches = page ? matchesIn(*page) : std::nullopt;
-        if (!matches || matches->empty())
-            return matches.has_value();
+        if (!matches)
+            return false;
+        if (matches->empty())
+            return take({});
         const CddbMatch& best = matches->front();
         const auto entry = ask(address, "cddb read " + best.category + ' ' + best.discId, deadline);
-        if (!entry || !taken(*entry))
+        if (!entry || !taken(disc, *entry))
             return false;
         cache_.keep(disc, *entry);
         return true;
     }
 
-    bool taken(const Text& answer)
+    bool taken(const DiscContents& disc, const Text& answer)
     {
-        const auto titles = titlesIn(answer);
-        titles_ = titles.value_or(DiscTitles{});
-        return titles.has_value();
+        auto titles = titlesIn(answer);
+        return titles && take(placedOn(disc, std::move(*titles)));
+    }
+
+    bool take(DiscTitles titles)
+    {
+        const std::lock_guard lock(mutex_);
+        titles_ = std::move(titles);
+        return true;
     }
 
     std::optional<Text> ask(const Text& address, const Text& command, Deadline deadline) const
@@ -128,12 +152,14 @@ private:
     const std::function<DiscContents()> disc_;
     const std::vector<Text> addresses_;
     const TitleCache cache_;
+    const milliseconds silence_;
     const Text greeting_;
     const Deadline deadline_;
-    DiscTitles titles_;
 
-    std::mutex mutex_;
+    std::atomic<bool> isServiceSilent_;
+    mutable std::mutex mutex_;
     std::condition_variable over_;
+    DiscTitles titles_;
     bool isOver_ = false;
 };
 
@@ -160,8 +186,10 @@ public:
     {
         titles_ = {};
         const auto deadline = steady_clock::now() + limit_;
-        if (isOverBy(deadline) && begin(deadline) && isOverBy(deadline))
-            titles_ = search_->titles();
+        if (!isOverBy(deadline) || !begin(deadline))
+            return;
+        isOverBy(deadline);
+        titles_ = search_->titles();
     }
 
     Text DiscArtist() const override { return titles_.artist; }
@@ -179,8 +207,9 @@ private:
     bool begin(Deadline deadline)
     {
         try {
+            const bool wasSilent = search_ && search_->isServiceSilent();
             search_ = nullptr;
-            const auto search = std::make_shared<TitleSearch>(access_, identity_, deadline);
+            const auto search = std::make_shared<TitleSearch>(access_, identity_, deadline, wasSilent);
             std::thread([search] { search->run(); }).detach();
             search_ = search;
         } catch (const std::system_error&) { // no thread to be had

@@ -4,6 +4,7 @@
 #include "engines/disc/disc_contents.h"
 #include "platform/cd_base.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -13,8 +14,12 @@ struct CddbAccess {
     std::vector<Text> addresses = {"https://gnudb.gnudb.org/~cddb/cddb.cgi",
                                    "http://gnudb.gnudb.org/~cddb/cddb.cgi"};
 
-    // Where answers are kept.
+    // Where answers are kept, for the times when no server gives one.
     Text cacheFolder = {};
+
+    // A service that gave no word for so long is silent: until it speaks again, a disc with a kept answer
+    // waits no longer for it.
+    std::chrono::milliseconds silence{3000};
 
     // The name of the reader's first drive; "" when there is none. It touches no drive.
     std::function<Text()> firstDrive = {};

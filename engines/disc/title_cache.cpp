@@ -36,9 +36,11 @@ std::optional<Text> TitleCache::answer(const DiscContents& disc) const
     return bytes.substr(first.size());
 }
 
-// Not synced to the disk: an answer cut short shows as one, and is asked for again.
+// Not synced to the disk: an answer cut short shows as one, and counts for nothing.
 void TitleCache::keep(const DiscContents& disc, const Text& answer) const
 {
+    if (this->answer(disc) == answer)
+        return;
     std::error_code error;
     std::filesystem::create_directories(folder_, error);
     const Text path = joined(folder_, discId(disc));

@@ -1,4 +1,4 @@
-// The answers that the CDDB gave, one file a disc, so that a disc is asked for once.
+// The last answers that the CDDB gave, one file a disc, for the times when it gives none.
 #pragma once
 
 #include "engines/disc/disc_contents.h"
@@ -14,7 +14,7 @@ public:
     // The answer kept for that disc. Discs of one id and different tracks are told apart.
     std::optional<Text> answer(const DiscContents& disc) const;
 
-    // Never fails: what cannot be kept is asked for again.
+    // Never fails: what cannot be kept is missing when the CDDB is silent.
     void keep(const DiscContents& disc, const Text& answer) const;
 
 private:

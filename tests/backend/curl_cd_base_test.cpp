@@ -88,10 +88,11 @@ struct Titles {
     Text drive = "Drive (/dev/sr0)";
     std::unique_ptr<CdBase> control;
 
-    explicit Titles(std::vector<Text> addresses)
+    explicit Titles(std::vector<Text> addresses, milliseconds silence = milliseconds(3000))
     {
         control = makeCurlCdBase({.addresses = std::move(addresses),
                                   .cacheFolder = folder / "cache/cddb",
+                                  .silence = silence,
                                   .firstDrive = [this] { return drive; },
                                   .disc = [contents = inserted] { return *contents; }});
         control->setContactIdentity("ann@host.test");
@@ -105,6 +106,20 @@ struct Titles {
         control->Lookup();
         return *control;
     }
+};
+
+// A service that can change its ways between two lookups.
+struct ServiceOfMoods {
+    enum Mood { answers, forgets, hangsUp, isSilent };
+    std::atomic<Mood> mood = answers;
+    LoopbackServer server{[this](const Text& target, const LoopbackServer::Client& client) {
+        if (mood == forgets)
+            client.sendPage("202 No match\r\n");
+        if (mood == isSilent)
+            client.isGone(-1);
+        if (mood == answers)
+            client.sendPage(fieldOf(target, "cmd").starts_with("cddb query") ? exact : entry);
+    }};
 };
 
 milliseconds timeOf(const std::function<void()>& step)
@@ -225,39 +240,105 @@ TEST_CASE("On a disc of various artists a track's title stays whole")
     CHECK(titles.control->TrackTitle(1) == "X / Y");
 }
 
-TEST_CASE("A disc that is known is asked for once")
+TEST_CASE("Every lookup asks, and what the service says now is what counts")
 {
-    LoopbackServer server(pages(exact, entry));
+    std::atomic<const char*> title = "First";
+    LoopbackServer server([&](const Text& target, const LoopbackServer::Client& client) {
+        const bool isQuery = fieldOf(target, "cmd").starts_with("cddb query");
+        client.sendPage(isQuery
+                            ? Text(exact)
+                            : Text("210 rock x\r\nDTITLE=A / B\r\nTTITLE0=") + title.load() + "\r\n.\r\n");
+    });
     Titles titles({server.address()});
-    titles.lookedUp();
-    REQUIRE(server.requests().size() == 2);
-    CHECK(titles.lookedUp().TrackTitle(2) == "Second");
-    CHECK(server.requests().size() == 2);
+    CHECK(titles.lookedUp().TrackTitle(1) == "First");
+    title = "Corrected";
+    CHECK(titles.lookedUp().TrackTitle(1) == "Corrected");
+    CHECK(server.requests().size() == 4);
     CHECK(namesInFolder(titles.folder / "cache/cddb") == std::set<Text>{id});
+}
 
-    SUBCASE("but not another disc with the same id")
+TEST_CASE("A disc that the service has forgotten has no titles")
+{
+    ServiceOfMoods service;
+    Titles titles({service.server.address()});
+    titles.lookedUp();
+    service.mood = ServiceOfMoods::forgets;
+    CHECK(titles.lookedUp().TrackTitle(1) == "");
+}
+
+TEST_CASE("Where the service gives no answer the last one serves")
+{
+    ServiceOfMoods service;
+    Titles titles({service.server.address()});
+    titles.lookedUp();
+    service.mood = ServiceOfMoods::hangsUp;
+
+    SUBCASE("at the next opening")
     {
-        titles.inserted->tracks[1].start += 1;
-        REQUIRE(discId(*titles.inserted) == discId(disc));
-        titles.lookedUp();
-        CHECK(server.requests().size() == 4);
-    }
-    SUBCASE("but not when its kept answer is cut short")
-    {
-        const Text path = titles.folder / "cache/cddb/" + id;
-        putFile(path, fileBytes(path).substr(0, fileBytes(path).size() - 4));
         CHECK(titles.lookedUp().TrackTitle(2) == "Second");
-        CHECK(server.requests().size() == 4);
+        CHECK(titles.control->DiscArtist() == "Some Band");
+        CHECK(service.server.requests().size() == 3);
     }
-    SUBCASE("also by the next run of the program")
+    SUBCASE("in the next run of the program")
     {
-        Titles next({server.address()});
+        Titles next({service.server.address()});
         std::filesystem::create_directories(next.folder / "cache");
         std::filesystem::copy(titles.folder / "cache", next.folder / "cache",
                               std::filesystem::copy_options::recursive);
         CHECK(next.lookedUp().TrackTitle(2) == "Second");
-        CHECK(server.requests().size() == 2);
     }
+    SUBCASE("but not for another disc with the same id")
+    {
+        titles.inserted->tracks[1].start += 1;
+        REQUIRE(discId(*titles.inserted) == discId(disc));
+        CHECK(titles.lookedUp().TrackTitle(2) == "");
+    }
+    SUBCASE("but not when it is cut short")
+    {
+        const Text path = titles.folder / "cache/cddb/" + id;
+        putFile(path, fileBytes(path).substr(0, fileBytes(path).size() - 4));
+        CHECK(titles.lookedUp().TrackTitle(2) == "");
+    }
+}
+
+TEST_CASE("A service that stays silent is waited for once, and asked all the same")
+{
+    ServiceOfMoods service;
+    Titles titles({service.server.address()}, milliseconds(500));
+    titles.lookedUp();
+    service.mood = ServiceOfMoods::isSilent;
+    CHECK(timeOf([&] { CHECK(titles.lookedUp(4000).TrackTitle(2) == "Second"); }) >= milliseconds(3900));
+    for (int opening = 0; opening < 2; ++opening)
+        CHECK(timeOf([&] { CHECK(titles.lookedUp(4000).TrackTitle(2) == "Second"); }) < milliseconds(3000));
+    CHECK(service.server.requests().size() == 5);
+
+    SUBCASE("a disc without a kept answer is waited for as before")
+    {
+        titles.inserted->leadOut += 75;
+        CHECK(timeOf([&] { CHECK(titles.lookedUp(1000).TrackTitle(1) == ""); }) >= milliseconds(900));
+    }
+    SUBCASE("when it speaks again it counts again")
+    {
+        service.mood = ServiceOfMoods::forgets;
+        for (int tries = 0; tries < 20 && titles.lookedUp(20000).TrackTitle(2) != ""; ++tries)
+            continue; // it was too slow for half a second
+        CHECK(titles.control->TrackTitle(2) == "");
+        service.mood = ServiceOfMoods::isSilent;
+        CHECK(timeOf([&] { titles.lookedUp(1000); }) >= milliseconds(900));
+    }
+}
+
+TEST_CASE("On a disc that begins with track 4 the first title is that of track 4")
+{
+    LoopbackServer server(pages(exact, entry));
+    Titles titles({server.address()});
+    titles.inserted->tracks.insert(titles.inserted->tracks.begin(), 3, {false, 0, 0, true});
+    const CdBase& found = titles.lookedUp();
+    CHECK(found.TrackTitle(1) == "");
+    CHECK(found.TrackTitle(3) == "");
+    CHECK(found.TrackTitle(4) == "First");
+    CHECK(found.TrackTitle(5) == "Second");
+    CHECK(fieldOf(server.requests().at(0), "cmd") == queryCommand(disc));
 }
 
 TEST_CASE("A disc that is not known is asked for at every opening, and of one server")
