@@ -29,17 +29,32 @@ CdIo_t* opened(const Text& device)
     return cdio_open_linux(device.c_str());
 }
 
-// Whether the drive says that its disc will be there, or that it has just changed (SPC-3).
-bool isOnTheWay(const CdIo_t* cdio)
+constexpr int notReady = 2, unitAttention = 6; // sense keys, and a code (SPC-3)
+constexpr int noMedium = 0x3A;
+
+// Why the drive refused its last command.
+struct Sense {
+    int key = 0;
+    int code = 0;
+    int qualifier = 0;
+};
+
+Sense lastSense(const CdIo_t* cdio)
 {
-    constexpr int notReady = 2, unitAttention = 6, becomingReady = 0x0401;
     cdio_mmc_request_sense_t* sense = nullptr;
     if (mmc_last_cmd_sense(cdio, &sense) <= 0 || sense == nullptr)
-        return false;
-    const int key = sense->sense_key;
-    const int code = sense->asc << 8 | sense->ascq;
+        return {};
+    const Sense last{sense->sense_key, sense->asc, sense->ascq};
     cdio_free(sense);
-    return key == unitAttention || (key == notReady && code == becomingReady);
+    return last;
+}
+
+// Whether the drive says that its disc will be there, or that it has just changed.
+bool isOnTheWay(const Sense& sense)
+{
+    constexpr int becomingReady = 0x04, soon = 0x01;
+    return sense.key == unitAttention ||
+           (sense.key == notReady && sense.code == becomingReady && sense.qualifier == soon);
 }
 
 // The answer to READ TOC/PMA/ATIP in that format (MMC-5); empty when there is none.
@@ -99,6 +114,7 @@ struct CdioDisc::Parts {
 
     CdIo_t* cdio;
     cdrom_drive_t* sound = nullptr;
+    bool isEmpty = false;
 };
 
 // The order of the bytes is told before the opening, which would guess it from the sound, and wrongly. An
@@ -119,11 +135,17 @@ CdioDisc::CdioDisc(const Text& device) : parts_(std::make_unique<Parts>(device))
 CdioDisc::CdioDisc(CdioDisc&&) noexcept = default;
 CdioDisc::~CdioDisc() = default;
 
+bool CdioDisc::isOpen() const { return parts_->cdio != nullptr; }
+
+bool CdioDisc::isEmpty() const { return !isOpen() || parts_->isEmpty; }
+
 bool CdioDisc::isReady() const
 {
     const auto limit = std::chrono::steady_clock::now() + readyLimit;
     while (parts_->cdio != nullptr && mmc_test_unit_ready(parts_->cdio, 0) != DRIVER_OP_SUCCESS) {
-        if (!isOnTheWay(parts_->cdio) || std::chrono::steady_clock::now() > limit)
+        const Sense sense = lastSense(parts_->cdio);
+        parts_->isEmpty = sense.key == notReady && sense.code == noMedium;
+        if (!isOnTheWay(sense) || std::chrono::steady_clock::now() > limit)
             return false;
         std::this_thread::sleep_for(readyPause);
     }
@@ -143,6 +165,7 @@ DiscContents CdioDisc::contents()
         return {};
     const auto ends = sessionEnds(parts_->cdio);
     DiscContents contents;
+    contents.tracks.resize(static_cast<std::size_t>(std::max(first, 1) - 1), {false, 0, 0, true});
     for (int track = first; track < first + count; ++track)
         contents.tracks.push_back(trackOf(sound, static_cast<track_t>(track), ends));
     contents.leadOut = cdio_get_track_lsn(parts_->cdio, CDIO_CDROM_LEADOUT_TRACK);

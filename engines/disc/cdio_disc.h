@@ -18,8 +18,13 @@ public:
     CdioDisc(CdioDisc&&) noexcept;
     ~CdioDisc();
 
-    // Whether there is a disc; one that was just put in is waited for.
+    bool isOpen() const;
+
+    // Whether there is a disc that can be read; one that was just put in is waited for.
     bool isReady() const;
+
+    // Whether the drive says that none is in it, when it is not ready.
+    bool isEmpty() const;
 
     // What the drive answers when asked for the disc's contents, in one command; empty without a disc. The
     // same for the same disc.

@@ -4,7 +4,12 @@
 #include "engines/disc/errand.h"
 #include "platform/failure.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace
@@ -26,16 +31,30 @@ struct Seen {
     DiscContents contents;
 };
 
+Seen seenTrouble(const Text& trouble) { return {{}, {{}, 0, trouble}}; }
+
+Text whyShut(const Text& device)
+{
+    const bool mayRead = faccessat(AT_FDCWD, device.c_str(), R_OK, AT_EACCESS) == 0;
+    return "The drive cannot be opened" +
+           (mayRead ? "." : ": " + std::generic_category().message(errno) + '.');
+}
+
 // The contents are read only when the table is not the known one.
 Seen look(const Text& device, Seen known)
 {
     CdioDisc disc(device);
+    if (!disc.isOpen())
+        return seenTrouble(whyShut(device));
     if (!disc.isReady())
-        return {};
+        return disc.isEmpty() ? Seen{} : seenTrouble("The drive cannot read its disc.");
     auto table = disc.table();
     if (!table.empty() && table == known.table)
         return known;
-    return {std::move(table), disc.contents()};
+    auto contents = disc.contents();
+    if (contents.tracks.empty())
+        return seenTrouble("The disc has no tracks that can be read.");
+    return {std::move(table), std::move(contents)};
 }
 
 // One track on its way out of a drive.
@@ -144,7 +163,8 @@ public:
         const bool isHeldUp = look_ && !look_->hasEnded();
         if (!isHeldUp)
             look_.emplace([path = device_.path, seen = seen_] { return look(path, seen); });
-        seen_ = look_->result(isHeldUp ? milliseconds(0) : patience_).value_or(Seen{});
+        seen_ = look_->result(isHeldUp ? milliseconds(0) : patience_)
+                    .value_or(seenTrouble("The drive does not answer."));
         return seen_.contents;
     }
 

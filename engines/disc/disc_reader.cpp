@@ -2,12 +2,14 @@
 
 #include "engines/disc/reader_table.h"
 #include "engines/disc/track_copy.h"
+#include "engines/disc/track_path.h"
 #include "engines/disc/window_calls.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
 
 #include <algorithm>
 #include <limits>
+#include <map>
 #include <system_error>
 
 namespace
@@ -52,6 +54,8 @@ public:
 private:
     std::shared_ptr<ReaderDrive> drive(std::int16_t number) const;
     std::shared_ptr<ReaderDrive> current() const;
+    DiscContents disc();
+    void tell(const ReaderDrive& drive, const Text& trouble);
     void startCopy(std::int16_t track, const Text& path);
     void finished();
 
@@ -60,7 +64,8 @@ private:
     Shell& shell_;
     PartNotes& notes_;
     SleepLock& sleepLock_;
-    Text device_; // of the current drive; that of the first until another is selected
+    Text device_;               // of the current drive; that of the first until another is selected
+    std::map<Text, Text> told_; // the trouble with a disc that the user knows of, by device
     WindowCalls<DiscReader> window_;
     std::unique_ptr<TrackCopy> copy_; // until its end has been told; the last member: its thread ends first
 };
@@ -94,30 +99,48 @@ Text DiscReader::DriveName(std::int16_t number) const
     return found ? found->name() : Text();
 }
 
+// Each look at a disc begins here: at one that was recorded or put in meanwhile, too.
 void DiscReader::SelectDrive(std::int16_t number)
 {
+    table_->addNew();
+    table_->lookAnew();
     if (const auto found = drive(number))
         device_ = found->device();
 }
 
-std::int16_t DiscReader::TrackCount()
-{
-    return static_cast<std::int16_t>(table_->contents(*current()).tracks.size());
-}
+std::int16_t DiscReader::TrackCount() { return static_cast<std::int16_t>(disc().tracks.size()); }
 
 std::int32_t DiscReader::TrackLength(std::int16_t number)
 {
-    const auto contents = table_->contents(*current());
+    const auto contents = disc();
     const DiscTrack* const track = trackOf(contents, number);
     if (track == nullptr || !track->isAudio)
         return 0;
     return clamped<std::int32_t>(std::int64_t{track->sectors} * 1000 / sectorsPerSecond);
 }
 
-std::int16_t DiscReader::ReadTrack(std::int16_t track, const Text& path)
+DiscContents DiscReader::disc()
+{
+    const auto drive = current();
+    auto contents = table_->contents(*drive);
+    tell(*drive, contents.trouble);
+    return contents;
+}
+
+// Once, until the drive answers without it: every listing asks again.
+void DiscReader::tell(const ReaderDrive& drive, const Text& trouble)
+{
+    Text& told = told_[drive.device()];
+    if (!trouble.empty() && trouble != told)
+        shell_.notify("A disc could not be read", drive.name() + ": " + trouble);
+    told = trouble;
+}
+
+std::int16_t DiscReader::ReadTrack(std::int16_t track, const Text& wanted)
 {
     if (copy_)
         return refused;
+    const Text path = fittingTrackPath(wanted, track);
     try {
         startCopy(track, path);
         return started;
@@ -157,6 +180,7 @@ void DiscReader::Stop()
 void DiscReader::finished()
 {
     copy_.reset();
+    table_->lookAnew();
     Done.raise();
 }
 

@@ -16,16 +16,6 @@ public:
 
 using Drives = std::vector<std::shared_ptr<ReaderDrive>>;
 
-// What a drive knows of its disc stays when it is found again.
-std::shared_ptr<ReaderDrive> knownOr(const std::shared_ptr<ReaderDrive>& drive, const Drives& known)
-{
-    const auto same = [&](const auto& each) {
-        return each->device() == drive->device() && each->name() == drive->name();
-    };
-    const auto found = std::ranges::find_if(known, same);
-    return found == known.end() ? drive : *found;
-}
-
 }
 
 ReaderTable::ReaderTable(std::vector<ListReaders> lists, std::shared_ptr<BusyDevices> devices) :
@@ -39,16 +29,44 @@ void ReaderTable::scan()
     scanLocked();
 }
 
+// What a drive knows of its disc stays when it is found again.
 void ReaderTable::scanLocked()
 {
     Drives found;
-    for (const auto& list : lists_)
-        for (const auto& drive : list())
-            found.push_back(knownOr(drive, drives_));
+    for (const auto& list : lists_) {
+        Drives listed = list();
+        std::ranges::stable_sort(listed, {}, [this](const auto& each) { return placeOf(*each); });
+        for (const auto& drive : listed)
+            found.push_back(isKnown(*drive) ? drives_[placeOf(*drive)] : drive);
+    }
     if (found.empty())
         found.push_back(std::make_shared<NoDisc>());
     drives_ = std::move(found);
 }
+
+// The empty drive stands for none, so the first that comes takes its place.
+void ReaderTable::addNew()
+{
+    const std::lock_guard guard(mutex_);
+    const bool hasNone = drives_.empty() || drives_.front()->device().empty();
+    if (hasNone)
+        return scanLocked();
+    for (const auto& list : lists_)
+        for (const auto& drive : list())
+            if (!isKnown(*drive))
+                drives_.push_back(drive);
+}
+
+// That of the drive among those that are known, behind the last for a new one.
+std::size_t ReaderTable::placeOf(const ReaderDrive& drive) const
+{
+    const auto same = [&](const auto& each) {
+        return each->device() == drive.device() && each->name() == drive.name();
+    };
+    return static_cast<std::size_t>(std::ranges::find_if(drives_, same) - drives_.begin());
+}
+
+bool ReaderTable::isKnown(const ReaderDrive& drive) const { return placeOf(drive) < drives_.size(); }
 
 std::vector<std::shared_ptr<ReaderDrive>> ReaderTable::drives()
 {
@@ -58,23 +76,34 @@ std::vector<std::shared_ptr<ReaderDrive>> ReaderTable::drives()
     return drives_;
 }
 
+void ReaderTable::lookAnew()
+{
+    const std::lock_guard guard(mutex_);
+    for (auto& [device, seen] : seen_)
+        seen.isFresh = false;
+}
+
 DiscContents ReaderTable::contents(ReaderDrive& drive)
 {
+    const auto last = seen(drive);
+    if (last && last->isFresh)
+        return last->contents;
     const auto claim = devices_->claim(drive.device(), BusyDevices::Use::reading);
     if (!claim)
-        return seen(drive).value_or(DiscContents());
+        return last.value_or(Seen()).contents;
     const auto now = drive.contents();
     const std::lock_guard guard(mutex_);
-    return seen_[drive.device()] = now;
+    seen_[drive.device()] = {now};
+    return now;
 }
 
 DiscContents ReaderTable::lastContents(ReaderDrive& drive)
 {
     const auto last = seen(drive);
-    return last ? *last : contents(drive);
+    return last ? last->contents : contents(drive);
 }
 
-std::optional<DiscContents> ReaderTable::seen(const ReaderDrive& drive)
+std::optional<ReaderTable::Seen> ReaderTable::seen(const ReaderDrive& drive)
 {
     const std::lock_guard guard(mutex_);
     const auto found = seen_.find(drive.device());

@@ -16,11 +16,18 @@ public:
     // The drives of the first list come first. There is always one: an empty one where the lists have none.
     ReaderTable(std::vector<ListReaders> lists, std::shared_ptr<BusyDevices> devices);
 
-    void scan(); // looks for drives anew
+    void scan(); // looks for drives anew; those that stay keep their order
+
+    // Gives drives that have come since then the numbers behind all others.
+    void addNew();
+
+    // From now on each drive that is asked for its disc looks at it once more.
+    void lookAnew();
 
     std::vector<std::shared_ptr<ReaderDrive>> drives(); // as the last scan found them; the first is made here
 
-    // The disc in the drive; while the drive is in use, as it was last seen.
+    // The disc in the drive, looked at once for all questions of one listing; while the drive is in use, as
+    // it was last seen.
     DiscContents contents(ReaderDrive& drive);
 
     // As it was last seen; only a drive that was never asked is asked now.
@@ -28,11 +35,18 @@ public:
 
 private:
     void scanLocked();
-    std::optional<DiscContents> seen(const ReaderDrive& drive);
+    std::size_t placeOf(const ReaderDrive& drive) const;
+    bool isKnown(const ReaderDrive& drive) const;
+
+    struct Seen {
+        DiscContents contents;
+        bool isFresh = true;
+    };
+    std::optional<Seen> seen(const ReaderDrive& drive);
 
     std::vector<ListReaders> lists_;
     std::shared_ptr<BusyDevices> devices_;
     std::mutex mutex_;
     std::vector<std::shared_ptr<ReaderDrive>> drives_;
-    std::map<Text, DiscContents> seen_; // by device
+    std::map<Text, Seen> seen_; // by device
 };

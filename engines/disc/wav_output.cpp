@@ -41,7 +41,7 @@ void WavOutput::finish()
 void WavOutput::breakOff()
 {
     completeHeader();
-    output_.takePlace();
+    output_.takeFreePlace();
 }
 
 void WavOutput::completeHeader()

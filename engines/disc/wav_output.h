@@ -13,8 +13,10 @@ public:
     std::int64_t soundBytes() const;                 // appended so far
 
     // What was appended has the file's name. A disk that is slow is waited for where the name has an old
-    // file, which a power cut must not take, too; not for a track that was broken off.
+    // file, which a power cut must not take, too.
     void finish();
+
+    // The same for a track that was broken off, but an older file is worth more than a fragment, and stays.
     void breakOff();
 
 private:

@@ -149,7 +149,8 @@ TEST_CASE("Without a disc there are no tracks")
     Reading r;
     CHECK(r.reader->contents() == DiscContents{});
     r.drive.insertBlank();
-    CHECK(r.reader->contents() == DiscContents{});
+    CHECK(r.reader->contents().tracks.empty());
+    CHECK(r.reader->contents().trouble == "The disc has no tracks that can be read.");
     r.drive.insert({{sectorsOfNoise(300)}});
     CHECK(r.reader->contents().tracks.size() == 1);
     r.drive.openTray();
@@ -405,13 +406,13 @@ TEST_CASE("A drive that hangs has no disc, and holds nobody up for long")
         drive.insert({{sectorsOfNoise(300)}});
         drive.hangOn(command);
         const auto begin = std::chrono::steady_clock::now();
-        CHECK(reader->contents() == DiscContents{});
+        CHECK(reader->contents().tracks.empty());
         for (int i = 0; i < 100; ++i)
-            CHECK(reader->contents() == DiscContents{});
+            CHECK(reader->contents().trouble == "The drive does not answer.");
         CHECK(std::chrono::steady_clock::now() - begin < std::chrono::seconds(5));
         CHECK(drive.now().hanging == 1);
         drive.answerAgain();
-        while (reader->contents() == DiscContents{})
+        while (reader->contents().tracks.empty())
             std::this_thread::yield();
         CHECK(reader->contents().tracks.size() == 1);
     }
@@ -426,7 +427,8 @@ TEST_CASE("A drive that is gone has no disc and reads nothing")
     drive.reset();
     KeptSound kept;
     CHECK(succeeds([&] { reader->readTrack(1, kept, {}); }) == false);
-    CHECK(reader->contents() == DiscContents{});
+    CHECK(reader->contents().tracks.empty());
+    CHECK(reader->contents().trouble.starts_with("The drive cannot be opened"));
     CHECK(listCdioReaders().empty());
 }
 
@@ -458,4 +460,32 @@ TEST_CASE("A drive that another program writes with is listed all the same")
     const Descriptor exclusive(open("/dev/sr0", O_RDWR | O_EXCL | O_NONBLOCK));
     REQUIRE(exclusive);
     CHECK(listCdioReaders().size() == 1);
+}
+
+TEST_CASE("A listing opens its drive once, and so does a look for another disc")
+{
+    SimulatedDrive drive;
+    drive.insert({{sectorsOfNoise(300, 1)}, {sectorsOfNoise(310, 2)}, {sectorsOfNoise(320, 3)}});
+    DiscDesk desk;
+    const auto table = std::make_shared<ReaderTable>(std::vector<ListReaders>{listCdioReaders}, desk.devices);
+    const auto reader =
+        makeDiscReader(table, desk.devices, desk.window, desk.shell, desk.parts, desk.sleepLock);
+    reader->DriveCount();
+    for (int listing = 0; listing < 2; ++listing) {
+        const auto before = drive.now().opened;
+        reader->SelectDrive(1);
+        CHECK(table->contents(*table->drives().front()).tracks.size() == 3); // for the titles
+        REQUIRE(reader->TrackCount() == 3);
+        for (std::int16_t track = 1; track <= 3; ++track)
+            for (int time = 0; time < 2; ++time)
+                CHECK(reader->TrackLength(track) == (290 + 10 * track) * 1000 / 75);
+        CHECK(drive.now().opened == before + 1);
+    }
+    drive.insert({{sectorsOfNoise(375)}});
+    const auto before = drive.now().opened;
+    reader->SelectDrive(1);
+    CHECK(reader->TrackLength(1) == 5000);
+    CHECK(reader->TrackLength(1) == 5000);
+    CHECK(drive.now().opened == before + 1);
+    CHECK(desk.shell.told().empty());
 }

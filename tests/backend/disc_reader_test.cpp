@@ -97,16 +97,175 @@ TEST_CASE("There is always a drive, and an empty one answers everything")
     r.checkIdle();
 }
 
-TEST_CASE("Only counting the drives looks for them")
+TEST_CASE("A drive that has come since the count is found behind those that have numbers")
 {
     Reading r;
-    CHECK(r.reader->DriveCount() == 1);
+    putFile(r.desk.discs + "/Old.cue", "");
+    CHECK(r.reader->DriveCount() == 2);
     r.desk.readers.push_back(std::make_shared<ScriptedReader>("/dev/sr1"));
     CHECK(r.reader->Init() == 0);
+    CHECK(r.reader->DriveName(3) == "");
+    r.reader->SelectDrive(3);
+    CHECK(r.reader->DriveName(1) == "Maker Model (/dev/sr0)");
+    CHECK(r.reader->DriveName(2) == "Disc image: Old");
+    CHECK(r.reader->DriveName(3) == "Maker Model (/dev/sr1)");
+    CHECK(r.reader->TrackCount() == 2);
+    CHECK(r.reader->DriveCount() == 3);
+}
+
+TEST_CASE("An image that was copied into the folder since the count has the next number, however old it is")
+{
+    ImageReading r;
+    CHECK(r.reader->DriveCount() == 1);
+    putFile(r.desk.discs + "/Older.bin", noise(375 * bytesOfSector));
+    putFile(r.desk.discs + "/Older.cue", sheetOf("Older.bin", {"00:00:00"}));
+    std::filesystem::last_write_time(r.desk.discs + "/Older.cue",
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::hours(24));
     r.reader->SelectDrive(2);
+    CHECK(r.reader->TrackLength(1) == 5000);
+    for (int count = 0; count < 2; ++count) {
+        CHECK(r.reader->DriveName(1) == "Disc image: A");
+        CHECK(r.reader->DriveName(2) == "Disc image: Older");
+        CHECK(r.reader->DriveCount() == 2);
+    }
+}
+
+TEST_CASE("The first image takes the place of the empty drive")
+{
+    Reading r;
+    r.desk.readers.clear();
+    CHECK(r.reader->DriveCount() == 1);
+    CHECK(r.reader->TrackCount() == 0);
+    putFile(r.desk.discs + "/New.bin", noise(375 * bytesOfSector));
+    putFile(r.desk.discs + "/New.cue", sheetOf("New.bin", {"00:00:00"}));
+    r.reader->SelectDrive(1);
+    CHECK(r.reader->TrackLength(1) == 5000);
+    CHECK(r.reader->DriveName(1) == "Disc image: New");
     CHECK(r.reader->DriveName(2) == "");
-    CHECK(r.reader->DriveCount() == 2);
-    CHECK(r.reader->DriveName(2) == "Maker Model (/dev/sr1)");
+}
+
+TEST_CASE("A disc that cannot be read is told once, until its drive answers without that trouble")
+{
+    Reading r;
+    const DiscContents good = r.drive->disc;
+    const auto list = [&] {
+        r.reader->SelectDrive(1);
+        const auto count = r.reader->TrackCount();
+        r.reader->TrackLength(1);
+        return count;
+    };
+    CHECK(list() == 2);
+    CHECK(r.desk.shell.told().empty());
+    r.drive->disc = {{}, 0, "It is scratched."};
+    CHECK(list() == 0);
+    CHECK(list() == 0);
+    REQUIRE(r.desk.shell.told().size() == 1);
+    CHECK(r.desk.shell.told()[0] == "A disc could not be read | Maker Model (/dev/sr0): It is scratched.");
+    r.drive->disc.trouble = "The drive does not answer.";
+    list();
+    CHECK(r.desk.shell.told().size() == 2);
+    r.drive->disc = good;
+    CHECK(list() == 2);
+    r.drive->disc = {{}, 0, "The drive does not answer."};
+    list();
+    CHECK(r.desk.shell.told().size() == 3);
+    r.drive->disc = {};
+    list();
+    CHECK(r.desk.shell.told().size() == 3);
+}
+
+TEST_CASE("A sheet that names a file elsewhere is told in words")
+{
+    ImageReading r;
+    putFile(r.desk.discs + "/A.cue", sheetOf("../../secret", {"00:00:00"}));
+    r.reader->SelectDrive(1);
+    CHECK(r.reader->TrackCount() == 0);
+    REQUIRE(r.desk.shell.told().size() == 1);
+    CHECK(r.desk.shell.told()[0] == "A disc could not be read | Disc image: A: Its sheet names ../../secret, "
+                                    "which does not lie in the sheet's folder.");
+}
+
+TEST_CASE("A track that the disc leaves out has no length and is refused")
+{
+    Reading r;
+    r.drive->disc.tracks.insert(r.drive->disc.tracks.begin(), 3, {false, 0, 0, true});
+    CHECK(r.reader->TrackCount() == 5);
+    CHECK(r.reader->TrackLength(3) == 0);
+    CHECK(r.reader->TrackLength(4) == 4000);
+    CHECK(r.reader->ReadTrack(3, r.wav) != 0);
+    CHECK(r.heard->end());
+    CHECK(r.drive->reads == 0);
+    CHECK(namesInFolder(r.desk.output).empty());
+}
+
+TEST_CASE("A title that is too long for a name is cut between two characters, in every writing")
+{
+    const auto repeated = [](const char* part, int times) {
+        Text all;
+        for (int i = 0; i < times; ++i)
+            all += part;
+        return all;
+    };
+    const struct {
+        const char* what;
+        Text name;
+        Text made;
+    } cases[] = {
+        {"Latin letters", "01 - " + Text(400, 'x') + ".wav", "01 - " + Text(246, 'x') + ".wav"},
+        {"Cyrillic letters", "01 - " + repeated("\u0436", 200) + ".wav",
+         "01 - " + repeated("\u0436", 123) + ".wav"},
+        {"an odd number of bytes before them", "01 - x" + repeated("\u0436", 200) + ".wav",
+         "01 - x" + repeated("\u0436", 122) + ".wav"},
+        {"Han characters", "01 - " + repeated("\u97F3", 120) + ".wav",
+         "01 - " + repeated("\u97F3", 82) + ".wav"},
+        {"characters beyond the first plane", "01 - " + repeated("\U0001F3B5", 90) + ".wav",
+         "01 - " + repeated("\U0001F3B5", 61) + ".wav"},
+        {"bytes that are no text", "01 - " + repeated("\xFF", 300) + ".wav",
+         "01 - " + repeated("\xFF", 246) + ".wav"},
+        {"a blank at the cut", "01 - " + Text(245, 'x') + " y and more.wav",
+         "01 - " + Text(245, 'x') + ".wav"},
+        {"a name that just fits", "01 - " + Text(246, 'x') + ".wav", "01 - " + Text(246, 'x') + ".wav"},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        Reading r;
+        REQUIRE(r.reader->ReadTrack(1, r.desk.output + "/" + c.name) == 0);
+        CHECK(r.heard->end());
+        CHECK(namesInFolder(r.desk.output) == std::set<Text>{c.made});
+        CHECK(soundOfWav(r.desk.output + "/" + c.made) == r.drive->sound(1));
+        CHECK(r.desk.shell.told().empty());
+    }
+}
+
+TEST_CASE("A long name that would lose its number is refused: two tracks would take one file")
+{
+    Reading r;
+    CHECK(r.reader->ReadTrack(1, r.desk.output + "/" + Text(300, 'x') + "1.wav") != 0);
+    CHECK(r.heard->end());
+    CHECK(namesInFolder(r.desk.output).empty());
+    CHECK(r.desk.shell.told().size() == 1);
+}
+
+TEST_CASE("Stop puts no fragment in the place of an older file, also one that came meanwhile")
+{
+    for (const bool isOlder : {true, false}) {
+        CAPTURE(isOlder);
+        Reading r;
+        if (isOlder)
+            putFile(r.wav, "an old track");
+        r.drive->holdsBehind = 100;
+        REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+        REQUIRE(r.waitUntilHolding());
+        if (!isOlder)
+            putFile(r.wav, "an old track");
+        r.reader->Stop();
+        CHECK(r.heard->end());
+        CHECK(fileBytes(r.wav) == "an old track");
+        CHECK(namesInFolder(r.desk.output).size() == 1);
+        CHECK(r.desk.shell.told().empty());
+        r.drive->letGo();
+        r.checkIdle();
+    }
 }
 
 TEST_CASE("Numbers out of range give nothing, fail never, and keep the drive")
