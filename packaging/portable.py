@@ -75,10 +75,12 @@ def copy_licences(folder, places):
 
 
 def program_files(installed, folder):
-    for name in ("bin/velmora", "share/velmora/conf.mp3", "share/velmora/updates.txt"):
+    for name in ("bin/velmora", "share/velmora/conf.mp3", "share/velmora/updates.txt", "share/doc/velmora/velmora.html"):
         shutil.copy2(installed / name, folder)
     for name in ("README.md", "CHANGELOG.md", "LICENSE"):
         shutil.copy2(name, folder)
+    (folder / "docs").mkdir()
+    shutil.copy2("docs/manual.md", folder / "docs")
     (folder / "qt.conf").write_text(QT_CONF)
 
 
@@ -105,7 +107,7 @@ def main():
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir()
     fill(installed, folder)
-    said("tar", "-C", str(output), "--owner=0", "--group=0", "--sort=name", "-I", "zstd -19 -T0", "-cf",
+    said("tar", "-C", str(output), "--owner=0", "--group=0", "--sort=name", "-I", "zstd -12 -T0", "-cf",
          str(output / f"{name}.tar.zst"), name)
     shutil.rmtree(folder)
 
