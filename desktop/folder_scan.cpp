@@ -1,9 +1,18 @@
 #include "desktop/folder_scan.h"
 
+#include "files/patience.h"
 #include "platform/paths.h"
 
 #include <dirent.h>
 #include <sys/stat.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
 
 namespace
 {
@@ -44,44 +53,100 @@ bool isDots(std::string_view name) { return name == "." || name == ".."; }
 
 }
 
+// The folder is read on a thread of its own, which may be held up for ever; the entries arrive here.
 class FolderScan::Walk
 {
 public:
-    Walk(const Text& folder, std::string_view pattern) : entries_(opendir(folder.c_str())), pattern_(pattern)
+    Walk(const Text& folder, std::string_view pattern) :
+        pattern_(pattern), reading_(std::make_shared<Reading>())
     {
+        try {
+            std::thread([folder, reading = reading_] { read(folder, *reading); }).detach();
+        } catch (const std::system_error&) { // no thread to be had
+            reading_->end();
+        }
     }
+    ~Walk() { reading_->leave(); }
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
 
-    explicit operator bool() const { return entries_ != nullptr; }
-
+    // False at the end, and when the time for the whole walk is over.
     bool next(FoundFile& found)
     {
-        while (step(found))
-            if (matchesPattern(found.name, pattern_))
+        while (auto entry = reading_->take(deadline_))
+            if (matchesPattern(entry->name, pattern_)) {
+                found = *std::move(entry);
                 return true;
+            }
         return false;
     }
 
 private:
-    bool step(FoundFile& found)
+    class Reading
     {
-        static constexpr const char* firstNames[] = {".", ".."};
-        if (given_ < std::size(firstNames)) {
-            found = {FoundFile::directory, firstNames[given_++]};
-            return true;
+    public:
+        // False when nobody wants it any more.
+        bool give(FoundFile entry)
+        {
+            const std::lock_guard lock(mutex_);
+            entries_.push_back(std::move(entry));
+            change_.notify_all();
+            return !isLeft_;
         }
-        while (const dirent* entry = readdir(entries_.get())) {
-            if (isDots(entry->d_name))
-                continue;
-            found = {attributesOf(dirfd(entries_.get()), entry->d_name, entry->d_type), entry->d_name};
-            if (found.attributes != 0)
-                return true;
+        void end()
+        {
+            const std::lock_guard lock(mutex_);
+            hasEnded_ = true;
+            change_.notify_all();
         }
-        return false;
+        void leave()
+        {
+            const std::lock_guard lock(mutex_);
+            isLeft_ = true;
+        }
+        std::optional<FoundFile> take(std::chrono::steady_clock::time_point deadline)
+        {
+            std::unique_lock lock(mutex_);
+            change_.wait_until(lock, deadline, [this] { return !entries_.empty() || hasEnded_; });
+            if (entries_.empty())
+                return std::nullopt;
+            FoundFile entry = std::move(entries_.front());
+            entries_.pop_front();
+            return entry;
+        }
+
+    private:
+        std::mutex mutex_;
+        std::condition_variable change_;
+        std::deque<FoundFile> entries_;
+        bool hasEnded_ = false;
+        bool isLeft_ = false;
+    };
+
+    static void read(const Text& folder, Reading& reading)
+    {
+        if (const std::unique_ptr<DIR, CloseFolder> entries{opendir(folder.c_str())})
+            readEntries(*entries, reading);
+        reading.end();
     }
 
-    std::unique_ptr<DIR, CloseFolder> entries_;
-    Text pattern_;
-    std::size_t given_ = 0;
+    static void readEntries(DIR& entries, Reading& reading)
+    {
+        for (const char* name : {".", ".."})
+            reading.give({FoundFile::directory, name});
+        while (const dirent* entry = readdir(&entries)) {
+            if (isDots(entry->d_name))
+                continue;
+            const auto attributes = attributesOf(dirfd(&entries), entry->d_name, entry->d_type);
+            if (attributes != 0 && !reading.give({attributes, entry->d_name}))
+                return;
+        }
+    }
+
+    const std::chrono::steady_clock::time_point deadline_ =
+        std::chrono::steady_clock::now() + patience::forFiles;
+    const Text pattern_;
+    const std::shared_ptr<Reading> reading_;
 };
 
 FolderScan::FolderScan() = default;
@@ -91,7 +156,7 @@ DirectoryScan::Handle FolderScan::FindFirstFile(const Text& pattern, FoundFile& 
 {
     const Text folder = pattern.substr(0, pattern.rfind(pathSeparator) + 1);
     auto walk = std::make_unique<Walk>(folder.empty() ? Text(".") : folder, fileTitle(pattern));
-    if (!*walk || !walk->next(found))
+    if (!walk->next(found))
         return invalid;
     walks_[++last_] = std::move(walk);
     return last_;

@@ -7,6 +7,7 @@
 #include <memory>
 
 // For one thread. A link counts as what it leads to; one that leads nowhere is no entry.
+// A walk ends two seconds after its begin, so that no hung share holds the caller.
 class FolderScan final : public DirectoryScan
 {
 public:

@@ -2,6 +2,7 @@
 
 #include "desktop/mounts.h"
 #include "files/folders.h"
+#include "files/patience.h"
 #include "platform/paths.h"
 
 #include <fcntl.h>
@@ -58,10 +59,13 @@ bool isForPeople(const Mount& mount)
 
 bool isReadableFolder(const Text& path)
 {
-    return isFolder(path) && faccessat(AT_FDCWD, path.c_str(), R_OK | X_OK, AT_EACCESS) == 0;
+    const auto look = [path] {
+        return isFolder(path) && faccessat(AT_FDCWD, path.c_str(), R_OK | X_OK, AT_EACCESS) == 0;
+    };
+    return patience::answerWithin<bool>(patience::forLists, "drive " + path, look).value_or(false);
 }
 
-// A share is not asked: a server that is down would hold the window.
+// A share is not asked: its server may be asleep, and is to stand in the list all the same.
 bool isReadable(const Mount& mount) { return isOnNetwork(mount) || isReadableFolder(mount.folder); }
 
 // Bytes that a file name cannot hold stand as `\x` and two hexadecimal digits.

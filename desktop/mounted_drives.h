@@ -14,8 +14,8 @@ public:
 
     explicit MountedDrives(Sources sources) : sources_(std::move(sources)) {}
 
-    // `/`, the home folder, then sticks, discs, shares and further disks by path, one for each device. Never
-    // waits for a server that does not answer.
+    // `/`, the home folder, then sticks, discs, shares and further disks by path, one for each device. What
+    // does not answer within 200 ms is left out; a share is not asked.
     std::vector<Drive> all() override;
 
 private:

@@ -1,9 +1,9 @@
 #include "desktop/places.h"
 
+#include "files/account.h"
 #include "files/folders.h"
 #include "platform/paths.h"
 
-#include <pwd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -80,13 +80,6 @@ Text executable()
     return path.ends_with(removed) ? path.substr(0, path.size() - removed.size()) : path;
 }
 
-// Asked only in need: the user database may be far away.
-Text accountHome()
-{
-    const passwd* account = getpwuid(getuid());
-    return account && account->pw_dir ? account->pw_dir : "";
-}
-
 }
 
 Environment environmentOfProcess()
@@ -94,7 +87,7 @@ Environment environmentOfProcess()
     const Text home = variable("HOME");
     return {.executable = executable(),
             .home = home,
-            .accountHome = isAbsolute(home) ? Text() : accountHome(),
+            .accountHome = isAbsolute(home) ? Text() : accountOfUser().home, // asked only in need
             .configHome = variable("XDG_CONFIG_HOME"),
             .dataHome = variable("XDG_DATA_HOME"),
             .stateHome = variable("XDG_STATE_HOME"),

@@ -24,7 +24,7 @@ public:
 
     // Starts a scan and finds the first entry, "." and ".." before all others. `pattern` is a folder, a
     // separator and a file pattern; "*.*" matches names without a dot, too. `invalid` when nothing can be
-    // found.
+    // found, also because the folder does not answer.
     virtual Handle FindFirstFile(const Text& pattern, FoundFile& found) = 0;
 
     virtual bool FindNextFile(Handle scan, FoundFile& found) = 0; // false when the entries end

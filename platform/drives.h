@@ -8,6 +8,8 @@
 struct Drive {
     Text path;  // what the list gives to the program
     Text label; // what the user sees beside it; may be empty
+
+    bool operator==(const Drive&) const = default;
 };
 
 class Drives

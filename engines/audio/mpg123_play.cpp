@@ -8,6 +8,7 @@
 #include "engines/codec/decode_jobs.h"
 #include "engines/tags/edited_tag.h"
 #include "engines/tags/genre.h"
+#include "files/file_to_open.h"
 #include "platform/post.h"
 #include "platform/shell.h"
 
@@ -118,16 +119,18 @@ std::int16_t Mpg123Play::openDecoding(const Text& path, const Text& output)
                                          [this] { Done.raise(); }},
                       notes_);
     const std::int16_t status = jobs_->open(path, output);
-    keepTagOf(status == opened ? path : "");
+    keepTagOf(status == opened ? jobs_->input() : "");
     return status;
 }
 
 bool Mpg123Play::openSound(const Text& path)
 {
-    sound_ = openMp3Sound(path);
-    keepTagOf(sound_ ? path : "");
-    if (!sound_)
-        sound_ = openWavSound(path);
+    const auto file = fileToOpen(path);
+    if (file)
+        sound_ = openMp3Sound(*file);
+    keepTagOf(sound_ ? *file : "");
+    if (file && !sound_)
+        sound_ = openWavSound(*file);
     if (!sound_)
         return false;
     sound_ = playable(std::move(*sound_));
@@ -206,7 +209,7 @@ void Mpg123Play::keepTagOf(const Text& path)
 {
     if (path.empty())
         tag_.forget();
-    else if (path == levelsFile_)
+    else if (equalWithoutCase(path, levelsFile_)) // which its name in other letters leads to, too
         tag_.openForReading(path);
     else
         tag_.open(path);

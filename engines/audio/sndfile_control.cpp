@@ -4,6 +4,7 @@
 #include "engines/audio/thinned_source.h"
 #include "engines/audio/unopened_files.h"
 #include "engines/audio/voice.h"
+#include "files/file_to_open.h"
 
 #include <optional>
 
@@ -59,7 +60,8 @@ void SndfileControl::setCommand(const Text& word)
 void SndfileControl::open()
 {
     close();
-    const auto sound = openWavSound(path_);
+    const auto file = fileToOpen(path_);
+    const auto sound = file ? openWavSound(*file) : std::nullopt;
     if (!sound) {
         unopened_.failed(path_, "WAV");
         return;

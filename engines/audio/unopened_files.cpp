@@ -1,5 +1,6 @@
 #include "engines/audio/unopened_files.h"
 
+#include "files/file_to_open.h"
 #include "files/input_file.h"
 #include "platform/shell.h"
 
@@ -35,7 +36,10 @@ const char* wordsFor(int error)
 
 Text reasonFor(const Text& path, const char* kinds)
 {
-    if (InputFile::open(path) == nullptr)
+    const auto file = fileToOpen(path);
+    if (!file)
+        return wordsFor(ETIMEDOUT);
+    if (InputFile::open(*file) == nullptr)
         return wordsFor(errno);
     return Text("It is no ") + kinds + " file, or a damaged one.";
 }

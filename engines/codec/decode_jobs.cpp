@@ -3,6 +3,7 @@
 #include "engines/codec/conversion_queue.h"
 #include "engines/codec/decode_file.h"
 #include "engines/formats/frame_scan.h"
+#include "files/file_to_open.h"
 #include "files/folders.h"
 #include "platform/failure.h"
 
@@ -53,9 +54,11 @@ DecodeJobs::~DecodeJobs() = default;
 
 std::int16_t DecodeJobs::open(const Text& input, const Text& output)
 {
+    const auto file = fileToOpen(input);
     bool isOpen = false;
-    succeeds([&] { isOpen = codec::isMp3(codec::SourceFile(input)) && !isSameFile(input, output); });
-    parts_->job = {++parts_->opened, input, output, isOpen};
+    if (file)
+        succeeds([&] { isOpen = codec::isMp3(codec::SourceFile(*file)) && !isSameFile(*file, output); });
+    parts_->job = {++parts_->opened, file.value_or(input), output, isOpen};
     return isOpen ? 0 : 1;
 }
 
@@ -76,5 +79,7 @@ void DecodeJobs::close()
     if (parts_->delivered == 0 || parts_->delivered == parts_->job.number)
         parts_->job = {};
 }
+
+const Text& DecodeJobs::input() const { return parts_->job.input; }
 
 std::int32_t DecodeJobs::length() const { return parts_->job.isOpen || parts_->unfinished > 0 ? 1000 : 0; }

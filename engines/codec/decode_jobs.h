@@ -37,6 +37,8 @@ public:
     // Frees the job whose `done` is being delivered; otherwise forgets what was opened and not started.
     void close();
 
+    const Text& input() const; // of the job opened last: the file that its name led to
+
     // 1000 while something is open, otherwise 0.
     std::int32_t length() const;
 

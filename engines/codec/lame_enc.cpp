@@ -3,6 +3,7 @@
 #include "engines/codec/conversion_queue.h"
 #include "engines/codec/encode_file.h"
 #include "engines/formats/wav_source.h"
+#include "files/file_to_open.h"
 #include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
@@ -27,9 +28,11 @@ public:
 
     std::int16_t Open(const Text& input, const Text& output) override
     {
-        input_ = input;
+        const auto file = fileToOpen(input);
+        input_ = file.value_or(input);
         output_ = output;
-        isOpen_ = succeeds([&] { codec::WavSource(codec::SourceFile(input)); }) && !isSameFile(input, output);
+        isOpen_ = file && succeeds([&] { codec::WavSource(codec::SourceFile(*file)); }) &&
+                  !isSameFile(*file, output);
         return isOpen_ ? 0 : 1;
     }
 

@@ -4,10 +4,10 @@
 #include "engines/disc/disc_id.h"
 #include "engines/disc/download.h"
 #include "engines/disc/title_cache.h"
+#include "files/account.h"
 #include "platform/failure.h"
 #include "platform/version.h"
 
-#include <pwd.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -225,12 +225,6 @@ private:
     std::shared_ptr<TitleSearch> search_;
 };
 
-Text loginName()
-{
-    const passwd* account = getpwuid(getuid());
-    return account && account->pw_name ? account->pw_name : "";
-}
-
 Text hostName()
 {
     char name[HOST_NAME_MAX + 1] = {};
@@ -244,4 +238,4 @@ std::unique_ptr<CdBase> makeCurlCdBase(CddbAccess access)
     return std::make_unique<CurlCdBase>(std::move(access));
 }
 
-Text contactIdentityOfUser() { return loginName() + '@' + hostName(); }
+Text contactIdentityOfUser() { return accountOfUser().name + '@' + hostName(); }

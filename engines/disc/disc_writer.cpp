@@ -2,6 +2,7 @@
 
 #include "engines/disc/disc_writing.h"
 #include "engines/disc/window_calls.h"
+#include "files/file_to_open.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
 
@@ -115,9 +116,10 @@ std::int16_t DiscWriter::WriterType() const
 
 std::int16_t DiscWriter::AddTrack(const Text& path, std::int32_t)
 {
-    if (!CdSound::open(path))
+    const auto file = fileToOpen(path);
+    if (!file || !CdSound::open(*file))
         return refused;
-    tracks_.push_back(path);
+    tracks_.push_back(*file);
     return ok;
 }
 

@@ -1,0 +1,29 @@
+#include "files/account.h"
+
+#include "files/patience.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <array>
+
+namespace
+{
+
+Text textOr(const char* text) { return text ? text : ""; }
+
+Account askDatabase()
+{
+    std::array<char, 16 * 1024> buffer;
+    passwd entry;
+    passwd* found = nullptr;
+    getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found);
+    return found ? Account{textOr(found->pw_name), textOr(found->pw_dir)} : Account{};
+}
+
+}
+
+Account accountOfUser()
+{
+    return patience::answerWithin<Account>(patience::forLists, "account", askDatabase).value_or(Account{});
+}

@@ -1,0 +1,125 @@
+// What a file system that does not answer leaves of the rest of the program. Whatever waits for it takes a
+// minute here: the bounds stand far below that and far above what a busy machine needs.
+#include "tests/support/hung_share.h"
+
+#include "desktop/folder_scan.h"
+#include "desktop/mounted_drives.h"
+#include "files/account.h"
+#include "files/patience.h"
+#include "tests/support/recordings.h"
+#include "tests/support/sound_files.h"
+#include "tests/support/sound_parts.h"
+#include "tests/support/wait_until.h"
+
+#include <doctest/doctest.h>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+constexpr double bound = 30'000; // milliseconds
+constexpr double atOnce = 1'000;
+
+// A share with a song, next to a folder that answers.
+struct Shares {
+    SoundParts parts;
+    Text share = parts.folder / "share";
+
+    Shares()
+    {
+        std::filesystem::create_directory(share);
+        putFile(share + "/song.mp3", mp3Bytes(noise(22050)));
+        putFile(parts.folder / "song.mp3", mp3Bytes(noise(22050)));
+    }
+};
+
+template <typename Work>
+double timeOf(Work&& work)
+{
+    const auto then = std::chrono::steady_clock::now();
+    work();
+    return millisecondsSince(then);
+}
+
+}
+
+TEST_CASE("A look-up on a share that does not answer finds nothing, soon")
+{
+    Shares s;
+    FolderScan scan;
+    FoundFile found;
+    DirectoryScan::Handle handle = 0;
+    {
+        const HungShare hung(s.share.c_str());
+        CHECK(timeOf([&] { handle = scan.FindFirstFile(s.share + "/*.*", found); }) < bound);
+        CHECK(handle == DirectoryScan::invalid);
+        CHECK(hung.waiting() > 0);
+        CHECK(scan.FindFirstFile(s.parts.folder / "*.*", found) != DirectoryScan::invalid);
+    }
+    CHECK(scan.FindFirstFile(s.share + "/*.*", found) != DirectoryScan::invalid);
+}
+
+TEST_CASE("A file on a share that does not answer is not open, soon; tried again it is refused at once")
+{
+    Shares s;
+    const Text song = s.share + "/song.mp3";
+    {
+        const HungShare hung(s.share.c_str());
+        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < bound);
+        CHECK(hung.waiting() == 1);
+        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < atOnce);
+        CHECK(timeOf([&] { s.parts.openWav(song); }) < atOnce);
+        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, s.parts.folder / "out.wav") != 0); }) < atOnce);
+        CHECK(hung.waiting() == 1);
+        CHECK(s.parts.mp3->Open(s.parts.folder / "song.mp3", "") == 0);
+    }
+    CHECK(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }, 30s));
+}
+
+TEST_CASE("A drive that does not answer is left out, and the others are listed")
+{
+    Shares s;
+    const Text stick = s.parts.folder / "stick";
+    std::filesystem::create_directory(stick);
+    putFile(s.parts.folder / "mountinfo", "27 1 8:1 / / rw - ext4 /dev/sda1 rw\n"
+                                          "30 27 8:17 / " +
+                                              s.share +
+                                              " rw - ext4 /dev/sdb1 rw\n"
+                                              "31 27 8:18 / " +
+                                              stick + " rw - vfat /dev/sdc1 rw\n");
+    MountedDrives drives({.home = s.share, .mounts = s.parts.folder / "mountinfo", .labels = ""});
+    std::vector<Drive> listed;
+    {
+        const HungShare hung(s.share.c_str());
+        CHECK(timeOf([&] { listed = drives.all(); }) < bound);
+        CHECK(listed == std::vector<Drive>{{"/", ""}, {stick, ""}});
+        CHECK(hung.waiting() == 1);
+    }
+    CHECK(waitUntil([&] { return drives.all().size() == 3; }, 30s));
+}
+
+TEST_CASE("An answer that comes late is told of, and the question may then be asked again")
+{
+    std::atomic<bool> answers{false};
+    std::atomic<int> late{0};
+    const std::function<int()> ask = [&] {
+        while (!answers)
+            std::this_thread::sleep_for(1ms);
+        return 7;
+    };
+    const auto asked = [&] {
+        return patience::answerWithin<int>(10ms, "test", ask, [&](int answer) { late = answer; });
+    };
+    CHECK_FALSE(asked());
+    CHECK_FALSE(asked());
+    answers = true;
+    REQUIRE(waitUntil([&] { return late == 7; }, 30s));
+    CHECK(patience::answerWithin<int>(30s, "test", ask) == 7);
+}
+
+TEST_CASE("The user database tells who runs the program")
+{
+    CHECK(accountOfUser().name != "");
+    CHECK(accountOfUser().home.starts_with('/'));
+}

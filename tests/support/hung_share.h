@@ -1,0 +1,17 @@
+// A share whose server is down: whatever is asked of the file system below one folder waits for a minute.
+// Stands before the C library, linked or preloaded; a preloaded one hangs below the folder
+// VELMORA_HUNG_SHARE.
+#pragma once
+
+class HungShare
+{
+public:
+    enum class Holds { everything, contents };
+
+    explicit HungShare(const char* folder, Holds what = Holds::everything); // absolute; one at a time
+    ~HungShare();                                                           // the server answers again
+    HungShare(const HungShare&) = delete;
+    HungShare& operator=(const HungShare&) = delete;
+
+    int waiting() const; // questions that are held up
+};
