@@ -1,11 +1,17 @@
 #include "toolkit/list_view.h"
 
 #include "toolkit/key_codes.h"
+#include "toolkit/tip.h"
 
 #include <QDropEvent>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QScrollBar>
+#include <QStyledItemDelegate>
+#include <QToolTip>
 #include <QUrl>
+#include <algorithm>
 
 namespace
 {
@@ -39,17 +45,135 @@ bool offerCopy(QDropEvent& event)
     return takes;
 }
 
+// Thin, so that it takes no row away.
+constexpr int barHeight = 6;
+constexpr const char* barLook =
+    "QScrollBar:horizontal { height: 6px; border: none; background: transparent; }"
+    "QScrollBar::handle:horizontal { background: %1; border-radius: 2px; min-width: "
+    "24px; }"
+    "QScrollBar::handle:horizontal:hover { background: palette(highlight); }"
+    "QScrollBar::add-line:horizontal, QScrollBar::sub-line:horizontal { width: 0; }"
+    "QScrollBar::add-page:horizontal, QScrollBar::sub-page:horizontal { background: transparent; }";
+
+class RowDelegate final : public QStyledItemDelegate
+{
+public:
+    explicit RowDelegate(ctl::ListView& view) : QStyledItemDelegate(&view), view_(view) {}
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override
+    {
+        return view_.rowSize(QStyledItemDelegate::sizeHint(option, index), index);
+    }
+
+private:
+    const ctl::ListView& view_;
+};
+
 }
 
 namespace ctl
 {
 
-ListView::ListView(ListBox& list) : list_(list)
+ListView::ListView(ListBox& list) : list_(list), widths_(font())
 {
     setUniformItemSizes(true);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
-    setTextElideMode(Qt::ElideMiddle);
+    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setTextElideMode(Qt::ElideNone);
+    setItemDelegate(new RowDelegate(*this));
+    horizontalScrollBar()->setStyleSheet(
+        QString(barLook).arg(palette().color(QPalette::PlaceholderText).name()));
+}
+
+void ListView::setModel(QAbstractItemModel* model)
+{
+    QListView::setModel(model);
+    measureAll();
+}
+
+void ListView::reset()
+{
+    QListView::reset();
+    measureAll();
+}
+
+void ListView::measureAll()
+{
+    widths_ = RowWidths(font());
+    if (model())
+        measure(0, model()->rowCount() - 1);
+}
+
+void ListView::measure(int first, int last)
+{
+    for (int row = first; row <= last; ++row)
+        widths_.insert(row, model()->index(row, 0).data().toString());
+}
+
+void ListView::changeEvent(QEvent* event)
+{
+    QListView::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        measureAll();
+}
+
+void ListView::rowsInserted(const QModelIndex& parent, int first, int last)
+{
+    measure(first, last);
+    QListView::rowsInserted(parent, first, last);
+}
+
+void ListView::rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last)
+{
+    widths_.remove(first, last);
+    QListView::rowsAboutToBeRemoved(parent, first, last);
+}
+
+QSize ListView::rowSize(QSize own, const QModelIndex& index) const
+{
+    const int besideText = own.width() - widths_.of(index.row());
+    const int room = height() - 2 * frameWidth();
+    const int rows = room / own.height();
+    const int highest = rows > 0 ? (room - barHeight) / rows : own.height();
+    return {std::max(own.width(), widths_.widest() + besideText), std::min(own.height(), highest)};
+}
+
+// A selection comes into view from above or below; sideways the user looks where he likes.
+void ListView::scrollTo(const QModelIndex& index, ScrollHint hint)
+{
+    const int before = horizontalScrollBar()->value();
+    QListView::scrollTo(index, hint);
+    horizontalScrollBar()->setValue(before);
+}
+
+bool ListView::viewportEvent(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTip && showTip(static_cast<const QHelpEvent&>(*event)))
+        return true;
+    return QListView::viewportEvent(event);
+}
+
+// A row that does not fit is its own tip.
+bool ListView::showTip(const QHelpEvent& event)
+{
+    const QModelIndex row = indexAt(event.pos());
+    if (!row.isValid())
+        return false;
+    const int besideText = sizeHintForIndex(row).width() - widths_.widest();
+    if (widths_.of(row.row()) + besideText <= viewport()->width())
+        return false;
+    QToolTip::showText(event.globalPos(), wholeTip(row.data().toString()), viewport(), visualRect(row));
+    return true;
+}
+
+bool ListView::scrolledSideways(int key)
+{
+    if (key != Qt::Key_Left && key != Qt::Key_Right)
+        return false;
+    horizontalScrollBar()->triggerAction(key == Qt::Key_Left ? QScrollBar::SliderSingleStepSub
+                                                             : QScrollBar::SliderSingleStepAdd);
+    return true;
 }
 
 void ListView::showSelection(std::int32_t index)
@@ -105,7 +229,8 @@ void ListView::keyPressEvent(QKeyEvent* event)
         list_.fromOutside([&] { list_.KeyDown.raise(code, shiftStateOf(*event)); });
     if (code == returnKey && !event->isAutoRepeat())
         list_.fromOutside([this] { list_.DblClick.raise(); });
-    QListView::keyPressEvent(event);
+    if (!scrolledSideways(event->key()))
+        QListView::keyPressEvent(event);
 }
 
 // Getting the focus selects nothing, and scrolls nowhere: a click's place must still lie on the row that the

@@ -2,13 +2,17 @@
 #pragma once
 
 #include "toolkit/list_box.h"
+#include "toolkit/row_widths.h"
 
 #include <QListView>
+
+class QHelpEvent;
 
 namespace ctl
 {
 
-// The list box alone says what is selected: the view shows it, and passes on what the user does.
+// The list box alone says what is selected: the view shows it, and passes on what the user does. Rows are
+// shown whole: the thin bar below reaches to the end of the widest, and a tip shows one that does not fit.
 class ListView final : public QListView
 {
 public:
@@ -25,6 +29,14 @@ public:
 
     void showSelection(std::int32_t index);
 
+    // What a row takes: as wide as the widest, and no higher than leaves room for the bar below as many rows
+    // as the list shows without it. `own` is what the row at `index` asks for.
+    QSize rowSize(QSize own, const QModelIndex& index) const;
+
+    void setModel(QAbstractItemModel* model) override;
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+    void reset() override;
+
     // Letters are the window's own; searching with them would stop at nothing useful, as all rows begin
     // alike.
     void keyboardSearch(const QString&) override {}
@@ -32,6 +44,10 @@ public:
 protected:
     QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
                                                          const QEvent* event) const override;
+    void rowsInserted(const QModelIndex& parent, int first, int last) override;
+    void rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last) override;
+    void changeEvent(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
@@ -42,7 +58,13 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    void measureAll();
+    void measure(int first, int last);
+    bool scrolledSideways(int key);
+    bool showTip(const QHelpEvent& event);
+
     ListBox& list_;
+    RowWidths widths_;
     bool quiet_ = false;
 };
 
