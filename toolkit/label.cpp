@@ -1,10 +1,13 @@
 #include "toolkit/label.h"
 
+#include "toolkit/label_text.h"
 #include "toolkit/qt_bridge.h"
+#include "toolkit/tip.h"
 
 #include <QFontMetrics>
 #include <QLabel>
 #include <QPainter>
+#include <QStyle>
 #include <algorithm>
 
 namespace
@@ -14,7 +17,7 @@ namespace
 constexpr int narrowest = 85; // per cent
 constexpr int air = 2;        // pixels between a caption and what stands beside it
 
-QFont fitted(const QFont& font, const QString& text, int width)
+QFont narrowed(const QFont& font, const QString& text, int width)
 {
     const int wanted = QFontMetrics(font).horizontalAdvance(text);
     if (wanted <= width)
@@ -24,24 +27,32 @@ QFont fitted(const QFont& font, const QString& text, int width)
     return narrow;
 }
 
-// A caption that does not fit is narrowed a little, and then ends in an ellipsis.
+// A caption that does not fit is narrowed a little, and then ends in an ellipsis; one that wraps is shortened
+// elsewhere.
 class LabelWidget final : public QLabel
 {
 public:
     LabelWidget() { setTextFormat(Qt::PlainText); }
 
+    bool isWhole() const { return !wordWrap() || fitted(text(), fontMetrics(), size()).isWhole; }
+
 protected:
-    void paintEvent(QPaintEvent* event) override
+    void paintEvent(QPaintEvent*) override
     {
-        if (wordWrap()) {
-            QLabel::paintEvent(event);
-            return;
-        }
         QPainter painter(this);
+        if (wordWrap())
+            return paintLines(painter);
         painter.setPen(palette().color(foregroundRole()));
-        painter.setFont(fitted(font(), text(), width() - air));
+        painter.setFont(narrowed(font(), text(), width() - air));
         painter.drawText(rect(), static_cast<int>(alignment()),
                          painter.fontMetrics().elidedText(text(), Qt::ElideRight, width()));
+    }
+
+private:
+    void paintLines(QPainter& painter)
+    {
+        style()->drawItemText(&painter, rect(), static_cast<int>(alignment()) | Qt::TextWordWrap, palette(),
+                              isEnabled(), fitted(text(), fontMetrics(), size()).lines, foregroundRole());
     }
 };
 
@@ -69,6 +80,18 @@ void Label::setCaption(const Text& caption)
     caption_ = caption;
     if (auto* label = static_cast<QLabel*>(widget_))
         label->setText(shown(caption));
+    settle();
+}
+
+// What does not fit is told elsewhere.
+void Label::settle()
+{
+    auto* label = static_cast<LabelWidget*>(widget_);
+    if (!label)
+        return;
+    const bool isWhole = label->isWhole();
+    label->setToolTip(isWhole ? shown(ToolTipText()) : wholeTip(label->text()));
+    label->setAccessibleDescription(isWhole ? QString() : label->text());
 }
 
 void Label::setTone(Tone tone)
@@ -85,6 +108,7 @@ void Label::setFontSize(int points)
     QFont font = widget_->font();
     font.setPixelSize(typePixels(points));
     widget_->setFont(font);
+    settle();
 }
 
 void Label::setFontBold(bool bold)
@@ -92,6 +116,7 @@ void Label::setFontBold(bool bold)
     QFont font = widget_->font();
     font.setBold(bold);
     widget_->setFont(font);
+    settle();
 }
 
 void Label::setWordWrap(bool wrap)
@@ -99,6 +124,7 @@ void Label::setWordWrap(bool wrap)
     auto* label = static_cast<QLabel*>(widget_);
     label->setWordWrap(wrap);
     label->setAlignment(wrap ? Qt::AlignLeft | Qt::AlignTop : Qt::AlignLeft | Qt::AlignVCenter);
+    settle();
 }
 
 }

@@ -5,7 +5,9 @@
 namespace ctl
 {
 
-// Text that the user cannot change. It is shown as it is: no markup, no access keys.
+// Text that the user cannot change. It is shown as it is: no markup, no access keys. A path in a text that is
+// too long for a label that wraps is shortened in its middle; tip and accessible description then have the
+// whole.
 class Label final : public Control
 {
 public:
@@ -25,6 +27,8 @@ public:
     void setWordWrap(bool wrap);
 
 private:
+    void settle();
+
     Text caption_;
 };
 

@@ -80,7 +80,11 @@ std::size_t byteOf(std::string_view text, std::size_t character)
 
 QWidget* boxOf(ctl::TextBox::Lines lines)
 {
-    return lines == ctl::TextBox::Lines::one ? static_cast<QWidget*>(new QLineEdit) : new QPlainTextEdit;
+    if (lines == ctl::TextBox::Lines::one)
+        return new QLineEdit;
+    auto* page = new QPlainTextEdit;
+    page->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    return page;
 }
 
 }

@@ -9,6 +9,7 @@ namespace ctl
 
 // Text that the user can change, unless it is locked. What the program sets is kept byte for byte and shown
 // whole, whatever the maximum length; only typing is bounded by it.
+// Beside several lines a scroll bar always stands.
 class TextBox final : public Control
 {
 public:
