@@ -6,10 +6,14 @@
 #include "toolkit/qt_bridge.h"
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QListWidget>
+#include <QPointer>
 #include <QSignalBlocker>
+#include <QTimer>
 #include <algorithm>
+#include <cstdint>
 
 namespace
 {
@@ -29,8 +33,24 @@ Text existingFolder(const Text& path)
     return trimmed(path);
 }
 
+// Obeys the left button alone, as all lists do.
+class LeftHandList : public QListWidget
+{
+protected:
+    void mousePressEvent(QMouseEvent* event) override
+    {
+        if (event->button() == Qt::LeftButton)
+            QListWidget::mousePressEvent(event);
+    }
+    void mouseDoubleClickEvent(QMouseEvent* event) override
+    {
+        if (event->button() == Qt::LeftButton)
+            QListWidget::mouseDoubleClickEvent(event);
+    }
+};
+
 // Enter goes where a double click goes.
-class FolderView final : public QListWidget
+class FolderView final : public LeftHandList
 {
 protected:
     void keyPressEvent(QKeyEvent* event) override
@@ -42,25 +62,55 @@ protected:
     }
 };
 
+// `show` has the names that come late, on the window's thread, unless the list has gone.
+listing::Question questionOf(QWidget* list, const std::function<void(listing::Names)>& show)
+{
+    const QPointer<QWidget> asker(list);
+    const auto late = [asker, show](const listing::Names& names) {
+        const auto deliver = [asker, show, names] {
+            if (asker)
+                show(names);
+        };
+        if (auto* application = QCoreApplication::instance())
+            QMetaObject::invokeMethod(application, deliver, Qt::QueuedConnection);
+    };
+    return {std::to_string(reinterpret_cast<std::uintptr_t>(list)), late};
+}
+
 }
 
 namespace ctl
 {
 
+// The wheel turns over it on the way to something else: it obeys the wheel in its open list alone.
 class DriveBox final : public QComboBox
 {
 public:
-    explicit DriveBox(DriveListBox& list) : list_(list) {}
+    explicit DriveBox(DriveListBox& list) : list_(list)
+    {
+        using namespace std::chrono_literals;
+        looking_.setInterval(250ms);
+        looking_.callOnTimeout(this, [this] { list_.fill(); });
+    }
 
-protected:
     void showPopup() override
     {
         list_.fill();
+        looking_.start();
         QComboBox::showPopup();
     }
+    void hidePopup() override
+    {
+        looking_.stop();
+        QComboBox::hidePopup();
+    }
+
+protected:
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 
 private:
     DriveListBox& list_;
+    QTimer looking_; // for what answers late or is plugged in, while the list stands open
 };
 
 DriveListBox::DriveListBox(Container& container, const char* name, Place place, Drives& drives) :
@@ -68,7 +118,7 @@ DriveListBox::DriveListBox(Container& container, const char* name, Place place, 
 {
     fill();
     QObject::connect(static_cast<QComboBox*>(widget_), &QComboBox::activated, [this](int row) {
-        fromOutside([this, row] { setDrive(shown_[static_cast<std::size_t>(row)].path); });
+        fromOutside([this, row] { choose(shown_[static_cast<std::size_t>(row)].path); });
     });
 }
 
@@ -76,21 +126,38 @@ void DriveListBox::fill()
 {
     const QSignalBlocker quiet(widget_);
     auto* box = static_cast<QComboBox*>(widget_);
-    shown_ = drives_.all();
-    box->clear();
-    for (const auto& drive : shown_)
-        box->addItem(shown(drive.label.empty() ? drive.path : drive.path + "  [" + drive.label + "]"));
+    const auto before = std::exchange(shown_, drives_.all());
+    if (before != shown_) {
+        box->clear();
+        for (const auto& drive : shown_)
+            box->addItem(shown(drive.label.empty() ? drive.path : drive.path + "  [" + drive.label + "]"));
+    }
     const auto current =
         std::find_if(shown_.begin(), shown_.end(), [this](auto& d) { return d.path == drive_; });
     box->setCurrentIndex(current == shown_.end() ? -1 : static_cast<int>(current - shown_.begin()));
+}
+
+bool DriveListBox::offers(const Text& drive) const
+{
+    const auto drives = drives_.all();
+    return std::any_of(drives.begin(), drives.end(), [&](auto& d) { return d.path == drive; });
+}
+
+void DriveListBox::choose(const Text& drive)
+{
+    const bool isThere = offers(drive) && listing::isFolder(drive);
+    if (isThere)
+        drive_ = drive;
+    fill();
+    if (isThere)
+        Change.raise();
 }
 
 void DriveListBox::setDrive(const Text& drive)
 {
     if (drive == drive_)
         return;
-    const auto drives = drives_.all();
-    if (std::none_of(drives.begin(), drives.end(), [&](auto& d) { return d.path == drive; }))
+    if (!offers(drive))
         throw failure(68);
     drive_ = drive;
     fill();
@@ -117,14 +184,23 @@ void DirListBox::setPath(const Text& path)
     Change.raise();
 }
 
-// The way down to the current directory, one step further in a row, then its subfolders.
 void DirListBox::fill()
+{
+    const auto late = [this, asked = path_](const listing::Names& names) {
+        if (asked == path_)
+            show(names);
+    };
+    show(listing::foldersIn(path_, questionOf(widget_, late)).value_or(listing::Names()));
+}
+
+// The way down to the current directory, one step further in a row, then its subfolders.
+void DirListBox::show(const std::vector<Text>& subfolders)
 {
     auto* view = static_cast<QListWidget*>(widget_);
     view->clear();
     rows_ = listing::pathDownTo(path_);
     const auto depth = rows_.size();
-    for (const auto& name : listing::foldersIn(path_))
+    for (const auto& name : subfolders)
         rows_.push_back(joined(path_, name));
     for (std::size_t row = 0; row < rows_.size(); ++row) {
         const Text name = row == 0 ? rows_[0] : Text(fileTitle(rows_[row]));
@@ -134,7 +210,7 @@ void DirListBox::fill()
     view->scrollToItem(view->currentItem());
 }
 
-// A folder that went away meanwhile leaves the list where it is.
+// A folder that went away meanwhile, or does not answer, leaves the list where it is.
 void DirListBox::goTo(int row)
 {
     const Text folder = rows_[static_cast<std::size_t>(row)];
@@ -145,7 +221,7 @@ void DirListBox::goTo(int row)
 }
 
 FileListBox::FileListBox(Container& container, const char* name, Place place, const Text& pattern) :
-    Control(container, name, place, new QListWidget), path_(listing::homeFolder()), pattern_(pattern)
+    Control(container, name, place, new LeftHandList), path_(listing::homeFolder()), pattern_(pattern)
 {
     static_cast<QListWidget*>(widget_)->setSelectionMode(QAbstractItemView::ExtendedSelection);
     fill();
@@ -159,9 +235,18 @@ void FileListBox::setPath(const Text& path)
 
 void FileListBox::fill()
 {
+    const auto late = [this, asked = path_](const listing::Names& names) {
+        if (asked == path_)
+            show(names);
+    };
+    show(listing::filesIn(path_, pattern_, questionOf(widget_, late)).value_or(listing::Names()));
+}
+
+void FileListBox::show(const std::vector<Text>& files)
+{
     auto* view = static_cast<QListWidget*>(widget_);
     view->clear();
-    files_ = listing::filesIn(path_, pattern_);
+    files_ = files;
     for (const auto& file : files_)
         view->addItem(shown(file));
 }

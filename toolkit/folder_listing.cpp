@@ -1,5 +1,7 @@
 #include "toolkit/folder_listing.h"
 
+#include "files/folders.h"
+#include "files/patience.h"
 #include "platform/paths.h"
 
 #include <algorithm>
@@ -16,9 +18,9 @@ namespace
 {
 
 template <typename Wanted>
-std::vector<Text> namesIn(const Text& folder, Wanted&& wanted)
+Names namesIn(const Text& folder, Wanted&& wanted)
 {
-    std::vector<Text> names;
+    Names names;
     std::error_code error;
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error))
         if (wanted(*entry))
@@ -33,31 +35,39 @@ std::vector<Text> namesIn(const Text& folder, Wanted&& wanted)
 
 bool isFolder(const Text& path)
 {
-    std::error_code error;
-    return fs::is_directory(path, error);
+    const auto look = [path] { return ::isFolder(path); };
+    return patience::answerWithin<bool>(patience::forLists, "folder " + path, look).value_or(false);
 }
 
-std::vector<Text> foldersIn(const Text& folder)
+std::optional<Names> foldersIn(const Text& folder, const Question& question)
 {
-    return namesIn(folder, [](const fs::directory_entry& entry) {
-        std::error_code error;
-        return entry.is_directory(error) && !entry.path().filename().native().starts_with('.');
-    });
+    const auto read = [folder] {
+        return namesIn(folder, [](const fs::directory_entry& entry) {
+            std::error_code error;
+            return entry.is_directory(error) && !entry.path().filename().native().starts_with('.');
+        });
+    };
+    return patience::answerWithin<Names>(patience::forLists, question.who + " folders " + folder, read,
+                                         question.late);
 }
 
-std::vector<Text> filesIn(const Text& folder, const Text& pattern)
+std::optional<Names> filesIn(const Text& folder, const Text& pattern, const Question& question)
 {
-    return namesIn(folder, [&](const fs::directory_entry& entry) {
-        std::error_code error;
-        const Text name = entry.path().filename().native();
-        return !entry.is_directory(error) &&
-               fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0;
-    });
+    const auto read = [folder, pattern] {
+        return namesIn(folder, [&](const fs::directory_entry& entry) {
+            std::error_code error;
+            const Text name = entry.path().filename().native();
+            return !entry.is_directory(error) &&
+                   fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0;
+        });
+    };
+    return patience::answerWithin<Names>(patience::forLists, question.who + " files " + folder, read,
+                                         question.late);
 }
 
-std::vector<Text> pathDownTo(const Text& path)
+Names pathDownTo(const Text& path)
 {
-    std::vector<Text> folders{Text(driveRoot)};
+    Names folders{Text(driveRoot)};
     for (std::size_t at = path.find_first_not_of(pathSeparator); at != Text::npos;) {
         const std::size_t end = path.find(pathSeparator, at);
         folders.push_back(path.substr(0, end));

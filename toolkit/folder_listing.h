@@ -1,24 +1,35 @@
-// What stands in a folder, by name.
+// What stands in a folder, by name. No question waits longer than 200 ms for its answer.
 #pragma once
 
 #include "platform/text.h"
 
+#include <functional>
+#include <optional>
 #include <vector>
 
 namespace listing
 {
 
-bool isFolder(const Text& path);
+using Names = std::vector<Text>;
 
-// Sorted, without "." and "..", and without hidden folders. Nothing for a folder that cannot be read.
-std::vector<Text> foldersIn(const Text& folder);
+bool isFolder(const Text& path); // false also for what does not answer
+
+// Asks for the names; `who` keeps the questions of two lists apart. Without an answer in time it is nothing,
+// and `late` gets the names when they come, on a thread of its own. A folder that cannot be read has none.
+struct Question {
+    Text who;
+    std::function<void(Names)> late;
+};
+
+// Sorted, without "." and "..", and without hidden folders.
+std::optional<Names> foldersIn(const Text& folder, const Question& question);
 
 // Sorted; the names that match `pattern` ("*" and "?" stand for any text and any character) without regard to
 // case.
-std::vector<Text> filesIn(const Text& folder, const Text& pattern);
+std::optional<Names> filesIn(const Text& folder, const Text& pattern, const Question& question);
 
 // The folders from the root down to `path`, itself included.
-std::vector<Text> pathDownTo(const Text& path);
+Names pathDownTo(const Text& path);
 
 Text homeFolder();
 
