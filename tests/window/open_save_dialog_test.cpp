@@ -1,9 +1,11 @@
 #include "desktop/qt_open_save_dialog.h"
 #include "support/failures.h"
 #include "support/files.h"
+#include "support/hung_share.h"
 #include "support/temporary_folder.h"
 #include "support/waiting.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
 #include <QFileDialog>
@@ -11,6 +13,7 @@
 #include <QLineEdit>
 #include <QTimer>
 #include <doctest/doctest.h>
+#include <malloc.h>
 
 namespace
 {
@@ -116,4 +119,80 @@ TEST_CASE("The dialog opens on the kind that is set, and on the first row for an
         CHECK(dialog.openedOn == c.shown);
         CHECK(dialog.control.FilterIndex() == c.index);
     }
+}
+
+TEST_CASE("Each dialog begins anew: no name, no selection, the filter and the title that are set")
+{
+    Dialog dialog;
+    REQUIRE(dialog.choose("Mp3 Files") == 0);
+    dialog.control.setFilter("List Files|*.vlp|All Files|*.*");
+    dialog.control.setFilterIndex(2);
+    dialog.control.setDialogTitle("Another");
+    Text name = "?";
+    QString title;
+    dialog.open("List Files", [&](QFileDialog& window) {
+        name = window.findChild<QLineEdit*>("fileNameEdit")->text().toStdString();
+        title = window.windowTitle();
+        CHECK(window.nameFilters().size() == 2);
+        CHECK_FALSE(window.findChild<QAbstractItemView*>("listView")->selectionModel()->hasSelection());
+        window.reject();
+    });
+    CHECK(name.empty());
+    CHECK(title == "Another");
+    CHECK(dialog.openedOn == "All Files");
+}
+
+TEST_CASE("A dialog that opens over another of the same control is a window of its own")
+{
+    Dialog dialog;
+    int inner = 0;
+    const QFileDialog* first = nullptr;
+    dialog.open("Mp3 Files", [&](QFileDialog& window) {
+        first = &window;
+        QTimer::singleShot(0, [&] {
+            auto* second = dynamic_cast<QFileDialog*>(QApplication::activeModalWidget());
+            REQUIRE(second != nullptr);
+            CHECK(second != first);
+            second->reject();
+        });
+        inner = failureOf([&] { dialog.control.ShowOpen(); });
+        window.reject();
+    });
+    CHECK(first != nullptr);
+    CHECK(inner == cancelled);
+}
+
+TEST_CASE("Forty dialogs cost next to nothing")
+{
+    Dialog dialog;
+    for (int time = 0; time < 3; ++time)
+        dialog.cancel("Mp3 Files");
+    const auto before = mallinfo2();
+    for (int time = 0; time < 40; ++time)
+        dialog.cancel("Mp3 Files");
+    const auto after = mallinfo2();
+    MESSAGE("kept by forty dialogs, KB: ", (after.uordblks - before.uordblks) / 1024.0);
+    CHECK(after.uordblks + after.hblkhd < before.uordblks + before.hblkhd + 300 * 1024);
+}
+
+TEST_CASE("The dialog shows and takes a file whose contents nobody can read")
+{
+    Dialog dialog;
+    const Text mute = dialog.folder / "mute"; // its name tells nothing, so a look inside would be next
+    putFile(mute, "ID3");
+    dialog.control.setFilter("All Files|*.*");
+    const HungShare hung(mute.c_str(), HungShare::Holds::contents);
+    const int result = dialog.open("All Files", [&](QFileDialog& window) {
+        const QString path = QString::fromStdString(mute);
+        window.setDirectory(QString::fromStdString(dialog.folder.path()));
+        auto* files = window.findChild<QFileSystemModel*>();
+        CHECK(waitFor([&] { return files->fileInfo(files->index(path)).exists(); }));
+        CHECK(files->type(files->index(path)) != "");
+        CHECK_FALSE(files->fileIcon(files->index(path)).isNull());
+        window.findChild<QLineEdit*>("fileNameEdit")->setText("mute");
+        static_cast<QDialog&>(window).accept();
+    });
+    CHECK(result == 0);
+    CHECK(dialog.control.FileName() == mute);
+    CHECK(hung.waiting() == 0);
 }

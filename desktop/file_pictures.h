@@ -1,0 +1,8 @@
+// The pictures and the kinds of files in the file dialog, from their names alone.
+#pragma once
+
+class QAbstractFileIconProvider;
+
+// One for all dialogs, for ever: threads that look at folders outlive their dialogs. No file is opened for
+// it; a file that does not answer would hold the window.
+QAbstractFileIconProvider& filePictures();
