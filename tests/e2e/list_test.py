@@ -51,7 +51,9 @@ class List(case.Case):
             gaps += [] if end is None else [start - end]
             end = next_end
         print("gaps in ms:", *(round(gap * 1000 / sounds.RATE) for gap in gaps), flush=True)
-        self.assertLess(max(gaps), sounds.RATE)
+        # What else the machine does lengthens some gaps, not every one.
+        self.assertLess(min(gaps), sounds.RATE / 10)
+        self.assertLess(sorted(gaps)[len(gaps) // 2], sounds.RATE / 2)
         self.assertEqual(sounds.last_sound(recording.frames()), end)
 
     def test_next_previous_stop_and_start(self):
