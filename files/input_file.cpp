@@ -50,14 +50,27 @@ std::int64_t InputFile::size() const
 
 bool FileWindow::covers(std::int64_t offset) const { return offset >= start_ && offset < start_ + filled_; }
 
+void FileWindow::moveTo(std::int64_t offset)
+{
+    start_ = offset;
+    filled_ = std::max<std::ptrdiff_t>(file_->read(bytes_.get(), windowBytes, offset), 0);
+}
+
+const unsigned char* FileWindow::view(std::int64_t offset, std::size_t size)
+{
+    const std::int64_t end = offset + static_cast<std::int64_t>(size);
+    if (offset < start_ || end > start_ + filled_)
+        moveTo(offset);
+    return end <= start_ + filled_ ? bytes_.get() + (offset - start_) : nullptr;
+}
+
 std::ptrdiff_t FileWindow::read(void* into, std::size_t size, std::int64_t offset)
 {
     std::size_t done = 0;
     while (done < size) {
         const std::int64_t at = offset + static_cast<std::int64_t>(done);
         if (!covers(at)) {
-            start_ = at;
-            filled_ = std::max<std::ptrdiff_t>(file_->read(bytes_.get(), windowBytes, at), 0);
+            moveTo(at);
             if (filled_ == 0)
                 break;
         }

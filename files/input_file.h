@@ -41,8 +41,13 @@ public:
     // Reads up to `size` bytes at `offset`, fewer at the end of the file, and where reading fails.
     std::ptrdiff_t read(void* into, std::size_t size, std::int64_t offset);
 
+    // Bytes in the window, `windowBytes` at most, valid until the next call; nullptr where the file ends
+    // before, or cannot be read.
+    const unsigned char* view(std::int64_t offset, std::size_t size);
+
 private:
     bool covers(std::int64_t offset) const;
+    void moveTo(std::int64_t offset);
 
     std::shared_ptr<const InputFile> file_;
     std::unique_ptr<unsigned char[]> bytes_ = std::make_unique<unsigned char[]>(windowBytes);

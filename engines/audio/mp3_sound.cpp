@@ -11,7 +11,7 @@ namespace
 class Mp3Source final : public PcmSource
 {
 public:
-    Mp3Source(const std::shared_ptr<const InputFile>& file, const Mp3Facts& facts) :
+    Mp3Source(const std::shared_ptr<const InputFile>& file, const formats::Mp3Facts& facts) :
         facts_(facts), decoder_(file, facts, {.forceStereo = true, .gapless = isEven()})
     {
     }
@@ -26,8 +26,8 @@ private:
     bool isEven() const { return facts_.stretches.size() == 1; }
     void skip(std::int64_t frames);
 
-    Mp3Facts facts_;
-    Mpg123File decoder_;
+    formats::Mp3Facts facts_;
+    formats::Mpg123File decoder_;
 };
 
 // The decoder counts samples as if every frame were like the present one. Where that is not so, whole frames
@@ -65,7 +65,7 @@ void Mp3Source::skip(std::int64_t frames)
     }
 }
 
-Timeline timelineOf(const Mp3Facts& facts)
+Timeline timelineOf(const formats::Mp3Facts& facts)
 {
     std::vector<Timeline::Stretch> stretches;
     for (const auto& stretch : facts.stretches)
@@ -76,9 +76,9 @@ Timeline timelineOf(const Mp3Facts& facts)
 }
 
 // In a damaged file the decoder finds more or fewer frames than the headers promise: its count holds.
-void recount(Mp3Facts& facts, const std::shared_ptr<const InputFile>& file)
+void recount(formats::Mp3Facts& facts, const std::shared_ptr<const InputFile>& file)
 {
-    Mpg123File counter(file, facts, {.forceStereo = true, .gapless = false});
+    formats::Mpg123File counter(file, facts, {.forceStereo = true, .gapless = false});
     const std::int64_t samples = counter.isOpen() ? counter.countSamples() : 0;
     auto& stretch = facts.stretches.front();
     stretch.frames = std::max(samples / stretch.samples, std::int64_t{1});
@@ -89,7 +89,7 @@ void recount(Mp3Facts& facts, const std::shared_ptr<const InputFile>& file)
 std::optional<OpenedSound> openMp3Sound(const Text& path)
 {
     const auto file = InputFile::open(path);
-    auto facts = file != nullptr ? probeMp3(file) : std::nullopt;
+    auto facts = file != nullptr ? formats::probeMp3(file) : std::nullopt;
     if (!facts)
         return std::nullopt;
     if (!facts->isWhole && facts->stretches.size() == 1)

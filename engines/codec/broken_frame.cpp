@@ -17,9 +17,11 @@ namespace
 bool isMeantSilent(FrameBytes& bytes, std::int64_t frame)
 {
     const auto header = bytes.header(frame);
-    const bool lacksBeginning = mainDataBegin(bytes.at(frame), header) > bytes.reservoirBefore(frame);
-    const bool lacksRest = header.isLowRate() && soundBits(bytes.at(frame), header) > 8 * header.mainData();
-    return isEmpty(bytes.at(frame), header) || (lacksBeginning && !lacksRest);
+    const bool lacksBeginning =
+        formats::mainDataBegin(bytes.at(frame), header) > bytes.reservoirBefore(frame);
+    const bool lacksRest =
+        header.isLowRate() && formats::soundBits(bytes.at(frame), header) > 8 * header.mainData();
+    return formats::isEmpty(bytes.at(frame), header) || (lacksBeginning && !lacksRest);
 }
 
 // A frame's sound reaches into the next: an empty one stands there.
@@ -28,7 +30,7 @@ std::vector<std::uint8_t> emptyFrameBehind(FrameBytes& bytes, std::int64_t frame
     const auto header = bytes.header(frame);
     std::vector<std::uint8_t> empty(bytes.at(frame), bytes.at(frame) + header.bytes);
     const int reservoir = bytes.reservoirBefore(frame) + header.mainData();
-    silence(empty.data(), header, std::min(reservoir, header.maxReservoir()));
+    formats::silence(empty.data(), header, std::min(reservoir, header.maxReservoir()));
     return empty;
 }
 
@@ -44,7 +46,7 @@ bool isHeard(std::vector<std::uint8_t> frames)
 
 }
 
-bool mayHaveBrokenOff(const SourceFile& file, const FrameTable& table, std::int64_t frame)
+bool mayHaveBrokenOff(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t frame)
 {
     const std::int64_t start = reservoirStart(table, frame);
     FrameBytes bytes(file, table, start, frame + 1);
@@ -53,7 +55,7 @@ bool mayHaveBrokenOff(const SourceFile& file, const FrameTable& table, std::int6
     for (std::int64_t i = start; i < frame; ++i)
         bytes.silence(i);
     const auto behind = emptyFrameBehind(bytes, frame);
-    keepLastSound(bytes.at(frame), bytes.header(frame));
+    formats::keepLastSound(bytes.at(frame), bytes.header(frame));
     auto frames = bytes.take();
     frames.insert(frames.end(), behind.begin(), behind.end());
     return !isHeard(std::move(frames));

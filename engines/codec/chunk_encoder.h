@@ -11,7 +11,7 @@ namespace codec
 
 // What the chunks of one file share.
 struct EncodeJob {
-    const SourceFile& file;
+    const formats::SourceFile& file;
     Mp3Settings settings;
     EncodeClock clock;
     std::int64_t tagBytes; // room for the info tag at the front; 0: the file has none
@@ -55,9 +55,9 @@ private:
 
     const EncodeJob& job_;
     EncodeChunk chunk_;
-    WavSource source_;
+    formats::WavSource source_;
     LameEncoder encoder_;
-    SoundBlock block_;
+    formats::SoundBlock block_;
     Mp3Bytes out_;
     std::size_t tagInOut_; // bytes at the front of `out_` that are the room for the tag
     std::int64_t at_;      // in the file, of what is written next

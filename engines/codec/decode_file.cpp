@@ -1,6 +1,7 @@
 #include "engines/codec/decode_file.h"
 
 #include "engines/codec/piece_decoder.h"
+#include "engines/formats/mp3_probe.h"
 #include "engines/formats/wav_header.h"
 #include "files/block_writer.h"
 #include "files/folders.h"
@@ -24,16 +25,19 @@ constexpr std::int64_t framesInReport = 128;
 
 void writeHeader(OutputFile& part, const SoundFormat& format, std::int64_t end)
 {
-    const auto header =
-        wavHeader(format.rate, format.channels, end - static_cast<std::int64_t>(sizeof(WavHeader)));
+    const auto header = formats::wavHeader(format.rate, format.channels,
+                                           end - static_cast<std::int64_t>(sizeof(formats::WavHeader)));
     part.write(std::as_bytes(std::span(header)), 0);
 }
 
-// The file from its beginning, read in blocks.
-class WholeFile final : public ByteSource
+// The sound from its beginning, read in blocks.
+class WholeSound final : public ByteSource
 {
 public:
-    explicit WholeFile(const SourceFile& file) : file_(file), block_(1 << 16) {}
+    WholeSound(const formats::SourceFile& file, const formats::Mp3Place& place) :
+        file_(file), place_(place), block_(1 << 16)
+    {
+    }
 
     std::int64_t position() const { return at_; }
     bool failed() const { return failed_; }
@@ -55,34 +59,37 @@ public:
 
     std::int64_t seek(std::int64_t offset, int whence) override
     {
-        const std::int64_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? at_ : file_.size();
-        if (base + offset < 0)
+        const std::int64_t base = whence == SEEK_SET ? place_.start : whence == SEEK_CUR ? at_ : place_.end;
+        if (base + offset < place_.start)
             return -1;
-        return at_ = base + offset;
+        at_ = base + offset;
+        return at_ - place_.start;
     }
 
 private:
     void fill()
     {
         begin_ = at_;
-        filled_ = static_cast<std::int64_t>(file_.read(block_.data(), block_.size(), at_));
+        const auto left = std::clamp<std::int64_t>(place_.end - at_, 0, std::ssize(block_));
+        filled_ = static_cast<std::int64_t>(file_.read(block_.data(), static_cast<std::size_t>(left), at_));
     }
 
-    const SourceFile& file_;
+    const formats::SourceFile& file_;
+    formats::Mp3Place place_;
     std::vector<std::uint8_t> block_;
     std::int64_t begin_ = 0;
     std::int64_t filled_ = 0;
-    std::int64_t at_ = 0;
+    std::int64_t at_ = place_.start;
     bool failed_ = false;
 };
 
-void decodeFromStart(const SourceFile& file, OutputFile& part, Progress& progress,
-                     const std::stop_token& stop)
+void decodeFromStart(const formats::SourceFile& file, const formats::Mp3Place& place, OutputFile& part,
+                     Progress& progress, const std::stop_token& stop)
 {
-    WholeFile source(file);
-    FrameDecoder decoder(source, FrameDecoder::Kind::File);
+    WholeSound source(file, place);
+    FrameDecoder decoder(source, place.isShort ? FrameDecoder::Kind::ShortFile : FrameDecoder::Kind::File);
     BlockWriter blocks(part, 1);
-    BlockWriter::Run run(blocks, sizeof(WavHeader));
+    BlockWriter::Run run(blocks, sizeof(formats::WavHeader));
     std::span<const std::int16_t> samples;
     std::int64_t known = 0;
     while (decoder.next(samples)) {
@@ -117,8 +124,10 @@ std::vector<std::int64_t> pieceBorders(std::int64_t frames, unsigned workers)
 class PiecewiseDecoding
 {
 public:
-    PiecewiseDecoding(const SourceFile& file, const FrameTable& table, OutputFile& part, Progress& progress) :
-        file_(file), table_(table), part_(part), progress_(progress)
+    PiecewiseDecoding(const formats::SourceFile& file, const formats::FrameTable& table, OutputFile& part,
+                      Progress& progress) :
+        file_(file),
+        table_(table), part_(part), progress_(progress)
     {
     }
 
@@ -175,21 +184,22 @@ private:
     std::int64_t placeOf(std::int64_t sample) const
     {
         const std::int64_t frameBytes = table_.first.channels * std::int64_t{sizeof(std::int16_t)};
-        return static_cast<std::int64_t>(sizeof(WavHeader)) + (sample - table_.trim.begin) * frameBytes;
+        return static_cast<std::int64_t>(sizeof(formats::WavHeader)) +
+               (sample - table_.trim.begin) * frameBytes;
     }
 
-    const SourceFile& file_;
-    const FrameTable& table_;
+    const formats::SourceFile& file_;
+    const formats::FrameTable& table_;
     OutputFile& part_;
     Progress& progress_;
     std::atomic<bool> isSpoilt_ = false;
 };
 
 // False when the file must be decoded from its start; nothing is left then.
-bool decodeInPieces(const SourceFile& file, const Text& output, unsigned workers, Progress& progress,
+bool decodeInPieces(const formats::SourceFile& file, const Text& output, unsigned workers, Progress& progress,
                     const std::stop_token& stop, PartNotes& notes)
 {
-    const auto table = scanFrames(file);
+    const auto table = formats::scanFrames(file);
     if (!table || table->frames() < 2)
         return false;
     OutputFile part(output, notes);
@@ -206,14 +216,15 @@ void decodeFile(const Text& input, const Text& output, unsigned workers, const R
 {
     if (isSameFile(input, output))
         throw Failure{75, "The output would replace its own source."};
-    const SourceFile file(input);
-    if (!isMp3(file))
+    const formats::SourceFile file(input);
+    const auto place = formats::findMp3(file.file());
+    if (!place)
         throw Failure{57, "This is not an MP3 file."};
     Progress progress(file.size(), report);
     if (decodeInPieces(file, output, workers, progress, stop, notes))
         return;
     OutputFile part(output, notes);
-    decodeFromStart(file, part, progress, stop);
+    decodeFromStart(file, *place, part, progress, stop);
     part.finish();
 }
 

@@ -2,10 +2,22 @@
 
 #include "engines/codec/conversion_queue.h"
 #include "engines/codec/decode_file.h"
-#include "engines/formats/frame_scan.h"
+#include "engines/formats/mp3_probe.h"
 #include "files/file_to_open.h"
 #include "files/folders.h"
+#include "files/input_file.h"
 #include "platform/failure.h"
+
+namespace
+{
+
+bool isMp3(const Text& path)
+{
+    const auto file = InputFile::open(path);
+    return file && formats::findMp3(file);
+}
+
+}
 
 struct DecodeJobs::Parts {
     struct Job {
@@ -55,9 +67,7 @@ DecodeJobs::~DecodeJobs() = default;
 std::int16_t DecodeJobs::open(const Text& input, const Text& output)
 {
     const auto file = fileToOpen(input);
-    bool isOpen = false;
-    if (file)
-        succeeds([&] { isOpen = codec::isMp3(codec::SourceFile(*file)) && !isSameFile(*file, output); });
+    const bool isOpen = file && isMp3(*file) && !isSameFile(*file, output);
     parts_->job = {++parts_->opened, file.value_or(input), output, isOpen};
     return isOpen ? 0 : 1;
 }

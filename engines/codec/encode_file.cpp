@@ -25,7 +25,8 @@ std::int64_t infoTagBytes(LameEncoder& fresh)
 class Encoding
 {
 public:
-    Encoding(const SourceFile& file, const Mp3Settings& settings, OutputFile& part, const Report& report) :
+    Encoding(const formats::SourceFile& file, const Mp3Settings& settings, OutputFile& part,
+             const Report& report) :
         source_(file),
         progress_(std::max<std::int64_t>(1, source_.frames()), report), job_{file, settings, {},
                                                                              0,    part,     progress_}
@@ -94,7 +95,7 @@ private:
         job_.part.write(std::as_bytes(std::span(tag)), 0);
     }
 
-    WavSource source_;
+    formats::WavSource source_;
     Progress progress_;
     EncodeJob job_;
 };
@@ -106,7 +107,7 @@ void encodeFile(const Text& input, const Text& output, const Mp3Settings& settin
 {
     if (isSameFile(input, output))
         throw Failure{75, "The output would replace its own source."};
-    const SourceFile file(input);
+    const formats::SourceFile file(input);
     OutputFile part(output, notes);
     Encoding(file, settings, part, report).run(workers, stop);
     part.finish();

@@ -8,7 +8,7 @@
 namespace codec
 {
 
-FrameBytes::FrameBytes(const SourceFile& file, const FrameTable& table, std::int64_t start,
+FrameBytes::FrameBytes(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t start,
                        std::int64_t end) :
     table_(table),
     start_(start), bytes_(static_cast<std::size_t>(table.positions[end] - table.positions[start]))
@@ -17,9 +17,9 @@ FrameBytes::FrameBytes(const SourceFile& file, const FrameTable& table, std::int
         throw failure(57);
 }
 
-FrameHeader FrameBytes::header(std::int64_t frame) const
+formats::MpegHeader FrameBytes::header(std::int64_t frame) const
 {
-    const auto header = parseHeader(bytes_.data() + placeOf(frame));
+    const auto header = formats::mpegHeader(bytes_.data() + placeOf(frame));
     if (!header || header->bytes != table_.positions[frame + 1] - table_.positions[frame])
         throw failure(57);
     return *header;
@@ -36,7 +36,7 @@ int FrameBytes::reservoirBefore(std::int64_t frame) const
 
 void FrameBytes::silence(std::int64_t frame)
 {
-    codec::silence(at(frame), header(frame), reservoirBefore(frame));
+    formats::silence(at(frame), header(frame), reservoirBefore(frame));
 }
 
 std::size_t FrameBytes::placeOf(std::int64_t frame) const
@@ -44,7 +44,7 @@ std::size_t FrameBytes::placeOf(std::int64_t frame) const
     return static_cast<std::size_t>(table_.positions[frame] - table_.positions[start_]);
 }
 
-std::int64_t reservoirStart(const FrameTable& table, std::int64_t frame)
+std::int64_t reservoirStart(const formats::FrameTable& table, std::int64_t frame)
 {
     const int checksum = 2;
     for (std::int64_t filled = 0; frame > 0 && filled < table.first.maxReservoir(); --frame)

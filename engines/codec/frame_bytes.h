@@ -13,10 +13,11 @@ class FrameBytes
 {
 public:
     // Frames `start` to `end`. Fails with 57.
-    FrameBytes(const SourceFile& file, const FrameTable& table, std::int64_t start, std::int64_t end);
+    FrameBytes(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t start,
+               std::int64_t end);
 
     std::uint8_t* at(std::int64_t frame) { return bytes_.data() + placeOf(frame); }
-    FrameHeader
+    formats::MpegHeader
     header(std::int64_t frame) const; // fails with 57 when the file has changed since it was scanned
 
     // Bytes in the bit reservoir, as far back as the run goes: main data of earlier frames that this one may
@@ -31,12 +32,12 @@ public:
 private:
     std::size_t placeOf(std::int64_t frame) const;
 
-    const FrameTable& table_;
+    const formats::FrameTable& table_;
     std::int64_t start_;
     std::vector<std::uint8_t> bytes_;
 };
 
 // Where a run must start to know all that `frame` may find in its reservoir.
-std::int64_t reservoirStart(const FrameTable& table, std::int64_t frame);
+std::int64_t reservoirStart(const formats::FrameTable& table, std::int64_t frame);
 
 }

@@ -13,7 +13,7 @@ namespace
 
 std::int64_t overlapOf(std::int64_t begin) { return std::max<std::int64_t>(0, begin - FrameCut::windowTurn); }
 
-std::int64_t startOf(const FrameTable& table, std::int64_t begin)
+std::int64_t startOf(const formats::FrameTable& table, std::int64_t begin)
 {
     return reservoirStart(table, overlapOf(begin)) / FrameCut::windowTurn * FrameCut::windowTurn;
 }
@@ -21,8 +21,8 @@ std::int64_t startOf(const FrameTable& table, std::int64_t begin)
 constexpr std::size_t windowBytes = 1 << 16;
 
 // Frames `start` to `begin`, silent up to those that overlap.
-std::vector<std::uint8_t> leadInBytes(const SourceFile& file, const FrameTable& table, std::int64_t start,
-                                      std::int64_t begin)
+std::vector<std::uint8_t> leadInBytes(const formats::SourceFile& file, const formats::FrameTable& table,
+                                      std::int64_t start, std::int64_t begin)
 {
     FrameBytes bytes(file, table, start, begin);
     for (std::int64_t frame = start; frame < overlapOf(begin); ++frame)
@@ -32,19 +32,20 @@ std::vector<std::uint8_t> leadInBytes(const SourceFile& file, const FrameTable& 
 
 }
 
-FrameCut::FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t begin, std::int64_t end) :
+FrameCut::FrameCut(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t begin,
+                   std::int64_t end) :
     FrameCut(file, table, startOf(table, begin), begin, end)
 {
 }
 
-FrameCut::FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t start, std::int64_t begin,
-                   std::int64_t end) :
+FrameCut::FrameCut(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t start,
+                   std::int64_t begin, std::int64_t end) :
     leadIn_(begin - start),
     source_(leadInBytes(file, table, start, begin), file, table.positions[begin], table.positions[end])
 {
 }
 
-FrameCut::Source::Source(std::vector<std::uint8_t> front, const SourceFile& file, std::int64_t begin,
+FrameCut::Source::Source(std::vector<std::uint8_t> front, const formats::SourceFile& file, std::int64_t begin,
                          std::int64_t end) :
     file_(file),
     next_(begin), end_(end), window_(std::move(front)), left_(window_)

@@ -23,7 +23,8 @@ public:
     static constexpr std::int64_t windowTurn = 8;
 
     // `begin` is a multiple of `windowTurn`. Fails with 57.
-    FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t begin, std::int64_t end);
+    FrameCut(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t begin,
+             std::int64_t end);
 
     std::int64_t leadIn() const { return leadIn_; } // frames that come before `begin`
     ByteSource& source() { return source_; }
@@ -33,7 +34,8 @@ private:
     class Source final : public ByteSource
     {
     public:
-        Source(std::vector<std::uint8_t> front, const SourceFile& file, std::int64_t begin, std::int64_t end);
+        Source(std::vector<std::uint8_t> front, const formats::SourceFile& file, std::int64_t begin,
+               std::int64_t end);
         Source(const Source&) = delete;
         Source& operator=(const Source&) = delete;
 
@@ -43,15 +45,15 @@ private:
     private:
         void fill();
 
-        const SourceFile& file_;
+        const formats::SourceFile& file_;
         std::int64_t next_; // in the file: what is read into the window next
         std::int64_t end_;
         std::vector<std::uint8_t> window_;
         std::span<const std::uint8_t> left_; // of the window
     };
 
-    FrameCut(const SourceFile& file, const FrameTable& table, std::int64_t start, std::int64_t begin,
-             std::int64_t end);
+    FrameCut(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t start,
+             std::int64_t begin, std::int64_t end);
 
     std::int64_t leadIn_;
     Source source_;

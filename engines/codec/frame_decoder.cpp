@@ -11,6 +11,9 @@ namespace codec
 namespace
 {
 
+// How much damage is skipped in one place before the file counts as ended, bytes.
+constexpr long resyncLimit = 64 * 1024;
+
 struct Deleter {
     void operator()(mpg123_handle* handle) const { mpg123_delete(handle); }
 };
@@ -55,7 +58,12 @@ struct FrameDecoder::Parts {
     std::unique_ptr<mpg123_handle, Deleter> handle;
     SoundFormat format;
 
-    void prepareFile() { require(mpg123_param(handle.get(), MPG123_RESYNC_LIMIT, -1, 0)); }
+    void prepareFile(bool isShort)
+    {
+        require(mpg123_param(handle.get(), MPG123_RESYNC_LIMIT, resyncLimit, 0));
+        if (isShort)
+            require(mpg123_param(handle.get(), MPG123_ADD_FLAGS, MPG123_NO_READAHEAD, 0));
+    }
 
     void prepareFrames()
     {
@@ -85,10 +93,10 @@ FrameDecoder::FrameDecoder(ByteSource& source, Kind kind) : parts_(std::make_uni
     require(error);
     auto* handle = parts_->handle.get();
     require(mpg123_param(handle, MPG123_ADD_FLAGS, MPG123_QUIET | MPG123_SKIP_ID3V2, 0));
-    if (kind == Kind::File)
-        parts_->prepareFile();
-    else
+    if (kind == Kind::Frames)
         parts_->prepareFrames();
+    else
+        parts_->prepareFile(kind == Kind::ShortFile);
     allowRates(handle);
     require(mpg123_replace_reader_handle(handle, readSource, seekSource, nullptr));
     require(mpg123_open_handle(handle, &source));

@@ -45,6 +45,8 @@ public:
         // A file from its beginning: resynchronises where damaged, and trims what the encoder noted as
         // padding.
         File,
+        // The same, of so few frames that none behind the first can prove it.
+        ShortFile,
         // Frames cut out of a file: takes each as it comes.
         Frames,
     };

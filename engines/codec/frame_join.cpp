@@ -14,7 +14,7 @@ namespace
 
 struct Frame {
     std::ptrdiff_t at;
-    FrameHeader header;
+    formats::MpegHeader header;
     int reservoir; // bytes that its main data have before it
 
     std::ptrdiff_t end() const { return at + header.bytes; }
@@ -27,10 +27,10 @@ std::vector<Frame> framesIn(std::span<const std::uint8_t> bytes)
     std::vector<Frame> frames;
     for (std::ptrdiff_t at = 0; at < std::ssize(bytes); at = frames.back().end()) {
         const auto left = std::ssize(bytes) - at;
-        const auto header = left < 4 ? std::nullopt : parseHeader(bytes.data() + at);
+        const auto header = left < 4 ? std::nullopt : formats::mpegHeader(bytes.data() + at);
         if (!header || header->mainData() <= 0 || header->bytes > left)
             throw gaps();
-        frames.push_back({at, *header, mainDataBegin(bytes.data() + at, *header)});
+        frames.push_back({at, *header, formats::mainDataBegin(bytes.data() + at, *header)});
     }
     return frames;
 }

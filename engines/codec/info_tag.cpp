@@ -90,7 +90,7 @@ void Checksum::add(Checksum next, std::int64_t length)
 
 void rewriteInfoTag(std::span<std::uint8_t> tag, const StreamFacts& facts)
 {
-    const auto header = parseHeader(tag.data());
+    const auto header = formats::mpegHeader(tag.data());
     auto* info = tag.data() + header->sideInfo;
     const auto allBytes = facts.bytes + static_cast<std::int64_t>(tag.size());
     put(info + framesAt, facts.frames, 4);

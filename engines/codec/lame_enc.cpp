@@ -31,7 +31,7 @@ public:
         const auto file = fileToOpen(input);
         input_ = file.value_or(input);
         output_ = output;
-        isOpen_ = file && succeeds([&] { codec::WavSource(codec::SourceFile(*file)); }) &&
+        isOpen_ = file && succeeds([&] { formats::WavSource(formats::SourceFile(*file)); }) &&
                   !isSameFile(*file, output);
         return isOpen_ ? 0 : 1;
     }

@@ -78,7 +78,7 @@ EncodeClock LameEncoder::clock() const { return parts_->clock; }
 
 std::int64_t LameEncoder::frames() const { return lame_get_frameNum(parts_->lame.get()); }
 
-void LameEncoder::encode(const SoundBlock& block, Mp3Bytes& out)
+void LameEncoder::encode(const formats::SoundBlock& block, Mp3Bytes& out)
 {
     const auto outputs =
         static_cast<std::size_t>(parts_->clock.outputSamples(static_cast<std::int64_t>(block.frames())));

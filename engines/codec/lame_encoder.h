@@ -26,7 +26,7 @@ public:
 
     // Each appends what is ready to `out`. Before the first frame comes the place for the info tag, if it has
     // one.
-    void encode(const SoundBlock& block, Mp3Bytes& out);
+    void encode(const formats::SoundBlock& block, Mp3Bytes& out);
     void flushAtFrame(Mp3Bytes& out); // the frames so far stand alone: the next one leans on none before it
     void finish(Mp3Bytes& out);
 

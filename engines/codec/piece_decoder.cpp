@@ -7,8 +7,8 @@
 namespace codec
 {
 
-PieceDecoder::PieceDecoder(const SourceFile& file, const FrameTable& table, std::int64_t begin,
-                           std::int64_t end) :
+PieceDecoder::PieceDecoder(const formats::SourceFile& file, const formats::FrameTable& table,
+                           std::int64_t begin, std::int64_t end) :
     file_(file),
     table_(table), cut_(file, table, begin, end), decoder_(cut_.source(), FrameDecoder::Kind::Frames),
     frame_(begin - cut_.leadIn()), begin_(begin)

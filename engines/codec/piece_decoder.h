@@ -13,7 +13,8 @@ class PieceDecoder
 {
 public:
     // Frames `begin` to `end`; `begin` is a multiple of `FrameCut::windowTurn`. Fails with 57.
-    PieceDecoder(const SourceFile& file, const FrameTable& table, std::int64_t begin, std::int64_t end);
+    PieceDecoder(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t begin,
+                 std::int64_t end);
 
     // The next frame's samples, valid until the next call. False for one that perhaps broke off in the
     // decoder: what that does, only decoding from the start can tell.
@@ -22,8 +23,8 @@ public:
 private:
     bool endsSilent(std::span<const std::int16_t> samples) const;
 
-    const SourceFile& file_;
-    const FrameTable& table_;
+    const formats::SourceFile& file_;
+    const formats::FrameTable& table_;
     FrameCut cut_;
     FrameDecoder decoder_;
     std::int64_t frame_; // to be decoded next, those of the lead-in included

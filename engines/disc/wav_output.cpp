@@ -8,10 +8,10 @@
 namespace
 {
 
-constexpr std::int64_t headerBytes = sizeof(codec::WavHeader);
+constexpr std::int64_t headerBytes = sizeof(formats::WavHeader);
 constexpr std::int64_t mostSoundBytes = std::numeric_limits<std::uint32_t>::max() - headerBytes;
 
-codec::WavHeader headerOf(std::int64_t soundBytes) { return codec::wavHeader(44100, 2, soundBytes); }
+formats::WavHeader headerOf(std::int64_t soundBytes) { return formats::wavHeader(44100, 2, soundBytes); }
 
 }
 

@@ -1,7 +1,14 @@
 #include "engines/formats/frame_walk.h"
 
+#include "engines/formats/info_frame.h"
+#include "engines/formats/side_info.h"
+
 #include <algorithm>
-#include <array>
+#include <cstring>
+#include <vector>
+
+namespace formats
+{
 
 namespace
 {
@@ -10,16 +17,20 @@ namespace
 constexpr int shortestFreeFrame = 24;
 constexpr int longestFreeFrame = 3456;
 
-constexpr int convincing = 4;
+// Its headers say less, and samples look like them more often.
+int convincing(const MpegHeader& header) { return header.isFreeFormat() ? 16 : 4; }
 
+}
+
+const std::uint8_t* FrameWalk::bytesAt(std::int64_t at, std::size_t count)
+{
+    return at + static_cast<std::int64_t>(count) > end_ ? nullptr : window_.view(at, count);
 }
 
 std::optional<MpegHeader> FrameWalk::plainHeaderAt(std::int64_t at)
 {
-    std::array<unsigned char, 4> bytes{};
-    if (at + 4 > end_ || window_.read(bytes.data(), bytes.size(), at) != 4)
-        return std::nullopt;
-    return mpegHeader(bytes.data());
+    const auto* bytes = bytesAt(at, 4);
+    return bytes ? mpegHeader(bytes) : std::nullopt;
 }
 
 std::optional<MpegHeader> FrameWalk::headerAt(std::int64_t at)
@@ -42,7 +53,8 @@ bool FrameWalk::beginsLike(const MpegHeader& header, std::int64_t at)
 // Frames of free format are equally long but for a byte of padding: a distance that repeats is their length.
 bool FrameWalk::resolveFreeFormat(std::int64_t at, const MpegHeader& header)
 {
-    for (int distance = shortestFreeFrame; distance <= longestFreeFrame; ++distance) {
+    for (int distance = std::max(shortestFreeFrame, header.sideInfo); distance <= longestFreeFrame;
+         ++distance) {
         const auto second = plainHeaderAt(at + distance);
         if (!second || !second->agreesWith(header))
             continue;
@@ -56,18 +68,64 @@ bool FrameWalk::resolveFreeFormat(std::int64_t at, const MpegHeader& header)
     return false;
 }
 
+bool FrameWalk::mayBeSound(std::int64_t at, const MpegHeader& header)
+{
+    const auto* frame = bytesAt(at, static_cast<std::size_t>(header.sideInfo));
+    return frame && isPossible(frame, header);
+}
+
+// Samples that swing evenly look like headers at even distances. No encoder makes the same frame twice, but
+// of silence.
+bool FrameWalk::repeats(std::int64_t at, std::int64_t before, const MpegHeader& header)
+{
+    const auto size = static_cast<std::size_t>(header.bytes);
+    const auto* frame = bytesAt(before, size);
+    if (!frame || soundBits(frame, header) == 0)
+        return false;
+    const std::vector<std::uint8_t> first(frame, frame + size);
+    const auto* second = bytesAt(at, size);
+    return second && std::equal(first.begin(), first.end(), second);
+}
+
+std::optional<InfoFrame> FrameWalk::infoFrameAt(std::int64_t at, const MpegHeader& header)
+{
+    const auto size = static_cast<std::size_t>(header.bytes);
+    const auto* frame = bytesAt(at, size);
+    return frame ? infoFrame(header, {frame, size}) : std::nullopt;
+}
+
 bool FrameWalk::isStreamAt(std::int64_t at)
 {
     freeFormatBytes_ = 0;
     const auto first = headerAt(at);
+    const std::int64_t begin = at;
+    int repeated = 0;
     int count = 0;
-    for (auto header = first; header && header->agreesWith(*first); header = headerAt(at)) {
+    for (auto header = first; header && header->agreesWith(*first) && mayBeSound(at, *header);
+         header = headerAt(at)) {
+        repeated += count > 0 && repeats(at, begin, *header);
         at += header->bytes;
-        if (++count == convincing)
-            return true;
+        if (++count == convincing(*first))
+            return repeated < count - 1;
     }
-    // A very short file ends before. A lone frame may be chance, and cannot be decoded.
-    return count >= 2 && at + 4 > end_;
+    return false;
+}
+
+bool FrameWalk::isFilledFrom(std::int64_t at)
+{
+    freeFormatBytes_ = 0;
+    const auto first = headerAt(at);
+    int sounding = 0;
+    for (auto header = first; header && header->agreesWith(*first) && mayBeSound(at, *header);
+         header = headerAt(at)) {
+        if (at + header->bytes > end_)
+            return sounding > 0;
+        sounding += !infoFrameAt(at, *header);
+        at += header->bytes;
+        if (sounding == convincing(*first))
+            return false;
+    }
+    return sounding > 0 && at == end_;
 }
 
 std::optional<std::int64_t> FrameWalk::findStream(std::int64_t at, std::int64_t range)
@@ -76,4 +134,6 @@ std::optional<std::int64_t> FrameWalk::findStream(std::int64_t at, std::int64_t 
         if (isStreamAt(at))
             return at;
     return std::nullopt;
+}
+
 }

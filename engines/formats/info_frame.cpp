@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
+namespace formats
+{
+
 namespace
 {
 
@@ -50,7 +53,8 @@ std::optional<InfoFrame> infoFrame(const MpegHeader& header, std::span<const uns
 {
     Fields fields(frame);
     fields.skip(4 + 2); // the header, and a checksum where there is one
-    const auto sideInfo = static_cast<std::size_t>(header.sideInfoBytes()) - 2;
+    // The note stands where the side information of an unprotected frame ends, protected or not.
+    const auto sideInfo = static_cast<std::size_t>(header.sideInfo - (header.isProtected() ? 2 : 0)) - 4 - 2;
     if (!fields.has(sideInfo + 8) ||
         std::any_of(fields.rest().begin(), fields.rest().begin() + static_cast<std::ptrdiff_t>(sideInfo),
                     [](unsigned char byte) { return byte != 0; }))
@@ -66,6 +70,8 @@ std::optional<InfoFrame> infoFrame(const MpegHeader& header, std::span<const uns
     const std::uint32_t present = fields.number().value_or(0);
     if ((present & framesPresent) != 0)
         info.frames = fields.number();
+    if (info.frames == 0u)
+        info.frames.reset();
     if ((present & bytesPresent) != 0)
         info.bytes = fields.number();
     if ((present & indexPresent) != 0)
@@ -74,4 +80,6 @@ std::optional<InfoFrame> infoFrame(const MpegHeader& header, std::span<const uns
         fields.skip(4);
     readDelays(info, fields);
     return info;
+}
+
 }

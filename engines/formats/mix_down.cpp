@@ -1,6 +1,6 @@
 #include "engines/formats/mix_down.h"
 
-namespace codec
+namespace formats
 {
 
 namespace

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-namespace codec
+namespace formats
 {
 
 struct MixWeights {

@@ -1,47 +1,64 @@
 #include "engines/formats/mp3_probe.h"
 
 #include "engines/formats/frame_walk.h"
-#include "engines/formats/info_frame.h"
 #include "engines/formats/mp3_tags.h"
+#include "engines/formats/wav_layout.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <string_view>
 
+namespace formats
+{
+
 namespace
 {
 
 constexpr std::int64_t searchRange = 64 * 1024;
-constexpr std::int64_t resyncRange = 1024 * 1024;
-
-// What every decoder of Layer III adds before the sound, samples.
-constexpr int decoderDelay = 529;
+constexpr std::int64_t resyncRange = 64 * 1024;
 
 // Containers that may hold what looks like a stream, and are none.
+// clang-format off
+constexpr std::string_view containers[] = {
+    "RIFF", "RIFX", "RF64", "riff", "FORM", "OggS", "fLaC", "caff", "MThd", ".snd", "wvpk", "MAC ", "TTA1",
+    "#!AM", "FWS", "CWS", "ZWS", "FLV\1", "%PDF", "PK\3\4", "\x1A\x45\xDF\xA3",
+    "\x30\x26\xB2\x75\x8E\x66\xCF\x11",
+};
+// clang-format on
+
 bool isForeign(FileWindow& window, std::int64_t at)
 {
     std::array<char, 8> bytes{};
     window.read(bytes.data(), bytes.size(), at);
     const std::string_view start(bytes.data(), bytes.size());
-    return std::ranges::any_of(std::array{"RIFF", "RIFX", "RF64", "OggS", "fLaC"},
-                               [&](const char* mark) { return start.starts_with(mark); }) ||
-           start.substr(4) == "ftyp";
+    return start.substr(4) == "ftyp" ||
+           std::ranges::any_of(containers, [&](std::string_view mark) { return start.starts_with(mark); });
+}
+
+// The bytes among which the frames are looked for.
+std::optional<Mp3Place> soundOf(const std::shared_ptr<const InputFile>& file)
+{
+    FileWindow window(file);
+    if (const auto wav = wavLayout(file); wav && wav->coding == WavLayout::mpegLayerThree)
+        return Mp3Place{endOfLeadingTags(window, wav->begin), 0, wav->end, true, false};
+    const std::int64_t start = endOfLeadingTags(window);
+    if (isForeign(window, 0) || isForeign(window, start))
+        return std::nullopt;
+    return Mp3Place{start, 0, startOfTrailingTags(*file, file->size()), false, false};
 }
 
 class Prober
 {
 public:
-    Prober(const std::shared_ptr<const InputFile>& file, std::int64_t begin, std::int64_t end) :
-        file_(file), walk_(file, end)
+    Prober(const std::shared_ptr<const InputFile>& file, const Mp3Place& place) : walk_(file, place.end)
     {
-        facts_.begin = begin;
-        facts_.end = end;
+        facts_.place = place;
     }
 
     std::optional<Mp3Facts> facts()
     {
-        const auto first = walk_.headerAt(facts_.begin);
+        const auto first = walk_.headerAt(facts_.place.begin);
         if (!first)
             return std::nullopt;
         first_ = *first;
@@ -65,7 +82,6 @@ private:
     void trim();
     std::int32_t averageRate() const;
 
-    std::shared_ptr<const InputFile> file_;
     FrameWalk walk_;
     Mp3Facts facts_;
     MpegHeader first_;
@@ -77,11 +93,8 @@ private:
 
 void Prober::readInfoFrame()
 {
-    std::vector<unsigned char> frame(static_cast<std::size_t>(first_.bytes));
-    const bool isComplete = file_->read(frame.data(), frame.size(), facts_.begin) == first_.bytes;
-    if (isComplete)
-        info_ = infoFrame(first_, frame);
-    sound_ = facts_.begin + (info_ ? first_.bytes : 0);
+    info_ = walk_.infoFrameAt(facts_.place.begin, first_);
+    sound_ = facts_.place.begin + (info_ ? first_.bytes : 0);
 }
 
 // A file that was cut, joined or appended to keeps an Info frame that no longer speaks of it.
@@ -90,7 +103,7 @@ bool Prober::isInfoTrusted() const
     if (!info_ || !info_->frames || !info_->bytes)
         return false;
     const std::int64_t bytes = *info_->bytes;
-    return bytes == facts_.end - facts_.begin || bytes == facts_.end - sound_;
+    return bytes == facts_.place.end - facts_.place.begin || bytes == facts_.place.end - sound_;
 }
 
 void Prober::believeInfo()
@@ -104,11 +117,12 @@ void Prober::believeInfo()
 void Prober::countFrames()
 {
     std::int64_t at = sound_;
-    while (at < facts_.end) {
+    while (at < facts_.place.end) {
         const auto header = walk_.headerAt(at);
-        const bool fits = header && (facts_.stretches.empty() ||
-                                     facts_.stretches.back().rate == header->rate || walk_.isStreamAt(at));
-        if (fits && at + header->bytes > facts_.end)
+        const bool fits =
+            header && (facts_.stretches.empty() || facts_.stretches.back().rate == header->rate ||
+                       walk_.isStreamAt(at) || walk_.isFilledFrom(at));
+        if (fits && at + header->bytes > facts_.place.end)
             break; // cut off: it is not decoded
         if (fits) {
             count(*header);
@@ -140,9 +154,9 @@ void Prober::trim()
 {
     if (!info_ || !info_->frames || facts_.stretches.size() > 1)
         return;
-    facts_.skipAtStart = info_->delay + decoderDelay;
+    facts_.skipAtStart = info_->skipAtStart();
     if (facts_.stretches.front().frames >= *info_->frames)
-        facts_.skipAtEnd = std::max(info_->padding - decoderDelay, 0);
+        facts_.skipAtEnd = info_->skipAtEnd();
 }
 
 std::int32_t Prober::averageRate() const
@@ -152,7 +166,7 @@ std::int32_t Prober::averageRate() const
         seconds += static_cast<double>(stretch.frames) * stretch.samples / stretch.rate;
     if (seconds == 0)
         return 0;
-    const double kilobits = static_cast<double>(facts_.end - sound_) * 8 / seconds / 1000;
+    const double kilobits = static_cast<double>(facts_.place.end - sound_) * 8 / seconds / 1000;
     return static_cast<std::int32_t>(std::lround(kilobits) * 1000);
 }
 
@@ -166,19 +180,23 @@ std::int64_t Mp3Facts::samples() const
     return std::max<std::int64_t>(sum - skipAtStart - skipAtEnd, 0);
 }
 
-std::optional<std::int64_t> firstMp3Frame(const std::shared_ptr<const InputFile>& file)
+std::optional<Mp3Place> findMp3(const std::shared_ptr<const InputFile>& file)
 {
-    FileWindow window(file);
-    const std::int64_t start = endOfLeadingTags(window);
-    if (isForeign(window, 0) || isForeign(window, start))
+    auto place = soundOf(file);
+    if (!place)
         return std::nullopt;
-    return FrameWalk(file, startOfTrailingTags(*file)).findStream(start, searchRange);
+    FrameWalk walk(file, place->end);
+    place->isShort = walk.isFilledFrom(place->start);
+    const auto first =
+        place->isShort ? std::optional(place->start) : walk.findStream(place->start, searchRange);
+    place->begin = first.value_or(0);
+    return first ? place : std::nullopt;
 }
 
 std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const InputFile>& file)
 {
-    const auto begin = firstMp3Frame(file);
-    if (!begin)
-        return std::nullopt;
-    return Prober(file, *begin, startOfTrailingTags(*file)).facts();
+    const auto place = findMp3(file);
+    return place ? Prober(file, *place).facts() : std::nullopt;
+}
+
 }

@@ -8,6 +8,22 @@
 #include <optional>
 #include <vector>
 
+namespace formats
+{
+
+// Where the frames of an MP3 file lie.
+struct Mp3Place {
+    std::int64_t start = 0; // byte behind the tags before the sound
+    std::int64_t begin = 0; // byte of the first frame, an Info frame included
+    std::int64_t end = 0;   // byte behind the last frame; tags behind it are left out
+    bool isWrapped = false; // as the sound of a WAV file, which has no room for an MP3 file's tags
+    bool isShort = false;   // fewer frames fill it than a decoder asks for by itself
+};
+
+// Nothing for a file that is no MP3 file: another container, or one in which no four frames of Layer III
+// follow each other within 64 KB behind the leading tags, nor fewer fill it. Only its two ends are read.
+std::optional<Mp3Place> findMp3(const std::shared_ptr<const InputFile>& file);
+
 // Frames of one sample rate that follow each other. Most files are one stretch; joined files may be several.
 struct Mp3Stretch {
     std::int64_t frames = 0;
@@ -16,8 +32,7 @@ struct Mp3Stretch {
 };
 
 struct Mp3Facts {
-    std::int64_t begin = 0; // byte of the first frame, an Info frame included; tags before it are left out
-    std::int64_t end = 0;   // byte behind the last frame; tags behind it are left out
+    Mp3Place place;
 
     std::vector<Mp3Stretch> stretches; // at least one; an Info frame is not counted
 
@@ -27,14 +42,13 @@ struct Mp3Facts {
     std::int64_t skipAtEnd = 0;
 
     std::int32_t bitsPerSecond = 0; // the file's own when constant, otherwise its average in whole thousands
-    bool isWhole = true;            // the frames account for every byte between `begin` and `end`
+    bool isWhole = true;            // the frames account for every byte of their place
 
     std::int64_t samples() const; // that are left to hear
 };
 
-// The byte of the first frame; nothing for a file that is not MPEG Layer III. Only its two ends are read.
-std::optional<std::int64_t> firstMp3Frame(const std::shared_ptr<const InputFile>& file);
-
-// Nothing for a file that is not MPEG Layer III. The length comes from an Info frame whose byte count agrees
+// Nothing for a file that is no MP3 file. The length comes from an Info frame whose byte count agrees
 // with the file; without one, every frame header is read.
 std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const InputFile>& file);
+
+}

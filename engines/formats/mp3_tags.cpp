@@ -4,6 +4,9 @@
 #include <charconv>
 #include <string_view>
 
+namespace formats
+{
+
 namespace
 {
 
@@ -12,10 +15,15 @@ std::string_view textAt(const unsigned char* bytes, std::size_t size)
     return {reinterpret_cast<const char*>(bytes), size};
 }
 
-// ID3v2 writes seven bits to the byte.
-std::int64_t synchsafe(const unsigned char* bytes)
+// ID3v2, section 3.1: ten bytes, four of them the size in seven bits each; a footer repeats the ten. 0 where
+// there is none.
+std::int64_t id3v2Bytes(const unsigned char* head)
 {
-    return (bytes[0] & 0x7f) << 21 | (bytes[1] & 0x7f) << 14 | (bytes[2] & 0x7f) << 7 | (bytes[3] & 0x7f);
+    const bool isNumber = ((head[6] | head[7] | head[8] | head[9]) & 0x80) == 0;
+    if (textAt(head, 3) != "ID3" || head[3] == 0xFF || head[4] == 0xFF || !isNumber)
+        return 0;
+    const std::int64_t size = head[6] << 21 | head[7] << 14 | head[8] << 7 | head[9];
+    return 10 + size + (head[5] & 0x10 ? 10 : 0);
 }
 
 std::int64_t littleEndian(const unsigned char* bytes)
@@ -63,24 +71,21 @@ std::int64_t lyricsBefore(const InputFile& file, std::int64_t end)
 
 }
 
-std::int64_t endOfLeadingTags(FileWindow& window)
+std::int64_t endOfLeadingTags(FileWindow& window, std::int64_t at)
 {
-    std::array<unsigned char, 10> head{};
-    std::int64_t at = 0;
-    while (window.read(head.data(), head.size(), at) == 10 && textAt(head.data(), 3) == "ID3") {
-        const bool hasFooter = (head[5] & 0x10) != 0;
-        at += 10 + synchsafe(&head[6]) + (hasFooter ? 10 : 0);
-    }
+    for (const auto* head = window.view(at, 10); head && id3v2Bytes(head) > 0; head = window.view(at, 10))
+        at += id3v2Bytes(head);
     return at;
 }
 
-std::int64_t startOfTrailingTags(const InputFile& file)
+std::int64_t startOfTrailingTags(const InputFile& file, std::int64_t end)
 {
-    std::int64_t end = file.size();
     for (const auto bytesBefore : {id3v1Before, lyricsBefore, apeBefore, lyricsBefore}) {
         const std::int64_t bytes = bytesBefore(file, end);
         if (bytes <= end)
             end -= bytes;
     }
     return end;
+}
+
 }

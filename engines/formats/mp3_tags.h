@@ -5,5 +5,13 @@
 
 #include <cstdint>
 
-std::int64_t endOfLeadingTags(FileWindow& window);
-std::int64_t startOfTrailingTags(const InputFile& file);
+namespace formats
+{
+
+// Of those that stand one behind the other from byte `at` on.
+std::int64_t endOfLeadingTags(FileWindow& window, std::int64_t at = 0);
+
+// Of those that end one before the other at byte `end`.
+std::int64_t startOfTrailingTags(const InputFile& file, std::int64_t end);
+
+}

@@ -1,54 +1,69 @@
 #include "engines/formats/mpeg_header.h"
 
+namespace formats
+{
+
 namespace
 {
 
+// clang-format off
 constexpr int kilobits[2][15] = {
     {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320},
-    {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160},
+    {0,  8, 16, 24, 32, 40, 48, 56,  64,  80,  96, 112, 128, 144, 160},
 };
-
 constexpr int rates[] = {44100, 48000, 32000};
+// clang-format on
 
-enum Version { mpeg25 = 0, reserved = 1, mpeg2 = 2, mpeg1 = 3 };
+constexpr int maxFrameBytes = 1441;
 
-constexpr int layerThree = 1;
-constexpr int mono = 3;
+enum Version : unsigned { mpeg25 = 0, reserved = 1, mpeg2 = 2, mpeg1 = 3 };
 
-int rateOf(int version, int index)
+constexpr unsigned layerThree = 1;
+constexpr unsigned mono = 3;
+
+int rateOf(unsigned version, unsigned index)
 {
     if (version == mpeg1)
         return rates[index];
     return version == mpeg2 ? rates[index] / 2 : rates[index] / 4;
 }
 
+int sideInfoOf(const MpegHeader& header)
+{
+    const int checksum = header.isProtected() ? 2 : 0;
+    if (header.isLowRate())
+        return 4 + checksum + (header.channels == 1 ? 9 : 17);
+    return 4 + checksum + (header.channels == 1 ? 17 : 32);
 }
 
-int MpegHeader::sideInfoBytes() const
-{
-    if (lowSamplingRate)
-        return channels == 1 ? 9 : 17;
-    return channels == 1 ? 17 : 32;
 }
 
-std::optional<MpegHeader> mpegHeader(const unsigned char* fourBytes)
+std::optional<MpegHeader> mpegHeader(const std::uint8_t* fourBytes)
 {
-    const int version = fourBytes[1] >> 3 & 3;
-    const int layer = fourBytes[1] >> 1 & 3;
-    const int bitrateIndex = fourBytes[2] >> 4;
-    const int rateIndex = fourBytes[2] >> 2 & 3;
-    const bool synchronised = fourBytes[0] == 0xff && fourBytes[1] >> 5 == 7;
-    if (!synchronised || version == reserved || layer != layerThree || bitrateIndex == 15 || rateIndex == 3)
+    MpegHeader header;
+    for (int i = 0; i < 4; ++i)
+        header.bits = header.bits << 8 | fourBytes[i];
+    const unsigned version = header.bits >> 19 & 3;
+    const unsigned layer = header.bits >> 17 & 3;
+    const unsigned bitrate = header.bits >> 12 & 15;
+    const unsigned rate = header.bits >> 10 & 3;
+    if (header.bits >> 21 != 0x7FF || version == reserved || layer != layerThree || bitrate == 15 ||
+        rate == 3)
         return std::nullopt;
 
-    MpegHeader header;
-    header.lowSamplingRate = version != mpeg1;
-    header.rate = rateOf(version, rateIndex);
-    header.channels = fourBytes[3] >> 6 == mono ? 1 : 2;
-    header.samples = header.lowSamplingRate ? 576 : 1152;
-    header.bitsPerSecond = kilobits[header.lowSamplingRate][bitrateIndex] * 1000;
-    header.padding = fourBytes[2] >> 1 & 1;
-    if (!header.isFreeFormat())
-        header.bytes = header.samples / 8 * header.bitsPerSecond / header.rate + header.padding;
+    const bool low = version != mpeg1;
+    header.rate = rateOf(version, rate);
+    header.channels = (header.bits >> 6 & 3) == mono ? 1 : 2;
+    header.samples = low ? 576 : 1152;
+    header.bitsPerSecond = kilobits[low][bitrate] * 1000;
+    header.padding = static_cast<int>(header.bits >> 9 & 1);
+    header.sideInfo = sideInfoOf(header);
+    if (header.isFreeFormat())
+        return header;
+    header.bytes = header.samples / 8 * header.bitsPerSecond / header.rate + header.padding;
+    if (header.bytes < header.sideInfo || header.bytes > maxFrameBytes)
+        return std::nullopt;
     return header;
+}
+
 }

@@ -4,26 +4,35 @@
 #include <cstdint>
 #include <optional>
 
+namespace formats
+{
+
 struct MpegHeader {
+    std::uint32_t bits = 0;
     int rate = 0;          // hertz
     int channels = 0;      // 1 or 2
-    int samples = 0;       // that one frame holds of each channel
+    int samples = 0;       // that one frame holds of each channel: 1152, or 576 for the low sample rates
     int bitsPerSecond = 0; // 0: free format
     int padding = 0;       // bytes, counted in `bytes`
     int bytes = 0;         // of the whole frame; 0: free format, where the distance to the next frame tells
-    bool lowSamplingRate = false;
+    int sideInfo = 0;      // where the main data begin, counted from the frame's first byte
 
     bool isFreeFormat() const { return bitsPerSecond == 0; }
+    bool isLowRate() const { return samples == 576; }
+    bool isProtected() const { return (bits >> 16 & 1) == 0; }
+    int mainData() const { return bytes - sideInfo; }
 
-    // Frames of one stream agree in these.
+    // The largest step back that main_data_begin can express.
+    int maxReservoir() const { return isLowRate() ? 255 : 511; }
+
+    // Frames of one stream agree in these; mono and stereo stand in it side by side.
     bool agreesWith(const MpegHeader& other) const
     {
         return rate == other.rate && isFreeFormat() == other.isFreeFormat();
     }
-
-    // Of the data between the header and an Info tag, or the scale factors.
-    int sideInfoBytes() const;
 };
 
 // Nothing for bytes that begin no Layer III frame.
-std::optional<MpegHeader> mpegHeader(const unsigned char* fourBytes);
+std::optional<MpegHeader> mpegHeader(const std::uint8_t* fourBytes);
+
+}

@@ -4,11 +4,14 @@
 #include <mpg123.h>
 #include <sys/types.h>
 
+namespace formats
+{
+
 namespace
 {
 
 // How much damage is skipped in one place before the file counts as ended, bytes.
-constexpr long resyncLimit = 1024 * 1024;
+constexpr long resyncLimit = 64 * 1024;
 
 // A frame can draw on so many before it: after a seek they must be decoded first, or its samples are not
 // exact.
@@ -59,7 +62,7 @@ struct Mpg123File::Reader {
 };
 
 Mpg123File::Mpg123File(std::shared_ptr<const InputFile> file, const Mp3Facts& facts, Options options) :
-    reader_(new Reader{FileWindow(std::move(file)), facts.begin, facts.end})
+    reader_(new Reader{FileWindow(std::move(file)), facts.place.begin, facts.place.end})
 {
     static const int ready = mpg123_init();
     if (ready != MPG123_OK)
@@ -68,6 +71,8 @@ Mpg123File::Mpg123File(std::shared_ptr<const InputFile> file, const Mp3Facts& fa
     if (handle_ == nullptr)
         return;
     configure(handle_, options);
+    if (facts.place.isShort)
+        mpg123_param(handle_, MPG123_ADD_FLAGS, MPG123_NO_READAHEAD, 0);
     mpg123_replace_reader_handle(handle_, Reader::read, Reader::seek, nullptr);
     isOpen_ = mpg123_open_handle(handle_, reader_.get()) == MPG123_OK && learnFormat();
     rate_ = nextRate_;
@@ -110,4 +115,6 @@ bool Mpg123File::seekFrame(std::int64_t frame, int rate)
 std::int64_t Mpg123File::countSamples()
 {
     return mpg123_scan(handle_) == MPG123_OK ? static_cast<std::int64_t>(mpg123_length(handle_)) : 0;
+}
+
 }

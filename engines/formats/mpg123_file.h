@@ -10,6 +10,9 @@
 
 struct mpg123_handle_struct;
 
+namespace formats
+{
+
 class Mpg123File
 {
 public:
@@ -50,3 +53,5 @@ private:
     int nextRate_ = 0; // of what the decoder has ready
     int channels_ = 0;
 };
+
+}

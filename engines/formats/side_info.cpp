@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace codec
+namespace formats
 {
 
 namespace
@@ -18,10 +18,12 @@ struct Layout {
 };
 
 constexpr int lengthBits = 12;
-constexpr int gainAt = 12 + 9;
+constexpr int pairsBits = 9;
+constexpr unsigned mostPairs = 288; // of values, in a granule
+constexpr int gainAt = lengthBits + pairsBits;
 constexpr int gainBits = 8;
 
-Layout layoutOf(const FrameHeader& header)
+Layout layoutOf(const MpegHeader& header)
 {
     const bool isStereo = header.channels == 2;
     if (header.isLowRate())
@@ -29,7 +31,7 @@ Layout layoutOf(const FrameHeader& header)
     return {9, 9 + (isStereo ? 3 + 8 : 5 + 4), 2, 59, gainAt + gainBits + 4};
 }
 
-int startOf(const FrameHeader& header) { return header.isProtected() ? 6 : 4; }
+int startOf(const MpegHeader& header) { return header.isProtected() ? 6 : 4; }
 
 unsigned bitsAt(const std::uint8_t* bytes, int at, int count)
 {
@@ -49,12 +51,12 @@ void setBits(std::uint8_t* bytes, int at, int count, bool on)
 
 }
 
-int mainDataBegin(const std::uint8_t* frame, const FrameHeader& header)
+int mainDataBegin(const std::uint8_t* frame, const MpegHeader& header)
 {
     return static_cast<int>(bitsAt(frame + startOf(header), 0, layoutOf(header).mainDataBegin));
 }
 
-int soundBits(const std::uint8_t* frame, const FrameHeader& header)
+int soundBits(const std::uint8_t* frame, const MpegHeader& header)
 {
     const auto layout = layoutOf(header);
     int bits = 0;
@@ -64,7 +66,7 @@ int soundBits(const std::uint8_t* frame, const FrameHeader& header)
     return bits;
 }
 
-void silence(std::uint8_t* frame, const FrameHeader& header, int reservoir)
+void silence(std::uint8_t* frame, const MpegHeader& header, int reservoir)
 {
     auto* info = frame + startOf(header);
     std::fill(info, frame + header.sideInfo, 0);
@@ -76,7 +78,7 @@ void silence(std::uint8_t* frame, const FrameHeader& header, int reservoir)
     info[1] = static_cast<std::uint8_t>(reservoir << 7);
 }
 
-void keepLastSound(std::uint8_t* frame, const FrameHeader& header)
+void keepLastSound(std::uint8_t* frame, const MpegHeader& header)
 {
     const auto layout = layoutOf(header);
     auto* info = frame + startOf(header);
@@ -95,7 +97,22 @@ void keepLastSound(std::uint8_t* frame, const FrameHeader& header)
             setBits(info, part(granule, channel) + gainAt, gainBits, granule == last);
 }
 
-bool isEmpty(const std::uint8_t* frame, const FrameHeader& header)
+bool isPossible(const std::uint8_t* frame, const MpegHeader& header)
+{
+    const auto layout = layoutOf(header);
+    const auto* info = frame + startOf(header);
+    for (int i = 0; i < layout.granules * header.channels; ++i) {
+        const int at = layout.firstPart + i * layout.partBits;
+        const bool hasTooMany = bitsAt(info, at + lengthBits, pairsBits) > mostPairs;
+        const bool hasWrongWindow = bitsAt(info, at + layout.windowSwitching, 3) == 0b100;
+        if (hasTooMany || hasWrongWindow)
+            return false;
+    }
+    const int room = mainDataBegin(frame, header) + header.mainData();
+    return header.isFreeFormat() || soundBits(frame, header) <= 8 * room;
+}
+
+bool isEmpty(const std::uint8_t* frame, const MpegHeader& header)
 {
     const auto layout = layoutOf(header);
     const auto* info = frame + startOf(header);

@@ -4,7 +4,7 @@
 
 #include <cerrno>
 
-namespace codec
+namespace formats
 {
 
 SourceFile::SourceFile(const Text& path) : file_(InputFile::open(path))

@@ -3,7 +3,7 @@
 
 #include "files/input_file.h"
 
-namespace codec
+namespace formats
 {
 
 class SourceFile
@@ -12,6 +12,8 @@ public:
     explicit SourceFile(const Text& path); // fails with 53, 70, 75 or 76
 
     std::int64_t size() const { return size_; } // bytes, when it was opened
+
+    const std::shared_ptr<const InputFile>& file() const { return file_; }
 
     // Reads up to `count` bytes at `at`; fewer only at the end of the file. Fails with 57, also when the file
     // has become shorter since it was opened.

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-namespace codec
+namespace formats
 {
 
 namespace

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-namespace codec
+namespace formats
 {
 
 using WavHeader = std::array<std::uint8_t, 44>;

@@ -1,7 +1,7 @@
 #include "engines/formats/wav_source.h"
 
 #include "engines/formats/mix_down.h"
-#include "engines/formats/unfinished_wav.h"
+#include "engines/formats/wav_layout.h"
 #include "platform/failure.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <sndfile.h>
 
-namespace codec
+namespace formats
 {
 
 namespace
@@ -30,20 +30,20 @@ struct Closer {
 // A file as libsndfile reads it, with a position of its own. A size that was never filled in reads as the
 // largest one, which is taken for "up to the end of the file".
 struct Reader {
-    explicit Reader(const SourceFile& from) : file(from), unfilledSize(unfilledSoundSize(from).value_or(-4))
-    {
-    }
+    explicit Reader(const SourceFile& from) : file(from), layout(wavLayout(from.file())) {}
 
     const SourceFile& file;
-    std::int64_t unfilledSize; // where its four bytes are
+    std::optional<WavLayout> layout;
     std::int64_t at = 0;
     bool failed = false;
 
     void fillSize(char* bytes, std::int64_t count) const
     {
-        for (std::int64_t i = unfilledSize; i < unfilledSize + 4; ++i)
-            if (i >= at && i < at + count)
-                bytes[i - at] = '\xFF';
+        if (!layout || !layout->isUnfilled)
+            return;
+        for (std::int64_t i = 0; i < layout->sizeBytes; ++i)
+            if (const auto to = layout->sizeAt + i; to >= at && to < at + count)
+                bytes[to - at] = static_cast<char>(layout->sizeByte(static_cast<int>(i)));
     }
 };
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-namespace codec
+namespace formats
 {
 
 // Samples of the left and the right channel, 32768 being full scale; mono has the left alone.

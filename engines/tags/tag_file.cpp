@@ -108,7 +108,11 @@ NewEnds endsFor(const NewTags& tags, const TagParts& parts, std::uint64_t size)
     return ends;
 }
 
-bool isMp3(const std::shared_ptr<const InputFile>& file) { return firstMp3Frame(file).has_value(); }
+bool isMp3(const std::shared_ptr<const InputFile>& file)
+{
+    const auto place = formats::findMp3(file);
+    return place && !place->isWrapped;
+}
 
 // A file whose tags are damaged in some way that was not foreseen stays as it is.
 void requireSaying(const Tag& expected, const Text& path)

@@ -11,6 +11,7 @@
 #include <doctest/doctest.h>
 
 using namespace codec;
+using namespace formats;
 
 namespace
 {

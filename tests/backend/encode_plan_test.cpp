@@ -8,6 +8,7 @@
 #include <string>
 
 using namespace codec;
+using namespace formats;
 
 namespace
 {

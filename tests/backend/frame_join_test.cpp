@@ -7,6 +7,7 @@
 #include <algorithm>
 
 using namespace codec;
+using namespace formats;
 
 namespace
 {

@@ -1,4 +1,5 @@
 #include "engines/formats/frame_scan.h"
+#include "engines/formats/mp3_probe.h"
 
 #include "engines/codec/frame_cut.h"
 #include "tests/support/lame_alone.h"
@@ -8,16 +9,17 @@
 #include <doctest/doctest.h>
 
 using namespace codec;
+using namespace formats;
 
 namespace
 {
 
-std::optional<FrameHeader> header(std::uint32_t bits)
+std::optional<MpegHeader> header(std::uint32_t bits)
 {
     const std::uint8_t bytes[] = {static_cast<std::uint8_t>(bits >> 24),
                                   static_cast<std::uint8_t>(bits >> 16), static_cast<std::uint8_t>(bits >> 8),
                                   static_cast<std::uint8_t>(bits)};
-    return parseHeader(bytes);
+    return mpegHeader(bytes);
 }
 
 // Frames of silence without a note at the front: 128 kbit/s, 44.1 kHz, stereo, 417 bytes.
@@ -41,7 +43,7 @@ struct Disk {
     bool knows(const Text& bytes)
     {
         putFile(folder / "a", bytes);
-        return isMp3(SourceFile(folder / "a"));
+        return findMp3(InputFile::open(folder / "a")).has_value();
     }
 };
 
@@ -207,7 +209,7 @@ TEST_CASE("Frames cut out of a file come with silenced ones that fill the reserv
         std::size_t at = 0;
         int reservoir = 0;
         for (std::int64_t i = 0; i < cut.leadIn() - 8; ++i) {
-            const auto head = parseHeader(bytes.data() + at);
+            const auto head = mpegHeader(bytes.data() + at);
             REQUIRE(head);
             CHECK((bytes[at + 4] << 1 | bytes[at + 5] >> 7) == reservoir);
             CHECK(std::all_of(&bytes[at + 6], &bytes[at] + head->sideInfo,

@@ -8,6 +8,8 @@
 
 #include <doctest/doctest.h>
 
+using namespace formats;
+
 namespace
 {
 
@@ -43,7 +45,8 @@ TEST_CASE("What is no MPEG Layer III is refused")
         {"random bytes", randomBytes(300000)},
         {"zeros", Text(200000, '\0')},
         {"all ones", Text(200000, '\xff')},
-        {"a lone frame", silentFrames(1)},
+        {"a lone frame and a byte", silentFrames(1) + "x"},
+        {"rubbish and a lone frame", Text(300, 'x') + silentFrames(1)},
         {"nothing but an Info frame", withInfoFrame(0)},
         {"an Info frame and a piece", infoFrameFor(1, 208) + frames.substr(0, 50)},
         {"a tag alone", id3v2Tag(1000)},
@@ -113,8 +116,8 @@ TEST_CASE("Tags and rubbish around the frames belong to no sound")
         CAPTURE(c.what);
         const auto facts = factsOf(c.before + frames + c.behind);
         REQUIRE(facts);
-        CHECK(facts->begin == static_cast<std::int64_t>(c.before.size()));
-        CHECK(facts->end == static_cast<std::int64_t>(c.before.size() + frames.size()));
+        CHECK(facts->place.begin == static_cast<std::int64_t>(c.before.size()));
+        CHECK(facts->place.end == static_cast<std::int64_t>(c.before.size() + frames.size()));
         CHECK(facts->stretches.front().frames == 50);
         CHECK(facts->isWhole);
     }

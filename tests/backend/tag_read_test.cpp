@@ -356,7 +356,7 @@ TEST_CASE("Files that are no MP3 have no tag, whatever they carry")
         {"FLAC behind a tag", v2 + "fLaC" + Text(30, '\0') + audio + v1},
         {"MP4", Text("\0\0\0\x18", 4) + "ftypM4A " + Text(30, '\0') + audio + v1},
         {"Layer II", layer2 + v1},
-        {"a lone frame, which cannot be decoded", mp3Frames(1) + v1},
+        {"a lone frame among other bytes", mp3Frames(1) + Text(500, 'x') + v1},
         {"one frame header and noise", audio.substr(0, 4) + Text(3000, 'x') + v1},
         {"frames that come too late", Text(70'000, '\0') + audio + v1},
     };

@@ -12,6 +12,7 @@
 #include <bit>
 
 using namespace codec;
+using namespace formats;
 
 namespace
 {

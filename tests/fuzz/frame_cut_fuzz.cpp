@@ -10,6 +10,7 @@
 #include <optional>
 
 using namespace codec;
+using namespace formats;
 
 namespace
 {

@@ -1,5 +1,6 @@
 // Whatever a file holds, looking for its frames ends, and the places that are found lie in order within it.
 #include "engines/formats/frame_scan.h"
+#include "engines/formats/mp3_probe.h"
 #include "tests/fuzz/input.h"
 
 #include <algorithm>
@@ -8,9 +9,9 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
     const FuzzedFile fuzzed(bytes, size);
-    const codec::SourceFile file(fuzzed.path());
-    codec::isMp3(file);
-    const auto table = codec::scanFrames(file);
+    const formats::SourceFile file(fuzzed.path());
+    formats::probeMp3(file.file());
+    const auto table = formats::scanFrames(file);
     if (!table)
         return 0;
     const auto& places = table->positions;

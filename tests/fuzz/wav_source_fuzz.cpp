@@ -9,9 +9,9 @@
 namespace
 {
 
-void readSome(codec::WavSource& source)
+void readSome(formats::WavSource& source)
 {
-    codec::SoundBlock block;
+    formats::SoundBlock block;
     for (int i = 0; i < 20; ++i) {
         source.read(block, 1000);
         for (const float sample : block.left)
@@ -25,9 +25,9 @@ void readSome(codec::WavSource& source)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
     const FuzzedFile fuzzed(bytes, size);
-    const codec::SourceFile file(fuzzed.path());
+    const formats::SourceFile file(fuzzed.path());
     succeeds([&] {
-        codec::WavSource source(file);
+        formats::WavSource source(file);
         if (source.channels() < 1 || source.channels() > 2 || source.frames() < 0)
             std::abort();
         readSome(source);

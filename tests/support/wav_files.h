@@ -13,7 +13,7 @@
 inline Text putPcmWav(const Text& path, const Pcm& pcm)
 {
     const auto bytes = static_cast<std::int64_t>(pcm.samples.size() * 2);
-    const auto header = codec::wavHeader(pcm.rate, pcm.channels, bytes);
+    const auto header = formats::wavHeader(pcm.rate, pcm.channels, bytes);
     Text file(header.begin(), header.end());
     file.append(reinterpret_cast<const char*>(pcm.samples.data()), static_cast<std::size_t>(bytes));
     putFile(path, file);
