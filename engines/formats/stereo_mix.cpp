@@ -1,14 +1,21 @@
 #include "engines/formats/stereo_mix.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <string>
+
+namespace formats
+{
 
 namespace
 {
 
 // L, C and R before the listener, l and r at the sides or behind, c behind, E the low-frequency effects.
 constexpr const char* orders[] = {"", "C", "LR", "LRC", "LRlr", "LRClr", "LRCElr", "LRCEclr", "LRCElrlr"};
+
+// The loudspeakers of WAVE_FORMAT_EXTENSIBLE, bit by bit; those above the listener count as those below.
+constexpr std::string_view loudspeakers = "LRCElrLRclrCLCRlcr";
 
 constexpr float halfPower = 0.70710678F;
 
@@ -17,15 +24,15 @@ struct Place {
     StereoMix::Frame weight;
 };
 
-constexpr Place places[] = {
+constexpr Place placeTable[] = {
     {'L', {1, 0}},         {'R', {0, 1}},         {'C', {halfPower, halfPower}},
-    {'l', {halfPower, 0}}, {'r', {0, halfPower}}, {'c', {halfPower / 2, halfPower / 2}},
+    {'l', {halfPower, 0}}, {'r', {0, halfPower}}, {'c', {0.5F, 0.5F}},
     {'E', {0, 0}},
 };
 
-StereoMix::Frame weightOf(char name) { return std::ranges::find(places, name, &Place::name)->weight; }
+StereoMix::Frame weightOf(char name) { return std::ranges::find(placeTable, name, &Place::name)->weight; }
 
-std::string orderOf(std::size_t channels)
+std::string usualOrder(std::size_t channels)
 {
     std::string order = channels < std::size(orders) ? orders[channels] : "";
     while (order.size() < channels)
@@ -33,20 +40,32 @@ std::string orderOf(std::size_t channels)
     return order;
 }
 
+std::string orderOf(std::size_t channels, std::uint32_t places)
+{
+    std::string order;
+    for (std::size_t bit = 0; bit < loudspeakers.size(); ++bit)
+        if (places >> bit & 1)
+            order += loudspeakers[bit];
+    const bool isWhole =
+        order.size() == channels && static_cast<std::size_t>(std::popcount(places)) == channels;
+    const bool isHeard = order.find_first_not_of('E') != std::string::npos;
+    return channels > 2 && isWhole && isHeard ? order : usualOrder(channels);
 }
 
-StereoMix::StereoMix(int channels)
+float shareOf(float weight, float sum) { return sum > 0 ? weight / sum : 0; }
+
+}
+
+StereoMix::StereoMix(int channels, std::uint32_t places)
 {
     Frame sum{0, 0};
-    for (const char place : orderOf(static_cast<std::size_t>(channels))) {
+    for (const char place : orderOf(static_cast<std::size_t>(channels), places)) {
         weights_.push_back(weightOf(place));
         sum.left += weights_.back().left;
         sum.right += weights_.back().right;
     }
-    for (auto& weight : weights_) {
-        weight.left /= sum.left;
-        weight.right /= sum.right;
-    }
+    for (auto& weight : weights_)
+        weight = {shareOf(weight.left, sum.left), shareOf(weight.right, sum.right)};
 }
 
 StereoMix::Frame StereoMix::operator()(std::span<const float> channels) const
@@ -59,4 +78,6 @@ StereoMix::Frame StereoMix::operator()(std::span<const float> channels) const
         mixed.right += value * weights_[channel].right;
     }
     return mixed;
+}
+
 }

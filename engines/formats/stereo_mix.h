@@ -1,14 +1,20 @@
-// Many channels become two. The order of the channels is the usual one of WAVE files; nothing is lost to
-// clipping, the low-frequency channel is left out.
+// Many channels become two. Nothing is lost to clipping, the low-frequency channel is left out; centre and
+// surround go in at -3 dB, as ITU-R BS.775 has it.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <vector>
+
+namespace formats
+{
 
 class StereoMix
 {
 public:
-    explicit StereoMix(int channels);
+    // `places` has a bit for each loudspeaker that a WAV file gives a channel; where they are not as many as
+    // the channels, their usual order holds.
+    explicit StereoMix(int channels, std::uint32_t places = 0);
 
     struct Frame {
         float left;
@@ -19,3 +25,5 @@ public:
 private:
     std::vector<Frame> weights_;
 };
+
+}

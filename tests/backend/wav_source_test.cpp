@@ -2,7 +2,7 @@
 
 #include "engines/codec/decode_file.h"
 #include "engines/codec/encode_file.h"
-#include "engines/formats/mix_down.h"
+#include "engines/formats/stereo_mix.h"
 #include "tests/support/failures.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wav_files.h"
@@ -225,21 +225,20 @@ TEST_CASE("More channels are mixed down to two at no more than full scale")
 {
     for (const int channels : {1, 2, 3, 4, 5, 6, 7, 8, 11, 64}) {
         CAPTURE(channels);
-        const auto weights = mixDown(channels);
-        REQUIRE(weights.size() == static_cast<std::size_t>(channels));
-        float left = 0;
-        float right = 0;
-        for (const auto& row : weights) {
-            left += row.left;
-            right += row.right;
-        }
-        CHECK(left == doctest::Approx(1));
-        CHECK(right == doctest::Approx(1));
+        const auto all = StereoMix(channels)(std::vector<float>(static_cast<std::size_t>(channels), 1));
+        CHECK(all.left == doctest::Approx(1));
+        CHECK(all.right == doctest::Approx(1));
     }
-    CHECK(mixDown(4)[2].right == 0);                  // quadraphonic: rear left
-    CHECK(mixDown(6)[2].left == mixDown(6)[2].right); // centre
-    CHECK(mixDown(6)[3].left == 0);                   // bass
-    CHECK(mixDown(6)[5].left == 0);                   // rear right
+    const auto one = [](int channels, std::size_t channel) {
+        std::vector<float> frame(static_cast<std::size_t>(channels));
+        frame[channel] = 1;
+        return StereoMix(channels)(frame);
+    };
+    CHECK(one(4, 2).right == 0);              // quadraphonic: rear left
+    CHECK(one(6, 2).left == one(6, 2).right); // centre
+    CHECK(one(6, 3).left == 0);               // bass
+    CHECK(one(6, 5).left == 0);               // rear right
+    CHECK(one(7, 5).right == 0);              // side left
 
     TemporaryFolder folder;
     Pcm six{44100, 6, std::vector<std::int16_t>(6 * 100)};
@@ -249,6 +248,6 @@ TEST_CASE("More channels are mixed down to two at no more than full scale")
     }
     const auto sound = readAll(putWavAs(folder / "six.wav", six, SF_FORMAT_WAVEX | SF_FORMAT_PCM_16));
     CHECK(sound.channels == 2);
-    CHECK(sound.left[50] == doctest::Approx(1000 * mixDown(6)[0].left).epsilon(0.001));
+    CHECK(sound.left[50] == doctest::Approx(1000 * one(6, 0).left).epsilon(0.001));
     CHECK(sound.right[50] == 0);
 }
