@@ -108,7 +108,7 @@ bool FrameWalk::isStreamAt(std::int64_t at)
         if (++count == convincing(*first))
             return repeated < count - 1;
     }
-    return false;
+    return count >= 4 && at == end_ && repeated < count - 1;
 }
 
 bool FrameWalk::isFilledFrom(std::int64_t at)
