@@ -3,6 +3,7 @@
 #include "tests/support/child.h"
 #include "tests/support/failures.h"
 #include "tests/support/lame_alone.h"
+#include "tests/support/small_disk.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wav_files.h"
 
@@ -10,7 +11,6 @@
 
 #include <csignal>
 #include <functional>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -49,29 +49,6 @@ struct Place {
         putFile(folder / "b.mp3", "x" + fileBytes(folder / "a.mp3"));
         conversions.push_back({"decoding from the start", folder / "b.mp3", "made.wav", conversions[1].run});
     }
-};
-
-// A disk of a few bytes.
-class SmallDisk
-{
-public:
-    explicit SmallDisk(const Text& path) : path_(path)
-    {
-        std::filesystem::create_directory(path);
-        isThere = mount("none", path.c_str(), "tmpfs", 0, "size=200k") == 0;
-    }
-    ~SmallDisk()
-    {
-        if (isThere)
-            umount(path_.c_str());
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-    bool isThere;
-
-private:
-    Text path_;
 };
 
 int failureIn(const Conversion& conversion, const Text& target)
@@ -139,11 +116,7 @@ TEST_CASE("Where the disk is full nothing is left, and the old file stands")
 {
     Place place;
     const Text disk = place.folder / "disk";
-    const SmallDisk small(disk);
-    if (!small.isThere) {
-        MESSAGE("only an administrator can mount a small disk");
-        return;
-    }
+    const SmallDisk small(disk, 200);
     putFile(disk + "/made.mp3", "old");
     putFile(disk + "/made.wav", "old");
     for (const auto& conversion : place.conversions) {

@@ -247,11 +247,9 @@ TEST_CASE("On a medium that may only be read everything is refused")
 {
     Desk desk;
     const Text disk = desk.folder / "disk";
-    const SmallDisk mounted(disk, 64);
-    if (!mounted)
-        return;
+    SmallDisk small(disk, 64);
     putFile(disk + "/list.vlp", oldRows);
-    REQUIRE(mount("", disk.c_str(), "", MS_REMOUNT | MS_RDONLY, "") == 0);
+    small.becomeReadOnly();
     CHECK(desk.writeFailure(disk + "/list.vlp", "new") == 70);
     CHECK(desk.writeFailure(disk + "/new.vlp", "new") == 70);
     CHECK(fileBytes(disk + "/list.vlp") == oldRows);
@@ -261,9 +259,7 @@ TEST_CASE("A full disk fails with its own number and keeps the old file")
 {
     Desk desk;
     const Text disk = desk.folder / "disk";
-    const SmallDisk mounted(disk, 64);
-    if (!mounted)
-        return;
+    const SmallDisk small(disk, 64);
     putFile(disk + "/list.vlp", oldRows);
     CHECK(desk.writeFailure(disk + "/list.vlp", Text(1 << 20, 'x')) == 61);
     CHECK(desk.writeFailure(disk + "/new.vlp", Text(1 << 20, 'x')) == 61);
@@ -275,9 +271,7 @@ TEST_CASE("A disk that was full for a while keeps the old file, too: rows would 
 {
     Desk desk;
     const Text disk = desk.folder / "disk";
-    const SmallDisk mounted(disk, 512);
-    if (!mounted)
-        return;
+    const SmallDisk small(disk, 512);
     putFile(disk + "/list.vlp", oldRows);
     putFile(disk + "/film", Text(400'000, 'f'));
     {
@@ -295,9 +289,7 @@ TEST_CASE("A full disk keeps the old file also where it is written in place")
 {
     Desk desk;
     const Text disk = desk.folder / "disk";
-    const SmallDisk mounted(disk, 64);
-    if (!mounted)
-        return;
+    const SmallDisk small(disk, 64);
     putFile(disk + "/list.vlp", oldRows);
     chmod((disk + "/list.vlp").c_str(), 0666);
     chmod(disk.c_str(), 0555);

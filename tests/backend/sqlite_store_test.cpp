@@ -9,7 +9,6 @@
 
 #include <fcntl.h>
 #include <sqlite3.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 

@@ -19,7 +19,6 @@
 
 #include <filesystem>
 #include <set>
-#include <sys/mount.h>
 
 namespace
 {
@@ -299,8 +298,6 @@ TEST_CASE("On a full disk nothing is left, the old file stands, and the batch en
 {
     inEachFlow([](Bench& b) {
         const SmallDisk disk(b.folder / "small", 4);
-        if (!disk)
-            return;
         putFile(b.folder / "small/a." + b.flow.target, "old");
         b.put("a");
         b.put("b");
@@ -321,11 +318,9 @@ TEST_CASE("A disk that may only be read keeps what it has, and the batch ends")
 {
     inEachFlow([](Bench& b) {
         const Text place = b.folder / "fixed";
-        const SmallDisk disk(place, 400);
-        if (!disk)
-            return;
+        SmallDisk disk(place, 400);
         putFile(place + "/a." + b.flow.target, "old");
-        REQUIRE(mount("", place.c_str(), "", MS_REMOUNT | MS_RDONLY, "") == 0);
+        disk.becomeReadOnly();
         b.put("a");
         b.writeTo(place);
         b.selectAll();

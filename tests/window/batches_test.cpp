@@ -3,6 +3,7 @@
 #include "support/answer_of_child.h"
 #include "support/files.h"
 #include "support/list_program.h"
+#include "support/skip.h"
 #include "support/temporary_folder.h"
 #include "support/workshop.h"
 
@@ -389,7 +390,7 @@ TEST_CASE("A file in the root of the file system takes no second separator")
             return b.platform.log.all().front() + " " + b.flow.input;
         });
         if (answer == "no rights") {
-            MESSAGE("skipped: this process may not change its root");
+            skipCase("this process may not change its root");
             return;
         }
         CHECK(answer == b.flow.engine + ".Open(/a." + b.flow.source + ", /out/a." + b.flow.target + ") /a." +

@@ -1,5 +1,6 @@
 #include "support/disc_program.h"
 #include "support/failures.h"
+#include "support/temporary_folder.h"
 
 #include <doctest/doctest.h>
 
@@ -269,8 +270,10 @@ TEST_CASE(
     t.settings.Drive3.setDrive("/usr");
     CHECK(t.settings.Dir3.Path() == "/usr");
     t.apply().setEnabled(false);
-    t.platform.scriptedDrives.drives.push_back({"/nowhere", ""});
-    CHECK(failureOf([&] { t.settings.Drive3.setDrive("/nowhere"); }) == 76);
+    const TemporaryFolder folder;
+    const Text gone = folder / "gone";
+    t.platform.scriptedDrives.drives.push_back({gone, ""});
+    CHECK(failureOf([&] { t.settings.Drive3.setDrive(gone); }) == 76);
     CHECK(t.settings.Dir3.Path() == "/usr");
     CHECK_FALSE(t.apply().Enabled());
 }

@@ -177,8 +177,9 @@ TEST_CASE("Each warning stands in the middle of the load, with the labels not ye
 TEST_CASE("A directory that the look-up finds and the list cannot enter is a failure that nobody handles")
 {
     Workshop w;
-    w.platform.outputDirectory = "/nowhere";
-    w.platform.scan.folders["/nowhere/*.*"] = {{FoundFile::directory, "."}};
+    const TemporaryFolder folder;
+    w.platform.outputDirectory = folder / "gone";
+    w.platform.scan.folders[w.platform.outputDirectory + "/*.*"] = {{FoundFile::directory, "."}};
     int number = 0;
     guarded([&](const Failure& failure) { number = failure.number; }, [&] { w.load(); });
     CHECK(number == 76);

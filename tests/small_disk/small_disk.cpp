@@ -1,0 +1,63 @@
+#include "tests/small_disk/small_disk.h"
+
+#include "tests/support/small_disk.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <climits>
+#include <filesystem>
+
+namespace smallDisk
+{
+
+Disk& disk()
+{
+    static Disk only;
+    return only;
+}
+
+bool holds(const char* path)
+{
+    const std::string& folder = disk().folder;
+    return !folder.empty() && path != nullptr &&
+           (path == folder || std::string(path).starts_with(folder + '/'));
+}
+
+bool holds(int file)
+{
+    if (disk().folder.empty())
+        return false;
+    char name[PATH_MAX] = {};
+    const std::string link = "/proc/self/fd/" + std::to_string(file);
+    return readlink(link.c_str(), name, sizeof name - 1) > 0 && holds(name);
+}
+
+off_t room()
+{
+    off_t taken = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(disk().folder))
+        taken += entry.is_regular_file() ? static_cast<off_t>(entry.file_size()) : 0;
+    return std::max<off_t>(disk().bytes - taken, 0);
+}
+
+off_t growth(int file, off_t at, off_t bytes)
+{
+    struct stat status {
+    };
+    fstat(file, &status);
+    return std::max<off_t>(at + bytes - status.st_size, 0);
+}
+
+}
+
+SmallDisk::SmallDisk(const Text& folder, int kilobytes)
+{
+    std::filesystem::create_directory(folder);
+    smallDisk::disk() = {folder, off_t{kilobytes} * 1024, false};
+}
+
+SmallDisk::~SmallDisk() { smallDisk::disk() = {}; }
+
+void SmallDisk::becomeReadOnly() { smallDisk::disk().isReadOnly = true; }

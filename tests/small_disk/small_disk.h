@@ -1,0 +1,28 @@
+// What the small disk of a test is at the moment, for the calls that stand in its place.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+namespace smallDisk
+{
+
+struct Disk {
+    std::string folder; // "" while there is none
+    off_t bytes = 0;
+    bool isReadOnly = false;
+};
+
+Disk& disk();
+
+bool holds(const char* path);
+bool holds(int file);
+
+// Bytes of the disk that no file takes.
+off_t room();
+
+// What a write of so many bytes there would add to the file.
+off_t growth(int file, off_t at, off_t bytes);
+
+}
