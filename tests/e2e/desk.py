@@ -354,12 +354,16 @@ class Velmora:
         self.desk.run("xdotool", "mousemove", "--window", str(window), str(x), str(y), "click", "1")
 
     def popups(self):
-        """How many menus are open: the windows that no window manager manages."""
+        """How many menus are open."""
+        return len(self.popup_windows())
+
+    def popup_windows(self):
+        """The windows that no window manager manages."""
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "velmora"], capture_output=True,
                                text=True, env=self.desk.environment)
-        states = [subprocess.run(["xprop", "-id", window, "WM_STATE"], capture_output=True, text=True,
-                                 env=self.desk.environment).stdout for window in found.stdout.split()]
-        return sum("not found" in state for state in states)
+        return [window for window in found.stdout.split()
+                if "not found" in subprocess.run(["xprop", "-id", window, "WM_STATE"], capture_output=True, text=True,
+                                                 env=self.desk.environment).stdout]
 
     def menu(self, window, *mnemonics):
         """Opens the window's menu by its image and walks it by its underlined letters."""
