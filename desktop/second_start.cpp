@@ -1,5 +1,6 @@
 #include "desktop/second_start.h"
 
+#include "desktop/appearance.h"
 #include "desktop/within_time.h"
 #include "platform/post.h"
 #include "toolkit/qt_bridge.h"
@@ -22,11 +23,11 @@ constexpr auto patience = 1s;
 constexpr auto betweenTries = 20ms;
 
 constexpr const char* connectionName = "velmora-second-start";
-constexpr const char* objectPath = "/velmora";
-constexpr const char* interfaceName = "velmora.Window";
+constexpr const char* objectPath = "/org/velmora/Velmora";
+constexpr const char* interfaceName = "org.velmora.Velmora.Window";
 constexpr const char* methodName = "BringUp";
 
-QString serviceName(pid_t process) { return QStringLiteral("velmora.process%1").arg(process); }
+QString serviceName(pid_t process) { return QStringLiteral("%1.process%2").arg(applicationId).arg(process); }
 
 // A box or a dialog has the program to itself: it comes up over the windows that wait behind it.
 void bringUp(QWidget& dialog)
