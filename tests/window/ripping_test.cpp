@@ -374,9 +374,14 @@ TEST_CASE("The flag is cleared before a track starts, so that an end within the 
 {
     Ripping r(1);
     r.check({0});
-    r.reader().onRead = [&] { CHECK_FALSE(r.workbench.trackReadFinished); };
+    int reads = 0;
+    r.reader().onRead = [&] {
+        ++reads;
+        CHECK_FALSE(r.workbench.trackReadFinished);
+    };
     r.everyTrackEnds(1);
     r.start();
+    CHECK(reads == 1);
     CHECK(r.platform.log.count("Pump.turn") == 1);
 
     r.platform.log.clear();
@@ -435,12 +440,14 @@ TEST_CASE("A list that becomes shorter under a run ends it without a failure, a 
     }
 }
 
-TEST_CASE("A second START nests a run that shares all counts")
+TEST_CASE("A second START nests a run that shares all counts: START stays enabled during a run")
 {
     Ripping r(3);
+    bool isEnabledMeanwhile = false;
     r.check({0, 1});
     r.platform.scriptedPump.steps = {
         [&] {
+            isEnabledMeanwhile = r.workbench.EncCDtoWAVStart.Enabled();
             r.workbench.TracksList.setSelected(1, false);
             r.workbench.TracksList.setSelected(2, true);
             r.start();
@@ -449,8 +456,8 @@ TEST_CASE("A second START nests a run that shares all counts")
         [&] { r.reader().Done.raise(); },
         [&] { r.reader().Done.raise(); },
     };
-    CHECK(r.workbench.EncCDtoWAVStart.Enabled());
     r.start();
+    CHECK(isEnabledMeanwhile);
     // The nested run reads rows 0 and 2; its last end serves the outer wait too, which goes on with row 2.
     CHECK(r.readTracks() ==
           "CDtoWAV.ReadTrack(1, /rips/Track1.wav)\nCDtoWAV.ReadTrack(1, /rips/Track1.wav)\n"
