@@ -1,6 +1,7 @@
 #include "desktop/mpris_remote.h"
 
-#include "desktop/appearance.h"
+#include "desktop/mpris_interface.h"
+#include "platform/numbers.h"
 #include "platform/post.h"
 #include "toolkit/qt_bridge.h"
 
@@ -10,108 +11,112 @@
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
-#include <QUrl>
-#include <QVariantMap>
+#include <algorithm>
 #include <atomic>
 #include <optional>
 #include <thread>
+#include <unistd.h>
 
 namespace
 {
 
 constexpr const char* connectionName = "velmora-remote";
 constexpr const char* serviceName = "org.mpris.MediaPlayer2.velmora";
-constexpr const char* objectPath = "/org/mpris/MediaPlayer2";
-constexpr const char* rootInterface = "org.mpris.MediaPlayer2";
-constexpr const char* playerInterface = "org.mpris.MediaPlayer2.Player";
 constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 
-constexpr const char* introspection = R"(
-  <interface name="org.mpris.MediaPlayer2">
-    <method name="Raise"/><method name="Quit"/>
-    <property name="CanQuit" type="b" access="read"/><property name="CanRaise" type="b" access="read"/>
-    <property name="HasTrackList" type="b" access="read"/><property name="Identity" type="s" access="read"/>
-    <property name="DesktopEntry" type="s" access="read"/>
-    <property name="SupportedUriSchemes" type="as" access="read"/>
-    <property name="SupportedMimeTypes" type="as" access="read"/>
-  </interface>
-  <interface name="org.mpris.MediaPlayer2.Player">
-    <method name="Next"/><method name="Previous"/><method name="Pause"/><method name="PlayPause"/>
-    <method name="Stop"/><method name="Play"/>
-    <property name="PlaybackStatus" type="s" access="read"/><property name="Metadata" type="a{sv}" access="read"/>
-    <property name="Rate" type="d" access="read"/><property name="MinimumRate" type="d" access="read"/>
-    <property name="MaximumRate" type="d" access="read"/><property name="Volume" type="d" access="read"/>
-    <property name="Position" type="x" access="read"/>
-    <property name="CanGoNext" type="b" access="read"/><property name="CanGoPrevious" type="b" access="read"/>
-    <property name="CanPlay" type="b" access="read"/><property name="CanPause" type="b" access="read"/>
-    <property name="CanSeek" type="b" access="read"/><property name="CanControl" type="b" access="read"/>
-  </interface>
-)";
+// A box or a dialog has the program to itself, as it has against the mouse: what began behind a file dialog
+// would hold up its answer.
+enum class BehindBoxes { waits, runs };
 
-QVariantMap rootProperties()
+struct Command {
+    const char* interface;
+    const char* member;
+    const char* signature;
+    BehindBoxes behindBoxes;
+    void (*raise)(const MediaRemote&, const QVariantList&);
+};
+
+std::int64_t millisecondsIn(const QVariant& microseconds) { return microseconds.toLongLong() / 1000; }
+
+void seek(const MediaRemote& remote, const QVariantList& arguments)
 {
-    return {{"CanQuit", true},
-            {"CanRaise", true},
-            {"HasTrackList", false},
-            {"Identity", "Velmora"},
-            {"DesktopEntry", applicationId},
-            {"SupportedUriSchemes", QStringList()},
-            {"SupportedMimeTypes", QStringList()}};
+    remote.Seek.raise(millisecondsIn(arguments[0]));
 }
 
-QString statusText(MediaRemote::Status status)
+// A place before the start is none, however near.
+void setPosition(const MediaRemote& remote, const QVariantList& arguments)
 {
-    constexpr const char* texts[] = {"Stopped", "Playing", "Paused"};
-    return texts[static_cast<int>(status)];
+    if (arguments[1].toLongLong() >= 0)
+        remote.SetPosition.raise(mpris::trackOf(arguments[0].value<QDBusObjectPath>().path()),
+                                 millisecondsIn(arguments[1]));
 }
 
-void addText(QVariantMap& map, const QString& key, const Text& text)
+template <Event<> MediaRemote::*event>
+void plainly(const MediaRemote& remote, const QVariantList&)
 {
-    if (!text.empty())
-        map[key] = shown(text);
+    (remote.*event).raise();
 }
 
-QVariantMap metadata(const MediaRemote::Shown& now)
+using enum BehindBoxes;
+
+// clang-format off
+constexpr Command commands[] = {
+    {mpris::player, "Play",        "",   waits, plainly<&MediaRemote::Play>},
+    {mpris::player, "Pause",       "",   waits, plainly<&MediaRemote::Pause>},
+    {mpris::player, "PlayPause",   "",   waits, plainly<&MediaRemote::PlayPause>},
+    {mpris::player, "Stop",        "",   waits, plainly<&MediaRemote::Stop>},
+    {mpris::player, "Next",        "",   waits, plainly<&MediaRemote::Next>},
+    {mpris::player, "Previous",    "",   waits, plainly<&MediaRemote::Previous>},
+    {mpris::player, "Seek",        "x",  waits, seek},
+    {mpris::player, "SetPosition", "ox", waits, setPosition},
+    {mpris::root,   "Raise",       "",   runs,  plainly<&MediaRemote::Raise>},
+    {mpris::root,   "Quit",        "",   runs,  plainly<&MediaRemote::Quit>},
+};
+// clang-format on
+
+// A caller may leave the interface out.
+bool isFor(const QDBusMessage& message, const char* interface)
 {
-    if (now.path.empty())
-        return {{"mpris:trackid",
-                 QVariant::fromValue(QDBusObjectPath("/org/mpris/MediaPlayer2/TrackList/NoTrack"))}};
-    QVariantMap map{{"mpris:trackid", QVariant::fromValue(QDBusObjectPath("/velmora/current"))},
-                    {"mpris:length", static_cast<qlonglong>(now.length) * 1000},
-                    {"xesam:url", QUrl::fromLocalFile(shown(now.path)).toString(QUrl::FullyEncoded)}};
-    addText(map, "xesam:title", now.title);
-    addText(map, "xesam:album", now.album);
-    if (!now.artist.empty())
-        map["xesam:artist"] = QStringList{shown(now.artist)};
-    return map;
+    return message.interface().isEmpty() || message.interface() == interface;
 }
 
-QVariantMap changingProperties(const MediaRemote::Shown& now)
+const Command* commandOf(const QDBusMessage& message)
 {
-    return {{"PlaybackStatus", statusText(now.status)}, {"Metadata", metadata(now)}};
+    for (const auto& command : commands)
+        if (message.member() == command.member && isFor(message, command.interface))
+            return &command;
+    return nullptr;
 }
 
-QVariantMap playerProperties(const MediaRemote::Shown& now)
+struct Question {
+    const char* member;
+    const char* signature;
+};
+
+constexpr Question questions[] = {{"Get", "ss"}, {"GetAll", "s"}, {"Set", "ssv"}};
+
+const Question* questionOf(const QDBusMessage& message)
 {
-    QVariantMap map = changingProperties(now);
-    map.insert({{"Rate", 1.0},
-                {"MinimumRate", 1.0},
-                {"MaximumRate", 1.0},
-                {"Volume", 1.0},
-                {"Position", static_cast<qlonglong>(0)},
-                {"CanGoNext", true},
-                {"CanGoPrevious", true},
-                {"CanPlay", true},
-                {"CanPause", true},
-                {"CanSeek", false},
-                {"CanControl", true}});
-    return map;
+    for (const auto& question : questions)
+        if (message.member() == question.member)
+            return &question;
+    return nullptr;
+}
+
+QDBusMessage refusal(const QDBusMessage& message, QDBusError::ErrorType error, const QString& what)
+{
+    return message.createErrorReply(error, what);
+}
+
+std::int32_t percentOf(double volume)
+{
+    return volume > 0 ? roundToInteger32(std::min(volume, 1.0) * 100) : 0;
 }
 
 class MprisRemote final : public MediaRemote, private QDBusVirtualObject
 {
 public:
-    MprisRemote(const Text& address, Post& post) : address_(shown(address)), post_(post) {}
+    MprisRemote(const Text& address, Post& post) : address_(::shown(address)), post_(post) {}
 
     ~MprisRemote() override
     {
@@ -120,93 +125,131 @@ public:
         QDBusConnection::disconnectFromBus(connectionName);
     }
 
-    void show(const Shown& now) override
+    void show(const Shown& now, std::int32_t place) override
     {
         if (address_.isEmpty())
             return;
+        now_ = now;
+        place_ = place;
         if (!meeting_.joinable())
             meeting_ = std::thread([this] { meetBus(); });
-        if (!met_ || now_ == now)
-            return;
-        now_ = now;
-        tellChange();
+        if (met_ && told_ != now_)
+            tellChange();
+    }
+
+    void jumped(std::int32_t place) override
+    {
+        if (met_)
+            tell(mpris::player, "Seeked", {static_cast<qlonglong>(mpris::microseconds(place))});
     }
 
 private:
-    struct Command {
-        const char* name;
-        Event<> MediaRemote::*event;
-    };
-    // clang-format off
-    static constexpr Command commands[] = {
-        {"Play", &MediaRemote::Play}, {"Pause",    &MediaRemote::Pause},    {"PlayPause", &MediaRemote::PlayPause},
-        {"Stop", &MediaRemote::Stop}, {"Next",     &MediaRemote::Next},     {"Previous",  &MediaRemote::Previous},
-        {"Quit", &MediaRemote::Quit}, {"Raise",    &MediaRemote::Raise},
-    };
-    // clang-format on
-
     // A second copy of the program gets a name of its own.
     void meetBus()
     {
         auto bus = QDBusConnection::connectToBus(address_, connectionName);
-        bus.registerVirtualObject(objectPath, this);
+        bus.registerVirtualObject(mpris::objectPath, this);
         if (!bus.registerService(serviceName))
             bus.registerService(QString("%1.instance%2").arg(serviceName).arg(getpid()));
         met_ = bus.isConnected();
     }
 
+    void tell(const char* interface, const char* signal, const QVariantList& arguments)
+    {
+        auto message = QDBusMessage::createSignal(mpris::objectPath, interface, signal);
+        message.setArguments(arguments);
+        QDBusConnection(connectionName).send(message);
+    }
+
     void tellChange()
     {
-        auto signal = QDBusMessage::createSignal(objectPath, propertiesInterface, "PropertiesChanged");
-        signal << playerInterface << changingProperties(*now_) << QStringList();
-        QDBusConnection(connectionName).send(signal);
+        QVariantMap changes = mpris::changingProperties(now_);
+        const QVariantMap before = told_ ? mpris::changingProperties(*told_) : QVariantMap();
+        for (auto entry = before.begin(); entry != before.end(); ++entry)
+            if (changes[entry.key()] == entry.value())
+                changes.remove(entry.key());
+        told_ = now_;
+        if (!changes.isEmpty())
+            tell(propertiesInterface, "PropertiesChanged", {mpris::player, changes, QStringList()});
     }
 
     QString introspect(const QString& path) const override
     {
-        return path == objectPath ? introspection : QString();
+        return path == mpris::objectPath ? mpris::introspection : QString();
     }
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override
     {
-        if (message.interface() == propertiesInterface)
-            return answerProperties(message, bus);
-        for (const auto& command : commands) {
-            if (message.member() != command.name)
-                continue;
-            bus.send(message.createReply());
-            post_.post([this, command] { carryOut(command); });
-            return true;
-        }
-        return false;
+        Asked.raise();
+        const QString interface = message.interface();
+        if (interface == propertiesInterface)
+            return bus.send(answerAboutProperties(message));
+        if (const auto* command = commandOf(message))
+            return bus.send(answerTo(*command, message));
+        if (isFor(message, mpris::root) || isFor(message, mpris::player))
+            return bus.send(refusal(message, QDBusError::UnknownMethod, message.member()));
+        if (interface.startsWith("org.freedesktop.DBus."))
+            return false; // the library's own to answer
+        return bus.send(refusal(message, QDBusError::UnknownInterface, interface));
     }
 
-    // A box or a dialog has the program to itself, as it has against the mouse: what began behind a file
-    // dialog would hold up its answer.
-    void carryOut(const Command& command)
+    QDBusMessage answerTo(const Command& command, const QDBusMessage& message)
     {
-        if (!QApplication::activeModalWidget())
-            (this->*command.event).raise();
+        if (message.signature() != command.signature)
+            return refusal(message, QDBusError::InvalidArgs, message.signature());
+        if (message.member() == "PlayPause" && now_.path.empty())
+            return refusal(message, QDBusError::Failed, "No file is open");
+        post_.post([this, command, arguments = message.arguments()] {
+            if (command.behindBoxes == runs || !QApplication::activeModalWidget())
+                command.raise(*this, arguments);
+        });
+        return message.createReply();
     }
 
-    bool answerProperties(const QDBusMessage& message, const QDBusConnection& bus) const
+    QDBusMessage answerAboutProperties(const QDBusMessage& message)
     {
-        const QString interface = message.arguments().value(0).toString();
+        const auto* question = questionOf(message);
+        if (!question)
+            return refusal(message, QDBusError::UnknownMethod, message.member());
+        if (message.signature() != question->signature)
+            return refusal(message, QDBusError::InvalidArgs, message.signature());
+        const QString interface = message.arguments()[0].toString();
+        if (interface != mpris::root && interface != mpris::player)
+            return refusal(message, QDBusError::UnknownInterface, interface);
         const QVariantMap all =
-            interface == rootInterface ? rootProperties() : playerProperties(now_.value_or(Shown()));
-        const QString name = message.arguments().value(1).toString();
-        if (message.member() == "GetAll")
-            return bus.send(message.createReply(QVariant(all)));
-        if (message.member() == "Get" && all.contains(name))
-            return bus.send(message.createReply(QVariant::fromValue(QDBusVariant(all[name]))));
-        return bus.send(message.createErrorReply(QDBusError::UnknownProperty, name));
+            interface == mpris::root ? mpris::rootProperties() : mpris::playerProperties(now_, place_);
+        if (question->member == Text("GetAll"))
+            return message.createReply(QVariant(all));
+        const QString name = message.arguments()[1].toString();
+        if (!all.contains(name))
+            return refusal(message, QDBusError::UnknownProperty, name);
+        if (question->member == Text("Set"))
+            return answerToSetting(name, message);
+        return message.createReply(QVariant::fromValue(QDBusVariant(all[name])));
+    }
+
+    QDBusMessage answerToSetting(const QString& name, const QDBusMessage& message)
+    {
+        if (name != "Volume" && name != "Rate")
+            return refusal(message, QDBusError::PropertyReadOnly, name);
+        const QVariant value = message.arguments()[2].value<QDBusVariant>().variant();
+        if (value.typeId() != QMetaType::Double)
+            return refusal(message, QDBusError::InvalidArgs, name);
+        const double wanted = value.toDouble();
+        if (name == "Volume")
+            post_.post([this, wanted] { SetVolume.raise(percentOf(wanted)); });
+        if (name == "Rate" && wanted == 0) // no speed but one is had, and none at all is a pause
+            post_.post([this] { Pause.raise(); });
+        return message.createReply();
     }
 
     QString address_;
     Post& post_;
     std::thread meeting_;
     std::atomic<bool> met_ = false;
-    std::optional<Shown> now_;
+    Shown now_;
+    std::int32_t place_ = 0; // milliseconds
+    std::optional<Shown> told_;
 };
 
 }

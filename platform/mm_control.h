@@ -1,11 +1,12 @@
 // The WAV engine, driven by command words.
 #pragma once
 
+#include "platform/hearing.h"
 #include "platform/text.h"
 
 #include <cstdint>
 
-class MMControl
+class MMControl : public Hearing
 {
 public:
     virtual ~MMControl() = default;
@@ -23,7 +24,8 @@ public:
     virtual void setCommand(const Text& word) = 0;
 
     virtual std::int32_t Length() const = 0;   // milliseconds; 0 with nothing open
-    virtual std::int32_t Position() const = 0; // milliseconds heard; after the end it stays at the length
+    // Milliseconds heard; after the end it stays at the length. Where a `From` waits for its "Play", that.
+    virtual std::int32_t Position() const = 0;
 
     // Milliseconds: where the next "Play" starts. Held to the file's ends.
     virtual void setFrom(std::int32_t position) = 0;

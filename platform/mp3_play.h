@@ -3,11 +3,12 @@
 #pragma once
 
 #include "platform/event.h"
+#include "platform/hearing.h"
 #include "platform/text.h"
 
 #include <cstdint>
 
-class Mp3Play
+class Mp3Play : public Hearing
 {
 public:
     virtual ~Mp3Play() = default;

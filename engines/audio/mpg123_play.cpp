@@ -67,6 +67,9 @@ public:
 
     std::int32_t DecodeLength() const override { return jobs_ ? jobs_->length() : 0; }
 
+    State state() const override { return voice_.state(); }
+    std::int32_t place() const override;
+
 private:
     std::int16_t openDecoding(const Text& path, const Text& output);
     bool openSound(const Text& path);
@@ -196,6 +199,11 @@ std::int16_t Mpg123Play::CurrentFrame() const
         return 0;
     const std::int64_t steps = sound_->timeline.even(voice_.position()) / step();
     return static_cast<std::int16_t>(std::min(steps, mostSteps));
+}
+
+std::int32_t Mpg123Play::place() const
+{
+    return sound_ ? sound_->timeline.milliseconds(voice_.position()) : 0;
 }
 
 float Mpg123Play::FrameDuration() const

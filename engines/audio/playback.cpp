@@ -89,6 +89,12 @@ bool Playback::isPlaying() const
     return state_ != State::idle || owed;
 }
 
+Playback::State Playback::state() const
+{
+    const std::lock_guard lock(mutex_);
+    return state_;
+}
+
 std::int64_t Playback::heardFrame() const
 {
     std::int64_t frame = from_;

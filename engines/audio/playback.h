@@ -35,6 +35,7 @@ public:
     void stop();
     void seek(std::int64_t frame); // held to 0 and the end
     bool isPlaying() const;        // true at least once after a `play` of a loaded source
+    State state() const;
     std::int64_t position() const;
 
     // The engine's thread. Where `serial` is no longer current, these do nothing and are false.

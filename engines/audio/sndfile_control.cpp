@@ -6,6 +6,7 @@
 #include "engines/audio/voice.h"
 #include "files/file_to_open.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace
@@ -24,14 +25,18 @@ public:
     void setCommand(const Text& word) override;
 
     std::int32_t Length() const override { return timeline_.milliseconds(timeline_.frames()); }
-    std::int32_t Position() const override { return timeline_.milliseconds(voice_.position()); }
+    std::int32_t Position() const override;
     void setFrom(std::int32_t position) override { from_ = position; }
+
+    State state() const override;
+    std::int32_t place() const override { return Position(); }
 
 private:
     void open();
     void play();
     void stop() { voice_.pause(); }
     void close();
+    bool waits() const { return from_ && voice_.state() != State::sounding; }
 
     UnopenedFiles& unopened_;
     Text path_;
@@ -55,6 +60,17 @@ void SndfileControl::setCommand(const Text& word)
     for (const auto& command : commands)
         if (word == command.word)
             (this->*command.run)();
+}
+
+std::int32_t SndfileControl::Position() const
+{
+    const std::int64_t frame = waits() ? timeline_.frameAtMilliseconds(*from_) : voice_.position();
+    return timeline_.milliseconds(std::clamp<std::int64_t>(frame, 0, timeline_.frames()));
+}
+
+Hearing::State SndfileControl::state() const
+{
+    return waits() && timeline_.frames() > 0 ? State::halted : voice_.state();
 }
 
 void SndfileControl::open()

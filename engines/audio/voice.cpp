@@ -16,6 +16,13 @@ void Voice::wake()
         worker_->wake();
 }
 
+Hearing::State Voice::state() const
+{
+    constexpr Hearing::State states[] = {Hearing::State::idle, Hearing::State::sounding,
+                                         Hearing::State::halted};
+    return states[static_cast<int>(playback_.state())];
+}
+
 void Voice::load(std::shared_ptr<PcmSource> source, std::int64_t frames)
 {
     playback_.load(std::move(source), frames);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engines/audio/playback.h"
+#include "platform/hearing.h"
 
 #include <functional>
 #include <memory>
@@ -25,6 +26,7 @@ public:
     void seek(std::int64_t frame);
 
     bool isPlaying() const { return playback_.isPlaying(); } // also in a pause
+    Hearing::State state() const;
     std::int64_t position() const { return playback_.position(); }
 
 private:

@@ -213,7 +213,8 @@ TEST_CASE("From is held to the file's ends, used once, and forgotten by Open and
         CAPTURE(c.from);
         parts.openWav(path);
         parts.wav->setFrom(c.from);
-        CHECK(parts.wav->Position() == 0);
+        CHECK(parts.wav->Position() == c.position);
+        CHECK(parts.wav->state() == Hearing::State::halted);
         const auto then = std::chrono::steady_clock::now();
         parts.wav->setCommand("Play");
         CHECK(wentOn(parts.wav->Position(), c.position, then));

@@ -36,6 +36,8 @@ public:
     Text title, artist, album, comment;
     std::int16_t year = 0, genreIndex = -1;
     std::int32_t decodeLength = 0;
+    State heard = State::idle;
+    std::int32_t heardAt = 0; // milliseconds
 
     std::int16_t Open(const Text& path, const Text& output) override
     {
@@ -97,6 +99,8 @@ public:
     Text GenreName(std::int16_t genre) const override { return genre < 0 ? "" : "Genre " + textOf(genre); }
     void WriteTag() override { say("WriteTag"); }
     std::int32_t DecodeLength() const override { return decodeLength; }
+    State state() const override { return heard; }
+    std::int32_t place() const override { return heardAt; }
 
 private:
     void say(const Text& call) const
@@ -124,6 +128,7 @@ public:
     explicit RecordingMMControl(CallLog& log) : log_(log) {}
 
     std::int32_t length = 0, position = 0;
+    State heard = State::idle;
     std::function<void(const Text&)> onCall;
 
     void setDeviceType(const Text& deviceType) override { say("DeviceType = " + deviceType); }
@@ -132,6 +137,8 @@ public:
     std::int32_t Length() const override { return length; }
     std::int32_t Position() const override { return position; }
     void setFrom(std::int32_t from) override { say("From = " + textOf(from)); }
+    State state() const override { return heard; }
+    std::int32_t place() const override { return position; }
 
 private:
     void say(const Text& call) const
@@ -349,6 +356,13 @@ class RecordingRemote final : public MediaRemote
 {
 public:
     Shown shown;
+    std::int32_t place = 0;
+    std::vector<std::int32_t> jumps;
 
-    void show(const Shown& now) override { shown = now; }
+    void show(const Shown& now, std::int32_t at) override
+    {
+        shown = now;
+        place = at;
+    }
+    void jumped(std::int32_t to) override { jumps.push_back(to); }
 };
