@@ -10,6 +10,7 @@
 #include "platform/version.h"
 #include "player/start_up.h"
 #include "program.h"
+#include "toolkit/spoken_names.h"
 #include "toolkit/toolkit.h"
 
 namespace
@@ -31,6 +32,12 @@ AboutFrame::AboutFrame(Program& program) :
     lblDisclaimer.setWordWrap(true);
     updatesandbugfixes.setLocked(true);
     updatesandbugfixes.setGrey();
+    // clang-format off
+    ctl::setSpokenNames(*this, {
+        {SSTab1, "About Velmora"},
+        {updatesandbugfixes, "Updates and bug fixes"},
+    });
+    // clang-format on
     Load.calls(*this, &AboutFrame::Form_Load);
     cmdOK.Click.calls(*this, &AboutFrame::cmdOK_Click);
     cmdSysInfo.Click.calls(*this, &AboutFrame::cmdSysInfo_Click);

@@ -3,6 +3,7 @@
 #include "platform/numbers.h"
 #include "player/start_up.h"
 #include "program.h"
+#include "toolkit/spoken_names.h"
 #include "toolkit/toolkit.h"
 
 editfileinfoform::editfileinfoform(Program& program) :
@@ -17,6 +18,17 @@ editfileinfoform::editfileinfoform(Program& program) :
     txtYear.setMaxLength(4);
     for (const char* genre : genreRows)
         txtGenre.AddItem(genre);
+    // clang-format off
+    ctl::setSpokenNames(*this, {
+        {filelocation, "File"},
+        {txtTitle, "Title"},
+        {txtArtist, "Artist"},
+        {txtAlbum, "Album"},
+        {txtGenre, "Genre"},
+        {txtYear, "Year"},
+        {txtComment, "Comment"},
+    });
+    // clang-format on
     Unload.calls(*this, &editfileinfoform::Form_Unload);
     Terminate.calls(*this, &editfileinfoform::Form_Terminate);
     butSave.Click.calls(*this, &editfileinfoform::butSave_Click);

@@ -8,6 +8,7 @@
 #include "player/first_place.h"
 #include "playlist/play_list_editor.h"
 #include "program.h"
+#include "toolkit/spoken_names.h"
 #include "toolkit/toolkit.h"
 
 namespace
@@ -32,6 +33,13 @@ StartUp::StartUp(Program& program) :
     Image3.setEnabled(false);
     setTones();
     setKeys();
+    // clang-format off
+    ctl::setSpokenNames(*this, {
+        {vslider_img2, "Volume"},
+        {balbar_img2, "Balance"},
+        {posbar_img2, "Position"},
+    });
+    // clang-format on
     wire();
 }
 

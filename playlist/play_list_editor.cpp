@@ -7,6 +7,7 @@
 #include "playlist/list_settings.h"
 #include "playlist/playlist_format.h"
 #include "program.h"
+#include "toolkit/spoken_names.h"
 #include "toolkit/toolkit.h"
 
 namespace
@@ -28,6 +29,12 @@ PlayListEditor::PlayListEditor(Program& program) :
     setCaption("Playlist Editor");
     PlayListFileName.setLocked(true);
     setMenuImage(imgMenu);
+    // clang-format off
+    ctl::setSpokenNames(*this, {
+        {PlayListFileName, "List file"},
+        {PlayListLB, "Songs"},
+    });
+    // clang-format on
     wire();
 }
 

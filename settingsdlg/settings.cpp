@@ -4,6 +4,7 @@
 #include "platform/numbers.h"
 #include "player/start_up.h"
 #include "program.h"
+#include "toolkit/spoken_names.h"
 #include "toolkit/toolkit.h"
 
 Settings::Settings(Program& program) :
@@ -18,6 +19,22 @@ Settings::Settings(Program& program) :
     SetWAVtoCDcdwriter.setToolTipText("automatic selected CD writer");
     SetWAVtoCDwritertype.setEnabled(false);
     SetWAVtoCDcdwrSetwrtype.setEnabled(false);
+    // clang-format off
+    ctl::setSpokenNames(*this, {
+        {SettingsTab, "Settings"},
+        {Drive1, "Drive for the MP3 files"},
+        {Dir1, "Folder for the MP3 files"},
+        {Drive2, "Drive for the decoded files"},
+        {Dir2, "Folder for the decoded files"},
+        {CDDrives, "CD drives"},
+        {SetCDtoWavTB, "Beginning of the file names"},
+        {Drive3, "Drive for the tracks"},
+        {Dir3, "Folder for the tracks"},
+        {SetWAVtoCDcddrives, "CD drives"},
+        {SetWAVtoCDcdwriter, "Detected CD writer"},
+        {SetWAVtoCDwritertype, "CD writer type"},
+    });
+    // clang-format on
     wire();
 }
 

@@ -1,11 +1,20 @@
 #include "toolkit/accessibility.h"
 
+#include "toolkit/form_widget.h"
 #include "toolkit/image_widget.h"
 
 #include <QAccessibleWidget>
+#include <QApplication>
 
 namespace
 {
+
+// What a modal window stands before is out of reach, as it is for the mouse.
+bool isBlocked(const QWidget& widget)
+{
+    const auto* modal = QApplication::activeModalWidget();
+    return modal && modal != widget.window();
+}
 
 class AccessibleImage final : public QAccessibleWidget
 {
@@ -14,31 +23,51 @@ public:
 
     QAccessible::Role role() const override
     {
-        if (widget_.image().use() == ctl::Image::Use::thumb)
+        if (isThumb())
             return QAccessible::Slider;
         return acts() ? QAccessible::Button : QAccessible::Graphic;
     }
 
+    // What only adorns the window, or only catches the pointer, is not there for who has none.
+    QAccessible::State state() const override
+    {
+        QAccessible::State state = QAccessibleWidget::state();
+        if (!isThumb() && !acts() && text(QAccessible::Name).isEmpty())
+            state.invisible = true;
+        return state;
+    }
+
     QStringList actionNames() const override { return acts() ? QStringList{pressAction()} : QStringList(); }
 
+    // The caller is answered first: what a press starts may run for hours.
     void doAction(const QString& action) override
     {
-        if (action == pressAction() && acts() && widget_.isEnabled())
-            widget_.act();
+        if (action != pressAction() || !acts())
+            return;
+        auto* widget = &widget_;
+        const auto press = [widget] {
+            if (widget->isEnabled() && !isBlocked(*widget))
+                widget->act();
+        };
+        QMetaObject::invokeMethod(widget, press, Qt::QueuedConnection);
     }
 
 private:
+    bool isThumb() const { return widget_.image().use() == ctl::Image::Use::thumb; }
     bool acts() const { return widget_.image().Click.isWired(); }
 
     ctl::ImageWidget& widget_;
 };
 
-QAccessibleInterface* imageInterface(const QString&, QObject* object)
+QAccessibleInterface* interfaceOf(const QString&, QObject* object)
 {
-    auto* widget = dynamic_cast<ctl::ImageWidget*>(object);
-    return widget ? new AccessibleImage(*widget) : nullptr;
+    if (auto* image = dynamic_cast<ctl::ImageWidget*>(object))
+        return new AccessibleImage(*image);
+    if (auto* form = dynamic_cast<FormWidget*>(object))
+        return new QAccessibleWidget(form, QAccessible::Window);
+    return nullptr;
 }
 
 }
 
-void makeImagesAccessible() { QAccessible::installFactory(imageInterface); }
+void makeWidgetsAccessible() { QAccessible::installFactory(interfaceOf); }

@@ -1,5 +1,8 @@
-// Pictures for those who cannot see them: a button or a slider by its tool tip's name. For the toolkit's own
-// sources.
+// The toolkit's own widgets for those who cannot see them: windows are windows, pictures are buttons, sliders
+// or nothing. For the toolkit's own sources.
 #pragma once
 
-void makeImagesAccessible();
+// A widget's property: its accessible name is not that of its tool tip.
+inline constexpr const char* hasSpokenName = "hasSpokenName";
+
+void makeWidgetsAccessible();

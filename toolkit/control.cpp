@@ -1,5 +1,6 @@
 #include "toolkit/control.h"
 
+#include "toolkit/accessibility.h"
 #include "toolkit/form.h"
 #include "toolkit/qt_bridge.h"
 #include "toolkit/toolkit.h"
@@ -56,7 +57,7 @@ void Control::setToolTipText(const Text& toolTip)
         return;
     widget_->setToolTip(shown(toolTip));
     // What bears a caption is called by it.
-    if (!qobject_cast<QAbstractButton*>(widget_))
+    if (!qobject_cast<QAbstractButton*>(widget_) && !widget_->property(hasSpokenName).toBool())
         widget_->setAccessibleName(shown(toolTip));
 }
 

@@ -12,6 +12,7 @@ namespace ctl
 Frame::Frame(Container& container, const char* name, Place place, const Text& caption) :
     Control(container, name, place, new QGroupBox(shown(caption)))
 {
+    widget_->setAccessibleName(shown(caption)); // or it would be called by the frame around it
 }
 
 class TabControl::Page final : public Container

@@ -201,6 +201,24 @@ void ListView::currentChanged(const QModelIndex& current, const QModelIndex& pre
         list_.chosen(current.row());
 }
 
+// Neither the pointer nor a key selects, so this is assistive technology. It is answered first: what a click
+// does may take long.
+void ListView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected)
+{
+    QListView::selectionChanged(selected, deselected);
+    if (!quiet_)
+        QMetaObject::invokeMethod(
+            this, [this] { takeSelection(); }, Qt::QueuedConnection);
+}
+
+void ListView::takeSelection()
+{
+    const QModelIndexList rows = selectionModel()->selectedIndexes();
+    const int row = rows.isEmpty() ? -1 : rows.front().row();
+    if (row != list_.ListIndex())
+        list_.chosen(row);
+}
+
 // The left button alone points at rows: any other would change what the next key or button works on.
 void ListView::mousePressEvent(QMouseEvent* event)
 {

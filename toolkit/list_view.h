@@ -49,6 +49,7 @@ protected:
     void changeEvent(QEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -62,6 +63,7 @@ private:
     void measure(int first, int last);
     bool scrolledSideways(int key);
     bool showTip(const QHelpEvent& event);
+    void takeSelection();
 
     ListBox& list_;
     RowWidths widths_;

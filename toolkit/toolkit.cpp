@@ -18,7 +18,7 @@ struct Toolkit::Parts final : QObject, Post {
     {
         Q_INIT_RESOURCE(skin);
         QCoreApplication::instance()->installEventFilter(this);
-        makeImagesAccessible();
+        makeWidgetsAccessible();
     }
 
     bool eventFilter(QObject* object, QEvent* event) override

@@ -3,6 +3,7 @@
 #include "player/start_up.h"
 #include "program.h"
 #include "settingsdlg/settings.h"
+#include "toolkit/spoken_names.h"
 #include "toolkit/toolkit.h"
 
 Mp3Encoder::Mp3Encoder(Program& program) :
@@ -17,6 +18,27 @@ Mp3Encoder::Mp3Encoder(Program& program) :
     EncWAVtoCDdragndrop.setGrey();
     EncWAVtoCDdragndrop.setToolTipText("Drag And Drop Wave-Files Here (44KHz, 16bit, Stereo)");
     EncWAVtoCDdragndrop.acceptFiles();
+    // clang-format off
+    ctl::setSpokenNames(*this, {
+        {EncDecCDWAVtab, "Workbench"},
+        {Drive1, "Drive of the wave files"},
+        {Dir1, "Folder of the wave files"},
+        {File1, "Wave files"},
+        {txtEncNowEnc, "File that is encoded"},
+        {ProgressBarEnc, "Encoding"},
+        {Drive2, "Drive of the MP3 files"},
+        {Dir2, "Folder of the MP3 files"},
+        {File2, "MP3 files"},
+        {txtEncNowDec, "File that is decoded"},
+        {ProgressBarDec, "Decoding"},
+        {TracksList, "CD tracks"},
+        {EncCDtoWAVcommands, "Commands"},
+        {ProgressBarCDtoWAVtt, "This track"},
+        {ProgressBarCDtoWAVat, "All selected tracks"},
+        {EncWAVtoCDdragndrop, "Files for the CD"},
+        {ProgressBarWAVtoCD, "Writing the CD"},
+    });
+    // clang-format on
     wire();
 }
 

@@ -1,8 +1,14 @@
+#include "info/about_frame.h"
+#include "info/edit_file_info_form.h"
+#include "info/error.h"
+#include "settingsdlg/settings.h"
 #include "support/face.h"
 #include "support/player.h"
 #include "toolkit/toolkit.h"
+#include "workbench/mp3_encoder.h"
 
 #include <QAccessible>
+#include <QDialog>
 #include <doctest/doctest.h>
 
 namespace
@@ -18,9 +24,11 @@ QAccessibleInterface& heard(Form& form, const ctl::Control& control)
 
 QStringList actionsOf(QAccessibleInterface& interface) { return interface.actionInterface()->actionNames(); }
 
+// The caller has its answer before the press acts.
 void press(QAccessibleInterface& interface)
 {
     interface.actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    QCoreApplication::processEvents();
 }
 
 struct Row {
@@ -38,7 +46,9 @@ TEST_CASE("An image that acts is a button with its tool tip's name; its press cl
     CHECK(key.role() == QAccessible::Button);
     CHECK(key.text(QAccessible::Name) == "Press me");
     CHECK(actionsOf(key) == QStringList{QAccessibleActionInterface::pressAction()});
-    press(key);
+    key.actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    CHECK(face.told().empty());
+    QCoreApplication::processEvents();
     CHECK(face.told() == "key click\n");
 }
 
@@ -118,4 +128,93 @@ TEST_CASE("Every image of the main window that acts can be reached by its name")
     window.Image3.setEnabled(true);
     press(heard(window, window.Image3));
     CHECK(window.paused_flag == 1);
+}
+
+TEST_CASE("A press on an image that a box stands before, or that was disabled meanwhile, does nothing")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    {
+        QDialog box;
+        box.setModal(true);
+        box.show();
+        press(heard(face, face.key));
+    }
+    heard(face, face.key).actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    face.key.setEnabled(false);
+    QCoreApplication::processEvents();
+    CHECK(face.told().empty());
+}
+
+TEST_CASE("A window is a window with its title, and what only adorns it is not there")
+{
+    Player player;
+    player.window.Show();
+    auto& window = *QAccessible::queryAccessibleInterface(player.window.page());
+    CHECK(window.role() == QAccessible::Window);
+    CHECK(window.text(QAccessible::Name).toStdString() == player.window.Caption());
+    CHECK(heard(player.window, player.window.TitleBarImg).state().invisible);
+    CHECK_FALSE(heard(player.window, player.window.Image1).state().invisible);
+    CHECK_FALSE(heard(player.window, player.window.posbar_img2).state().invisible);
+}
+
+TEST_CASE("The bars keep their names while their tool tips tell the value")
+{
+    Player player;
+    player.window.vslider_tim1_Timer();
+    player.window.balbar_tim1_Timer();
+    CHECK(heard(player.window, player.window.vslider_img2).text(QAccessible::Name) == "Volume");
+    CHECK(heard(player.window, player.window.balbar_img2).text(QAccessible::Name) == "Balance");
+    CHECK(heard(player.window, player.window.posbar_img2).text(QAccessible::Name) == "Position");
+}
+
+TEST_CASE("Every control that takes keys has a name")
+{
+    Player player;
+    Program& program = player.program;
+    for (Form* form : std::initializer_list<Form*>{&player.window, &player.list(), &program.mp3Encoder(),
+                                                   &program.settings(), &program.editFileInfoForm(),
+                                                   &program.aboutFrame(), &program.error()})
+        for (auto* widget : form->page()->findChildren<QWidget*>()) {
+            const Text name = widget->objectName().toStdString();
+            if (name.empty() || name.starts_with("qt_") || widget->focusPolicy() == Qt::NoFocus)
+                continue;
+            CAPTURE(form->Name());
+            CAPTURE(name);
+            CHECK(QAccessible::queryAccessibleInterface(widget)->text(QAccessible::Name) != "");
+        }
+}
+
+TEST_CASE("A frame has its own name within another one")
+{
+    Player player;
+    auto& workbench = player.program.mp3Encoder();
+    CHECK(heard(workbench, workbench.frmEncCDtoWAVprogress).text(QAccessible::Name) == "Progress");
+    CHECK(heard(workbench, workbench.EncCDtoWAVprogressThisTrack).text(QAccessible::Name) == "This Track");
+}
+
+TEST_CASE("A row selected by assistive technology is the list's selection")
+{
+    Player player;
+    auto& list = player.list().PlayListLB;
+    for (const char* row : {"/a.mp3", "/b.mp3", "/c.mp3"})
+        list.AddItem(row);
+    int clicks = 0;
+    list.Click.calls([&] { ++clicks; });
+    auto* table = heard(player.list(), list).tableInterface();
+    REQUIRE(table != nullptr);
+    table->selectRow(1);
+    CHECK(clicks == 0); // the caller is answered first
+    QCoreApplication::processEvents();
+    CHECK(list.ListIndex() == 1);
+    CHECK(clicks == 1);
+    table->selectRow(2);
+    table->selectRow(0);
+    QCoreApplication::processEvents();
+    CHECK(list.ListIndex() == 0);
+    CHECK(clicks == 2);
+    list.setListIndex(2);
+    list.RemoveItem(0);
+    QCoreApplication::processEvents();
+    CHECK(list.ListIndex() == 1);
 }
