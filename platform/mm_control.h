@@ -23,7 +23,7 @@ public:
     // Each is executed at once, harmless with nothing open, and reports nothing; other words do nothing.
     virtual void setCommand(const Text& word) = 0;
 
-    virtual std::int32_t Length() const = 0;   // milliseconds; 0 with nothing open
+    virtual std::int32_t Length() const = 0; // milliseconds; 0 with nothing open
     // Milliseconds heard; after the end it stays at the length. Where a `From` waits for its "Play", that.
     virtual std::int32_t Position() const = 0;
 

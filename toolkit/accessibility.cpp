@@ -5,6 +5,7 @@
 
 #include <QAccessibleWidget>
 #include <QApplication>
+#include <QFrame>
 
 namespace
 {
@@ -65,6 +66,8 @@ QAccessibleInterface* interfaceOf(const QString&, QObject* object)
         return new AccessibleImage(*image);
     if (auto* form = dynamic_cast<FormWidget*>(object))
         return new QAccessibleWidget(form, QAccessible::Window);
+    if (object->metaObject() == &QFrame::staticMetaObject) // a line, which would pass for a window
+        return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Separator);
     return nullptr;
 }
 
