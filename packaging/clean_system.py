@@ -41,7 +41,8 @@ def make_base(base):
 
 class CleanSystem:
     def __init__(self, folder):
-        self.base, self.layer, self.root = folder / "base", folder / "layer", folder / "root"
+        self.base, self.layer = folder / "base", folder / f"layer-{os.getpid()}"
+        self.root = self.layer / "root"
         make_base(self.base)
 
     def __enter__(self):

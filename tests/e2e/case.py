@@ -66,6 +66,15 @@ class Case(unittest.TestCase):
     def wait_label(self, place, text):
         wait_for(lambda: self.label(place) == text, f"the label reads {text!r}")
 
+    def clock(self):
+        """What the player's clock says, in seconds."""
+        minutes, seconds = self.label(places.TIME).split(":")
+        return 60 * int(minutes) + int(seconds)
+
+    def wait_clock(self, seconds):
+        """A busy machine may miss the one second in which the clock says just that."""
+        wait_for(lambda: self.clock() >= seconds, f"the clock has come to {seconds} s")
+
     def show_list(self):
         self.app.menu(self.main, "f", "l")
         return self.app.window(LIST)

@@ -46,7 +46,7 @@ class Tour(case.Case):
 def play(tour):
     tour.play(tour.song, 1)
     tour.wait_label(places.TITLE, "Tour")
-    tour.wait_label(places.TIME, "0:02")
+    tour.wait_clock(2)
     tour.picture("1-playing")
     tour.assertIsNotNone(sounds.begin(tour.recording.frames(), tour.heard))
 
@@ -56,7 +56,7 @@ def pause(tour):
     tour.app.click(tour.main, places.PAUSE)
     wait_for(lambda: not any(tour.recording.frames()[-2 * sounds.RATE // 5:]), "it is silent")
     tour.app.click(tour.main, places.PAUSE)
-    tour.wait_label(places.TIME, "0:04")
+    tour.wait_clock(4)
     whole = wait_for(lambda: sounds.pieces(tour.recording.frames(), tour.heard), "the file was heard whole")
     return f"{len(whole[0])} pieces, none of {len(tour.heard) // 2} frames lost or doubled"
 
@@ -64,9 +64,9 @@ def pause(tour):
 @step("seek by the position bar")
 def seek(tour):
     tour.app.click(tour.main, places.PLAY)
-    tour.wait_label(places.TIME, "0:01")
+    tour.wait_clock(1)
     tour.app.drag(tour.main, tour.app.thumb(places.POSITION_TRACK), (137, 0))
-    wait_for(lambda: int(tour.label(places.TIME)[2:]) >= 6, "the clock stands past the middle")
+    tour.wait_clock(6)
     tour.picture("2-sought")
     tour.app.click(tour.main, places.STOP)
     tour.wait_label(places.TIME, "0:00")
