@@ -9,6 +9,9 @@ import shutil
 import stat
 import subprocess
 
+# A system that is thrown away need not reach the disk.
+QUICKLY = ("-y", "--no-install-recommends", "-o", "Dpkg::Options::=--force-unsafe-io")
+
 # Shared with the machine: devices, processes, and the folder where display, bus and sound server meet.
 SHARED = ("dev", "proc", "tmp")
 
@@ -70,10 +73,10 @@ class CleanSystem:
         return run(*self.command(*command), env=environment, capture_output=True, text=True).stdout
 
     def install(self, *what):
-        return self.run("apt-get", "install", "-y", "--no-install-recommends", *what)
+        return self.run("apt-get", "install", *QUICKLY, *what)
 
     def satisfy(self, relations):
-        return self.run("apt-get", "satisfy", "-y", "--no-install-recommends", relations)
+        return self.run("apt-get", "satisfy", *QUICKLY, relations)
 
     def picture(self):
         """Every file that is there, and what it holds; but the package tools' books and what is shared."""
