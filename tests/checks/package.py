@@ -59,9 +59,24 @@ def bus_names():
     }
 
 
+def needs():
+    """The libraries to build with."""
+    development = r"(?<![\w-])([a-z0-9][a-z0-9.-]*-dev)(?![\w-])"
+    script = re.search(r'packages_build="(.*?)"', text("scripts/packages"), re.S)[1]
+    paper = text("docs/building.md").split("For the tests")[0]
+    return {
+        "scripts/packages": set(re.findall(development, script)),
+        "debian/control": found("debian/control", r"^ (\S+-dev),$"),
+        "docs/building.md": set(re.findall(development, paper)),
+    }
+
+
 def names():
     """One fact, the same at every place that has to have it."""
     status = 0
+    if len({frozenset(stated) for stated in needs().values()}) != 1:
+        status = 1
+        print("Not the same libraries to build with everywhere:", *(f"  {place}: {sorted(said)}" for place, said in needs().items()), sep="\n")
     for what, stated in (("version", versions()), ("id", ids()), ("name on the bus", bus_names())):
         if len(set().union(*stated.values())) != 1 or not all(stated.values()):
             status = 1
