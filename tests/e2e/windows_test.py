@@ -77,6 +77,17 @@ class Windows(case.Case):
         self.app.window(case.MAIN)
         self.app.window(case.LIST)
 
+    def test_a_drag_that_a_closing_window_cuts_off_leaves_the_pointer_free(self):
+        self.list = self.show_list()
+        x, y = self.app.grip(self.list, TITLE)
+        self.app.pull((x, y), (x + 30, y + 20))
+        self.desk.run("xdotool", "key", "alt+F4")
+        self.app.gone(case.LIST)
+        self.app.release()
+        self.list = self.show_list()
+        self.drag_list_to(self.beside("bottom", 9))
+        self.settled(self.list, self.beside("bottom", 0))
+
     def noted(self):
         place = [self.app.setting("Position StartUp Window", key) for key in ("Left", "Top")]
         return place if all(place) else None
