@@ -4,6 +4,7 @@ import shutil
 import signal
 
 import case
+import places
 from desk import Velmora, wait_for
 
 
@@ -30,6 +31,12 @@ class SecondStart(case.Case):
         wait_for(lambda: self.active() == self.main, "the main window is the active one")
         self.assertEqual(len(self.app.windows(case.MAIN)), 1)
         self.assert_alive()
+
+    def test_a_minimised_one_comes_back(self):
+        self.app.click(self.main, places.MINIMIZE)
+        self.app.gone(case.MAIN)
+        self.assertEqual(self.second(), (0, ""))
+        self.app.window(case.MAIN)
 
     def test_a_dialog_that_has_the_program_to_itself_comes_to_the_front(self):
         other = self.show_list()
