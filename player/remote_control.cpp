@@ -33,7 +33,7 @@ void RemoteControl::wire()
     remote_->Seek.calls([this](std::int64_t by) { seek(by); });
     remote_->SetPosition.calls([this](std::uint64_t of, std::int64_t place) { setPosition(of, place); });
     remote_->SetVolume.calls([this](std::int32_t percent) { setVolume(percent); });
-    remote_->Raise.calls([this] { raise(); });
+    remote_->Raise.calls([this] { program_.raise(); });
     remote_->Quit.calls([this] { player_.closeVLMimg_Click(); });
 }
 
@@ -204,10 +204,4 @@ void RemoteControl::setVolume(std::int32_t percent)
     const Twips travel = player_.vslider_bg.Width() - player_.vslider_img2.Width();
     player_.vslider_bg_DragDrop(player_.vslider_img2, placeOfPercent(percent, travel), 0);
     show();
-}
-
-void RemoteControl::raise()
-{
-    player_.setWindowState(Form::normal);
-    player_.Show();
 }

@@ -42,7 +42,6 @@ private:
     void moveTo(std::int32_t place);
     void moveWavTo(std::int32_t place);
     void setVolume(std::int32_t percent);
-    void raise();
 
     Program& program_;
     StartUp& player_;

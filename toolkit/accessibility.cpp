@@ -2,10 +2,13 @@
 
 #include "toolkit/form_widget.h"
 #include "toolkit/image_widget.h"
+#include "toolkit/slider.h"
 
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QFrame>
+#include <algorithm>
+#include <cmath>
 
 namespace
 {
@@ -17,7 +20,7 @@ bool isBlocked(const QWidget& widget)
     return modal && modal != widget.window();
 }
 
-class AccessibleImage final : public QAccessibleWidget
+class AccessibleImage final : public QAccessibleWidget, private QAccessibleValueInterface
 {
 public:
     explicit AccessibleImage(ctl::ImageWidget& widget) : QAccessibleWidget(&widget), widget_(widget) {}
@@ -38,6 +41,13 @@ public:
         return state;
     }
 
+    void* interface_cast(QAccessible::InterfaceType type) override
+    {
+        if (type == QAccessible::ValueInterface)
+            return slider() ? static_cast<QAccessibleValueInterface*>(this) : nullptr;
+        return QAccessibleWidget::interface_cast(type);
+    }
+
     QStringList actionNames() const override { return acts() ? QStringList{pressAction()} : QStringList(); }
 
     // The caller is answered first: what a press starts may run for hours.
@@ -54,6 +64,24 @@ public:
     }
 
 private:
+    QVariant currentValue() const override { return slider()->Value(); }
+    QVariant minimumValue() const override { return slider()->Min(); }
+    QVariant maximumValue() const override { return slider()->Max(); }
+    QVariant minimumStepSize() const override { return 1; }
+
+    // As with a press, the caller is answered first.
+    void setCurrentValue(const QVariant& value) override
+    {
+        const double held = std::clamp(value.toDouble(), double(slider()->Min()), double(slider()->Max()));
+        auto* widget = &widget_;
+        const auto move = [widget, wanted = static_cast<std::int32_t>(std::lround(held))] {
+            if (widget->isEnabled() && !isBlocked(*widget))
+                widget->image().slider()->moveByUser(wanted);
+        };
+        QMetaObject::invokeMethod(widget, move, Qt::QueuedConnection);
+    }
+
+    ctl::Slider* slider() const { return widget_.image().slider(); }
     bool isThumb() const { return widget_.image().use() == ctl::Image::Use::thumb; }
     bool acts() const { return widget_.image().Click.isWired(); }
 

@@ -89,6 +89,17 @@ class ScreenReader(case.Case):
         playing = lambda: self.desk.run("playerctl", "--player=velmora", "metadata", "title").strip()
         wait_for(lambda: playing() == "song1.wav", "the selected row plays")
 
+    def test_the_volume_is_set_and_read_back(self):
+        for name, least in (("Volume", 0), ("Balance", -100), ("Position", 0)):
+            self.assertEqual(self.value(name)[1:], [least, 100, 1])
+        self.client("value", case.MAIN, "Volume", 37)
+        self.assertEqual(self.value("Volume")[0], 37)
+        self.assertEqual(self.desk.run("playerctl", "--player=velmora", "volume").strip(), "0.370000")
+        self.client("value", case.MAIN, "Volume", 1000)
+        self.assertEqual(self.value("Volume")[0], 100)
+        self.client("value", case.MAIN, "Balance", -20)
+        self.assertEqual(self.value("Balance")[0], -20)
+
 
 if __name__ == "__main__":
     case.main()

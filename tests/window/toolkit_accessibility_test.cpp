@@ -218,3 +218,27 @@ TEST_CASE("A row selected by assistive technology is the list's selection")
     QCoreApplication::processEvents();
     CHECK(list.ListIndex() == 1);
 }
+
+TEST_CASE("A bar is a slider: its value can be read and set as the user moves it")
+{
+    Player player;
+    auto* volume = heard(player.window, player.window.vslider_img2).valueInterface();
+    REQUIRE(volume != nullptr);
+    CHECK(volume->minimumValue() == 0);
+    CHECK(volume->maximumValue() == 100);
+    CHECK(volume->minimumStepSize() == 1);
+    volume->setCurrentValue(37.4);
+    CHECK(player.platform.log.count("Mp3Player.SetVolume(37, 37)") == 0); // the caller is answered first
+    QCoreApplication::processEvents();
+    CHECK(player.platform.log.count("Mp3Player.SetVolume(37, 37)") == 1);
+    CHECK(volume->currentValue() == 37);
+    for (const double far : {1e30, -1e30}) {
+        volume->setCurrentValue(far);
+        QCoreApplication::processEvents();
+        CHECK(volume->currentValue() == (far > 0 ? 100 : 0));
+    }
+    auto* balance = heard(player.window, player.window.balbar_img2).valueInterface();
+    CHECK(balance->minimumValue() == -100);
+    CHECK(heard(player.window, player.window.posbar_img2).valueInterface() != nullptr);
+    CHECK(heard(player.window, player.window.Image1).valueInterface() == nullptr);
+}
