@@ -186,9 +186,9 @@ std::optional<Mp3Place> findMp3(const std::shared_ptr<const InputFile>& file)
     if (!place)
         return std::nullopt;
     FrameWalk walk(file, place->end);
-    place->isShort = walk.isFilledFrom(place->start);
-    const auto first =
-        place->isShort ? std::optional(place->start) : walk.findStream(place->start, searchRange);
+    const bool isFilled = walk.isFilledFrom(place->start);
+    const auto first = isFilled ? std::optional(place->start) : walk.findStream(place->start, searchRange);
+    place->isShort = isFilled && !walk.headerAt(place->start)->isFreeFormat();
     place->begin = first.value_or(0);
     return first ? place : std::nullopt;
 }

@@ -17,7 +17,7 @@ struct Mp3Place {
     std::int64_t begin = 0; // byte of the first frame, an Info frame included
     std::int64_t end = 0;   // byte behind the last frame; tags behind it are left out
     bool isWrapped = false; // as the sound of a WAV file, which has no room for an MP3 file's tags
-    bool isShort = false;   // fewer frames fill it than a decoder asks for by itself
+    bool isShort = false;   // a few frames fill it, which a decoder must take without looking further
 };
 
 // Nothing for a file that is no MP3 file: another container, or one in which no four frames of Layer III

@@ -195,6 +195,17 @@ TEST_CASE("A frame that fills the sound alone is an MP3 file for all")
     CHECK(takersOfBytes(parts, withInfoFrame(0)) == "");
 }
 
+TEST_CASE("A short file of free format is decoded whole")
+{
+    SoundParts parts;
+    Text frames;
+    for (int i = 0; i < 10; ++i)
+        frames += Text("\xFF\xFB\x00\x64", 4) + Text(900, '\0');
+    CHECK(takersOfBytes(parts, frames) == "pdt");
+    codec::decodeFile(parts.folder / "a.mp3", parts.folder / "a.wav", 1);
+    CHECK(readWav(parts.folder / "a.wav").frames() == 10 * 1152);
+}
+
 TEST_CASE("Frames in a WAV file play and decode, and take no tag")
 {
     SoundParts parts;
