@@ -11,9 +11,7 @@
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QLineEdit>
-#include <QScreen>
 #include <QStandardPaths>
-#include <QWindow>
 #include <algorithm>
 
 namespace
@@ -90,30 +88,10 @@ QString nameOf(const QModelIndexList& rows)
 class FileDialog final : public QFileDialog
 {
 public:
-    FileDialog()
+    FileDialog() : QFileDialog(QApplication::activeWindow())
     {
         setIconProvider(&filePictures());
         setOption(DontUseCustomDirectoryIcons);
-        setOption(HideNameFilterDetails);
-        setWindowModality(Qt::ApplicationModal);
-    }
-
-    // As it was before its first use, in front of the window that is active.
-    void renew()
-    {
-        if (auto* name = findChild<QLineEdit*>("fileNameEdit"))
-            name->clear();
-        if (auto* files = findChild<QAbstractItemView*>("listView"))
-            files->selectionModel()->clear();
-        if (const auto* window = QApplication::activeWindow(); window && window != this)
-            standBefore(*window);
-    }
-
-    // Looks at no folder while it is hidden.
-    void rest()
-    {
-        if (auto* model = findChild<QFileSystemModel*>())
-            model->setRootPath({});
     }
 
     void accept() override
@@ -126,17 +104,6 @@ public:
     }
 
 private:
-    void standBefore(const QWidget& window)
-    {
-        winId(); // from now on there is a window that can stand before another
-        windowHandle()->setTransientParent(window.window()->windowHandle());
-        QRect place = rect();
-        place.moveCenter(window.frameGeometry().center());
-        const QRect screen = window.screen()->availableGeometry();
-        move(std::max(std::min(place.left(), screen.right() - width()), screen.left()),
-             std::max(std::min(place.top(), screen.bottom() - height()), screen.top()));
-    }
-
     static void settle(const QLineEdit& name, QItemSelectionModel& selection)
     {
         const QSignalBlocker quiet(selection);
@@ -151,42 +118,24 @@ private:
 
 }
 
-QtOpenSaveDialog::QtOpenSaveDialog() = default;
-QtOpenSaveDialog::~QtOpenSaveDialog() = default;
-
-// A dialog that opens while the kept window still shows another one has a window of its own.
-void QtOpenSaveDialog::withWindow(const std::function<void(QFileDialog&)>& choose)
-{
-    if (!kept_)
-        kept_ = std::make_unique<FileDialog>();
-    const auto second = kept_->isVisible() ? std::make_unique<FileDialog>() : nullptr;
-    auto* dialog = second ? second.get() : static_cast<FileDialog*>(kept_.get());
-    const auto rest = [](FileDialog* used) { used->rest(); };
-    const std::unique_ptr<FileDialog, decltype(rest)> resting(dialog);
-    dialog->renew();
-    choose(*dialog);
-}
-
 void QtOpenSaveDialog::ShowOpen()
 {
-    withWindow([this](QFileDialog& dialog) {
-        dialog.setAcceptMode(QFileDialog::AcceptOpen);
-        if (flags_ & severalFiles)
-            dialog.setFileMode(QFileDialog::ExistingFiles);
-        else
-            dialog.setFileMode(flags_ & fileMustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
-        show(dialog);
-    });
+    FileDialog dialog;
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    if (flags_ & severalFiles)
+        dialog.setFileMode(QFileDialog::ExistingFiles);
+    else
+        dialog.setFileMode(flags_ & fileMustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    show(dialog);
 }
 
 void QtOpenSaveDialog::ShowSave()
 {
-    withWindow([this](QFileDialog& dialog) {
-        dialog.setAcceptMode(QFileDialog::AcceptSave);
-        dialog.setFileMode(QFileDialog::AnyFile);
-        dialog.setOption(QFileDialog::DontConfirmOverwrite, (flags_ & askBeforeOverwriting) == 0);
-        show(dialog);
-    });
+    FileDialog dialog;
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, (flags_ & askBeforeOverwriting) == 0);
+    show(dialog);
 }
 
 void QtOpenSaveDialog::show(QFileDialog& dialog)
@@ -194,11 +143,13 @@ void QtOpenSaveDialog::show(QFileDialog& dialog)
     const QStringList names = nameFilters(dialogFilters(filter_));
     dialog.setWindowTitle(shown(title_));
     dialog.setNameFilters(names);
+    dialog.setOption(QFileDialog::HideNameFilterDetails);
     if (filterIndex_ >= 1 && filterIndex_ <= names.size())
         dialog.selectNameFilter(names[filterIndex_ - 1]);
     dialog.setDirectory(folder_.empty() ? firstFolder() : shown(folder_));
     if (!initialName_.empty())
         dialog.selectFile(shown(initialName_));
+    dialog.setWindowModality(Qt::ApplicationModal);
 
     paths_.clear();
     bool accepted = dialog.exec() == QDialog::Accepted;

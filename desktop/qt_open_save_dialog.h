@@ -2,19 +2,11 @@
 
 #include "platform/open_save_dialog.h"
 
-#include <functional>
-#include <memory>
-
 class QFileDialog;
 
-// The window is made for the first dialog and kept for those that follow: the window library gives back only
-// a part of what one costs.
 class QtOpenSaveDialog final : public OpenSaveDialog
 {
 public:
-    QtOpenSaveDialog();
-    ~QtOpenSaveDialog() override;
-
     void setDialogTitle(const Text& title) override { title_ = title; }
     void setCancelError(bool fails) override { cancelError_ = fails; }
     void setFilter(const Text& filter) override { filter_ = filter; }
@@ -29,11 +21,9 @@ public:
     void GetFileList(Text& folder, std::vector<Text>& names, std::int32_t& count) const override;
 
 private:
-    void withWindow(const std::function<void(QFileDialog&)>& choose);
     void show(QFileDialog& dialog);
     void take(QFileDialog& dialog);
 
-    std::unique_ptr<QFileDialog> kept_;
     Text title_;
     Text filter_;
     Text initialName_;
