@@ -159,7 +159,7 @@ TEST_CASE("REFRESH sees a disc image that was recorded since the window was open
     REQUIRE(writer->Write() == 0);
     REQUIRE(heard.end());
     r.workbench.butRefresh.Click.raise();
-    CHECK(r.tracks() == std::vector<Text>{"Track 01    5.00    50.5  MB"});
+    CHECK(r.tracks() == std::vector<Text>{"Track 01    05.00    50.5  MB"});
 }
 
 TEST_CASE("A drive's number stays its own when REFRESH finds another image")
