@@ -88,7 +88,7 @@ private:
     bool isDecoding_ = false;
 
     Text levelsFile_;
-    EditedTag tag_;
+    tags::EditedTag tag_;
 };
 
 Mpg123Play::Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes,
@@ -226,7 +226,7 @@ void Mpg123Play::keepTagOf(const Text& path)
 // A genre without a number is asked for by none.
 Text Mpg123Play::GenreName(std::int16_t genre) const
 {
-    return genre == -1 ? tag_.fields().genreName : genreName(genre);
+    return genre == -1 ? tag_.fields().genreName : tags::genreName(genre);
 }
 
 void Mpg123Play::WriteTag()

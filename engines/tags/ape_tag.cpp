@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <utility>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -172,4 +175,6 @@ Text apeWith(ApeTag& tag, const std::vector<FieldChange>& changes)
     const Text footer = tag.bytes->readAll(tag.size - endSize, endSize);
     return (header.empty() ? "" : renewed(header, items.bytes.size(), items.count)) + items.bytes +
            renewed(footer, items.bytes.size(), items.count);
+}
+
 }

@@ -8,6 +8,9 @@
 #include <optional>
 #include <vector>
 
+namespace tags
+{
+
 struct ApeItem {
     Text key;
     std::uint64_t at = 0; // in the tag
@@ -33,3 +36,5 @@ HeldTag readApe(ApeTag& tag);
 
 // The whole tag after `changes`; every other item stays byte for byte.
 Text apeWith(ApeTag& tag, const std::vector<FieldChange>& changes);
+
+}

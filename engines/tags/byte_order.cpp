@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -55,4 +58,6 @@ Text toSyncSafe(std::uint32_t number)
     for (auto at = bytes.rbegin(); at != bytes.rend(); ++at, number >>= 7)
         *at = static_cast<char>(number & 0x7F);
     return bytes;
+}
+
 }

@@ -7,6 +7,9 @@
 #include <cstdint>
 #include <string_view>
 
+namespace tags
+{
+
 // The most significant byte first; `bytes` holds at most four.
 std::uint32_t fromBigEndian(std::string_view bytes);
 Text toBigEndian(std::uint32_t number, std::size_t count);
@@ -20,3 +23,5 @@ constexpr std::uint32_t syncSafeLimit = 1u << 28;
 bool isSyncSafe(std::string_view bytes);
 std::uint32_t fromSyncSafe(std::string_view bytes);
 Text toSyncSafe(std::uint32_t number);
+
+}

@@ -4,6 +4,9 @@
 
 #include <utility>
 
+namespace tags
+{
+
 void EditedTag::open(const Text& path) { take(path, true); }
 
 void EditedTag::openForReading(const Text& path) { take(path, false); }
@@ -49,4 +52,6 @@ Text EditedTag::write()
         return "The file is one of Velmora's own.";
     isWritten_ = true;
     return writeTag(path_, wanted, notes_);
+}
+
 }

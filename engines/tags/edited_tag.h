@@ -10,6 +10,9 @@
 
 #include <optional>
 
+namespace tags
+{
+
 class EditedTag
 {
 public:
@@ -41,3 +44,5 @@ private:
     bool isWritten_ = false;
     mutable std::optional<Tag> tag_;
 };
+
+}

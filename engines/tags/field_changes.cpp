@@ -3,6 +3,9 @@
 #include "engines/tags/genre.h"
 #include "engines/tags/tag_text.h"
 
+namespace tags
+{
+
 namespace
 {
 
@@ -97,4 +100,6 @@ void addMissing(Tag& tag, const Tag& other)
 bool keepsGenreName(const Tag& wanted, const Tag& shown)
 {
     return !shown.genreName.empty() && (wanted.genreIndex < 0 || wanted.genreIndex == noName);
+}
+
 }

@@ -6,6 +6,9 @@
 #include <functional>
 #include <vector>
 
+namespace tags
+{
+
 enum class Field { Title, Artist, Album, Year, Genre, Comment };
 
 // A tag as one format holds it in a file.
@@ -32,3 +35,5 @@ bool keepsGenreName(const Tag& wanted, const Tag& shown);
 
 // Fields that `tag` does not have are taken from `other`.
 void addMissing(Tag& tag, const Tag& other);
+
+}

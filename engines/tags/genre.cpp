@@ -3,6 +3,9 @@
 #include <array>
 #include <charconv>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -126,4 +129,6 @@ Text genreWithoutNumber(std::string_view text)
     text = withoutBlanks(text);
     text = withoutBlanks(text.substr(bracketsIn(text)));
     return digitsIn(text) == text.size() ? Text() : Text(text);
+}
+
 }

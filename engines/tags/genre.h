@@ -6,6 +6,9 @@
 #include <cstdint>
 #include <string_view>
 
+namespace tags
+{
+
 // "" for -1, "Unknown" for 80, the usual names otherwise; "" for a number without a name.
 Text genreName(std::int16_t genre);
 
@@ -16,3 +19,5 @@ std::int16_t genreNumber(std::string_view text);
 
 // The name of a genre in a text that stands for no number; "" where it names none.
 Text genreWithoutNumber(std::string_view text);
+
+}

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -117,3 +120,5 @@ Text id3v1With(const Tag& wanted, const Tag& shown, std::string_view block)
 }
 
 bool fitsId3v1(const Tag& tag) { return readId3v1(id3v1With(tag, Tag(), "")) == tag; }
+
+}

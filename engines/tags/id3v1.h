@@ -6,6 +6,9 @@
 #include <cstddef>
 #include <string_view>
 
+namespace tags
+{
+
 constexpr std::size_t id3v1Size = 128;
 
 bool isId3v1(std::string_view block);
@@ -20,3 +23,5 @@ Text id3v1With(const Tag& wanted, const Tag& shown, std::string_view block);
 
 // Whether ID3v1 can hold every field whole.
 bool fitsId3v1(const Tag& tag);
+
+}

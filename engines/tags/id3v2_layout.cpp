@@ -5,6 +5,9 @@
 
 #include <algorithm>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -265,4 +268,6 @@ Text unsynchronised(std::string_view body)
             result += '\0';
     }
     return result;
+}
+
 }

@@ -7,6 +7,9 @@
 #include <optional>
 #include <vector>
 
+namespace tags
+{
+
 struct Id3v2Header {
     Text bytes; // the ten bytes of it
     int version = 0;
@@ -54,3 +57,5 @@ Text makeFrame(int version, const Text& id, const Text& content);
 
 // A body as unsynchronisation stores it: no two bytes in it look like the start of a frame.
 Text unsynchronised(std::string_view body);
+
+}

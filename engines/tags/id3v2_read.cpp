@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -75,4 +78,6 @@ std::vector<Text> id3v2Names(Field field, int version)
         return version == 4 ? std::vector<Text>{"TDRC", "TYER"} : std::vector<Text>{"TYER", "TDRC"};
     }
     return {};
+}
+
 }

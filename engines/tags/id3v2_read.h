@@ -5,6 +5,9 @@
 #include "engines/tags/id3v2_layout.h"
 #include "engines/tags/id3v2_text.h"
 
+namespace tags
+{
+
 // The first readable frame of each kind answers; of the comments, the first without a description.
 HeldTag readId3v2(Id3v2Layout& layout);
 
@@ -19,3 +22,5 @@ bool isPlain(const Id3v2Comment& comment);
 
 // The names of the frames that hold a field; the one that a tag of that version should have comes first.
 std::vector<Text> id3v2Names(Field field, int version);
+
+}

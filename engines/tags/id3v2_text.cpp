@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -100,4 +103,6 @@ CommentText commentIn(std::string_view content)
     comment.description = texts.next();
     comment.text = texts.next();
     return comment;
+}
+
 }

@@ -6,6 +6,9 @@
 #include <string_view>
 #include <vector>
 
+namespace tags
+{
+
 // Of a text frame: its values, but for empty ones. Nothing in it can be so damaged that this fails.
 std::vector<Text> textsIn(std::string_view content);
 
@@ -17,3 +20,5 @@ struct CommentText {
 
 // Of a comment frame; all empty when it is too short to be one.
 CommentText commentIn(std::string_view content);
+
+}

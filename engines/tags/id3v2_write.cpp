@@ -11,6 +11,9 @@
 
 #include <zlib.h>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -233,4 +236,6 @@ Text newId3v2(const std::vector<FieldChange>& changes)
     empty.header.bytes = Text("ID3\3\0\0\0\0\0\0", 10);
     empty.body = std::make_unique<BytesInMemory>("");
     return id3v2With(empty, changes);
+}
+
 }

@@ -5,6 +5,9 @@
 
 #include <cstdint>
 
+namespace tags
+{
+
 struct Tag {
     Text title;
     Text artist;
@@ -16,3 +19,5 @@ struct Tag {
 
     bool operator==(const Tag&) const = default;
 };
+
+}

@@ -14,6 +14,9 @@
 #include <cstdlib>
 #include <memory>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -180,4 +183,6 @@ Text writeTag(const Text& path, const Tag& tag, PartNotes& notes)
     guarded([&](const Failure& failure) { reason = failure.description; },
             [&] { write(path, storable(tag), notes); });
     return reason;
+}
+
 }

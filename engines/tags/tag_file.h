@@ -4,6 +4,9 @@
 #include "engines/tags/tag.h"
 #include "platform/part_notes.h"
 
+namespace tags
+{
+
 // ID3v2 first, then APE, then ID3v1, field by field. An empty tag for a file without one, for one that cannot
 // be read, and for what is no MP3 file.
 Tag readTag(const Text& path);
@@ -14,3 +17,5 @@ Tag readTag(const Text& path);
 // copy, whole at every moment, so it takes as long as copying it to the disk, unless the file system shares
 // the bytes of both; other hard links keep the old file.
 Text writeTag(const Text& path, const Tag& tag, PartNotes& notes = NoPartNotes::instance());
+
+}

@@ -2,6 +2,9 @@
 
 #include "engines/tags/id3v1.h"
 
+namespace tags
+{
+
 TagParts tagPartsOf(ByteSource& file)
 {
     TagParts parts;
@@ -18,4 +21,6 @@ TagParts tagPartsOf(ByteSource& file)
     if (parts.ape)
         parts.audioEnd = parts.ape->at;
     return parts;
+}
+
 }

@@ -7,6 +7,9 @@
 
 #include <optional>
 
+namespace tags
+{
+
 struct TagParts {
     std::optional<Id3v2Header> id3v2;
     std::uint64_t audioBegin = 0;
@@ -17,3 +20,5 @@ struct TagParts {
 
 // `file` must outlive the result.
 TagParts tagPartsOf(ByteSource& file);
+
+}

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <charconv>
 
+namespace tags
+{
+
 namespace
 {
 
@@ -153,4 +156,6 @@ Text yearText(std::int16_t year)
 {
     const Text digits = year == 0 ? "" : std::to_string(year);
     return year > 0 && digits.size() < 4 ? Text(4 - digits.size(), '0') + digits : digits;
+}
+
 }

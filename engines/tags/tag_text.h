@@ -8,6 +8,9 @@
 #include <string_view>
 #include <vector>
 
+namespace tags
+{
+
 // The characters of `text`; a byte that belongs to no UTF-8 sequence is the Latin-1 letter of that number.
 std::u32string charactersOf(std::string_view text);
 
@@ -48,3 +51,5 @@ std::int16_t yearOf(std::string_view text);
 
 // The other way round: four digits, as the standards ask; nothing for 0.
 Text yearText(std::int16_t year);
+
+}

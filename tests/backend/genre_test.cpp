@@ -4,6 +4,8 @@
 
 #include <doctest/doctest.h>
 
+using namespace tags;
+
 TEST_CASE("A genre number has its usual name")
 {
     CHECK(genreName(0) == "Blues");

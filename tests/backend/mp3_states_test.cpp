@@ -9,6 +9,7 @@
 #include <doctest/doctest.h>
 
 using namespace std::chrono_literals;
+using namespace tags;
 
 namespace
 {

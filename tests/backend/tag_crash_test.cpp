@@ -13,6 +13,8 @@
 #include <random>
 #include <thread>
 
+using namespace tags;
+
 namespace
 {
 

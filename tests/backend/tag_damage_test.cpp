@@ -8,6 +8,8 @@
 #include <chrono>
 #include <random>
 
+using namespace tags;
+
 namespace
 {
 

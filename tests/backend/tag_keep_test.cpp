@@ -5,6 +5,8 @@
 
 #include <doctest/doctest.h>
 
+using namespace tags;
+
 namespace
 {
 

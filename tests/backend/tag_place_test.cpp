@@ -29,6 +29,8 @@
 #include <sys/syscall.h>
 #include <sys/xattr.h>
 
+using namespace tags;
+
 namespace
 {
 

@@ -13,6 +13,8 @@
 #include <id3v2tag.h>
 #include <mpegfile.h>
 
+using namespace tags;
+
 namespace
 {
 

@@ -4,6 +4,8 @@
 
 #include <doctest/doctest.h>
 
+using namespace tags;
+
 namespace
 {
 

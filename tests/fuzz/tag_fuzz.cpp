@@ -11,12 +11,14 @@
 #include <algorithm>
 #include <iostream>
 
+using namespace tags;
+
 namespace
 {
 
 const Text audio = mp3Frames(4);
 
-const Tag tags[] = {
+const Tag newTags[] = {
     {"Title", "Artist", "Album", "Comment", 1987, 17},
     {"\xD0\x9F\xD1\x80\xD0\xB8", "caf\xC3\xA9", "", " ", 0, 80},
     {Text(60, 'x'), "", "\xF0\x9F\x8E\xB5", Text(29, 'c'), 32767, -1},
@@ -73,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(isValidUtf8(*text) && text->find_first_of("\r\n") == Text::npos,
                 "a field is no line of text");
 
-    Tag wanted = tags[data[0] & 3];
+    Tag wanted = newTags[data[0] & 3];
     if ((data[0] & 4) != 0)
         wanted.title = shown.title;
     const Text reason = writeTag(path, wanted);
