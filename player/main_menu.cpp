@@ -11,44 +11,47 @@
 #include "toolkit/menu_below.h"
 #include "workbench/mp3_encoder.h"
 
+#include <iterator>
+
 namespace
 {
-
-struct MenuItem {
-    const char* caption;
-    std::int32_t parent; // the number of the item above; 0: top level
-    const char* key = "";
-};
-
-// An item's number is its place in this table, counted from 1; the dispatcher knows it by nothing else.
-// clang-format off
-constexpr MenuItem menu[] = {
-    {"&File",             0, "mnuAccel(3)"},
-    {"&Open",             1},
-    {"Play&list Editor",  1},
-    {"-",                 1},
-    {"Edit File &Info",   1},
-    {"-",                 1},
-    {"E&xit",             1},
-    {"&Options",          0},
-    {"Mp3 &Encoder",      8},
-    {"&WAV => MP3",       9},
-    {"&Settings",         9},
-    {"Mp3 &Decoder",      8},
-    {"&MP3 => WAV",      12},
-    {"&Settings",        12},
-    {"-",                 8},
-    {"&CD => WAV",        8},
-    {"&WAV => CD",        8},
-    {"-",                 8},
-    {"&Settings",         8},
-    {"&About",            0},
-};
-// clang-format on
 
 constexpr const char* menuName = "VLMMenu";
 
 }
+
+struct StartUp::MenuItem {
+    const char* caption;
+    std::int32_t parent; // the number of the item above; 0: top level
+    void (*chosen)(StartUp&) = nullptr;
+    const char* key = "";
+};
+
+// An item's number is its place in this table, counted from 1.
+// clang-format off
+const StartUp::MenuItem StartUp::menu[] = {
+    {"&File",             0, nullptr, "mnuAccel(3)"},
+    {"&Open",             1, [](StartUp& window) { window.openFile(); }},
+    {"Play&list Editor",  1, [](StartUp& window) { window.program_.playListEditor().Show(); }},
+    {"-",                 1},
+    {"Edit File &Info",   1, [](StartUp& window) { window.editTag(); }},
+    {"-",                 1},
+    {"E&xit",             1, [](StartUp& window) { window.program_.platform().endProgram(); }},
+    {"&Options",          0},
+    {"Mp3 &Encoder",      8},
+    {"&WAV => MP3",       9, [](StartUp& window) { window.openWorkbench(0); }},
+    {"&Settings",         9, [](StartUp& window) { window.openSettings(0); }},
+    {"Mp3 &Decoder",      8},
+    {"&MP3 => WAV",      12, [](StartUp& window) { window.openWorkbench(1); }},
+    {"&Settings",        12, [](StartUp& window) { window.openSettings(1); }},
+    {"-",                 8},
+    {"&CD => WAV",        8, [](StartUp& window) { window.openWorkbench(2); }},
+    {"&WAV => CD",        8, [](StartUp& window) { window.openWorkbench(3); }},
+    {"-",                 8},
+    {"&Settings",         8, [](StartUp& window) { window.openSettingsAsTheyStand(); }},
+    {"&About",            0, [](StartUp& window) { window.program_.aboutFrame().Show(); }},
+};
+// clang-format on
 
 void StartUp::CreateMenus()
 {
@@ -62,46 +65,10 @@ void StartUp::imgMenu_Click() { showMenuBelow(*cP, imgMenu, menuName); }
 
 void StartUp::cP_Click(std::int32_t& item)
 {
-    switch (item) {
-    case 2:
-        openFile();
-        break;
-    case 3:
-        program_.playListEditor().Show();
-        break;
-    case 5:
-        editTag();
-        break;
-    case 7:
-        program_.platform().endProgram();
-        break;
-    case 10:
-        openWorkbench(0);
-        break;
-    case 11:
-        openSettings(0);
-        break;
-    case 13:
-        openWorkbench(1);
-        break;
-    case 14:
-        openSettings(1);
-        break;
-    case 16:
-        openWorkbench(2);
-        break;
-    case 17:
-        openWorkbench(3);
-        break;
-    case 19:
-        openSettingsAsTheyStand();
-        break;
-    case 20:
-        program_.aboutFrame().Show();
-        break;
-    default:
-        break;
-    }
+    if (item < 1 || item > static_cast<std::int32_t>(std::size(menu)))
+        return;
+    if (const auto chosen = menu[item - 1].chosen)
+        chosen(*this);
 }
 
 // Opens without playing. Unlike the first Play it leaves the pause and its flag alone, so that a paused

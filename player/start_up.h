@@ -188,6 +188,8 @@ private:
     void follow();
     void saveListPlace();
 
+    struct MenuItem;
+    static const MenuItem menu[];
     void openFile();
     void takeMp3File();
     void takeWavFile();
