@@ -1,0 +1,49 @@
+#!/usr/bin/env python3
+"""Runs clang-tidy with the project's list: on the sources that differ from the branch this one came from (of a branch
+that is that one, its last commit), or on all of them when asked to. Ends with 77 where there is no clang-tidy."""
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+from concurrent.futures import ThreadPoolExecutor
+
+root, build = (pathlib.Path(name).resolve() for name in sys.argv[1:3])
+whole = sys.argv[3:] == ["whole"]
+
+
+def git(*words):
+    answer = subprocess.run(["git", "-C", root, *words], capture_output=True, text=True)
+    return answer.stdout.split() if answer.returncode == 0 else []
+
+
+def base():
+    head = git("rev-parse", "HEAD")
+    for name in ("origin/HEAD", "origin/main"):
+        common = git("merge-base", "HEAD", name)
+        if common and common != head:
+            return common[0]
+    return (git("rev-parse", "HEAD~1") or head)[0]
+
+
+def changed():
+    names = {*git("diff", "--name-only", base()), *git("ls-files", "-o", "--exclude-standard")}
+    return {root / name for name in names}
+
+
+def tidy(source):
+    answer = subprocess.run(["clang-tidy", "-p", build, "--quiet", source], capture_output=True, text=True)
+    return answer.stdout if answer.returncode else ""
+
+
+if not shutil.which("clang-tidy"):
+    print("skipped: no clang-tidy")
+    sys.exit(77)
+known = {pathlib.Path(entry["file"]) for entry in json.loads((build / "compile_commands.json").read_text())}
+ours = {path for path in known if build not in path.parents}
+sources = sorted(ours if whole else ours & changed())
+with ThreadPoolExecutor(os.cpu_count()) as workers:
+    found = [words for words in workers.map(tidy, sources) if words]
+print("".join(found) or f"clang-tidy finds nothing in {len(sources)} sources.")
+sys.exit(bool(found))
