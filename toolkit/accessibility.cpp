@@ -4,8 +4,10 @@
 #include "toolkit/image_widget.h"
 #include "toolkit/slider.h"
 
+#include <QAbstractItemView>
 #include <QAccessibleWidget>
 #include <QApplication>
+#include <QComboBox>
 #include <QFrame>
 #include <algorithm>
 #include <cmath>
@@ -88,12 +90,53 @@ private:
     ctl::ImageWidget& widget_;
 };
 
+// The toolkit calls a drop-down list by its choice; here that is its value.
+class AccessibleBox final : public QAccessibleWidget
+{
+public:
+    explicit AccessibleBox(QComboBox& box) : QAccessibleWidget(&box, QAccessible::ComboBox), box_(box) {}
+
+    int childCount() const override { return 1; }
+    QAccessibleInterface* child(int index) const override
+    {
+        return index == 0 ? QAccessible::queryAccessibleInterface(box_.view()) : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override
+    {
+        return child->object() == box_.view() ? 0 : -1;
+    }
+
+    QString text(QAccessible::Text kind) const override
+    {
+        const QString own = QAccessibleWidget::text(kind);
+        return kind == QAccessible::Value || (kind == QAccessible::Name && own.isEmpty()) ? box_.currentText()
+                                                                                          : own;
+    }
+
+    QStringList actionNames() const override { return {showMenuAction(), pressAction()}; }
+
+    void doAction(const QString&) override
+    {
+        auto* box = &box_;
+        const auto open = [box] {
+            if (box->isEnabled() && !isBlocked(*box))
+                box->showPopup();
+        };
+        QMetaObject::invokeMethod(box, open, Qt::QueuedConnection);
+    }
+
+private:
+    QComboBox& box_;
+};
+
 QAccessibleInterface* interfaceOf(const QString&, QObject* object)
 {
     if (auto* image = dynamic_cast<ctl::ImageWidget*>(object))
         return new AccessibleImage(*image);
     if (auto* form = dynamic_cast<FormWidget*>(object))
         return new QAccessibleWidget(form, QAccessible::Window);
+    if (auto* box = qobject_cast<QComboBox*>(object); box && !box->isEditable())
+        return new AccessibleBox(*box);
     if (object->metaObject() == &QFrame::staticMetaObject) // a line, which would pass for a window
         return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Separator);
     return nullptr;

@@ -51,7 +51,12 @@ class MediaKeys(case.Case):
                                  "--tl", "A record", "--tg", "Jazz")
             self.app.menu(window, "o", "a")
             self.app.choose_file("Select .wav/.mp3 files to add to the playlist", song)
+            wait_for(lambda: len(self.rows()) == n, "the row stands")
+        wait_for(lambda: self.desk.run("xdotool", "getactivewindow").strip() == window, "the list is the active window")
         return window
+
+    def rows(self):
+        return [control for control in self.app.controls(case.LIST) if control.role == "list item"]
 
     def test_a_list_is_heard_moved_in_and_walked_through_by_playerctl(self):
         self.assertEqual(self.ctl("status"), "Stopped")

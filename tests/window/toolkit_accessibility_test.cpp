@@ -242,3 +242,17 @@ TEST_CASE("A bar is a slider: its value can be read and set as the user moves it
     CHECK(heard(player.window, player.window.posbar_img2).valueInterface() != nullptr);
     CHECK(heard(player.window, player.window.Image1).valueInterface() == nullptr);
 }
+
+TEST_CASE("A drop-down list has its name, and its choice as its value")
+{
+    Player player;
+    auto& settings = player.program.settings();
+    auto& drives = heard(settings, settings.Drive1);
+    CHECK(drives.role() == QAccessible::ComboBox);
+    CHECK(drives.text(QAccessible::Name) == "Drive for the MP3 files");
+    CHECK(drives.text(QAccessible::Value).toStdString().starts_with(settings.Drive1.Drive()));
+    REQUIRE(drives.childCount() == 1);
+    CHECK(drives.indexOfChild(drives.child(0)) == 0);
+    auto& tags = player.program.editFileInfoForm();
+    CHECK(heard(tags, tags.txtGenre).text(QAccessible::Name) == "Genre");
+}
