@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Everything that exists once: the windows, each made on first touch and kept, and what they need from
 // outside.
 #pragma once

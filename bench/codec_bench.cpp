@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Makes, encodes and decodes one file, for a bench that measures it from outside.
 #include "engines/codec/decode_file.h"
 #include "engines/codec/encode_file.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Encoding and decoding one file, against lame, ffmpeg and mpg123.
 
 Each pair runs the peer and Velmora one right after the other, so that both meet the same machine; the table gives

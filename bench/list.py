@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What a long list costs: the program's start with it, opening it, and a tick while it does not change.
 
 The start is compared with a peer that keeps the same list, both list windows shown: seconds to the first picture and

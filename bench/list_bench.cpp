@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Opens a list of so many rows and ticks on it, for a bench: list_bench ROWS. Prints milliseconds: to open
 // with the window hidden, with the window shown, for a tick with nothing changed, for a tick that writes the
 // list anew.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the bench scripts share: single runs, medians over pairs of them, and the words for the machine."""
 import os
 import platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // peak_memory COMMAND...: runs the command and prints the most memory that it held, in KiB. A program of its
 // own, because Linux counts what the caller held when it started the command, too, and this one holds little.
 #include <sys/resource.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the player costs beside other players: its start, its idling, its playing.
 
 Each pair runs the peer and Velmora one right after the other on one private desk; the table gives medians over the pairs

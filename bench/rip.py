@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Copying tracks of a disc image to WAV files, against cd-paranoia.
 
 Each pair runs the peer and Velmora one right after the other, so that both meet the same machine; the table gives

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Copies tracks of a disc image to WAV files, for a bench that measures it from outside:
 // rip_bench SHEET FIRST LAST FOLDER.
 #include "tests/support/disc_desk.h"

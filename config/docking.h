@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where one window docks to another: plain comparisons of two rectangles, in twips, equality included.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "config/docking.h"
 #include "platform/numbers.h"
 #include "player/start_up.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the program looks and where its windows appear, before the first one does.
 #pragma once
 

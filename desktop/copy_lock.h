@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Two copies of the program on one settings store, or in one application folder, would undo each other's
 // writes for ever: the second one finds the first by this lock.
 #pragma once

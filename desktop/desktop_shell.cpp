@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/desktop_shell.h"
 
 #include "desktop/programs.h"
@@ -39,7 +40,7 @@ void DesktopShell::startProgram(const Text& path)
 {
     std::vector<Text> command = words(path);
     if (command.empty() || (command[0] = programAt(searchPath_, command[0])).empty())
-        throw failure(53);
+        throw Failure(Trouble::fileNotFound);
     if (const int error = startDetached(command, stackLimit_); error != 0)
         throw fileFailure(error);
 }

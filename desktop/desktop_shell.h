@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The desktop around the program: other programs, and notifications over the session bus.
 #pragma once
 

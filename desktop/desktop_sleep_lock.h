@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sleep lock that a desktop gives: the login manager's (org.freedesktop.login1), or else the portal's
 // (org.freedesktop.portal.Inhibit). Asked for by a thread of its own.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/dialog_filter.h"
 
 std::vector<DialogFilter> dialogFilters(const Text& filter)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The filter of a file dialog: name, vertical bar, pattern, and so on.
 #pragma once
 

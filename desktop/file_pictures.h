@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The pictures and the kinds of files in the file dialog, from their names alone.
 #pragma once
 

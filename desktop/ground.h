@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the program stands on before anything else of it does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The drives of a system with one tree of folders: the tree, the home folder, and what people mount.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The table of mounts, as proc(5) gives it in `mountinfo`.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What stands on the session bus of a player, by MPRIS 2.2 (freedesktop.org): the two interfaces and their
 // properties.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/mpris_remote.h"
 
 #include "desktop/mpris_interface.h"

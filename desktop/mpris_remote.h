@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The player on the session bus, by MPRIS 2 (freedesktop.org): the interface of media keys and player panels.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The desktop's notifications (org.freedesktop.Notifications), sent by a thread of their own.
 #pragma once
 

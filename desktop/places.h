@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the program finds and keeps its files: the XDG rules for base and user directories.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/qt_message_boxes.h"
 
 #include "toolkit/qt_bridge.h"

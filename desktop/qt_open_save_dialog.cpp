@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/qt_open_save_dialog.h"
 
 #include "desktop/dialog_filter.h"
@@ -158,7 +159,7 @@ void QtOpenSaveDialog::show(QFileDialog& dialog)
     if (accepted)
         take(dialog);
     else if (cancelError_)
-        throw failure(32755);
+        throw Failure(Trouble::cancelled);
 }
 
 void QtOpenSaveDialog::take(QFileDialog& dialog)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/qt_popup_menu.h"
 
 #include "toolkit/form.h"

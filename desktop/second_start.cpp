@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/second_start.h"
 
 #include "desktop/appearance.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A second start of the program, which finds the first one running: it asks that one, over the session bus,
 // to bring its window up, and ends.
 #pragma once

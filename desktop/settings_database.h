@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings table in its SQLite file. Every call says how it went; what to do then is the caller's.
 #pragma once
 

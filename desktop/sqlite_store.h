@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The settings store in an SQLite file of its own. Several processes may use one file.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/tool_registry.h"
 
 #include "desktop/programs.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A registry with one entry: where the desktop's information tool is.
 #pragma once
 

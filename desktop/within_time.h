@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A question that may hang, asked on a thread of its own.
 #pragma once
 

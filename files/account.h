@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Who runs the program, as the user database says.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/block_writer.h"
 
 #include <sys/mman.h>
@@ -96,7 +97,7 @@ BlockWriter::Block BlockWriter::take()
     if (free_.empty()) {
         Block made(static_cast<std::byte*>(std::aligned_alloc(blockBytes, blockBytes)), &std::free);
         if (!made)
-            throw failure(7);
+            throw Failure(Trouble::outOfMemory);
         madvise(made.get(), blockBytes, MADV_HUGEPAGE);
         --unmade_;
         return made;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes a large file past the system's file cache: nobody reads it soon, what others have in the cache stays
 // there, and no thread waits for another one's copying. Whole blocks go to the disk from a thread of their
 // own. The ends of each run, and everything where the file system has no such way, go through the cache.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/byte_source.h"
 
 #include "platform/failure.h"
@@ -23,7 +24,7 @@ Text ByteSource::readAll(std::uint64_t at, std::size_t count)
 {
     Text bytes = read(at, count);
     if (bytes.size() < count)
-        throw Failure{57, "The file could not be read."};
+        throw Failure{Trouble::deviceInputOutput, "The file could not be read."};
     return bytes;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Bytes that are read where they are wanted, so that a large picture in a tag costs nothing.
 #pragma once
 

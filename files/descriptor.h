@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An open file of the system, closed with its owner.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/disk_output.h"
 
 #include "platform/failure.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The two ways in which a text file comes onto the disk.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/disk_profile_file.h"
 
 #include "files/profile_text.h"
@@ -5,8 +6,6 @@
 
 namespace
 {
-
-constexpr int fileNotFound = 53;
 
 std::string_view withoutBlanksBehind(std::string_view text)
 {
@@ -27,7 +26,7 @@ Text contentOrNothing(TextFiles& files, const Text& file)
 {
     Text text;
     const auto unlessMissing = [](const Failure& failure) {
-        if (failure.number != fileNotFound)
+        if (!failure.is(Trouble::fileNotFound))
             throw failure;
     };
     guarded(unlessMissing, [&] { text = files.readWhole(file); });

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Private profile files on the disk. Nothing is kept between calls: another program's change is seen at once.
 #pragma once
 

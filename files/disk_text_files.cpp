@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/disk_text_files.h"
 
 #include "files/disk_output.h"
@@ -27,7 +28,7 @@ Text outputTarget(const Text& path)
 {
     const Text target = path.find('\0') == Text::npos ? resolvedLinks(path) : Text();
     if (target.empty() || target.back() == pathSeparator)
-        throw failure(75);
+        throw Failure(Trouble::pathOrFileAccess);
     return target;
 }
 
@@ -75,7 +76,7 @@ std::unique_ptr<TextOutput> makeNew(const Text& target, PartNotes& notes, FileLe
     auto part = std::make_unique<PartFile>(target, nullptr, notes);
     if (part->error() == 0)
         return outputBeside(std::move(part), {}, std::move(left));
-    throw part->error() == ENOENT ? failure(76) : fileFailure(part->error());
+    throw part->error() == ENOENT ? Failure(Trouble::pathNotFound) : fileFailure(part->error());
 }
 
 // A pipe or a device is no list.
@@ -83,10 +84,10 @@ Descriptor openForInput(const Text& path)
 {
     Descriptor file(open(path.c_str(), O_RDONLY | openFlags));
     if (!file)
-        throw errno == ENOTDIR ? failure(53) : fileFailure(errno);
+        throw errno == ENOTDIR ? Failure(Trouble::fileNotFound) : fileFailure(errno);
     const struct stat status = statusOf(file);
     if (!S_ISREG(status.st_mode) || status.st_size > largestText)
-        throw failure(75);
+        throw Failure(Trouble::pathOrFileAccess);
     return file;
 }
 
@@ -133,14 +134,14 @@ std::int64_t DiskTextFiles::length(const Text& path)
 {
     struct stat status;
     if (stat(path.c_str(), &status) != 0)
-        throw failure(errno == EACCES ? 70 : 53);
+        throw Failure(errno == EACCES ? Trouble::permissionDenied : Trouble::fileNotFound);
     if (!S_ISREG(status.st_mode))
-        throw failure(53);
+        throw Failure(Trouble::fileNotFound);
     // What cannot be read has no length for the caller either: it would go on to read it.
     if (eaccess(path.c_str(), R_OK) != 0)
-        throw failure(70);
+        throw Failure(Trouble::permissionDenied);
     if (status.st_size > largestText)
-        throw failure(75);
+        throw Failure(Trouble::pathOrFileAccess);
     return status.st_size;
 }
 

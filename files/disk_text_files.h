@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text files on the disk. A file is replaced whole: a kill at any instant leaves the old one or the new one.
 #pragma once
 

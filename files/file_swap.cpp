@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/file_swap.h"
 
 #include "files/descriptor.h"
@@ -145,7 +146,7 @@ void requireUnchanged(const struct stat& known, const struct stat& now)
 {
     if (now.st_dev != known.st_dev || now.st_ino != known.st_ino || now.st_size != known.st_size ||
         !isSameTime(now.st_mtim, known.st_mtim))
-        throw Failure{75, "Another program has changed the file meanwhile."};
+        throw Failure{Trouble::pathOrFileAccess, "Another program has changed the file meanwhile."};
 }
 
 void requireStanding(const StandingFile& file)
@@ -208,5 +209,5 @@ void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes)
 void failWith(const char* attempt, int systemError)
 {
     const Failure reason = fileFailure(systemError);
-    throw Failure{reason.number, Text(attempt) + ": " + reason.description + "."};
+    throw Failure{reason.trouble(), Text(attempt) + ": " + reason.description + "."};
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Changes the ends of a file in such a way that a crash at any moment leaves the old file or the new one,
 // whole. Everything here fails with words for a person, and then the file is as it was.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/file_to_open.h"
 
 #include "files/descriptor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/folders.h"
 
 #include "files/descriptor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Small questions to the file system, shared by the services of this folder.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file opened for reading, from which several readers may read at places of their own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file as its writer left it, and the question whether it still is.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/output_file.h"
 
 #include "files/folders.h"
@@ -14,7 +15,7 @@ namespace
 
 [[noreturn]] void fail(int systemError)
 {
-    throw systemError == ENOENT ? failure(76) : fileFailure(systemError);
+    throw systemError == ENOENT ? Failure(Trouble::pathNotFound) : fileFailure(systemError);
 }
 
 // A large block sets out for the disk at once, so that `flush` has little left to wait for.
@@ -33,7 +34,7 @@ OutputFile::Target OutputFile::targetOf(const Text& path)
 {
     Target target{path.find('\0') == Text::npos ? resolvedLinks(path) : Text(), std::nullopt};
     if (target.path.empty() || endsInSeparator(target.path))
-        throw failure(75);
+        throw Failure(Trouble::pathOrFileAccess);
     struct stat status;
     if (stat(target.path.c_str(), &status) != 0) {
         if (errno != ENOENT)
@@ -41,7 +42,7 @@ OutputFile::Target OutputFile::targetOf(const Text& path)
         return target;
     }
     if (!S_ISREG(status.st_mode))
-        throw failure(75);
+        throw Failure(Trouble::pathOrFileAccess);
     if (faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0)
         fail(errno);
     target.old = status;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file in the making that a person waits for. It stands beside its target until it is whole; without that
 // nothing is left behind, and what stood under the target's name stands there still.
 #pragma once

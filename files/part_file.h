@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A file that is written beside its target and takes its place in one step, or leaves nothing.
 #pragma once
 

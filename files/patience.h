@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Questions to a file system that may not answer: a share whose server is down, a disk that hangs. They are
 // asked on a thread of their own; who has waited long enough leaves it behind.
 #pragma once

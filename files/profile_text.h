@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The text of a private profile file: sections in brackets, one key and value a line, comments behind a
 // semicolon. Names match without regard to case; blanks around names and values do not count; of several
 // sections or keys of one name the first counts. Lines end in LF, with or without a CR before it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Puts a damaged database out of the way, so that a new one can begin under its name.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A text file that stands already, compared with what is being written in its place: equal content is not
 // written again, whoever wrote it.
 #pragma once

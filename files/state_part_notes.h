@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Part notes in the user's state folder: one file a process, locked for as long as the process lives.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "info/about_frame.h"
 
 #include "info/registry_text.h"
@@ -77,11 +78,11 @@ Text AboutFrame::systemInformationTool()
     if (GetKeyValue(localMachine, "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO", "PATH", result))
         return result;
     if (!GetKeyValue(localMachine, "SOFTWARE\\Microsoft\\Shared Tools Location", "MSINFO", result))
-        throw failure(53);
+        throw Failure(Trouble::fileNotFound);
     result += pathSeparator;
     result += "MSINFO32.EXE";
     if (!program_.startUp().FileOrDirExists(result, ""))
-        throw failure(53);
+        throw Failure(Trouble::fileNotFound);
     return result;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the program is, its version and its news. Built anew at each opening.
 #pragma once
 

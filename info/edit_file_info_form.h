@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tag editor: shows and changes the tag of the MP3 file that the main window has loaded. It holds no tag
 // of its own; the main menu fills it, its Save goes through the main window's engine.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The common message window: whoever has a message sets the label and shows the window.
 #pragma once
 

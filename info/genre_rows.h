@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rows of the tag editor's genre list. A row's index is the ID3v1 genre number; the last row stands for
 // none.
 #pragma once

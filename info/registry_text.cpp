@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "info/registry_text.h"
 
 #include "platform/failure.h"
@@ -22,9 +23,9 @@ Text decimalOfHexadecimal(const Text& digits)
     std::uint64_t number = 0;
     const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), number, 16);
     if (end.ec == std::errc::result_out_of_range)
-        throw failure(6);
+        throw Failure(Trouble::overflow);
     if (digits.empty() || end.ptr != digits.data() + digits.size())
-        throw failure(13);
+        throw Failure(Trouble::typeMismatch);
     return std::to_string(number);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The real parts of the program, chosen in one place.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/ground.h"
 #include "desktop/stack_limit.h"
 #include "main/desktop.h"

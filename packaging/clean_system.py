@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A clean Debian 12 for the packages to be tried in: a layer that is thrown away, over one that is made once.
 
 Only root can have one, and only in a mount namespace of its own (unshare --mount): what is mounted goes with it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Draws the icon in several sizes, the way the program itself draws it: make_icons DRAWING FOLDER SIZE...
 #include <QImage>
 #include <QPainter>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Writes a second of silence as an MP3 file: the program opens it whenever it needs the engine's levels and
 // no music file is open.
 #include <array>

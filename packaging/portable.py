@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Makes the portable folder of an installed Velmora: portable.py INSTALLED_USR OUTPUT VERSION
 
 The folder holds the program, its files and every library that a Debian 12 desktop may lack, so that it runs where it

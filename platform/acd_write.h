@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The audio CD writer, with a track list of its own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What keeps the program's timers going: while something sounds they run, a still program ticks slowly. Both
 // calls also wake a window thread that waits.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The CDDB lookup for the disc in the system's default CD device.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a control tells its window: one event, one handler.
 #pragma once
 

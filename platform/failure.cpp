@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/failure.h"
 
 #include <cerrno>
@@ -6,56 +7,63 @@ namespace
 {
 
 struct Described {
-    int number;
+    Trouble trouble;
     const char* description;
 };
 
 // clang-format off
 constexpr Described descriptions[] = {
-    {5,     "Invalid procedure call or argument"},
-    {6,     "Overflow"},
-    {9,     "Subscript out of range"},
-    {13,    "Type mismatch"},
-    {53,    "File not found"},
-    {55,    "File already open"},
-    {57,    "Device I/O error"},
-    {61,    "Disk full"},
-    {62,    "Input past end of file"},
-    {68,    "Device unavailable"},
-    {70,    "Permission denied"},
-    {75,    "Path/File access error"},
-    {76,    "Path not found"},
-    {380,   "Invalid property value"},
-    {381,   "Invalid property array index"},
-    {32755, "Cancel was selected."},
+    {Trouble::invalidCall,               "Invalid procedure call or argument"},
+    {Trouble::overflow,                  "Overflow"},
+    {Trouble::outOfMemory,               "Out of memory"},
+    {Trouble::subscriptOutOfRange,       "Subscript out of range"},
+    {Trouble::typeMismatch,              "Type mismatch"},
+    {Trouble::fileNotFound,              "File not found"},
+    {Trouble::fileAlreadyOpen,           "File already open"},
+    {Trouble::deviceInputOutput,         "Device I/O error"},
+    {Trouble::diskFull,                  "Disk full"},
+    {Trouble::endOfFile,                 "Input past end of file"},
+    {Trouble::deviceUnavailable,         "Device unavailable"},
+    {Trouble::permissionDenied,          "Permission denied"},
+    {Trouble::pathOrFileAccess,          "Path/File access error"},
+    {Trouble::pathNotFound,              "Path not found"},
+    {Trouble::invalidPropertyValue,      "Invalid property value"},
+    {Trouble::invalidPropertyArrayIndex, "Invalid property array index"},
+    {Trouble::cancelled,                 "Cancel was selected."},
 };
 
 struct Mapped {
     int systemError;
-    int number;
+    Trouble trouble;
 };
 
 constexpr Mapped systemErrors[] = {
-    {ENOENT,  53}, {ENOTDIR, 76}, {EISDIR, 75}, {EACCES, 70}, {EPERM,  70}, {EROFS, 70},
-    {ENOSPC,  61}, {EDQUOT,  61}, {EFBIG,  61}, {EBUSY,  70}, {ETXTBSY, 70},
-    {EIO,     57}, {ENXIO,   68}, {ENODEV, 68},
+    {ENOENT, Trouble::fileNotFound},      {ENOTDIR, Trouble::pathNotFound},
+    {EISDIR, Trouble::pathOrFileAccess},  {EACCES,  Trouble::permissionDenied},
+    {EPERM,  Trouble::permissionDenied},  {EROFS,   Trouble::permissionDenied},
+    {ENOSPC, Trouble::diskFull},          {EDQUOT,  Trouble::diskFull},
+    {EFBIG,  Trouble::diskFull},          {EBUSY,   Trouble::permissionDenied},
+    {ETXTBSY, Trouble::permissionDenied}, {EIO,     Trouble::deviceInputOutput},
+    {ENXIO,  Trouble::deviceUnavailable}, {ENODEV,  Trouble::deviceUnavailable},
 };
 // clang-format on
 
-}
-
-Failure failure(int number)
+const char* descriptionOf(Trouble trouble)
 {
     for (const auto& row : descriptions)
-        if (row.number == number)
-            return {number, row.description};
-    return {number, "Application-defined or object-defined error"};
+        if (row.trouble == trouble)
+            return row.description;
+    return "Application-defined or object-defined error";
 }
+
+}
+
+Failure::Failure(Trouble trouble) : Failure(trouble, descriptionOf(trouble)) {}
 
 Failure fileFailure(int systemError)
 {
     for (const auto& row : systemErrors)
         if (row.systemError == systemError)
-            return failure(row.number);
-    return failure(75);
+            return Failure(row.trouble);
+    return Failure(Trouble::pathOrFileAccess);
 }

@@ -1,17 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The run-time failure, and the ways in which a caller can meet one.
 #pragma once
 
 #include "platform/text.h"
 
 #include <functional>
+#include <utility>
+
+// The troubles that the program can meet, by the numbers that its users and its handlers know them by.
+enum class Trouble : int {
+    invalidCall = 5,
+    overflow = 6,
+    outOfMemory = 7,
+    subscriptOutOfRange = 9,
+    typeMismatch = 13,
+    fileNotFound = 53,
+    fileAlreadyOpen = 55,
+    deviceInputOutput = 57,
+    diskFull = 61,
+    endOfFile = 62,
+    deviceUnavailable = 68,
+    permissionDenied = 70,
+    pathOrFileAccess = 75,
+    pathNotFound = 76,
+    invalidPropertyValue = 380,
+    invalidPropertyArrayIndex = 381,
+    cancelled = 32755,
+};
 
 struct Failure {
+    Failure() = default;               // none yet
+    explicit Failure(Trouble trouble); // with its usual description
+    Failure(Trouble trouble, Text words) : number(static_cast<int>(trouble)), description(std::move(words)) {}
+
+    bool is(Trouble trouble) const { return number == static_cast<int>(trouble); }
+    Trouble trouble() const { return static_cast<Trouble>(number); }
+
     int number = 0;
     Text description;
 };
-
-// The failure of that number with its usual description.
-Failure failure(int number);
 
 // The failure that an error number of the system's file operations stands for: 53, 57, 61, 70, 75 or 76.
 Failure fileFailure(int systemError);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an engine is doing, for those who only watch: asking changes nothing.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The per-user store: application, section, key, and a text value.
 #pragma once
 

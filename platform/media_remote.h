@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The desktop's own controls for a player: media keys, panels, headsets.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The encoder: one WAV file to one MP3 file at a time.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The MP3 engine: playing, tags, and decoding to WAV. Everything the program knows about it, it learns by
 // asking.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/numbers.h"
 
 #include "platform/failure.h"
@@ -43,7 +44,7 @@ Integer rounded(double number)
 {
     const double nearest = std::nearbyint(number);
     if (!(nearest >= std::numeric_limits<Integer>::min() && nearest <= std::numeric_limits<Integer>::max()))
-        throw failure(6);
+        throw Failure(Trouble::overflow);
     return static_cast<Integer>(nearest);
 }
 
@@ -61,18 +62,18 @@ double toDouble(std::string_view text)
     if (!number.empty() && number.front() == '+') {
         number.remove_prefix(1);
         if (!number.empty() && number.front() == '-')
-            throw failure(13);
+            throw Failure(Trouble::typeMismatch);
     }
     if (!startsANumber(number))
-        throw failure(13);
+        throw Failure(Trouble::typeMismatch);
     double value = 0;
     const auto end = std::from_chars(number.data(), number.data() + number.size(), value);
     if (end.ptr != number.data() + number.size())
-        throw failure(13);
+        throw Failure(Trouble::typeMismatch);
     if (end.ec == std::errc::result_out_of_range)
-        throw failure(6);
+        throw Failure(Trouble::overflow);
     if (end.ec != std::errc())
-        throw failure(13);
+        throw Failure(Trouble::typeMismatch);
     return value;
 }
 
@@ -80,7 +81,7 @@ float toSingle(std::string_view text)
 {
     const double value = toDouble(text);
     if (std::abs(value) > std::numeric_limits<float>::max())
-        throw failure(6);
+        throw Failure(Trouble::overflow);
     return static_cast<float>(value);
 }
 

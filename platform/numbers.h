@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How numbers become text and text becomes numbers everywhere in the program, whatever the locale.
 #pragma once
 

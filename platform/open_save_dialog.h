@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The file dialogs. One instance keeps its own settings between dialogs.
 #pragma once
 

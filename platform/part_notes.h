@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The book of files that are being written beside their targets: by it the next start finds what a killed
 // program left, and removes it or brings it to its end.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Everything the program needs from outside, in one place. The real parts are chosen where this is
 // implemented, a test's own where it likes.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Popup menus: trees of items, kept by name.
 #pragma once
 

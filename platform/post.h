@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The way from a worker thread to the window thread.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The platform's private profile files: sections in brackets, one key and value a line.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The window events, run from inside a handler that waits.
 #pragma once
 

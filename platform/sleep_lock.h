@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Keeps the system awake while a disc is read or written.
 #pragma once
 

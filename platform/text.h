@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Text is bytes in the platform's 8-bit code page (UTF-8 on Linux). Bytes that are not valid UTF-8 are kept
 // as they are, so that any file name survives the way from a folder to a list and back.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Plain text files, read and written whole. A file that is being written keeps its old content until
 // `finish`.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The unit of all window geometry: 1440 to the inch, 15 to the logical pixel, single precision.
 #pragma once
 

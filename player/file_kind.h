@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The kind of the current file: the index that the file dialog's filter has for it.
 #pragma once
 

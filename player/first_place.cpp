@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "player/first_place.h"
 
 Twips centred(Twips screenStart, Twips screen, Twips window)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "info/about_frame.h"
 #include "info/edit_file_info_form.h"
 #include "info/error.h"

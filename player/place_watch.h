@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Tells a place that was jumped to from one that playing has led to.
 #pragma once
 

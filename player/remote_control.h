@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The player as the desktop's media keys and panels drive it: each command does what a click on its image
 // does, as far as the state of the player lets it mean anything.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The main window: the program starts by loading it and lives as long as it does.
 #pragma once
 

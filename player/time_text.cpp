@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "player/time_text.h"
 
 #include "platform/numbers.h"

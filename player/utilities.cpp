@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/directory_scan.h"
 #include "platform/failure.h"
 #include "platform/paths.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/failure.h"
 #include "platform/numbers.h"
 #include "platform/paths.h"
@@ -18,7 +19,7 @@ constexpr const char* listFilter = "Velmora Playlist|*.vlp|M3U Playlists|*.m3u|A
 void writeLine(TextOutput* output, const Text& line)
 {
     if (!output)
-        throw failure(75);
+        throw Failure(Trouble::pathOrFileAccess);
     output->write(line + Text(lineEnd));
 }
 

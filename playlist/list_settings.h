@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the playlist window keeps its two values: the settings file in the application folder.
 #pragma once
 

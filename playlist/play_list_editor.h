@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The playlist window. Its list box is the list: a row is a file's path. Loaded at the program's start, shown
 // or not.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "playlist/play_list_editor.h"
 #include "toolkit/menu_below.h"
 

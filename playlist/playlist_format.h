@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The bytes of a list file: how its text becomes lines, and lines become text.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "program.h"
 #include "settingsdlg/settings.h"
 #include "workbench/mp3_encoder.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The dialog for all workbench options, one tab a flow. Apply stores a tab's values and hands them on, OK
 // does the same and hides the window, Cancel only hides it.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The arithmetic of the drawn bars. Lengths in twips; a bar's travel is its track's width less its thumb's.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs the test cases that the arguments choose; choosing none at all is a failure.
 #define DOCTEST_CONFIG_IMPLEMENT
 #include "tests/support/skip.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/accessibility.h"
 
 #include "toolkit/form_widget.h"

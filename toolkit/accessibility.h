@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The toolkit's own widgets for those who cannot see them: windows are windows, pictures are buttons, sliders
 // or nothing. For the toolkit's own sources.
 #pragma once

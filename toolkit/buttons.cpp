@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/buttons.h"
 
 #include "platform/failure.h"
@@ -131,7 +132,7 @@ std::int16_t CheckBox::Value() const { return static_cast<QCheckBox*>(widget_)->
 void CheckBox::setValue(std::int16_t value)
 {
     if (value != 0 && value != 1)
-        throw failure(380);
+        throw Failure(Trouble::invalidPropertyValue);
     if (value == Value())
         return;
     {

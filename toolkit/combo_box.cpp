@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/combo_box.h"
 
 #include "platform/failure.h"
@@ -33,7 +34,7 @@ std::int32_t ComboBox::ListIndex() const { return static_cast<QComboBox*>(widget
 void ComboBox::setListIndex(std::int32_t index)
 {
     if (index < -1 || index >= ListCount())
-        throw failure(380);
+        throw Failure(Trouble::invalidPropertyValue);
     if (index == ListIndex())
         return;
     {

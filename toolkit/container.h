@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What can hold controls: a form, a frame, a page of a tab control.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What all controls have in common. Places are in twips of the container; an exact place is kept exactly and
 // painted at the nearest pixel.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/file_lists.h"
 
 #include "platform/failure.h"
@@ -29,7 +30,7 @@ Text trimmed(Text path)
 Text existingFolder(const Text& path)
 {
     if (!listing::isFolder(path))
-        throw failure(76);
+        throw Failure(Trouble::pathNotFound);
     return trimmed(path);
 }
 
@@ -158,7 +159,7 @@ void DriveListBox::setDrive(const Text& drive)
     if (drive == drive_)
         return;
     if (!offers(drive))
-        throw failure(68);
+        throw Failure(Trouble::deviceUnavailable);
     drive_ = drive;
     fill();
     Change.raise();
@@ -264,7 +265,7 @@ bool FileListBox::Selected(std::int32_t index) const
 void FileListBox::setSelected(std::int32_t index, bool selected)
 {
     if (!holds(index))
-        throw failure(381);
+        throw Failure(Trouble::invalidPropertyArrayIndex);
     static_cast<QListWidget*>(widget_)->item(index)->setSelected(selected);
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The three lists that lead a user to files: drives, directories, files. Paths are the system's own bytes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The mark round the picture that the keys go to, and the order in which Tab goes round. For the toolkit's
 // own sources alone.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/folder_listing.h"
 
 #include "files/folders.h"

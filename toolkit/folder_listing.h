@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What stands in a folder, by name. No question waits longer than 200 ms for its answer.
 #pragma once
 

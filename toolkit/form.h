@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A window. Its controls are members of the class that derives from it; its handlers are wired to its events.
 #pragma once
 
@@ -30,7 +31,7 @@ public:
     // `name` is the window's name in the program and that of its background picture in the skin, if there is
     // one.
     Form(Toolkit& toolkit, const char* name, Border border, Extent client);
-    virtual ~Form();
+    ~Form() override;
 
     Form(const Form&) = delete;
     Form& operator=(const Form&) = delete;

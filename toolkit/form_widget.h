@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The window behind a form. For the toolkit's own sources alone.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/image_widget.h"
 
 #include "toolkit/focus_mark.h"

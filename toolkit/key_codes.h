@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The key codes that the program's handlers know. For the toolkit's own sources alone.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/label.h"
 
 #include "toolkit/label_text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the text of a label that wraps is laid into its place. For the toolkit's own sources alone.
 #pragma once
 

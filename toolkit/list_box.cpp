@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/list_box.h"
 
 #include "platform/failure.h"
@@ -10,7 +11,7 @@ namespace ctl
 const Text& DroppedFiles::item(std::int32_t number) const
 {
     if (number < 1 || static_cast<std::size_t>(number) > paths_.size())
-        throw failure(9);
+        throw Failure(Trouble::subscriptOutOfRange);
     return paths_[static_cast<std::size_t>(number) - 1];
 }
 
@@ -37,14 +38,14 @@ void ListBox::AddItem(const ::Text& text) { AddItem(text, ListCount()); }
 void ListBox::AddItem(const ::Text& text, std::int32_t index)
 {
     if (index < 0 || index > ListCount())
-        throw failure(5);
+        throw Failure(Trouble::invalidCall);
     change([&] { rows_->insert(index, text); }, listIndex_ >= index ? listIndex_ + 1 : listIndex_);
 }
 
 void ListBox::RemoveItem(std::int32_t index)
 {
     if (!holds(index))
-        throw failure(5);
+        throw Failure(Trouble::invalidCall);
     const std::int32_t kept = listIndex_ > index ? listIndex_ - 1 : listIndex_;
     change([&] { rows_->remove(index); }, listIndex_ == index ? -1 : kept);
 }
@@ -78,7 +79,7 @@ std::int32_t ListBox::ListCount() const { return rows_->count(); }
 void ListBox::setListIndex(std::int32_t index)
 {
     if (index < -1 || index >= ListCount())
-        throw failure(380);
+        throw Failure(Trouble::invalidPropertyValue);
     if (std::exchange(listIndex_, index) == index)
         return;
     if (view_)
@@ -103,7 +104,7 @@ bool ListBox::Selected(std::int32_t index) const
 void ListBox::setSelected(std::int32_t index, bool selected)
 {
     if (!holds(index))
-        throw failure(381);
+        throw Failure(Trouble::invalidPropertyArrayIndex);
     if (rows_->hasChecks())
         rows_->check(index, selected);
     else if (selected)

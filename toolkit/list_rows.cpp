@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/list_rows.h"
 
 #include "toolkit/qt_bridge.h"

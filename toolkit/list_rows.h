@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rows of a list box, as the view wants them. For the toolkit's own sources alone.
 #pragma once
 

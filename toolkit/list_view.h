@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The view behind a list box. For the toolkit's own sources alone.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/menu_below.h"
 
 #include "platform/numbers.h"

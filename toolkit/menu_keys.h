@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // F10, the Menu key and Alt alone open the menu of a window that has no menu bar. For the toolkit's own
 // sources alone.
 #pragma once

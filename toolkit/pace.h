@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The rate of all timers: full while something moves or is typed, lower while a file just plays, slow in a
 // still program, so that a program that nobody uses hardly wakes the machine. All tick together.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Between the program's bytes and twips and the window toolkit's strings and pixels. For platform sources
 // alone.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Windows that no pointer can reach. For the toolkit's own sources alone.
 #pragma once
 

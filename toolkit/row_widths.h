@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How wide the rows of a list are. For the toolkit's own sources alone.
 #pragma once
 

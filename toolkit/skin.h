@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The artwork of the program: one vector picture a name, a group in it for each state. For platform sources
 // alone.
 #pragma once

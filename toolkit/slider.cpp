@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/slider.h"
 
 #include "platform/failure.h"
@@ -19,7 +20,7 @@ Slider::Slider(Container& container, const char* name, std::int32_t min, std::in
 void Slider::setValue(std::int32_t value)
 {
     if (value < min_ || value > max_)
-        throw failure(380);
+        throw Failure(Trouble::invalidPropertyValue);
     value_ = value;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a screen reader calls the controls that bear no caption.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/tip.h"
 
 QString wholeTip(const QString& text)

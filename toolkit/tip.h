@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Tips that show a text which has no room elsewhere. For the toolkit's own sources alone.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the windows of one program share: the way in from the window system, the timers, the active window.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/file_names.h"
 
 #include "platform/failure.h"
@@ -34,6 +35,6 @@ float percentOf(std::int32_t position, std::int32_t length)
     const std::int64_t product = static_cast<std::int64_t>(position) * 100;
     if (product > std::numeric_limits<std::int32_t>::max() ||
         product < std::numeric_limits<std::int32_t>::min())
-        throw failure(6);
+        throw Failure(Trouble::overflow);
     return static_cast<float>(product) / static_cast<float>(length);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/mp3_encoder.h"
 
 #include "player/start_up.h"

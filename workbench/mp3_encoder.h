@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The workbench: four tabs, each a batch flow. A flow sets up one file, starts its engine, and pumps window
 // events until the engine reports the end of that file. Nothing is locked meanwhile: a second click nests a
 // run.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Wakes one waiting thread. A ring that comes before the wait is not lost.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sound server's client, for one thread. Any call may block.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sound server. Everything that may wait for it happens on a thread of its own, which begins with the
 // first stream; the calls here return at once, also while the server hangs.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decoded sound from one place of a source on, on its way from the thread that decodes it to the one that
 // plays it. One thread writes, one reads, and neither ever waits for the other.
 #pragma once

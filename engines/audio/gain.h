@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Brings samples to the output levels: a level of 100 leaves them as they are, 50 halves them. A new level is
 // reached in 5 ms, so that it does not click.
 #pragma once

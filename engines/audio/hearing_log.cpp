@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/hearing_log.h"
 
 bool Run::continues(const Run& before) const

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The output levels in the user's state folder: one line, "LEFT RIGHT". They are 100 until the file says
 // otherwise, also when it cannot be read; what cannot be written is lost with the process.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The two output levels, read by whoever plays.
 #pragma once
 

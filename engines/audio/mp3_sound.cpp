@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/opened_sound.h"
 
 #include "engines/formats/mpg123_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/mpg123_play.h"
 
 #include "engines/audio/opened_sound.h"

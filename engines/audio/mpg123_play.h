@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The MP3 engine on libmpg123. WAV files play, too, as files without tags. Making one is cheap: its thread,
 // and the sound server, wait for the first `Play`.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sound that can be read from any place of it, as 16-bit stereo, by one thread at a time. A frame is one
 // sample of both channels.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What an engine plays, and how far it is: the state that the window's thread sets and asks, and that the
 // engine's own thread carries out. Every call returns at once.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Takes a stream's sound at the pace at which it would be heard, where no sound server does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/sndfile_control.h"
 
 #include "engines/audio/opened_sound.h"

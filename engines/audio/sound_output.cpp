@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/sound_output.h"
 
 SoundOutput::SoundOutput(Text levelFile, Activity& activity) :

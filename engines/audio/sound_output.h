@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sound output of the process, which all engines share and which outlives them: its two levels are the
 // volume of whichever plays. It is silent, and touches no sound server, until an engine plays.
 #pragma once

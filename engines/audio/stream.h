@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One way out for an engine's sound: what a sound server, or the silent clock in its place, takes from a
 // feed, and what of it has been heard.
 #pragma once

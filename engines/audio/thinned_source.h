@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A sound at a rate above what an output takes: so many of its frames become one.
 #pragma once
 

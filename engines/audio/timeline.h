@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the frames of a sound lie in time. A sound has one rate, or, from joined files, stretches of several.
 #pragma once
 

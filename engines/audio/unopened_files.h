@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the engines could not open, told to the user: where a run waits for a file, no window says so.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One engine's sound. The calls return at once, whatever the disk and the sound server do; a thread of the
 // voice's own, which begins with the first `play`, decodes and watches over the way to the listener.
 #pragma once

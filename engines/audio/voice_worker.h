@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Carries out what a `Playback` wishes, on a thread of its own: decodes, and keeps the way out open.
 #pragma once
 

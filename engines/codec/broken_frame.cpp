@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/broken_frame.h"
 
 #include "engines/codec/frame_bytes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Finds the frames that a decoder breaks off.
 #pragma once
 

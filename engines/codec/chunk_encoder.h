@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Encodes one chunk of a sound into its place in the MP3 file.
 #pragma once
 

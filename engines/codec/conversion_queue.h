@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Runs conversions of files one after the other on a thread of its own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/decode_file.h"
 
 #include "engines/codec/piece_decoder.h"
@@ -99,9 +100,9 @@ void decodeFromStart(const formats::SourceFile& file, const formats::Mp3Place& p
         known = source.position();
     }
     if (source.failed())
-        throw failure(57);
+        throw Failure(Trouble::deviceInputOutput);
     if (decoder.format().rate == 0)
-        throw Failure{57, "There is no sound in this file."};
+        throw Failure{Trouble::deviceInputOutput, "There is no sound in this file."};
     const auto end = run.finish();
     blocks.finish();
     writeHeader(part, decoder.format(), end);
@@ -162,7 +163,7 @@ private:
                 return false;
             run.write(std::as_bytes(trimmed(samples, frame)));
             if (const auto done = frame + 1; done == end || done - known == framesInReport) {
-                progress_.add(table_.positions[done] - table_.positions[known]);
+                progress_.add(table_.placeOf(done) - table_.placeOf(known));
                 known = done;
             }
         }
@@ -215,11 +216,11 @@ void decodeFile(const Text& input, const Text& output, unsigned workers, const R
                 const std::stop_token& stop, PartNotes& notes)
 {
     if (isSameFile(input, output))
-        throw Failure{75, "The output would replace its own source."};
+        throw Failure{Trouble::pathOrFileAccess, "The output would replace its own source."};
     const formats::SourceFile file(input);
     const auto place = formats::findMp3(file.file());
     if (!place)
-        throw Failure{57, "This is not an MP3 file."};
+        throw Failure{Trouble::deviceInputOutput, "This is not an MP3 file."};
     Progress progress(file.size(), report);
     if (decodeInPieces(file, output, workers, progress, stop, notes))
         return;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Turns an MP3 file into a WAV file.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/decode_jobs.h"
 
 #include "engines/codec/conversion_queue.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes MP3 files to WAV files on worker threads, one job at a time, each with the paths it was opened
 // with.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/encode_file.h"
 
 #include "engines/codec/chunk_encoder.h"
@@ -64,7 +65,7 @@ private:
             const std::int64_t end = plan[i].first + chunks[i].frames;
             const bool isWhole = plan[i].isLast() || plan[i].end == end;
             if (!isWhole || chunks[i].bytes != job_.placeOf(end) - job_.placeOf(plan[i].first))
-                throw Failure{57, "The encoder left gaps."};
+                throw Failure{Trouble::deviceInputOutput, "The encoder left gaps."};
         }
     }
 
@@ -106,7 +107,7 @@ void encodeFile(const Text& input, const Text& output, const Mp3Settings& settin
                 const Report& report, const std::stop_token& stop, PartNotes& notes)
 {
     if (isSameFile(input, output))
-        throw Failure{75, "The output would replace its own source."};
+        throw Failure{Trouble::pathOrFileAccess, "The output would replace its own source."};
     const formats::SourceFile file(input);
     OutputFile part(output, notes);
     Encoding(file, settings, part, report).run(workers, stop);

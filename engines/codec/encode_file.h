@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Turns a WAV file into an MP3 file.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How a sound is cut into chunks that are encoded side by side, and where their frames lie in the MP3 file.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/frame_bytes.h"
 
 #include "engines/formats/side_info.h"
@@ -11,17 +12,17 @@ namespace codec
 FrameBytes::FrameBytes(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t start,
                        std::int64_t end) :
     table_(table),
-    start_(start), bytes_(static_cast<std::size_t>(table.positions[end] - table.positions[start]))
+    start_(start), bytes_(static_cast<std::size_t>(table.placeOf(end) - table.placeOf(start)))
 {
-    if (file.read(bytes_.data(), bytes_.size(), table.positions[start]) != bytes_.size())
-        throw failure(57);
+    if (file.read(bytes_.data(), bytes_.size(), table.placeOf(start)) != bytes_.size())
+        throw Failure(Trouble::deviceInputOutput);
 }
 
 formats::MpegHeader FrameBytes::header(std::int64_t frame) const
 {
     const auto header = formats::mpegHeader(bytes_.data() + placeOf(frame));
-    if (!header || header->bytes != table_.positions[frame + 1] - table_.positions[frame])
-        throw failure(57);
+    if (!header || header->bytes != table_.placeOf(frame + 1) - table_.placeOf(frame))
+        throw Failure(Trouble::deviceInputOutput);
     return *header;
 }
 
@@ -41,14 +42,14 @@ void FrameBytes::silence(std::int64_t frame)
 
 std::size_t FrameBytes::placeOf(std::int64_t frame) const
 {
-    return static_cast<std::size_t>(table_.positions[frame] - table_.positions[start_]);
+    return static_cast<std::size_t>(table_.placeOf(frame) - table_.placeOf(start_));
 }
 
 std::int64_t reservoirStart(const formats::FrameTable& table, std::int64_t frame)
 {
     const int checksum = 2;
     for (std::int64_t filled = 0; frame > 0 && filled < table.first.maxReservoir(); --frame)
-        filled += table.positions[frame] - table.positions[frame - 1] - table.first.sideInfo - checksum;
+        filled += table.placeOf(frame) - table.placeOf(frame - 1) - table.first.sideInfo - checksum;
     return frame;
 }
 

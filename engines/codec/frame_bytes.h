@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A run of frames in memory, to be changed before it is decoded.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/frame_cut.h"
 
 #include "platform/failure.h"
@@ -41,7 +42,7 @@ FrameCut::FrameCut(const formats::SourceFile& file, const formats::FrameTable& t
 FrameCut::FrameCut(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t start,
                    std::int64_t begin, std::int64_t end) :
     leadIn_(begin - start),
-    source_(leadInBytes(file, table, start, begin), file, table.positions[begin], table.positions[end])
+    source_(leadInBytes(file, table, start, begin), file, table.placeOf(begin), table.placeOf(end))
 {
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Frames cut out of the middle of a file, made decodable from their first one on.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/frame_decoder.h"
 
 #include "platform/failure.h"
@@ -31,7 +32,7 @@ off_t seekSource(void* source, off_t offset, int whence)
 void require(int result)
 {
     if (result != MPG123_OK)
-        throw Failure{57, mpg123_plain_strerror(result)};
+        throw Failure{Trouble::deviceInputOutput, mpg123_plain_strerror(result)};
 }
 
 void allowRates(mpg123_handle* handle)

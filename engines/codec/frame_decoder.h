@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // libmpg123 on a source of bytes: gives 16-bit samples frame by frame.
 #pragma once
 

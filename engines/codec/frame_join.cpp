@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/frame_join.h"
 
 #include "engines/formats/side_info.h"
@@ -20,7 +21,7 @@ struct Frame {
     std::ptrdiff_t end() const { return at + header.bytes; }
 };
 
-Failure gaps() { return {57, "The encoder left gaps."}; }
+Failure gaps() { return {Trouble::deviceInputOutput, "The encoder left gaps."}; }
 
 std::vector<Frame> framesIn(std::span<const std::uint8_t> bytes)
 {

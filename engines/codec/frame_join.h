@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Joins the frames of two encoders in a stretch that both have encoded.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tag frame at the front of an MP3 file: the Xing header ("Info" for constant bit rate) and LAME's
 // extension of it
 // ("MP3 Info Tag", revision 1).

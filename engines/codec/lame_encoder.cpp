@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/lame_encoder.h"
 
 #include "platform/failure.h"
@@ -42,7 +43,7 @@ struct LameEncoder::Parts {
         out.resize(before + room);
         const int written = call(out.data() + before, static_cast<int>(room));
         if (written < 0)
-            throw Failure{57, "The encoder refused the sound."};
+            throw Failure{Trouble::deviceInputOutput, "The encoder refused the sound."};
         out.resize(before + static_cast<std::size_t>(written));
     }
 };
@@ -53,7 +54,7 @@ LameEncoder::LameEncoder(const Mp3Settings& settings, int rate, int channels) :
     parts_->lame.reset(newEncoder());
     lame_t lame = parts_->lame.get();
     if (!lame)
-        throw Failure{57, "The encoder cannot be started."};
+        throw Failure{Trouble::deviceInputOutput, "The encoder cannot be started."};
     lame_set_errorf(lame, keepSilent);
     lame_set_msgf(lame, keepSilent);
     lame_set_debugf(lame, keepSilent);
@@ -68,7 +69,7 @@ LameEncoder::LameEncoder(const Mp3Settings& settings, int rate, int channels) :
     if (channels == 1)
         lame_set_mode(lame, MONO);
     if (lame_init_params(lame) < 0)
-        throw Failure{57, "The encoder cannot take this sound."};
+        throw Failure{Trouble::deviceInputOutput, "The encoder cannot take this sound."};
     parts_->clock = clock;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/piece_decoder.h"
 
 #include "engines/codec/broken_frame.h"

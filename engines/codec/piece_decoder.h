@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Decodes a run of frames from the middle of a file, to the bits that decoding from the first frame on gives.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/burn_job.h"
 
 #include "engines/disc/burn_source.h"
@@ -76,7 +77,8 @@ public:
         if (stop.stop_requested())
             return;
         if (burn_drive_wrote_well(recorder_->drive()) == 0)
-            throw Failure{57, BurnRecorder::complaint("The disc could not be written.")};
+            throw Failure{Trouble::deviceInputOutput,
+                          BurnRecorder::complaint("The disc could not be written.")};
         requireWholeTracks();
         if (settings_.autoEject && !settings_.simulate)
             recorder_->ejectAtTheEnd();
@@ -102,13 +104,14 @@ private:
     void requireFittingDisc() const
     {
         if (!recorder_->hasWritableDisc())
-            throw Failure{68, "There is no disc in the recorder that can be written."};
+            throw Failure{Trouble::deviceUnavailable,
+                          "There is no disc in the recorder that can be written."};
         if (recorder_->tracksOnDisc() + static_cast<int>(sources_.size()) > mostTracks)
-            throw Failure{57, "A disc has room for 99 tracks at most."};
+            throw Failure{Trouble::deviceInputOutput, "A disc has room for 99 tracks at most."};
         if (sectorsOnDisc() > recorder_->freeSectors())
-            throw Failure{61, "The tracks are too long for the disc."};
+            throw Failure{Trouble::diskFull, "The tracks are too long for the disc."};
         if (settings_.simulate && !recorder_->canSimulate())
-            throw Failure{57, "This recorder cannot simulate."};
+            throw Failure{Trouble::deviceInputOutput, "This recorder cannot simulate."};
     }
 
     void chooseOptions()
@@ -127,7 +130,8 @@ private:
     {
         std::array<char, BURN_REASONS_LEN> reasons{};
         if (burn_precheck_write(options_.get(), disc_.get(), reasons.data(), 0) != 1)
-            throw Failure{57, BurnRecorder::complaint("The recorder refuses: " + Text(reasons.data()))};
+            throw Failure{Trouble::deviceInputOutput,
+                          BurnRecorder::complaint("The recorder refuses: " + Text(reasons.data()))};
     }
 
     // The library does its work on a thread of its own, and says how far it is only when asked.
@@ -169,7 +173,7 @@ private:
     {
         for (const auto& source : sources_)
             if (source->wasCutShort())
-                throw Failure{62,
+                throw Failure{Trouble::endOfFile,
                               source->path() + " could not be read to its end: the disc is silent there."};
     }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A session of tracks on its way onto a disc.
 #pragma once
 

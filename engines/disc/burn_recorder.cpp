@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/burn_recorder.h"
 
 #include "platform/failure.h"
@@ -58,14 +59,14 @@ BurnRecorder::BurnRecorder(const Text& device) : parts_(std::make_unique<Parts>(
     constexpr int load = 1;
     std::unique_lock lock(turn(), std::defer_lock);
     if (!lock.try_lock_for(turnLimit) || !isStarted())
-        throw Failure{68, "Another recorder does not answer."};
+        throw Failure{Trouble::deviceUnavailable, "Another recorder does not answer."};
     complaint({});
     Text address = device;
     address.resize(BURN_DRIVE_ADR_LEN);
     if (burn_drive_scan_and_grab(&parts_->infos, address.data(), load) == 1)
         return;
     burn_drive_info_free(parts_->infos);
-    throw Failure{70, complaint("The recorder is in use.")};
+    throw Failure{Trouble::permissionDenied, complaint("The recorder is in use.")};
 }
 
 BurnRecorder::~BurnRecorder()

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A recorder that libburn holds. For worker threads: each call waits as long as the recorder takes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A track's sound as libburn fetches it: whole sectors, silent behind the file's end.
 #pragma once
 

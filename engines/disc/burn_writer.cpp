@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/burn_writer.h"
 
 #include "engines/disc/burn_job.h"
@@ -63,7 +64,7 @@ public:
         });
         auto prepared = preparing.result(patience_);
         if (!prepared)
-            throw Failure{68, "The recorder does not answer."};
+            throw Failure{Trouble::deviceUnavailable, "The recorder does not answer."};
         if (!prepared->run)
             throw prepared->failure;
         return std::move(prepared->run);

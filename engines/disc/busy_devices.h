@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Which devices are in use, so that no two jobs meet on one. From any thread.
 #pragma once
 

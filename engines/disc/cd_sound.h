@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A WAV file that is fit for an audio CD: PCM of 16 bits, 2 channels, 44100 Hz. It stays readable when the
 // file is renamed or removed.
 #pragma once

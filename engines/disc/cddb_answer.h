@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a CDDB server answers (the freedb "CDDB server protocol", level 6, and its "xmcd" entry format).
 // Pure, and safe with any bytes.
 #pragma once

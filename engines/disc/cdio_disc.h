@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The disc in a real drive, over libcdio. For worker threads: each call waits as long as the drive takes.
 #pragma once
 

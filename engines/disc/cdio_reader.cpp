@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/cdio_reader.h"
 
 #include "engines/disc/cdio_disc.h"
@@ -115,7 +116,7 @@ private:
             if (disc_.read(sector, samples))
                 return true;
         if (!disc_.isReady())
-            throw Failure{68, "The disc was taken out."};
+            throw Failure{Trouble::deviceUnavailable, "The disc was taken out."};
         return false;
     }
 
@@ -172,9 +173,9 @@ public:
     {
         CdioDisc disc(device_.path);
         if (!disc.isReady())
-            throw Failure{68, "There is no disc in the drive."};
+            throw Failure{Trouble::deviceUnavailable, "There is no disc in the drive."};
         if (disc.table() != seen_.table)
-            throw Failure{68, "There is another disc in the drive."};
+            throw Failure{Trouble::deviceUnavailable, "There is another disc in the drive."};
         return TrackReading(disc, sink, stop)
             .read(seen_.contents.tracks.at(static_cast<std::size_t>(track - 1)));
     }

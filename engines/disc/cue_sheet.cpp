@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/cue_sheet.h"
 
 #include "engines/disc/disc_contents.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a CUE sheet says: which files a disc image is made of, and where its tracks lie in them.
 #pragma once
 

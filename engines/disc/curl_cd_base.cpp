@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/curl_cd_base.h"
 
 #include "engines/disc/cddb_answer.h"
@@ -24,7 +25,6 @@ namespace
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr int deviceUnavailable = 68;
 constexpr std::string_view protocolLevel = "6";
 constexpr std::string_view client = "Velmora " VELMORA_VERSION;
 
@@ -179,7 +179,7 @@ public:
             return;
         titles_ = {};
         if (device_.empty() || device_ != access_.firstDrive())
-            throw failure(deviceUnavailable);
+            throw Failure(Trouble::deviceUnavailable);
     }
 
     void Lookup() override

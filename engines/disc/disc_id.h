@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How the CDDB tells discs apart: by where their tracks begin. Every track counts, data tracks and those of
 // later sessions too.
 #pragma once

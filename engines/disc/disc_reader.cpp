@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/disc_reader.h"
 
 #include "engines/disc/reader_table.h"
@@ -159,9 +160,10 @@ void DiscReader::startCopy(std::int16_t number, const Text& path)
     const auto contents = table_->lastContents(*drive);
     const DiscTrack* const track = trackOf(contents, number);
     if (track == nullptr || !track->isAudio || track->sectors == 0)
-        throw Failure{9, "There is no sound in track " + textOf(std::int32_t{number}) + "."};
+        throw Failure{Trouble::subscriptOutOfRange,
+                      "There is no sound in track " + textOf(std::int32_t{number}) + "."};
     if (devices_->isWriting(drive->device()))
-        throw Failure{70, drive->name() + " is in use."};
+        throw Failure{Trouble::permissionDenied, drive->name() + " is in use."};
     auto output = std::make_unique<WavOutput>(path, notes_);
     copy_ = std::make_unique<TrackCopy>(
         TrackCopy::Job{drive, number, track->sectors, path, std::move(output)}, devices_, shell_, sleepLock_,

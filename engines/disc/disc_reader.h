@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The disc reader over real drives and disc images.
 #pragma once
 

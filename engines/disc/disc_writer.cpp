@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/disc_writer.h"
 
 #include "engines/disc/disc_writing.h"
@@ -149,13 +150,13 @@ std::int16_t DiscWriter::Write()
 void DiscWriter::startWriting()
 {
     if (writing_)
-        throw Failure{70, "Another disc is being written."};
+        throw Failure{Trouble::permissionDenied, "Another disc is being written."};
     if (tracks_.empty() || tracks_.size() > mostTracks)
-        throw Failure{9, "A disc has 1 to 99 tracks."};
+        throw Failure{Trouble::subscriptOutOfRange, "A disc has 1 to 99 tracks."};
     auto& drive = current();
     auto claim = devices_->claim(drive.device(), BusyDevices::Use::writing);
     if (!claim)
-        throw Failure{70, drive.name() + " is in use."};
+        throw Failure{Trouble::permissionDenied, drive.name() + " is in use."};
     auto run = drive.prepare(openTracks(), settings_);
     writing_ = std::make_unique<DiscWriting>(
         DiscWriting::Job{std::move(*claim), std::move(run)}, shell_, sleepLock_,
@@ -173,7 +174,7 @@ std::vector<CdSound> DiscWriter::openTracks() const
     for (const Text& path : tracks_) {
         auto sound = CdSound::open(path);
         if (!sound)
-            throw Failure{53, path + " cannot be read."};
+            throw Failure{Trouble::fileNotFound, path + " cannot be read."};
         sounds.push_back(std::move(*sound));
     }
     return sounds;

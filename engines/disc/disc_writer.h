@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The disc writer over real recorders and the one that makes disc images.
 #pragma once
 

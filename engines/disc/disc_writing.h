@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One disc in the writing, on a thread of its own.
 #pragma once
 

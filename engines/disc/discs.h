@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program's disc controls over all drives that there are: real ones and disc images.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Work that a drive may hold up, on a thread of its own. Who has waited long enough leaves it behind: it ends
 // when the drive lets it, and nobody hears of it.
 #pragma once

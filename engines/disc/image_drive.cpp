@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/image_drive.h"
 
 #include "engines/disc/image_file.h"
@@ -172,7 +173,7 @@ std::vector<std::byte> soundOf(const Extent& extent, ImageFile& file)
     const auto bytesOfSector = static_cast<std::size_t>(extent.bytesOfSector);
     std::vector<std::byte> sectors(static_cast<std::size_t>(extent.sectors) * bytesOfSector);
     if (file.read(sectors, extent.offset) + bytesOfSector <= sectors.size())
-        throw Failure{62, "The disc image is cut short."};
+        throw Failure{Trouble::endOfFile, "The disc image is cut short."};
     if (bytesOfSector != sectorBytes)
         keepSound(sectors, bytesOfSector);
     return sectors;
@@ -248,7 +249,7 @@ std::int32_t ImageDrive::readTrack(std::int16_t track, TrackSink& sink, const st
     const ImageLayout listed = layout_;
     refresh();
     if (layout_ != listed)
-        throw Failure{68, "The disc image has changed."};
+        throw Failure{Trouble::deviceUnavailable, "The disc image has changed."};
     const DiscTrack& whole = layout_.contents.tracks.at(static_cast<std::size_t>(track - 1));
     for (const Extent& extent : layout_.extents) {
         const Extent part = cutTo(extent, whole.start, whole.start + whole.sectors);
@@ -265,7 +266,7 @@ void ImageDrive::readExtent(const Extent& extent, TrackSink& sink, const std::st
     const auto file =
         isSound ? ImageFile::open(files_[*extent.file], sheet_.files[*extent.file].kind) : nullptr;
     if (isSound && !file)
-        throw Failure{53, files_[*extent.file] + " cannot be read."};
+        throw Failure{Trouble::fileNotFound, files_[*extent.file] + " cannot be read."};
     for (std::int32_t at = extent.start; at < extent.end() && !stop.stop_requested(); at += pieceSectors) {
         const Extent piece = cutTo(extent, at, at + pieceSectors);
         sink.take(file ? soundOf(piece, *file) : silenceOf(piece));

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Disc images as drives: a CUE sheet and the files it names, always with their disc in.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the sectors of a disc image lie in its files.
 #pragma once
 

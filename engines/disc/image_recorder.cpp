@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/image_recorder.h"
 
 #include "engines/disc/disc_contents.h"
@@ -142,7 +143,7 @@ void NewImage::writeSheet(const Text& text)
 void NewImage::placeSheet(std::time_t time)
 {
     if (!sheet_.takeFreePlace(pathOf(".cue", time)))
-        throw failure(75);
+        throw Failure(Trouble::pathOrFileAccess);
 }
 
 class ImageRun final : public WriteRun
@@ -182,7 +183,7 @@ void ImageRun::writeTrack(CdSound& track, const WriteProgress& progress, const s
         piece.assign(static_cast<std::size_t>(std::min(left, pieceBytes)), std::byte{});
         const auto sound = std::span(piece).first(static_cast<std::size_t>(std::min(soundLeft, pieceBytes)));
         if (track.read(sound) != sound.size())
-            throw Failure{62, track.path() + " is cut short."};
+            throw Failure{Trouble::endOfFile, track.path() + " is cut short."};
         soundLeft -= static_cast<std::int64_t>(sound.size());
         left -= static_cast<std::int64_t>(piece.size());
         if (image_)
@@ -196,8 +197,8 @@ void requireFolder(const Text& folder)
 {
     const int error = mkdir(folder.c_str(), 0777) == 0 ? 0 : errno;
     if (error != 0 && !isFolder(folder))
-        throw Failure{fileFailure(error).number, "The folder " + folder + " cannot be made: " +
-                                                     std::generic_category().message(error) + '.'};
+        throw Failure{fileFailure(error).trouble(), "The folder " + folder + " cannot be made: " +
+                                                        std::generic_category().message(error) + '.'};
 }
 
 class ImageRecorder final : public WriterDrive
@@ -214,7 +215,7 @@ public:
     {
         const std::int64_t bytes = soundBytes(tracks);
         if (bytes > std::int64_t{mostSectors} * sectorBytes)
-            throw Failure{61, "The tracks are too long for a disc."};
+            throw Failure{Trouble::diskFull, "The tracks are too long for a disc."};
         auto image = settings.simulate ? nullptr : newImage(bytes);
         return std::make_unique<ImageRun>(std::move(tracks), std::move(image));
     }

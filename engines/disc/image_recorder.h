@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The recorder that everybody has: it makes disc images.
 #pragma once
 

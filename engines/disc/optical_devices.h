@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The optical drives of this computer, as the system lists them. None is touched: a drive may be in use, or
 // hang.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the disc reader needs of one drive, real or a disc image.
 #pragma once
 

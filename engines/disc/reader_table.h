@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The drives that discs are read from, by number, and what is known to lie in them. From any thread; waits
 // for no job.
 #pragma once

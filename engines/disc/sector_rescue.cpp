@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/sector_rescue.h"
 
 #include "engines/disc/disc_contents.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The last that can be done for a sector that a drive does not read: libcdio's paranoia goes about it from
 // many sides, within limits of time and reads.
 #pragma once

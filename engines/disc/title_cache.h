@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The last answers that the CDDB gave, one file a disc, for the times when it gives none.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/track_copy.h"
 
 #include "platform/failure.h"
@@ -104,7 +105,7 @@ void TrackCopy::finish()
     }
     const auto outcome = pipe_->outcome();
     if (outcome.failure)
-        throw Failure{57, *outcome.failure};
+        throw Failure{Trouble::deviceInputOutput, *outcome.failure};
     job_.output->finish();
     if (outcome.unreadableSectors > 0)
         tell("A disc is damaged", job_.path + ": sectors that could not be read and are silent: " +

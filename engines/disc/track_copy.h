@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One track on its way from a drive into a WAV file, on threads of its own.
 #pragma once
 

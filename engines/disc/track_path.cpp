@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/track_path.h"
 
 #include "files/folders.h"
@@ -26,7 +27,7 @@ std::size_t units(std::string_view name)
     constexpr std::size_t bytesOfPair = 4;
     std::size_t count = 0;
     for (std::size_t at = 0; at < name.size(); at += characterBytes(name, at))
-        count += characterBytes(name, at) == bytesOfPair ? 2 : 1;
+        count += characterBytes(name, at) == bytesOfPair ? 2U : 1U;
     return count;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where a track's file goes when its title is too long for a name.
 #pragma once
 

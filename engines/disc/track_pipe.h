@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The way of a track's sound from the thread that reads the drive to the one that writes the file. The
 // writing one can leave at any time, however long the drive holds the other.
 #pragma once

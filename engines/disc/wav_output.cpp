@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/wav_output.h"
 
 #include "engines/formats/wav_header.h"
@@ -24,7 +25,7 @@ WavOutput::WavOutput(const Text& path, PartNotes& notes) : output_(path, notes)
 void WavOutput::append(std::span<const std::byte> samples)
 {
     if (soundBytes() + static_cast<std::int64_t>(samples.size()) > mostSoundBytes)
-        throw failure(61);
+        throw Failure(Trouble::diskFull);
     output_.append(samples);
 }
 

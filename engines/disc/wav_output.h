@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A track's WAV file in the making: 16-bit stereo sound of 44100 Hz.
 #pragma once
 

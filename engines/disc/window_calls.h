@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The way of a control's events from its threads to the window thread. Calls that are under way when the
 // control goes are dropped.
 #pragma once

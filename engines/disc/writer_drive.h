@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the disc writer needs of one recorder, real or one that makes disc images.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The frames of an MP3 file of which every byte is known, for decoding it in pieces.
 #pragma once
 
@@ -24,6 +25,7 @@ struct FrameTable {
     std::vector<std::int64_t> positions; // of each frame that sounds, and where the last one ends
     Trim trim;
 
+    std::int64_t placeOf(std::int64_t frame) const { return positions[static_cast<std::size_t>(frame)]; }
     std::int64_t frames() const { return static_cast<std::int64_t>(positions.size()) - 1; }
 };
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Steps from one Layer III frame to the next, without decoding.
 #pragma once
 

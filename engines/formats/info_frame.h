@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The silent first frame in which encoders note a file's length: "Xing" or "Info", with LAME's addition.
 #pragma once
 

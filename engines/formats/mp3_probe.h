@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Finds out whether a file is MPEG Layer III, where its sound lies, and how long it is.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the tags around the frames of an MP3 file end and begin: ID3v1, ID3v2, APE, Lyrics3.
 #pragma once
 

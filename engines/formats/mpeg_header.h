@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The four bytes at the start of a Layer III frame: ISO/IEC 11172-3 and 13818-3, and MPEG-2.5's half rates.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A libmpg123 decoder over the frames of an open MP3 file, set up the one way in which the program decodes:
 // 16 bits, exact seeks, tags left out. For one thread at a time.
 #pragma once

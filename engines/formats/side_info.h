@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The side information of a layer III frame (ISO/IEC 11172-3, 2.4.1.7; 13818-3, 2.4.1.7).
 #pragma once
 

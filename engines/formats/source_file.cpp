@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/formats/source_file.h"
 
 #include "platform/failure.h"
@@ -18,10 +19,10 @@ std::size_t SourceFile::read(void* bytes, std::size_t count, std::int64_t at) co
 {
     const auto read = file_->read(bytes, count, at);
     if (read < 0)
-        throw failure(57);
+        throw Failure(Trouble::deviceInputOutput);
     const auto have = static_cast<std::size_t>(read);
     if (have < count && at + read < size_)
-        throw failure(57);
+        throw Failure(Trouble::deviceInputOutput);
     return have;
 }
 

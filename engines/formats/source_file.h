@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The file that a conversion reads, from any thread: what it lacks is a failure, not an end.
 #pragma once
 

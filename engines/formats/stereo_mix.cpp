@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/formats/stereo_mix.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Many channels become two. Nothing is lost to clipping, the low-frequency channel is left out; centre and
 // surround go in at -3 dB, as ITU-R BS.775 has it.
 #pragma once

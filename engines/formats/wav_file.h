@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A WAV file as libsndfile reads it: extensible WAV, RIFX and RF64 as well, also with a size that was never
 // filled in. For one thread at a time.
 #pragma once

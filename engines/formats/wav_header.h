@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The header of a WAV file (RIFF WAVE, Microsoft and IBM, 1991) with 16-bit PCM sound.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the chunks of a WAV file say: how the sound is coded, and where it lies. RIFF, RIFX and RF64.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/formats/wav_source.h"
 
 #include "engines/formats/wav_file.h"
@@ -20,7 +21,7 @@ constexpr int maxRate = 768000;
 // No WAV coding packs more. A damaged header may announce hours in a few bytes.
 constexpr std::int64_t maxFramesInByte = 8;
 
-Failure notWav(const Text& reason) { return Failure{57, reason}; }
+Failure notWav(const Text& reason) { return Failure{Trouble::deviceInputOutput, reason}; }
 
 // A float file may hold anything; the encoder must not see what is no number, nor more than full scale.
 float limited(float sample)
@@ -47,7 +48,7 @@ struct WavSource::Parts {
         interleaved.assign(count * channels(), 0);
         wav.read(interleaved);
         if (wav.hasFailed())
-            throw failure(57);
+            throw Failure(Trouble::deviceInputOutput);
         for (float& sample : interleaved)
             sample = limited(sample * fullScale);
     }
@@ -69,7 +70,7 @@ WavSource::WavSource(const SourceFile& file) : parts_(new Parts(file.file()))
 {
     const auto& wav = parts_->wav;
     if (wav.hasFailed() || file.file()->size() < file.size())
-        throw failure(57);
+        throw Failure(Trouble::deviceInputOutput);
     if (!wav.isOpen())
         throw notWav(wav.reason());
     if (wav.channels() > maxChannels || wav.rate() < minRate || wav.rate() > maxRate)
@@ -89,7 +90,7 @@ std::int64_t WavSource::frames() const { return parts_->frames; }
 void WavSource::seek(std::int64_t frame)
 {
     if (!parts_->wav.seek(frame))
-        throw failure(57);
+        throw Failure(Trouble::deviceInputOutput);
     parts_->at = frame;
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The sound of a WAV file, as the encoder takes it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // An APE tag (APEv1 and APEv2) near the end of a file, item by item.
 #pragma once
 

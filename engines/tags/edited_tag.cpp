@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/edited_tag.h"
 
 #include "engines/tags/tag_file.h"

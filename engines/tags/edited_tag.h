@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tag fields of an engine, and the file that they come from and go to.
 //
 // A person saves in four steps: fields are set, the file is closed, the tag is written, the file is closed

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the text formats of tags (ID3v2, APE) share: six fields, each a text, changed one by one.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Genre numbers of ID3v1 and their names.
 #pragma once
 

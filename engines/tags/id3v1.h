@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The ID3v1 tag: the last 128 bytes of a file, fields of fixed length, one byte a character.
 #pragma once
 

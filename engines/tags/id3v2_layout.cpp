@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/id3v2_layout.h"
 
 #include "engines/tags/byte_order.h"
@@ -107,7 +108,7 @@ std::optional<Id3v2Frame> frameAt(ByteSource& body, std::uint64_t at, int versio
     return Id3v2Frame{nameOf(header.substr(0, idSize(version))), at, size, isReadable(version, header, size)};
 }
 
-[[noreturn]] void refuse(const char* reason) { throw Failure{75, reason}; }
+[[noreturn]] void refuse(const char* reason) { throw Failure{Trouble::pathOrFileAccess, reason}; }
 
 // 2.3 does not count the four bytes that say its size, 2.4 does.
 std::uint64_t extendedHeaderSize(const Id3v2Layout& layout)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the parts of an ID3v2 tag (2.2, 2.3, 2.4) lie, without a look into them.
 #pragma once
 

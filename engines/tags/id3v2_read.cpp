@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/id3v2_read.h"
 
 #include <algorithm>

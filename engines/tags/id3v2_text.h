@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The texts in the contents of an ID3v2 frame: a byte for the encoding, then texts with zeros between them.
 #pragma once
 

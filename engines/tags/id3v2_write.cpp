@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/id3v2_write.h"
 
 #include "engines/tags/byte_order.h"
@@ -65,7 +66,8 @@ Text commentContent(const Text& text, const Text& language, int version)
 void requireReadable(const Id3v2Frame& frame)
 {
     if (!frame.readable)
-        throw Failure{75, "Its ID3v2 tag has an encrypted, compressed or overlong " + frame.id + " frame."};
+        throw Failure{Trouble::pathOrFileAccess,
+                      "Its ID3v2 tag has an encrypted, compressed or overlong " + frame.id + " frame."};
 }
 
 // One frame of a kind remains: readers differ in which of several they take.
@@ -161,7 +163,7 @@ std::uint32_t checksumOf(std::string_view frames, std::size_t padding)
     return static_cast<std::uint32_t>(sum(sum(crc32_z(0, nullptr, 0), frames), Text(padding, '\0')));
 }
 
-[[noreturn]] void refuseDamage() { throw Failure{75, "Its ID3v2 tag is damaged."}; }
+[[noreturn]] void refuseDamage() { throw Failure{Trouble::pathOrFileAccess, "Its ID3v2 tag is damaged."}; }
 
 void renew(Text& header, std::size_t at, const Text& bytes)
 {
@@ -205,7 +207,7 @@ void renewExtendedHeader(Text& body, const Id3v2Layout& layout, std::size_t padd
 Text wholeTag(const Id3v2Header& header, const Text& body)
 {
     if (body.size() >= syncSafeLimit)
-        throw Failure{75, "Its ID3v2 tag would become too long."};
+        throw Failure{Trouble::pathOrFileAccess, "Its ID3v2 tag would become too long."};
     Text bytes = header.bytes;
     bytes.replace(6, 4, toSyncSafe(static_cast<std::uint32_t>(body.size())));
     return bytes + body + (header.hasFooter() ? "3DI" + bytes.substr(3) : "");
@@ -217,7 +219,7 @@ Text id3v2With(Id3v2Layout& layout, const std::vector<FieldChange>& changes)
 {
     const Id3v2Header& header = layout.header;
     if (!layout.isFaithful)
-        throw Failure{75, "Its ID3v2 tag is not stored in the way it says."};
+        throw Failure{Trouble::pathOrFileAccess, "Its ID3v2 tag is not stored in the way it says."};
     const Text remains = remainsOf(layout);
     Text body = framesWith(layout, rewritingFor(layout, changes)) + remains;
     const std::size_t size = header.isScrambled() ? unsynchronised(body).size() : body.size();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // How an ID3v2 tag comes to say something else, with every other byte kept.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The tag of an MP3 file, with the fields and numbers of ID3v1.
 #pragma once
 

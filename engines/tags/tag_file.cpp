@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/tag_file.h"
 
 #include "engines/formats/mp3_probe.h"
@@ -21,7 +22,6 @@ namespace
 {
 
 constexpr std::int16_t noGenre = 255;
-constexpr int permissionDenied = 70;
 
 // A tag that cannot be read says nothing; the next one then answers.
 Tag readable(ByteSource& file, const Id3v2Header& header)
@@ -122,7 +122,7 @@ void requireSaying(const Tag& expected, const Text& path)
 {
     const auto file = InputFile::open(path);
     if (!file || !isMp3(file) || readTag(path) != expected)
-        throw Failure{75, "Its tags are damaged and cannot be changed."};
+        throw Failure{Trouble::pathOrFileAccess, "Its tags are damaged and cannot be changed."};
 }
 
 // Where no copy can be made, and no tag is there or needed that readers would prefer, ID3v1 is written in the
@@ -138,7 +138,7 @@ void put(const NewTags& tags, const TagParts& parts, const StandingFile& file, c
                 [&] { swapEnds(file, ends, notes, approve); }))
         return;
     const bool id3v1Alone = !parts.id3v2 && !parts.ape && !tags.id3v2;
-    if (refused.number != permissionDenied || !id3v1Alone)
+    if (!refused.is(Trouble::permissionDenied) || !id3v1Alone)
         throw refused;
     overwriteEnd(file, parts.audioEnd, tags.id3v1);
 }
@@ -158,7 +158,7 @@ void write(const Text& path, const Tag& wanted, PartNotes& notes)
     NewTags tags;
     tags.id3v2 = newId3v2For(bytes, parts, wanted, shown);
     if (!isMp3(file))
-        throw Failure{75, "It is not an MP3 file."};
+        throw Failure{Trouble::pathOrFileAccess, "It is not an MP3 file."};
     tags.ape = newApeFor(parts, wanted, shown);
     tags.id3v1 = id3v1With(wanted, shown, parts.id3v1);
     if (tags.id3v2 || tags.ape || tags.id3v1 != parts.id3v1)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/tag_parts.h"
 
 #include "engines/tags/id3v1.h"

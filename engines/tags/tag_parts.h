@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the tags in an MP3 file lie: ID3v2 at its head, then the audio, then APE, then ID3v1.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Between the program's text and the encodings of the tag formats.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/block_writer.h"
 
 #include "tests/support/failures.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/burn_writer.h"
 
 #include "engines/disc/cdio_reader.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/cdio_reader.h"
 
 #include "files/descriptor.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Files with random damage: whatever they hold, nothing crashes, hangs, or is left behind.
 #include "engines/codec/decode_file.h"
 #include "engines/codec/encode_file.h"

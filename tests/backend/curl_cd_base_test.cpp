@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/curl_cd_base.h"
 
 #include "engines/disc/disc_id.h"

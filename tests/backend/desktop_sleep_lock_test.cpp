@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/desktop_sleep_lock.h"
 
 #include "tests/support/private_bus.h"

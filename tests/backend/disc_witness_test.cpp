@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Other programs find on our discs what we put there, and we find on an image what they do. Needs cd-info and
 // cd-paranoia (libcdio), bchunk and cuetools.
 #include "tests/support/disc_desk.h"

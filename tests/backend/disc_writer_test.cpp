@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/disc_desk.h"
 #include "tests/support/failures.h"
 #include "tests/support/scripted_reader.h"

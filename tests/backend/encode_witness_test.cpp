@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/encode_file.h"
 #include "tests/support/info_reader.h"
 #include "tests/support/temporary_folder.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/frame_join.h"
 
 #include "platform/failure.h"

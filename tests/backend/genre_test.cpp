@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/genre.h"
 
 #include "info/genre_rows.h"

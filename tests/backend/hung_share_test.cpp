@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a file system that does not answer leaves of the rest of the program. Whatever waits for it takes a
 // minute here: the bounds stand far below that and far above what a busy machine needs.
 #include "tests/support/hung_share.h"

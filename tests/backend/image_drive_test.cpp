@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/failure.h"
 #include "tests/support/child.h"
 #include "tests/support/disc_desk.h"

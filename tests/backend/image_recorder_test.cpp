@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/state_part_notes.h"
 #include "platform/failure.h"
 #include "tests/support/child.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One answer to "is this an MP3 file", for playing, for decoding and for tags.
 #include "engines/codec/decode_file.h"
 #include "engines/formats/mp3_probe.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/opened_sound.h"
 #include "tests/support/mp3_frames.h"
 #include "tests/support/no_sound.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/formats/mp3_probe.h"
 #include "engines/formats/mpeg_header.h"
 

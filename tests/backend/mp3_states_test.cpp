@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/tag_file.h"
 #include "tests/support/mp3_files.h"
 #include "tests/support/mp3_frames.h"

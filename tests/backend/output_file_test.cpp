@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/output_file.h"
 
 #include "files/folders.h"

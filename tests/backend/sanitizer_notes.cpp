@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the libraries do inside themselves, and the sanitizers need not tell.
 
 #ifdef __SANITIZE_ADDRESS__

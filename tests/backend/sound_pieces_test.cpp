@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/feed.h"
 #include "engines/audio/gain.h"
 #include "engines/audio/hearing_log.h"

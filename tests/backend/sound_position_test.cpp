@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/files.h"
 #include "tests/support/recordings.h"
 #include "tests/support/sound_files.h"

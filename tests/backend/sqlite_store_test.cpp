@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/sqlite_store.h"
 
 #include "tests/support/child.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Kills a process that writes tags, at random moments: the file must always be whole, the old one or the new
 // one.
 #include "engines/tags/tag_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Damaged files: reading and writing their tags must end, and never spoil what they do not understand.
 #include "engines/tags/tag_file.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What writing a tag must leave as it is.
 #include "engines/tags/tag_file.h"
 

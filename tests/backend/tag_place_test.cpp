@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where and under what rights a tag is written: what becomes of the file, its names and its folder.
 #include "engines/tags/tag_file.h"
 
@@ -366,7 +367,7 @@ TEST_CASE("A copy is noted before it is made, until it stands in the file's plac
     const Descriptor file(open(path.c_str(), O_RDONLY));
     const auto refuse = [&](const Text& copy) {
         CHECK(book.open == std::set<Text>{copy});
-        throw failure(75);
+        throw Failure(Trouble::pathOrFileAccess);
     };
     CHECK(failureOf([&] {
               swapEnds({path, file.number(), statusOf(path)}, {"", 0, 100, ""}, book, refuse);
@@ -447,7 +448,7 @@ TEST_CASE("A copy that is not approved does not take the file's place")
     Text seen;
     const auto refuse = [&](const Text& copy) {
         seen = fileBytes(copy);
-        throw failure(75);
+        throw Failure(Trouble::pathOrFileAccess);
     };
     CHECK(failureOf([&] {
               swapEnds({path, file.number(), statusOf(path)}, {"new ", 0, 3, ""}, noNotes, refuse);

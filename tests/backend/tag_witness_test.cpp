@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What independent readers (ffprobe, mutagen, TagLib) say of the tags that are written.
 #include "engines/tags/tag_file.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Where the channels of a WAV file are heard, played and encoded alike; and that what plays is encoded.
 #include "engines/audio/opened_sound.h"
 #include "engines/codec/encode_file.h"

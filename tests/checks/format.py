@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Fails on a source file that the project's clang-format would change."""
 import subprocess
 import sys

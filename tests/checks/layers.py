@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Fails on an include that crosses a wall: a room sees the rooms and the libraries that its CMakeLists.txt names, and no
 other. Also fails on a circle of rooms, on a window's header that includes another window's, on a window library shown by
 the toolkit's public headers, and on an event loop outside the rooms that may run one. Prints the graph when it fails."""

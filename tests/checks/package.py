@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the packages are made of: package.py ROOT names|desktop_entry|metainfo|man_page
 
 Ends with 77 where the program that judges a file is not here.

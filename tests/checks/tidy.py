@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Runs clang-tidy with the project's list: on the sources that differ from the branch this one came from (of a branch
 that is that one, its last commit), or on all of them when asked to. Ends with 77 where there is no clang-tidy."""
 import json

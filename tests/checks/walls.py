@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Fails when a wall does not hold: puts one forbidden include into a copy of each room and asks the check `layers`."""
 import pathlib
 import shutil

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Fails when a handler that a window's header declares is wired to no event."""
 import pathlib
 import re

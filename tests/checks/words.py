@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Fails on words that have no place in the project's files: they would mean something to nobody but their writer."""
 import re
 import subprocess

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A screen reader's library at work on the program, in a process of its own: it meets one accessibility bus for good.
 
 atspi_client.py list                             every control: window, role, name, value, as JSON

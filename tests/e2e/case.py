@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the end-to-end tests share: a desk, the program on it, and short words for what a person does."""
 import os
 import pathlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A private desk for the real program: display, window manager, sound server and home of its own.
 
 Everything is started by this process and ended by its process id. Nothing here waits for a time: it waits for a condition,

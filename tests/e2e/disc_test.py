@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """WAV files onto a disc and back: onto a disc image, and in a drive that is simulated."""
 import pathlib
 import subprocess

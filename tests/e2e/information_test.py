@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What the main window tells of a file: its information, and where in it the sound is."""
 import os
 import subprocess

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A person without a mouse: a day's jobs, by keys alone."""
 import subprocess
 

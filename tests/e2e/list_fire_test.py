@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The list under fire: killed at any moment of an edit, a save, a move or a run, it comes back as it was before or after."""
 import contextlib
 import os

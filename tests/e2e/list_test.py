@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A list beside the player: its runs as they are heard, and its rows."""
 import case
 import places

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The player under the desktop's hand: what playerctl, a panel and the media keys see and do."""
 import dbus
 import dbus.bus

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Where the menus of the two skinned windows open: under the image that opens them, or above it where there is no room."""
 import case
 import places

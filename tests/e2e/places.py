@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Where the controls of the two skinned windows are: left, top, width, height in twips."""
 
 TITLE_BAR = (0, 0, 6450, 225)

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A person starts the player, chooses a file, hears it, pauses, stops."""
 import case
 import places

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The windows as a screen reader has them: by an AT-SPI client, without a look and without the mouse."""
 import json
 import pathlib

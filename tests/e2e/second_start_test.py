@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The program started once more: it is one program for one user and one folder, and the running one comes up."""
 import shutil
 import signal

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The second and the third tab of the settings on a real disk: chosen by hand, kept, and found again by the next start."""
 import case
 from desk import Impatient, wait_for

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Where the program waits and no window says why: the desktop says it, the windows live, and the processor rests."""
 import os
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Signals, files made of them, and what a decoder of its own makes of those."""
 import array
 import math

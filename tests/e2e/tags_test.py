@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """Tags in the real program: what the editor shows, what it saves, and into which file."""
 import pathlib
 import subprocess

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """A tour through the program for a machine without a display: the real program on a virtual display and sound card, driven
 by mouse and keys. Prints what each step showed, and leaves screenshots and the recorded sound. Ends with 0 only when
 every step worked.

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """What goes wrong around the player: sound servers that die or hang, files that are none, a settings file in pieces."""
 import os
 import signal

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The two windows on the desk: how they cling together, and where they are found again."""
 import os
 import random

@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
 """The workbench at work: files to MP3 and back, and the tags of one."""
 import subprocess
 

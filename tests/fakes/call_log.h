@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the fakes were asked for, in order, over all of them.
 #pragma once
 

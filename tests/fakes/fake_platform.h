@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The whole program on fakes. Each engine, dialog and menu can be reached by the name that its window has for
 // it.
 #pragma once

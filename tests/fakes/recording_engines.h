@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Engines that do nothing but say what they were asked for, and answer what a test tells them to.
 #pragma once
 
@@ -335,7 +336,7 @@ public:
     {
         say("Command = " + word);
         if (openFails)
-            throw failure(68);
+            throw Failure(Trouble::deviceUnavailable);
     }
     void Lookup() override { say("Lookup"); }
     Text DiscArtist() const override { return artist; }

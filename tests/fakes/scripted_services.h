@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Services whose answers a test writes down beforehand.
 #pragma once
 
@@ -124,7 +125,7 @@ public:
     {
         say("Flags = " + textOf(flags = v));
         if (prepareFails)
-            throw failure(*prepareFails);
+            throw Failure(Trouble(*prepareFails));
     }
     void ShowOpen() override { show("ShowOpen"); }
     void ShowSave() override { show("ShowSave"); }
@@ -133,7 +134,7 @@ public:
     void GetFileList(Text& folder, std::vector<Text>& names, std::int32_t& count) const override
     {
         if (fileListFails)
-            throw failure(*fileListFails);
+            throw Failure(Trouble(*fileListFails));
         const Text& first = paths.front();
         folder = listFolder.value_or(first.substr(0, first.rfind(pathSeparator)));
         names.assign(1, "");
@@ -158,7 +159,7 @@ private:
             if (!choices.empty())
                 choices.pop_front();
             if (cancelError)
-                throw failure(32755);
+                throw Failure(Trouble::cancelled);
             return;
         }
         paths = choices.front().paths;
@@ -326,7 +327,7 @@ public:
         log_.add("Files.open " + path);
         for (const auto* refused : {&failures, &outputFailures})
             if (const auto fails = refused->find(path); fails != refused->end())
-                throw failure(fails->second);
+                throw Failure(Trouble(fails->second));
         return std::make_unique<Output>(*this, path);
     }
     bool stillHolds(const Text& path, std::uint64_t revision) override
@@ -338,15 +339,15 @@ public:
     std::int64_t length(const Text& path) override
     {
         if (!files.contains(path) || (failures.contains(path) && !measures))
-            throw failure(53);
+            throw Failure(Trouble::fileNotFound);
         return static_cast<std::int64_t>(files[path].size());
     }
     Text readWhole(const Text& path) override
     {
         if (const auto fails = failures.find(path); fails != failures.end())
-            throw failure(fails->second);
+            throw Failure(Trouble(fails->second));
         if (!files.contains(path))
-            throw failure(53);
+            throw Failure(Trouble::fileNotFound);
         return files[path];
     }
 
@@ -361,14 +362,14 @@ private:
                 files_.onWrite(bytes);
             if (files_.writeFails) {
                 failed_ = true;
-                throw failure(*files_.writeFails);
+                throw Failure(Trouble(*files_.writeFails));
             }
             text_ += bytes;
         }
         void finish(std::uint64_t revision) override
         {
             if (failed_)
-                throw failure(57);
+                throw Failure(Trouble::deviceInputOutput);
             files_.files[path_] = text_;
             files_.revisions_[path_] = {revision, text_};
         }
@@ -438,7 +439,7 @@ public:
     void startProgram(const Text& path) override
     {
         if (fails)
-            throw failure(53);
+            throw Failure(Trouble::fileNotFound);
         started.push_back(path);
     }
     void notify(const Text& title, const Text& message) override { told.push_back(title + ": " + message); }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A CDDB server's answers, whatever they hold.
 #include "engines/disc/cddb_answer.h"
 

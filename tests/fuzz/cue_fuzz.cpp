@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a CUE sheet: what is read of it holds together, and so does the disc that it makes of files of
 // any length.
 #include "engines/disc/image_layout.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Frames cut out of a file sound, bit for bit, as they do when it is decoded from its start, unless one of
 // all its frames breaks off in the decoder.
 #include "engines/codec/piece_decoder.h"

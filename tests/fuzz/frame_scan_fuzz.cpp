@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whatever a file holds, looking for its frames ends, and the places that are found lie in order within it.
 #include "engines/formats/frame_scan.h"
 #include "engines/formats/mp3_probe.h"

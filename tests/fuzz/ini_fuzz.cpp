@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a private profile: reading stays inside them, and what was written is read back and written
 // once.
 #include "files/profile_text.h"

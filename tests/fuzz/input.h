@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A fuzzer's bytes as a file without a disk.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as a list file: the lines are those that counting characters one by one gives, and together they
 // are the text.
 #include "playlist/playlist_format.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Any bytes as the head and the tail of an MP3 file: reading its tags ends, and writing them changes nothing
 // else, or nothing at all.
 //

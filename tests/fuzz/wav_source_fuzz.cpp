@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whatever a file holds, it is refused or read to its end, and no sample exceeds full scale.
 #include "engines/formats/wav_source.h"
 #include "platform/failure.h"

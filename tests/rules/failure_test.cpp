@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/failure.h"
 
 #include <cerrno>
@@ -7,7 +8,7 @@
 namespace
 {
 
-void fail(int number) { throw failure(number); }
+void fail(int number) { throw Failure(Trouble(number)); }
 
 }
 
@@ -38,7 +39,7 @@ TEST_CASE("A failing condition in a skipped stretch lets the guarded statement r
 {
     CHECK(holdsOrFails([] { return true; }));
     CHECK_FALSE(holdsOrFails([] { return false; }));
-    CHECK(holdsOrFails([]() -> bool { throw failure(13); }));
+    CHECK(holdsOrFails([]() -> bool { throw Failure(Trouble::typeMismatch); }));
 }
 
 TEST_CASE("A system error becomes the failure that a user of plain files expects")
@@ -48,5 +49,5 @@ TEST_CASE("A system error becomes the failure that a user of plain files expects
     CHECK(fileFailure(ENOSPC).description == "Disk full");
     CHECK(fileFailure(ENOTDIR).number == 76);
     CHECK(fileFailure(ELOOP).number == 75);
-    CHECK(failure(32755).description == "Cancel was selected.");
+    CHECK(Failure(Trouble::cancelled).description == "Cancel was selected.");
 }

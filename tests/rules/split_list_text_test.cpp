@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "playlist/playlist_format.h"
 
 #include <doctest/doctest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // One command on its way through the drive, and what its answer is made of.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/simulated_drive/commands.h"
 
 #include "tests/simulated_drive/call.h"

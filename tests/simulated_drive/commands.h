@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The drive's commands (SCSI MMC-5, SPC-3).
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the system answers on a drive's open device: its own requests, and the ways through to the commands
 // (linux/cdrom.h, scsi/sg.h).
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A simulated CD drive and what is in it: one file that the drive maps, and the test that owns it.
 //
 // The environment's VELMORA_SIMULATED_DRIVES names a folder. While it holds a file `sr0`, there is a drive

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a disc answers about itself, and how a session comes onto it (MMC-5, ECMA-130).
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Stands before the C library: the devices /dev/sr0, /dev/sr1 ... are the simulated drives, and no real one
 // is ever reached.
 #include "tests/simulated_drive/device_requests.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The files in which the system tells of its drives, as they would read with the simulated ones.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/small_disk/small_disk.h"
 
 #include "tests/support/small_disk.h"

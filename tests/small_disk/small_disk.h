@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the small disk of a test is at the moment, for the calls that stand in its place.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Stands before the C library: what happens on the small disk happens as on a full one, or on one that may
 // only be read.
 #include "tests/small_disk/small_disk.h"

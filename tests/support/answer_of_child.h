@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Work in a process of its own whose outcome is checked in this one.
 #pragma once
 

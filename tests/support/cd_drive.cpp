@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A CD drive for the program on the desk, which takes its time, with a blank disc in it: cd_drive. Prints the
 // folder that it lives in. Each line that it reads closes its tray, which it confirms; it goes when there are
 // no more.

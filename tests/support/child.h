@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Work in a process of its own, to be killed or to be given rights and limits that the tests cannot take
 // themselves.
 #pragma once

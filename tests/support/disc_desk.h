@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A desk for discs: folders of its own, a window thread that the test plays, and the desktop's services as
 // recording fakes.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program on fakes with its workbench and its settings loaded, and short words for discs.
 #pragma once
 
@@ -62,7 +63,7 @@ struct DiscProgram : Player {
     {
         platform.log.onCall = [call, number](const Text& made) {
             if (made.starts_with(call))
-                throw failure(number);
+                throw Failure(Trouble(number));
         };
     }
 };

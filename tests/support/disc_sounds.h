@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sound, WAV files and disc images made in a test.
 #pragma once
 

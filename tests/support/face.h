@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A small window with one control of each kind that a pointer can reach, and what it heard from them.
 #pragma once
 

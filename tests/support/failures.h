@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The number of the failure that a step ends in; 0 for none.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Preloaded into a program: a system that makes VELMORA_THREADS threads for it at one time, and no more.
 #include <dlfcn.h>
 #include <pthread.h>

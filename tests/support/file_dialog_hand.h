@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A user's hand on the toolkit's own file dialog.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Another program on the desk, out of whose window files are dragged: file_source FILE... It would rather
 // have them moved, and says what became of them.
 #include <QApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Whole files and the names in folders, for tests.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A share whose server is down: whatever is asked of the file system below one folder waits for a minute.
 // Stands before the C library, linked or preloaded; a preloaded one hangs below the folder
 // VELMORA_HUNG_SHARE.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Reads the tag frame of an MP3 file, by the published layout alone and by nothing that is tested.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What libmp3lame makes of a sound when nothing stands between it and the file.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A user's hand on a list box: keys and mouse buttons, as the window system would send them.
 #pragma once
 

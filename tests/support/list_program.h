@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program on fakes with its playlist window at hand.
 #pragma once
 

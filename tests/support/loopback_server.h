@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A web server on the loopback interface, with the manners that a test gives it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // MP3 files made in a test: silent frames, and tags of every kind built byte by byte, by nothing that is
 // tested.
 #pragma once

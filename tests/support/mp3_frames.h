@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // MP3 files built frame by frame, silent, for their headers.
 #pragma once
 

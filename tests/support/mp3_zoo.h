@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // MP3 files of several encoders, rates and states of health.
 #pragma once
 

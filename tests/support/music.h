@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Sound that keeps an encoder busy: chords, drums, noise, and silence in between.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a listener and a reader of the windows should find, whatever commands were given in whatever waits.
 // Told without recursion: a stack of jobs stands for the handlers that have not come back.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Keeps the process from every sound card and sound server that the machine may have.
 #pragma once
 

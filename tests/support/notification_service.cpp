@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A desktop's notification service for tests: notification_service BUS [ABILITY...]. Prints "ready", then a
 // line for each notification, until it is killed.
 #include <QCoreApplication>

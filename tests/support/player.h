@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program on fakes, its main window loaded, and short words for what a test asks of it.
 #pragma once
 

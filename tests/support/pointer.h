@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The user's pointer over one window. What it does takes the way of a real one: from the window down to the
 // control under it, which then has the pointer until its buttons are up.
 #pragma once

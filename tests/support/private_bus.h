@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A bus of the test's own, on which no service is started by itself.
 #pragma once
 

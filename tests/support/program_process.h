@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A program started by a test, and ended by its own number at the latest with the test.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A drive that does what the test says.
 #pragma once
 
@@ -46,7 +47,7 @@ public:
                 std::as_bytes(std::span(all)).subspan(std::size_t(at)).first(std::size_t(piece));
             sink.take({bytes.begin(), bytes.end()});
             if (!failure.empty())
-                throw Failure{57, failure};
+                throw Failure{Trouble::deviceInputOutput, failure};
         }
         return unreadable;
     }

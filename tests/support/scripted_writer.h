@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A recorder that does what the test says.
 #pragma once
 
@@ -38,7 +39,7 @@ public:
     std::unique_ptr<WriteRun> prepare(std::vector<CdSound> sounds, const WriteSettings& withSettings) override
     {
         if (!refusal.empty())
-            throw Failure{70, refusal};
+            throw Failure{Trouble::permissionDenied, refusal};
         tracks.clear();
         for (const auto& sound : sounds)
             tracks.push_back(sound.path());
@@ -65,7 +66,7 @@ private:
                 progress(percent);
             writer_.hold(stop);
             if (!writer_.failure.empty())
-                throw Failure{57, writer_.failure};
+                throw Failure{Trouble::deviceInputOutput, writer_.failure};
         }
 
     private:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A CD drive for tests: there while the object lives. Its disc, tray and troubles are a test's to choose;
 // what it was asked and what was written to it can be looked at.
 #pragma once

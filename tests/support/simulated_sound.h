@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Both engines of a fake platform, with what a listener would hear. Time moves when a test says so.
 #pragma once
 

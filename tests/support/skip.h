@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A case that this machine cannot run. It says so, and is not counted as passed.
 #pragma once
 

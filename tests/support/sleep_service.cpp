@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A desktop's services that keep the system awake, for tests: sleep_service BUS login|portal. Prints "ready",
 // then a line for each lock that is asked for and one when it is let go, until it is killed.
 #include <QCoreApplication>

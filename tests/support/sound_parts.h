@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What the engines are given in place of the program around them, and the engines on it.
 #pragma once
 

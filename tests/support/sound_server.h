@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A sound server of the test's own, whose sink records bit for bit, and what comes out of it. While it lives,
 // the process finds no other server.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Another program, started for a test and ended with it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A folder of a test's own, removed with everything in it, whatever the test has forbidden there.
 #pragma once
 

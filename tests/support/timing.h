@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Times on a machine that has other work, too.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Waits for a condition, never for a fixed time.
 #pragma once
 

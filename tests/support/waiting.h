@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Waiting for what comes by itself, for as long as a slow machine may need.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What stands in for the window thread and the desktop when a control works on threads of its own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The program on fakes with its workbench and its settings dialog loaded. The question after a writer has
 // been answered with No long ago.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The batches with the real encoder and decoder, on real folders.
 #include "engines/audio/mpg123_play.h"
 #include "engines/audio/sound_output.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // Encoding and decoding: twins, each tested the same way.
 #include "platform/failure.h"
 #include "support/answer_of_child.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/disk_profile_file.h"
 #include "files/disk_text_files.h"
 #include "platform/part_notes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The two windows that are drawn by pictures, without a mouse.
 #include "support/player.h"
 #include "support/pointer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/failure.h"
 #include "support/failures.h"
 #include "support/list_hand.h"
@@ -401,7 +402,7 @@ TEST_CASE("A failure in a handler that a key raised is nobody's, and reaches the
     Shown window(1);
     int unhandled = 0;
     window.toolkit.unhandled = [&](const Failure& failure) { unhandled = failure.number; };
-    window.list.KeyDown.calls([](std::int16_t, std::int16_t) { throw failure(57); });
+    window.list.KeyDown.calls([](std::int16_t, std::int16_t) { throw Failure(Trouble::deviceInputOutput); });
     window.hand.key(Qt::Key_U, "u");
     CHECK(unhandled == 57);
 }

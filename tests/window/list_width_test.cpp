@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/list_hand.h"
 #include "support/waiting.h"
 #include "toolkit/list_box.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // A load of sections that were never saved, and the first load of all.
 #include "platform/failure.h"
 #include "support/temporary_folder.h"

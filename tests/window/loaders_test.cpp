@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // What a load takes from the store.
 #include "info/error.h"
 #include "platform/failure.h"

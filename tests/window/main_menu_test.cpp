@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "info/about_frame.h"
 #include "info/edit_file_info_form.h"
 #include "info/error.h"
@@ -419,7 +420,7 @@ TEST_CASE("A genre past the rows is a failure that nobody handles")
 TEST_CASE("Only Open has a handling of failures: the others' reach whoever chose")
 {
     Player p;
-    p.list().Activate.calls([] { throw failure(6); });
+    p.list().Activate.calls([] { throw Failure(Trouble::overflow); });
     CHECK_FALSE(succeeds([&] { choose(p, 3); }));
     CHECK(p.platform.boxes.shown.empty());
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/qt_popup_menu.h"
 #include "toolkit/form.h"
 #include "toolkit/toolkit.h"
@@ -114,7 +115,7 @@ TEST_CASE("A failure in what a choice started reaches the end of the program")
     Shown window;
     int unhandled = 0;
     window.toolkit.unhandled = [&](const Failure& failure) { unhandled = failure.number; };
-    window.menu.Click.calls([](std::int32_t&) { throw failure(75); });
+    window.menu.Click.calls([](std::int32_t&) { throw Failure(Trouble::pathOrFileAccess); });
     window.choose(0, 0);
     QCoreApplication::processEvents();
     CHECK(unhandled == 75);

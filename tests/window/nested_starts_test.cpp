@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/list_program.h"
 #include "support/simulated_sound.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/player.h"
 
 #include <doctest/doctest.h>
@@ -253,7 +254,7 @@ TEST_CASE("From Open's dialog on no failure is reported; each failing step is le
             std::size_t made = 0;
             p.platform.log.onCall = [&](const Text&) {
                 if (made++ == failing)
-                    throw failure(57);
+                    throw Failure(Trouble::deviceInputOutput);
             };
             p.choose(song, fileKind);
             open(p);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/qt_open_save_dialog.h"
 #include "support/failures.h"
 #include "support/files.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "fakes/fake_platform.h"
 #include "player/file_kind.h"
 #include "player/start_up.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/disc_desk.h"
 #include "support/disc_program.h"
 #include "support/scripted_reader.h"

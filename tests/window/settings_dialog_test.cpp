@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The dialog's frame, its load, and the tabs of the encoder and the decoder.
 #include "platform/failure.h"
 #include "support/temporary_folder.h"

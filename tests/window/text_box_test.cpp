@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/form.h"
 #include "toolkit/text_box.h"
 #include "toolkit/toolkit.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "info/about_frame.h"
 #include "info/edit_file_info_form.h"
 #include "info/error.h"
@@ -99,7 +100,7 @@ TEST_CASE("The failure of a pressed image is met where all failures are that nob
     Face face(toolkit);
     int number = 0;
     toolkit.unhandled = [&](const Failure& failure) { number = failure.number; };
-    face.onClick = [] { throw failure(13); };
+    face.onClick = [] { throw Failure(Trouble::typeMismatch); };
     press(heard(face, face.key));
     CHECK(number == 13);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/face.h"
 #include "support/pointer.h"
 #include "support/waiting.h"
@@ -16,7 +17,7 @@ struct Ending {
     Ending()
     {
         toolkit.unhandled = [this](const Failure& failure) { unhandled.push_back(failure.number); };
-        face.onClick = [] { throw failure(13); };
+        face.onClick = [] { throw Failure(Trouble::typeMismatch); };
     }
 };
 
@@ -45,7 +46,7 @@ TEST_CASE("A failure in an event that code raises reaches the raiser")
 TEST_CASE("A failure in the activation that Show raises reaches the caller")
 {
     Ending ending;
-    ending.face.Activate.calls([] { throw failure(6); });
+    ending.face.Activate.calls([] { throw Failure(Trouble::overflow); });
     int met = 0;
     guarded([&](const Failure& failure) { met = failure.number; }, [&] { ending.face.Show(); });
     CHECK(met == 6);
@@ -56,7 +57,7 @@ TEST_CASE("A failure in a drop is told, and the drag still ends with its release
 {
     Ending ending;
     ending.face.Show();
-    ending.face.onDrop = [] { throw failure(380); };
+    ending.face.onDrop = [] { throw Failure(Trouble::invalidPropertyValue); };
     ending.face.told();
     Pointer(ending.face).to(ending.face.thumb).press().to({80, 102}).release();
     CHECK(ending.unhandled == std::vector{380});
@@ -66,7 +67,7 @@ TEST_CASE("A failure in a drop is told, and the drag still ends with its release
 TEST_CASE("A failure in a posted call is told")
 {
     Ending ending;
-    ending.toolkit.post().post([] { throw failure(57); });
+    ending.toolkit.post().post([] { throw Failure(Trouble::deviceInputOutput); });
     REQUIRE(waitFor([&] { return !ending.unhandled.empty(); }));
     CHECK(ending.unhandled == std::vector{57});
 }
@@ -75,7 +76,7 @@ TEST_CASE("A failure in the window manager's close is told")
 {
     Ending ending;
     ending.face.Show();
-    ending.face.Deactivate.calls([] { throw failure(5); });
+    ending.face.Deactivate.calls([] { throw Failure(Trouble::invalidCall); });
     ending.face.page()->close();
     CHECK(ending.unhandled == std::vector{5});
 }
@@ -88,7 +89,7 @@ TEST_CASE("An unhandled failure stops every timer before it is told")
     other.Timer.calls([&] { ++ticks; });
     ending.face.timer.Timer.calls([&] {
         if (ticks > 2)
-            throw failure(6);
+            throw Failure(Trouble::overflow);
     });
     int ticksAtTheEnd = -1;
     ending.toolkit.unhandled = [&](const Failure& failure) {
@@ -114,7 +115,7 @@ TEST_CASE("Without anybody to tell, a failure still stops the timers")
     int ticks = 0;
     face.timer.Timer.calls([&] {
         ++ticks;
-        throw failure(6);
+        throw Failure(Trouble::overflow);
     });
     REQUIRE(waitFor([&] { return ticks > 0; }));
     const QDeadlineTimer some(100);

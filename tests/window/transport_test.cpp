@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/player.h"
 
 #include <doctest/doctest.h>
@@ -162,7 +163,7 @@ TEST_CASE("A cancelled dialog leaves the stored kind, whatever its filter was tu
 TEST_CASE("A dialog that fails for any other reason ends Play as silently")
 {
     Player p;
-    p.dialog().onShow = [] { throw failure(57); };
+    p.dialog().onShow = [] { throw Failure(Trouble::deviceInputOutput); };
     p.window.Image1_Click();
     CHECK(p.calls() == prepared);
 }
@@ -293,7 +294,7 @@ TEST_CASE("From the dialog on, a step that fails is left out and the rest of Pla
             std::size_t made = 0;
             p.platform.log.onCall = [&](const Text&) {
                 if (made++ == failing)
-                    throw failure(57);
+                    throw Failure(Trouble::deviceInputOutput);
             };
             p.choose(song, fileKind);
             p.window.Image1_Click();

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
 // The window that the four flows share.
 #include "platform/failure.h"
 #include "support/files.h"
