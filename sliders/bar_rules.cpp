@@ -28,7 +28,7 @@ Twips placeOfPercent(std::int32_t value, Twips travel)
     return static_cast<Twips>(static_cast<double>(travel) * value / 100);
 }
 
-Levels levelsOf(std::int32_t volume, std::int32_t balance)
+ChannelLevels levelsOf(std::int32_t volume, std::int32_t balance)
 {
     return {static_cast<std::int16_t>(volume - std::max(balance, 0)),
             static_cast<std::int16_t>(volume + std::min(balance, 0))};

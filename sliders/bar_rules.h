@@ -20,10 +20,10 @@ std::int32_t balanceAt(Twips x, Twips travel);
 // Where a thumb stands for a value in per cent, from the left end of its track.
 Twips placeOfPercent(std::int32_t value, Twips travel);
 
-struct Levels {
+struct ChannelLevels {
     std::int16_t left;
     std::int16_t right;
 };
 
 // The stronger channel stays at the volume, the other is lowered by the balance; nothing holds it above 0.
-Levels levelsOf(std::int32_t volume, std::int32_t balance);
+ChannelLevels levelsOf(std::int32_t volume, std::int32_t balance);

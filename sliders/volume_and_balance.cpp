@@ -59,7 +59,7 @@ void StartUp::volslider_Scroll()
 void StartUp::apply_balance()
 {
     withOpenEngine([this] {
-        const Levels levels = levelsOf(volslider.Value(), balslider.Value());
+        const ChannelLevels levels = levelsOf(volslider.Value(), balslider.Value());
         Mp3Player->SetVolume(levels.left, levels.right);
     });
 }

@@ -32,7 +32,7 @@ void writeHeader(OutputFile& part, const SoundFormat& format, std::int64_t end)
 }
 
 // The sound from its beginning, read in blocks.
-class WholeSound final : public ByteSource
+class WholeSound final : public DecoderInput
 {
 public:
     WholeSound(const formats::SourceFile& file, const formats::Mp3Place& place) :

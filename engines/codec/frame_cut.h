@@ -28,11 +28,11 @@ public:
              std::int64_t end);
 
     std::int64_t leadIn() const { return leadIn_; } // frames that come before `begin`
-    ByteSource& source() { return source_; }
+    DecoderInput& source() { return source_; }
 
 private:
     // Changed bytes, and behind them those of the file.
-    class Source final : public ByteSource
+    class Source final : public DecoderInput
     {
     public:
         Source(std::vector<std::uint8_t> front, const formats::SourceFile& file, std::int64_t begin,

@@ -21,12 +21,12 @@ struct Deleter {
 
 ssize_t readSource(void* source, void* bytes, std::size_t count)
 {
-    return static_cast<ByteSource*>(source)->read(bytes, count);
+    return static_cast<DecoderInput*>(source)->read(bytes, count);
 }
 
 off_t seekSource(void* source, off_t offset, int whence)
 {
-    return static_cast<ByteSource*>(source)->seek(offset, whence);
+    return static_cast<DecoderInput*>(source)->seek(offset, whence);
 }
 
 void require(int result)
@@ -86,7 +86,7 @@ struct FrameDecoder::Parts {
     }
 };
 
-FrameDecoder::FrameDecoder(ByteSource& source, Kind kind) : parts_(std::make_unique<Parts>())
+FrameDecoder::FrameDecoder(DecoderInput& source, Kind kind) : parts_(std::make_unique<Parts>())
 {
     mpg123_init();
     int error = MPG123_OK;

@@ -11,17 +11,17 @@ namespace codec
 {
 
 // Where the decoder reads. The functions do not throw: -1 stands for a failed read.
-class ByteSource
+class DecoderInput
 {
 public:
-    virtual ~ByteSource() = default;
+    virtual ~DecoderInput() = default;
 
     virtual std::int64_t read(void* bytes, std::size_t count) = 0;  // bytes read; 0 at the end
     virtual std::int64_t seek(std::int64_t offset, int whence) = 0; // as lseek
 };
 
 // Bytes that go by once.
-class MemorySource final : public ByteSource
+class MemorySource final : public DecoderInput
 {
 public:
     explicit MemorySource(std::vector<std::uint8_t> bytes) : bytes_(std::move(bytes)) {}
@@ -52,7 +52,7 @@ public:
         Frames,
     };
 
-    FrameDecoder(ByteSource& source, Kind kind); // fails with 57
+    FrameDecoder(DecoderInput& source, Kind kind); // fails with 57
     ~FrameDecoder();
 
     // The next frame's samples, channels interleaved, valid until the next call. Where the stream changes its

@@ -133,7 +133,7 @@ private:
     Text lay();
     std::vector<Stamp> stamps() const;
     std::vector<std::int64_t> fileBytes() const;
-    void readExtent(const Extent& extent, TrackSink& sink, const std::stop_token& stop) const;
+    void readExtent(const SectorExtent& extent, TrackSink& sink, const std::stop_token& stop) const;
 
     Text path_;
     CueSheet sheet_;
@@ -143,7 +143,7 @@ private:
 };
 
 // The part of `extent` that lies from sector `from` up to `to` of the disc.
-Extent cutTo(Extent extent, std::int32_t from, std::int32_t to)
+SectorExtent cutTo(SectorExtent extent, std::int32_t from, std::int32_t to)
 {
     const std::int32_t skipped = std::max(from - extent.start, 0);
     extent.offset += std::int64_t{skipped} * extent.bytesOfSector;
@@ -162,13 +162,13 @@ void keepSound(std::vector<std::byte>& sectors, std::size_t bytesOfSector)
     sectors.resize(count * sectorBytes);
 }
 
-std::vector<std::byte> silenceOf(const Extent& extent)
+std::vector<std::byte> silenceOf(const SectorExtent& extent)
 {
     return std::vector<std::byte>(static_cast<std::size_t>(extent.sectors) * sectorBytes);
 }
 
 // The last sector is filled up with silence where the file ends within it.
-std::vector<std::byte> soundOf(const Extent& extent, ImageFile& file)
+std::vector<std::byte> soundOf(const SectorExtent& extent, ImageFile& file)
 {
     const auto bytesOfSector = static_cast<std::size_t>(extent.bytesOfSector);
     std::vector<std::byte> sectors(static_cast<std::size_t>(extent.sectors) * bytesOfSector);
@@ -251,8 +251,8 @@ std::int32_t ImageDrive::readTrack(std::int16_t track, TrackSink& sink, const st
     if (layout_ != listed)
         throw Failure{Trouble::deviceUnavailable, "The disc image has changed."};
     const DiscTrack& whole = layout_.contents.tracks.at(static_cast<std::size_t>(track - 1));
-    for (const Extent& extent : layout_.extents) {
-        const Extent part = cutTo(extent, whole.start, whole.start + whole.sectors);
+    for (const SectorExtent& extent : layout_.extents) {
+        const SectorExtent part = cutTo(extent, whole.start, whole.start + whole.sectors);
         if (part.sectors > 0)
             readExtent(part, sink, stop);
     }
@@ -260,7 +260,7 @@ std::int32_t ImageDrive::readTrack(std::int16_t track, TrackSink& sink, const st
 }
 
 // Data sectors between tracks are silent, as they are for a player.
-void ImageDrive::readExtent(const Extent& extent, TrackSink& sink, const std::stop_token& stop) const
+void ImageDrive::readExtent(const SectorExtent& extent, TrackSink& sink, const std::stop_token& stop) const
 {
     const bool isSound = extent.file && extent.isAudio;
     const auto file =
@@ -268,7 +268,7 @@ void ImageDrive::readExtent(const Extent& extent, TrackSink& sink, const std::st
     if (isSound && !file)
         throw Failure{Trouble::fileNotFound, files_[*extent.file] + " cannot be read."};
     for (std::int32_t at = extent.start; at < extent.end() && !stop.stop_requested(); at += pieceSectors) {
-        const Extent piece = cutTo(extent, at, at + pieceSectors);
+        const SectorExtent piece = cutTo(extent, at, at + pieceSectors);
         sink.take(file ? soundOf(piece, *file) : silenceOf(piece));
     }
 }

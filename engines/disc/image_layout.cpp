@@ -24,8 +24,8 @@ private:
     void begin(const CueSheet::Track& track);
     void goTo(const CueSheet::Index& index);
     void passRestOfFile();
-    Extent here() const { return {0, 0, file_, offset_, track_->bytesOfSector, track_->isAudio}; }
-    void append(Extent extent, std::int64_t sectors);
+    SectorExtent here() const { return {0, 0, file_, offset_, track_->bytesOfSector, track_->isAudio}; }
+    void append(SectorExtent extent, std::int64_t sectors);
     void measureTracks();
 
     const CueSheet& sheet_;
@@ -110,7 +110,7 @@ void LayoutBuilder::passRestOfFile()
 }
 
 // Behind the end of any disc nothing is laid: only that it was passed counts.
-void LayoutBuilder::append(Extent extent, std::int64_t sectors)
+void LayoutBuilder::append(SectorExtent extent, std::int64_t sectors)
 {
     if (end_ + sectors > mostSectors) {
         end_ = mostSectors + 1;

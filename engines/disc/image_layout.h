@@ -10,7 +10,7 @@
 #include <vector>
 
 // A run of sectors that lie behind each other in one file, or are in none and silent.
-struct Extent {
+struct SectorExtent {
     std::int32_t start = 0; // on the disc
     std::int32_t sectors = 0;
     std::optional<std::size_t> file = std::nullopt;
@@ -19,12 +19,12 @@ struct Extent {
     bool isAudio = true;
 
     std::int32_t end() const { return start + sectors; }
-    bool operator==(const Extent&) const = default;
+    bool operator==(const SectorExtent&) const = default;
 };
 
 struct ImageLayout {
     DiscContents contents;
-    std::vector<Extent> extents; // without gaps, from sector 0 to the lead-out; none of them empty
+    std::vector<SectorExtent> extents; // without gaps, from sector 0 to the lead-out; none of them empty
 
     bool operator==(const ImageLayout&) const = default;
 };

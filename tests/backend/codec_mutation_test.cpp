@@ -109,7 +109,7 @@ TEST_CASE("Damaged MP3 files are decoded or refused")
 namespace
 {
 
-class Memory final : public ByteSource
+class Memory final : public DecoderInput
 {
 public:
     explicit Memory(std::string_view bytes) : bytes_(bytes) {}

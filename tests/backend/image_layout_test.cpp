@@ -163,7 +163,7 @@ TEST_CASE("Silence that is in no file is laid between the files' sectors")
                  "00:00:20\nINDEX 00 00:02:00\nINDEX 01 00:04:00\n",
                  {700 * sector});
     REQUIRE(layout.has_value());
-    const std::vector<Extent> extents = {
+    const std::vector<SectorExtent> extents = {
         {0, 150, 0, 0, 2352, true},
         {150, 10},
         {160, 20},

@@ -33,7 +33,7 @@ std::optional<Samples> decoded(const SourceFile& file, const FrameTable& table, 
     return all;
 }
 
-class WholeFile final : public ByteSource
+class WholeFile final : public DecoderInput
 {
 public:
     explicit WholeFile(const SourceFile& file) : file_(file) {}

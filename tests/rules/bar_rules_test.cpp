@@ -111,7 +111,7 @@ TEST_CASE("The balance lowers one channel and never raises the other")
     for (const auto& c : mixes) {
         CAPTURE(c.volume);
         CAPTURE(c.balance);
-        const Levels levels = levelsOf(c.volume, c.balance);
+        const ChannelLevels levels = levelsOf(c.volume, c.balance);
         CHECK(levels.left == c.left);
         CHECK(levels.right == c.right);
     }
