@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/folder_scan.h"
 
-#include "files/patience.h"
+#include "files/errand.h"
 #include "platform/paths.h"
 
 #include <dirent.h>
@@ -145,7 +145,7 @@ private:
     }
 
     const std::chrono::steady_clock::time_point deadline_ =
-        std::chrono::steady_clock::now() + patience::forFiles;
+        std::chrono::steady_clock::now() + patienceForFiles;
     const Text pattern_;
     const std::shared_ptr<Reading> reading_;
 };

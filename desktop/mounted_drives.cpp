@@ -2,8 +2,9 @@
 #include "desktop/mounted_drives.h"
 
 #include "desktop/mounts.h"
+#include "files/content.h"
+#include "files/errand.h"
 #include "files/folders.h"
-#include "files/patience.h"
 #include "platform/paths.h"
 
 #include <fcntl.h>
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <set>
 
@@ -63,7 +63,7 @@ bool isReadableFolder(const Text& path)
     const auto look = [path] {
         return isFolder(path) && faccessat(AT_FDCWD, path.c_str(), R_OK | X_OK, AT_EACCESS) == 0;
     };
-    return patience::answerWithin<bool>(patience::forLists, "drive " + path, look).value_or(false);
+    return answerWithin<bool>(patienceForLists, "drive " + path, look).value_or(false);
 }
 
 // A share is not asked: its server may be asleep, and is to stand in the list all the same.
@@ -79,12 +79,6 @@ Text decoded(const Text& name)
         i += escape ? 3 : 0;
     }
     return text;
-}
-
-Text content(const Text& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // "" for what does not exist.
@@ -107,7 +101,7 @@ Text MountedDrives::labelOf(const Text& device) const
 
 std::vector<Drive> MountedDrives::all()
 {
-    const std::vector<Mount> mounts = mountsIn(content(sources_.mounts));
+    const std::vector<Mount> mounts = mountsIn(contentOf(sources_.mounts));
     std::vector<Drive> drives{{Text(driveRoot), {}}};
     if (sources_.home != driveRoot && isReadableFolder(sources_.home))
         drives.push_back({sources_.home, {}});

@@ -4,7 +4,7 @@
 #include "desktop/desktop_shell.h"
 #include "desktop/notifications.h"
 #include "desktop/second_start.h"
-#include "desktop/within_time.h"
+#include "files/errand.h"
 
 #include <iostream>
 #include <string>
@@ -23,7 +23,7 @@ constexpr auto tellingTime = 2s;
 {
     const Text message = "Velmora is running and does not answer (process " + std::to_string(first) + ")";
     std::cerr << message << std::endl;
-    withinTime(tellingTime, [=] { return isNotified(busAddress, "Velmora", message); });
+    Errand<bool>([=] { return isNotified(busAddress, "Velmora", message); }).result(tellingTime);
     _exit(noAnswerStatus);
 }
 

@@ -2,7 +2,7 @@
 #include "desktop/second_start.h"
 
 #include "desktop/appearance.h"
-#include "desktop/within_time.h"
+#include "files/errand.h"
 #include "platform/post.h"
 #include "toolkit/qt_bridge.h"
 
@@ -119,8 +119,9 @@ bool isAnsweredBy(pid_t first, const Text& busAddress)
     if (busAddress.empty())
         return false;
     const auto end = Clock::now() + patience;
-    return withinTime(patience, [first, busAddress, end] {
+    Errand<bool> asking([first, busAddress, end] {
         const auto bus = QDBusConnection::connectToBus(shown(busAddress), connectionName);
         return bus.isConnected() && asks(bus, first, end);
     });
+    return asking.result(patience).value_or(false);
 }

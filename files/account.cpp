@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/account.h"
 
-#include "files/patience.h"
+#include "files/errand.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -26,5 +26,5 @@ Account askDatabase()
 
 Account accountOfUser()
 {
-    return patience::answerWithin<Account>(patience::forLists, "account", askDatabase).value_or(Account{});
+    return answerWithin<Account>(patienceForLists, "account", askDatabase).value_or(Account{});
 }

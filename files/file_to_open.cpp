@@ -2,8 +2,8 @@
 #include "files/file_to_open.h"
 
 #include "files/descriptor.h"
+#include "files/errand.h"
 #include "files/folders.h"
-#include "files/patience.h"
 #include "platform/paths.h"
 
 #include <fcntl.h>
@@ -33,8 +33,7 @@ Text inOtherLetters(const Text& path)
 // What a share says of a file from memory says nothing of its server: the first byte does.
 void touch(const Text& path)
 {
-    struct stat status;
-    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+    if (!isFile(path))
         return;
     const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     char first = 0;
@@ -55,5 +54,5 @@ std::optional<Text> fileToOpen(const Text& path)
 {
     if (path.empty())
         return path;
-    return patience::answerWithin<Text>(patience::forFiles, "file " + path, [path] { return found(path); });
+    return answerWithin<Text>(patienceForFiles, "file " + path, [path] { return found(path); });
 }

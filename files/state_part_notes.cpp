@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/state_part_notes.h"
 
+#include "files/content.h"
 #include "files/folders.h"
 #include "files/part_file.h"
 #include "platform/paths.h"
@@ -28,15 +29,6 @@ bool isLinked(const Descriptor& file)
 }
 
 bool lock(const Descriptor& file, int how) { return file && flock(file.number(), LOCK_EX | how) == 0; }
-
-Text content(const Descriptor& file)
-{
-    Text all;
-    char piece[4096];
-    for (ssize_t got = 0; (got = read(file.number(), piece, sizeof piece)) > 0;)
-        all.append(piece, static_cast<std::size_t>(got));
-    return all;
-}
 
 // One call, so that no kill leaves half a record. A disk that refuses it costs the note, not the part.
 void appendRecord(const Descriptor& file, const Text& path)
@@ -176,7 +168,7 @@ void removeNotedParts(const Text& stateFolder)
         const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
         if (!isFile(path) || !lock(file, LOCK_NB))
             continue;
-        settle(recordsIn(content(file)));
+        settle(recordsIn(contentOf(file)));
         unlink(path.c_str());
     }
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/folder_listing.h"
 
+#include "files/errand.h"
 #include "files/folders.h"
-#include "files/patience.h"
 #include "platform/paths.h"
 
 #include <algorithm>
@@ -37,7 +37,7 @@ Names namesIn(const Text& folder, Wanted&& wanted)
 bool isFolder(const Text& path)
 {
     const auto look = [path] { return ::isFolder(path); };
-    return patience::answerWithin<bool>(patience::forLists, "folder " + path, look).value_or(false);
+    return answerWithin<bool>(patienceForLists, "folder " + path, look).value_or(false);
 }
 
 std::optional<Names> foldersIn(const Text& folder, const Question& question)
@@ -48,8 +48,7 @@ std::optional<Names> foldersIn(const Text& folder, const Question& question)
             return entry.is_directory(error) && !entry.path().filename().native().starts_with('.');
         });
     };
-    return patience::answerWithin<Names>(patience::forLists, question.who + " folders " + folder, read,
-                                         question.late);
+    return answerWithin<Names>(patienceForLists, question.who + " folders " + folder, read, question.late);
 }
 
 std::optional<Names> filesIn(const Text& folder, const Text& pattern, const Question& question)
@@ -62,8 +61,7 @@ std::optional<Names> filesIn(const Text& folder, const Text& pattern, const Ques
                    fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0;
         });
     };
-    return patience::answerWithin<Names>(patience::forLists, question.who + " files " + folder, read,
-                                         question.late);
+    return answerWithin<Names>(patienceForLists, question.who + " files " + folder, read, question.late);
 }
 
 Names pathDownTo(const Text& path)

@@ -2,7 +2,7 @@
 #include "engines/disc/burn_writer.h"
 
 #include "engines/disc/burn_job.h"
-#include "engines/disc/errand.h"
+#include "files/errand.h"
 #include "platform/failure.h"
 
 namespace

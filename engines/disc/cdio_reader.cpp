@@ -2,7 +2,7 @@
 #include "engines/disc/cdio_reader.h"
 
 #include "engines/disc/cdio_disc.h"
-#include "engines/disc/errand.h"
+#include "files/errand.h"
 #include "platform/failure.h"
 
 #include <fcntl.h>

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/optical_devices.h"
 
-#include "files/descriptor.h"
+#include "files/content.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <array>
 
 namespace
 {
@@ -45,18 +42,6 @@ std::vector<std::string_view> labelled(std::string_view text, std::string_view l
 bool isPlainName(std::string_view node)
 {
     return !node.empty() && node.find_first_of("/.") == std::string_view::npos;
-}
-
-Text contentOf(const Text& path)
-{
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    std::array<char, 4096> piece;
-    Text text;
-    for (ssize_t got = 1; file && got > 0;) {
-        got = read(file.number(), piece.data(), piece.size());
-        text.append(piece.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-    }
-    return text;
 }
 
 // What the drive says of itself comes in fields that are filled up with blanks.

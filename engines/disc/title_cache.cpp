@@ -2,6 +2,7 @@
 #include "engines/disc/title_cache.h"
 
 #include "engines/disc/disc_id.h"
+#include "files/content.h"
 #include "platform/paths.h"
 
 #include <unistd.h>
@@ -9,7 +10,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace
 {
@@ -29,8 +29,7 @@ bool wrote(const Text& path, const Text& bytes)
 
 std::optional<Text> TitleCache::answer(const DiscContents& disc) const
 {
-    std::ifstream file(joined(folder_, discId(disc)), std::ios::binary);
-    const Text bytes(std::istreambuf_iterator<char>(file), {});
+    const Text bytes = contentOf(joined(folder_, discId(disc)));
     const Text first = firstLine(disc);
     if (!bytes.starts_with(first))
         return std::nullopt;

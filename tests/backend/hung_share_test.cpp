@@ -6,7 +6,7 @@
 #include "desktop/folder_scan.h"
 #include "desktop/mounted_drives.h"
 #include "files/account.h"
-#include "files/patience.h"
+#include "files/errand.h"
 #include "tests/support/recordings.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
@@ -110,13 +110,13 @@ TEST_CASE("An answer that comes late is told of, and the question may then be as
         return 7;
     };
     const auto asked = [&] {
-        return patience::answerWithin<int>(10ms, "test", ask, [&](int answer) { late = answer; });
+        return answerWithin<int>(10ms, "test", ask, [&](int answer) { late = answer; });
     };
     CHECK_FALSE(asked());
     CHECK_FALSE(asked());
     answers = true;
     REQUIRE(waitUntil([&] { return late == 7; }, 30s));
-    CHECK(patience::answerWithin<int>(30s, "test", ask) == 7);
+    CHECK(answerWithin<int>(30s, "test", ask) == 7);
 }
 
 TEST_CASE("The user database tells who runs the program")

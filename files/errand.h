@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A future with a time limit, abandoned when it is late: work that may hang (a share whose server is down, a
+// drive, another program) has a thread of its own, and who has waited long enough leaves it behind.
+#pragma once
+
+#include "platform/text.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+
+inline constexpr std::chrono::milliseconds patienceForLists{200};
+inline constexpr std::chrono::milliseconds patienceForFiles{2000};
+
+// What an errand is without its result. Copies are one thread.
+class ErrandThread
+{
+public:
+    // `late` is called behind `work` when nobody waits any more.
+    ErrandThread(std::function<void()> work, std::function<void()> late);
+
+    // False when the work is abandoned: from the end of `limit` on, and when there is no thread to be had.
+    bool isDoneWithin(std::chrono::milliseconds limit) const;
+
+    bool hasEnded() const;
+
+private:
+    struct State;
+    std::shared_ptr<State> state_;
+};
+
+template <typename Result>
+class Errand
+{
+public:
+    // `work` holds what it needs, and throws nothing. `late` gets the result that is abandoned, on the thread
+    // that made it.
+    explicit Errand(
+        const std::function<Result()>& work, const std::function<void(Result)>& late = [](Result) {}) :
+        thread_([work, result = result_] { *result = work(); },
+                [late, result = result_] { late(*std::exchange(*result, std::nullopt)); })
+    {
+    }
+
+    // The result, once; nothing when it takes longer than `limit`, which abandons it.
+    std::optional<Result> result(std::chrono::milliseconds limit)
+    {
+        return thread_.isDoneWithin(limit) ? std::exchange(*result_, std::nullopt) : std::nullopt;
+    }
+
+    bool hasEnded() const { return thread_.hasEnded(); }
+    const ErrandThread& thread() const { return thread_; }
+
+private:
+    std::shared_ptr<std::optional<Result>> result_ = std::make_shared<std::optional<Result>>();
+    ErrandThread thread_;
+};
+
+// Questions whose errand was abandoned and has not ended yet.
+bool isUnanswered(const Text& question);
+void keepUnanswered(const Text& question, const ErrandThread& thread);
+
+// The answer of an errand that many may ask for. A question whose last asking has not been answered yet is
+// not asked again: nothing at once.
+template <typename Answer>
+std::optional<Answer> answerWithin(
+    std::chrono::milliseconds limit, const Text& question, const std::function<Answer()>& ask,
+    const std::function<void(Answer)>& late = [](Answer) {})
+{
+    if (isUnanswered(question))
+        return std::nullopt;
+    Errand<Answer> errand(ask, late);
+    auto answer = errand.result(limit);
+    if (!answer)
+        keepUnanswered(question, errand.thread());
+    return answer;
+}

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "files/errand.h"
+#include "tests/support/wait_until.h"
+
+#include <doctest/doctest.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <thread>
+
+using namespace std::chrono_literals;
+
+namespace
+{
+
+// A system that has no room for another thread.
+class NoThreads
+{
+public:
+    NoThreads()
+    {
+        pthread_getattr_default_np(&before_);
+        pthread_attr_t greedy;
+        pthread_attr_init(&greedy);
+        pthread_attr_setstacksize(&greedy, std::size_t{1} << 46);
+        REQUIRE(pthread_setattr_default_np(&greedy) == 0);
+        pthread_attr_destroy(&greedy);
+    }
+    ~NoThreads()
+    {
+        pthread_setattr_default_np(&before_);
+        pthread_attr_destroy(&before_);
+    }
+
+private:
+    pthread_attr_t before_;
+};
+
+// Work that is held up until it is let go.
+struct HeldUp {
+    std::shared_ptr<std::atomic<bool>> isFree = std::make_shared<std::atomic<bool>>(false);
+
+    std::unique_ptr<int> operator()() const
+    {
+        while (!*isFree)
+            std::this_thread::sleep_for(1ms);
+        return std::make_unique<int>(7);
+    }
+};
+
+using Number = std::unique_ptr<int>;
+
+}
+
+TEST_CASE("An errand has its result once")
+{
+    Errand<Number> errand([] { return std::make_unique<int>(7); });
+    const auto result = errand.result(30s);
+    REQUIRE(result);
+    CHECK(**result == 7);
+    CHECK(errand.hasEnded());
+    CHECK_FALSE(errand.result(30s));
+}
+
+TEST_CASE("An errand that is late is abandoned, and its result goes where late ones go")
+{
+    const HeldUp work;
+    std::atomic<int> late{0};
+    Errand<Number> errand(work, [&](const Number& number) { late = *number; });
+    CHECK_FALSE(errand.result(1ms));
+    CHECK_FALSE(errand.hasEnded());
+    *work.isFree = true;
+    REQUIRE(waitUntil([&] { return late == 7; }, 30s));
+    CHECK(errand.hasEnded());
+    CHECK_FALSE(errand.result(30s));
+}
+
+TEST_CASE("An errand outlasts whoever sent it, and lets go of what it holds")
+{
+    std::weak_ptr<std::atomic<bool>> held;
+    {
+        const HeldUp work;
+        held = work.isFree;
+        CHECK_FALSE(Errand<Number>(work).result(0ms));
+    }
+    REQUIRE(held.lock());
+    *held.lock() = true;
+    CHECK(waitUntil([&] { return held.expired(); }, 30s));
+}
+
+TEST_CASE("Where no thread is to be had, an errand has ended without a result, at once")
+{
+    bool isAsked = false;
+    const std::function<int()> ask = [&] {
+        isAsked = true;
+        return 7;
+    };
+    {
+        const NoThreads none;
+        Errand<int> errand(ask);
+        CHECK(errand.hasEnded());
+        CHECK_FALSE(errand.result(1h));
+        CHECK_FALSE(answerWithin<int>(1h, "no thread", ask));
+    }
+    CHECK_FALSE(isAsked);
+    CHECK(answerWithin<int>(30s, "no thread", ask) == 7);
+}
