@@ -121,6 +121,6 @@ TEST_CASE("An answer that comes late is told of, and the question may then be as
 
 TEST_CASE("The user database tells who runs the program")
 {
-    CHECK(accountOfUser().name != "");
-    CHECK(accountOfUser().home.starts_with('/'));
+    CHECK(waitUntil([] { return accountOfUser().name != ""; }, 30s));
+    CHECK(waitUntil([] { return accountOfUser().home.starts_with('/'); }, 30s));
 }
