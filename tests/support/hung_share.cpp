@@ -118,7 +118,17 @@ HungShare::HungShare(const char* name, Holds what)
     onlyContents = what == Holds::contents;
     hangBelow(name);
 }
-HungShare::~HungShare() { hangs = false; }
+
+// Nobody is left for the next one to hold.
+HungShare::~HungShare()
+{
+    hangs = false;
+    while (held > 0) {
+        const timespec pause{0, 1'000'000};
+        nanosleep(&pause, nullptr);
+    }
+}
+
 int HungShare::waiting() const { return held; }
 
 extern "C" {
