@@ -115,7 +115,8 @@ struct Shown {
 
     void press(Qt::MouseButton button, const Text& name, QEvent::Type second = QEvent::MouseButtonDblClick)
     {
-        auto* row = folders().findItems(QString::fromStdString(name), Qt::MatchEndsWith).front();
+        // The last one: the names on the way down are the system's choice, and may end alike.
+        auto* row = folders().findItems(QString::fromStdString(name), Qt::MatchEndsWith).back();
         const QPoint at = folders().visualItemRect(row).center();
         for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, second}) {
             QMouseEvent event(type, at, folders().viewport()->mapToGlobal(at), button, button, {});
