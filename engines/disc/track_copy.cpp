@@ -84,9 +84,13 @@ void TrackCopy::copy()
         finish();
 }
 
+std::int64_t TrackCopy::wholeBytes() const { return std::int64_t{job_.sectors} * sectorBytes; }
+
+bool TrackCopy::isWhole() const { return job_.output->soundBytes() >= wholeBytes(); }
+
 void TrackCopy::report()
 {
-    const std::int64_t all = std::int64_t{job_.sectors} * sectorBytes;
+    const std::int64_t all = wholeBytes();
     const auto thousandths =
         static_cast<std::int32_t>(std::min<std::int64_t>(job_.output->soundBytes() * whole / all, whole));
     const auto now = std::chrono::steady_clock::now();
@@ -100,7 +104,8 @@ void TrackCopy::report()
 void TrackCopy::finish()
 {
     if (pipe_->stopToken().stop_requested()) {
-        job_.output->breakOff();
+        // The stop may have come behind the last sample.
+        isWhole() ? job_.output->finish() : job_.output->breakOff();
         return;
     }
     const auto outcome = pipe_->outcome();

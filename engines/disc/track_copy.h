@@ -44,6 +44,8 @@ public:
 private:
     void run();
     void copy();
+    std::int64_t wholeBytes() const;
+    bool isWhole() const;
     void report();
     void finish();
     void tell(const Text& title, const Text& message);

@@ -131,12 +131,12 @@ TEST_CASE("Each channel is heard where ffmpeg puts it, played and encoded")
         std::uint32_t places;
     };
     const Case cases[] = {
-        {"stereo", 2, 0x3},     {"2.1", 3, 0xB},           {"three before", 3, 0x7}, {"3.1", 4, 0xF},
-        {"4.0", 4, 0x107},      {"quadraphonic", 4, 0x33}, {"5.0", 5, 0x37},         {"5.0 side", 5, 0x607},
-        {"5.1", 6, 0x3F},       {"5.1 side", 6, 0x60F},    {"6.0", 6, 0x707},        {"hexagonal", 6, 0x137},
-        {"6.1", 7, 0x70F},      {"6.1 back", 7, 0x13F},    {"7.0", 7, 0x637},        {"7.1", 8, 0x63F},
-        {"7.1 wide", 8, 0xFF},  {"octagonal", 8, 0x737},   {"unplaced 5.0", 5, 0},   {"unplaced 5.1", 6, 0},
-        {"unplaced 6.1", 7, 0}, {"unplaced 7.1", 8, 0},
+        {"mono", 1, 0x4},        {"stereo", 2, 0x3},     {"2.1", 3, 0xB},           {"three before", 3, 0x7},
+        {"3.1", 4, 0xF},         {"4.0", 4, 0x107},      {"quadraphonic", 4, 0x33}, {"5.0", 5, 0x37},
+        {"5.0 side", 5, 0x607},  {"5.1", 6, 0x3F},       {"5.1 side", 6, 0x60F},    {"6.0", 6, 0x707},
+        {"hexagonal", 6, 0x137}, {"6.1", 7, 0x70F},      {"6.1 back", 7, 0x13F},    {"7.0", 7, 0x637},
+        {"7.1", 8, 0x63F},       {"7.1 wide", 8, 0xFF},  {"octagonal", 8, 0x737},   {"unplaced 5.0", 5, 0},
+        {"unplaced 5.1", 6, 0},  {"unplaced 6.1", 7, 0}, {"unplaced 7.1", 8, 0},
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);

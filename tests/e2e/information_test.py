@@ -60,7 +60,7 @@ class Information(case.Case):
         mp3 = sounds.encode(wav, self.desk.music / "a.mp3")
         before = mp3.read_bytes()
         self.play(mp3, 1)
-        self.wait_label(places.TIME, "0:01")
+        self.wait_clock(1)
         self.app.click(self.main, places.PAUSE)
         self.app.menu(self.main, "f", "i")
         self.app.press(case.TAGS, "push button", "SAVE")

@@ -38,7 +38,7 @@ class Play(case.Case):
         for path, filter_row, wanted in self.both(4):
             recording = self.desk.record()
             self.play(path, filter_row)
-            self.wait_label(places.TIME, "0:01")
+            self.wait_clock(1)
             self.app.click(self.main, places.PAUSE)
             heard = wait_for(lambda: self.silent_since(recording), "the sound halts")
             self.app.click(self.main, places.PAUSE)
@@ -50,7 +50,7 @@ class Play(case.Case):
         for path, filter_row, wanted in self.both(8):
             recording = self.desk.record()
             self.play(path, filter_row)
-            self.wait_label(places.TIME, "0:01")
+            self.wait_clock(1)
             self.app.click(self.main, places.STOP)
             stopped = wait_for(lambda: self.silent_since(recording), "the sound ends")
             self.wait_label(places.TIME, "0:00")
@@ -63,7 +63,7 @@ class Play(case.Case):
         for path, filter_row, wanted in self.both(8):
             recording = self.desk.record()
             self.play(path, filter_row)
-            self.wait_label(places.TIME, "0:01")
+            self.wait_clock(1)
             first = sounds.begin(recording.frames(), wanted)
             self.app.click(self.main, places.PLAY)
             wait_for(lambda: sounds.begin(recording.frames(), wanted, first + 1), "it begins again")

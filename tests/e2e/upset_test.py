@@ -25,7 +25,7 @@ class Upset(case.Case):
     def test_a_sound_server_that_dies_takes_the_sound_along_and_not_the_place(self):
         recording = self.desk.record()
         self.play(self.wav(60), 0)
-        self.wait_label(places.TIME, "0:01")
+        self.wait_clock(1)
         heard = recording.heard_second()
         died = time.monotonic()
         self.desk.sound.kill()
@@ -40,7 +40,7 @@ class Upset(case.Case):
 
     def test_a_sound_server_that_hangs_does_not_hang_the_window(self):
         self.play(self.wav(60), 0)
-        self.wait_label(places.TIME, "0:01")
+        self.wait_clock(1)
         self.desk.sound.send_signal(signal.SIGSTOP)
         self.app.click(self.main, places.STOP)
         self.wait_label(places.TIME, "0:00")
@@ -61,12 +61,12 @@ class Upset(case.Case):
             self.ask("org.mpris.MediaPlayer2.velmora", "/org/mpris/MediaPlayer2", f"org.mpris.MediaPlayer2.Player.{command}")
         self.assertEqual(len(self.app.windows(title)), 1)
         self.app.choose_file(title, self.wav(5), 0)
-        self.wait_label(places.TIME, "0:01")
+        self.wait_clock(1)
 
     def test_without_a_sound_server_files_play_silently(self):
         self.desk.end(self.desk.sound)
         self.play(self.wav(5), 0)
-        self.wait_label(places.TIME, "0:02")
+        self.wait_clock(2)
         self.assert_alive()
 
     def test_without_a_display_the_program_says_so_and_ends(self):

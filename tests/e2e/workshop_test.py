@@ -93,7 +93,7 @@ class Workshop(case.Case):
         wav = sounds.write_wav(self.source / "a.wav", sounds.music(20))
         mp3 = sounds.encode(wav, self.desk.music / "a.mp3", "-b", "128", "--tt", "Before")
         self.play(mp3, 1)
-        self.wait_label(places.TIME, "0:01")
+        self.wait_clock(1)
         self.app.menu(self.main, "f", "i")
         self.app.window(case.TAGS)
         self.app.press(case.TAGS, "push button", "SAVE")
