@@ -142,6 +142,7 @@ TEST_CASE("A drive that appears is listed at the next look, and one that vanishe
     reader->SelectDrive(2);
     CHECK(reader->TrackCount() == 2);
     second.reset();
+    reader->SelectDrive(2);
     CHECK(reader->TrackCount() == 0);
     CHECK(reader->DriveCount() == 1);
     CHECK(reader->DriveName(1) == "ACME CD-RW 4224 (/dev/sr0)");
@@ -272,6 +273,7 @@ TEST_CASE("While a disc is written its drive is not read, and answers as it was 
     CHECK(d.reader->TrackCount() == 0);
     CHECK(d.drive.count(readCd) == 0);
     REQUIRE(d.heardWriting.end());
+    d.reader->SelectDrive(1);
     CHECK(d.reader->TrackCount() == 1);
 }
 

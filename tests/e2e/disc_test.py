@@ -56,16 +56,16 @@ class Disc(case.Case):
         self.open_workbench("c")
         self.check_tracks(count)
         bars = {control.name: control for control in self.app.controls(case.WORKBENCH) if control.role == "progress bar"}
-        shown = {name: set() for name in ("This Track", "All Selected Tracks")}
+        shown = {name: set() for name in ("This track", "All selected tracks")}
         self.app.point_at(self.app.control(case.WORKBENCH, "push button", "START"))
         self.app.click_meanwhile()
 
         def ended():
             for name, values in shown.items():
                 values.add(bars[name].value())
-            meanwhile(bars["This Track"].value())
+            meanwhile(bars["This track"].value())
             found = sorted(self.desk.music.glob("*.wav"))
-            return len(found) == count and shown["All Selected Tracks"] >= {0} and bars["This Track"].value() == 0 and found
+            return len(found) == count and shown["All selected tracks"] >= {0} and bars["This track"].value() == 0 and found
         found = wait_for(ended, "the tracks come back", pause=0)
         return found, {name for name, values in shown.items() if max(values) > 0}
 
@@ -134,7 +134,7 @@ class Disc(case.Case):
         held = set()
         tracks, moved = self.rip(2, meanwhile=lambda track: 0 < track < 1000 and held.add(locks()[-1]))
         self.assert_tracks(tracks, samples)
-        self.assertEqual(moved, {"This Track", "All Selected Tracks"})
+        self.assertEqual(moved, {"This track", "All selected tracks"})
         self.assertIn("sleep|Velmora|Reading a disc|block", held)
         wait_for(lambda: locks()[-1] == "let go", "the reading's lock is let go")
 
