@@ -46,16 +46,18 @@ Qt::WindowFlags flagsFor(Form::Border border)
     }
 }
 
-bool isTouch(QEvent::Type type)
-{
-    return type == QEvent::MouseMove || type == QEvent::MouseButtonPress || type == QEvent::Wheel ||
-           type == QEvent::KeyPress;
-}
-
 bool hasNoButtons(const QEvent& event)
 {
     return event.type() == QEvent::MouseMove &&
            static_cast<const QMouseEvent&>(event).buttons() == Qt::NoButton;
+}
+
+// A pointer that only passes over a window moves nothing.
+bool isTouch(const QEvent& event)
+{
+    const QEvent::Type type = event.type();
+    return type == QEvent::MouseButtonPress || type == QEvent::Wheel || type == QEvent::KeyPress ||
+           (type == QEvent::MouseMove && !hasNoButtons(event));
 }
 
 // What takes the pointer away from a window that it drags, or the window from it.
@@ -107,6 +109,7 @@ void FormWidget::carryOut()
 {
     forgetOldMoves();
     askedAt_ = Clock::now();
+    asked_ = place_;
     ownMoves_.push_back({place_, askedAt_});
     moving_ = true;
     move(place_);
@@ -137,6 +140,8 @@ void FormWidget::present()
 void FormWidget::appear()
 {
     shownAt_ = Clock::now();
+    touched_ = false;
+    corrected_ = {};
     state_ = Form::normal;
     if (isPlaced_)
         move(place_);
@@ -191,7 +196,7 @@ bool FormWidget::event(QEvent* event)
 // All that the window hears, before its widgets do.
 bool FormWidget::eventFilter(QObject*, QEvent* event)
 {
-    touched_ = touched_ || isTouch(event->type());
+    touched_ = touched_ || isTouch(*event);
     if (grip_ && hasNoButtons(*event))
         letGo(); // the release went elsewhere
     if (!menuImage_)
@@ -273,7 +278,14 @@ void FormWidget::noteCorrection()
 
 bool FormWidget::isKeptFrom(QPoint place) const
 {
-    return corrected_.place == place && corrected_.times >= patience;
+    return corrected_.place == place && corrected_.times >= patience && !isLetStand();
+}
+
+// What the window manager had against one place is over once it left the window at another that was asked
+// for.
+bool FormWidget::isLetStand() const
+{
+    return asked_ == place_ && place_ != corrected_.place && Clock::now() - askedAt_ > echoLimit;
 }
 
 void FormWidget::bringWithinReach()

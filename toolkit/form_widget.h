@@ -73,6 +73,7 @@ private:
     void letGo();
     bool isUsersMove() const;
     void noteCorrection();
+    bool isLetStand() const;
     void carryOut();
     void forgetOldMoves();
     bool isEcho(QPoint place);
@@ -85,8 +86,9 @@ private:
     std::deque<OwnMove> ownMoves_;
     bool moving_ = false;
     Clock::time_point shownAt_{};
-    Clock::time_point askedAt_{}; // for the place
-    bool touched_ = false;        // by the user, with the pointer or a key
+    QPoint asked_; // the place that the window manager was last asked for
+    Clock::time_point askedAt_{};
+    bool touched_ = false; // by the user since it was shown, with the pointer or a key
     Corrected corrected_;
     QPoint pressed_;
     std::optional<QPoint> grip_; // where in the window the pointer holds it

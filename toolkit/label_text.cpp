@@ -11,17 +11,28 @@ struct Stretch {
     qsizetype to;
 };
 
-// From the first separator to the end of the last name: behind its extension, for names have blanks in them,
-// and else at the next blank.
+// The last extension that belongs to a word: names have points and blanks in them, and the reason behind the
+// path may speak of ".wav" files. Else the first one.
+qsizetype endOfExtension(const QString& text, qsizetype from)
+{
+    static const QRegularExpression inWord("(?<=\\S)\\.\\w{1,5}(?!\\S)");
+    static const QRegularExpression any("\\.\\w{1,5}(?!\\S)");
+    QRegularExpressionMatch found;
+    if (text.lastIndexOf(inWord, -1, &found) > from)
+        return found.capturedEnd();
+    found = any.match(text, from);
+    return found.hasMatch() ? found.capturedEnd() : -1;
+}
+
+// From the first separator to the end of the last name: behind its extension, and else at the next blank.
 Stretch pathIn(const QString& text)
 {
-    static const QRegularExpression extension("\\.\\w{1,5}(?=\\s)");
     const qsizetype from = text.indexOf('/');
     if (from < 0)
         return {0, 0};
     const qsizetype name = text.lastIndexOf('/');
-    if (const auto found = extension.match(text, name); found.hasMatch())
-        return {from, found.capturedEnd()};
+    if (const qsizetype end = endOfExtension(text, name); end >= 0)
+        return {from, end};
     const qsizetype blank = text.indexOf(' ', name);
     return {from, blank < 0 ? text.size() : blank};
 }

@@ -127,8 +127,8 @@ void ListView::rowsInserted(const QModelIndex& parent, int first, int last)
 
 void ListView::rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last)
 {
+    QListView::rowsAboutToBeRemoved(parent, first, last); // may measure the rows once more
     widths_.remove(first, last);
-    QListView::rowsAboutToBeRemoved(parent, first, last);
 }
 
 QSize ListView::rowSize(QSize own, const QModelIndex& index) const

@@ -57,6 +57,19 @@ TEST_CASE("Of a message that does not fit the reason is drawn, and both ends of 
     }
 }
 
+TEST_CASE("A point within a name does not end the path, nor does one in the reason begin it")
+{
+    const QString folders = "/home/somebody/" + QString("A folder with a long name/").repeated(12);
+    for (const QString& name : {QString("Song feat.X live ") + QString("and long ").repeated(40) + "end.wav",
+                                QString("Vol.2 of ") + QString("many ").repeated(60) + "a.b.wav"}) {
+        CAPTURE(name.toStdString());
+        const QString text = drawn(folders + name + reason);
+        CHECK(text.endsWith(name.right(5) + reason));
+        CHECK(text.startsWith("/home"));
+        CHECK(drawn(folders + name).endsWith(name.right(5)));
+    }
+}
+
 TEST_CASE("No more of a path goes than must")
 {
     const QFontMetrics metrics(QApplication::font());

@@ -106,6 +106,22 @@ TEST_CASE("The bar follows the rows that come and go")
     CHECK_FALSE(s.bar.isVisible());
 }
 
+TEST_CASE("Rows that the view looks at once more as they go are still known by their width")
+{
+    Shown s({"/music/short.mp3", "/music/other.mp3"});
+    s.list.AddItem(longRow);
+    s.list.setListIndex(2);
+    s.list.RemoveItem(2);
+    s.settle();
+    CHECK_FALSE(s.bar.isVisible());
+    s.list.AddItem(longRow);
+    s.list.setListIndex(0);
+    s.list.RemoveItem(0);
+    s.settle();
+    CHECK(s.bar.isVisible());
+    CHECK(s.beyond(1) <= 0);
+}
+
 TEST_CASE("The bar takes no row away")
 {
     Shown narrow(std::vector<Text>(50, "/music/short.mp3"));

@@ -7,8 +7,10 @@
 #include <QApplication>
 #include <QDialog>
 #include <QMouseEvent>
+#include <QWindow>
 #include <doctest/doctest.h>
 
+#include <chrono>
 #include <functional>
 
 namespace
@@ -135,6 +137,66 @@ TEST_CASE("A window manager that insists has its way, and the place that it gave
         face.page()->move(200, 200);
         return face.Left() == 3000 && face.page()->x() == 200 && face.isKeptFrom(1500, 0);
     }));
+}
+
+TEST_CASE("A place that was refused is asked for again after another one was let stand")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    CHECK(waitFor([&] {
+        Face face(toolkit);
+        face.setLeft(1500);
+        face.Show();
+        face.page()->move(200, 0);
+        face.page()->move(200, 0);
+        const bool wasKept = face.isKeptFrom(1500, 0);
+        face.setLeft(4500);
+        return wasKept && waitFor([&] { return !face.isKeptFrom(1500, 0); });
+    }));
+}
+
+TEST_CASE("A place that was refused stays refused while the window stands where it was not asked to")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    CHECK(waitFor([&] {
+        Face face(toolkit);
+        face.setLeft(1500);
+        face.Show();
+        face.page()->move(200, 0);
+        face.page()->move(200, 0);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(1200);
+        return waitFor([&] { return !face.isKeptFrom(1500, 0) || std::chrono::steady_clock::now() > end; }) &&
+               face.isKeptFrom(1500, 0);
+    }));
+}
+
+TEST_CASE("A window that was touched once has its place put right when it is shown again")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.setLeft(1500);
+    face.Show();
+    Pointer(face).to({5, 5}).press().release();
+    face.page()->move(200, 200);
+    REQUIRE(face.Left() == 3000);
+    face.Hide();
+    face.setLeft(4500);
+    face.Show();
+    face.page()->move(200, 200);
+    CHECK(face.Left() == 4500);
+    CHECK(face.page()->x() == 300);
+}
+
+TEST_CASE("A pointer that passes over a window without a button has not touched it")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    Face face(toolkit);
+    face.setLeft(1500);
+    face.Show();
+    QMouseEvent hover(QEvent::MouseMove, QPointF(5, 5), QPointF(105, 5), Qt::NoButton, Qt::NoButton,
+                      Qt::NoModifier);
+    QApplication::sendEvent(face.page()->windowHandle(), &hover);
+    face.page()->move(200, 200);
+    CHECK(face.Left() == 1500);
 }
 
 TEST_CASE(
