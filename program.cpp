@@ -27,7 +27,7 @@ void Program::raise()
 {
     if (!remoteControl_)
         return;
-    startUp().bringWithinReach();
+    startUp().comeWithinReach();
     startUp().Show();
 }
 

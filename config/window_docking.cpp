@@ -71,6 +71,17 @@ void StartUp::follow()
         dockAt(DockSide::left);
 }
 
+void StartUp::comeWithinReach()
+{
+    PlayListEditor& list = program_.playListEditor();
+    bringWithinReach();
+    if (!list.Visible())
+        return;
+    follow();
+    if (!dock_bottom && !dock_top && !dock_right && !dock_left)
+        list.bringWithinReach();
+}
+
 void StartUp::dockAt(DockSide side)
 {
     PlayListEditor& list = program_.playListEditor();

@@ -17,6 +17,7 @@
 #include <optional>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -109,6 +110,8 @@ QDBusMessage refusal(const QDBusMessage& message, QDBusError::ErrorType error, c
     return message.createErrorReply(error, what);
 }
 
+bool hasBox() { return QApplication::activeModalWidget() != nullptr; }
+
 std::int32_t percentOf(double volume)
 {
     return volume > 0 ? roundToInteger32(std::min(volume, 1.0) * 100) : 0;
@@ -132,6 +135,8 @@ public:
             return;
         now_ = now;
         place_ = place;
+        if (wantedVolume_ && !hasBox())
+            post_.post([this] { setWantedVolume(); });
         if (!meeting_.joinable())
             meeting_ = std::thread([this] { meetBus(); });
         if (met_ && told_ != now_)
@@ -201,7 +206,7 @@ private:
         if (message.member() == "PlayPause" && now_.path.empty())
             return refusal(message, QDBusError::Failed, "No file is open");
         post_.post([this, command, arguments = message.arguments()] {
-            if (command.behindBoxes == runs || !QApplication::activeModalWidget())
+            if (command.behindBoxes == runs || !hasBox())
                 command.raise(*this, arguments);
         });
         return message.createReply();
@@ -238,10 +243,24 @@ private:
             return refusal(message, QDBusError::InvalidArgs, name);
         const double wanted = value.toDouble();
         if (name == "Volume")
-            post_.post([this, wanted] { SetVolume.raise(percentOf(wanted)); });
+            post_.post([this, wanted] {
+                wantedVolume_ = percentOf(wanted);
+                setWantedVolume();
+            });
         if (name == "Rate" && wanted == 0) // no speed but one is had, and none at all is a pause
-            post_.post([this] { Pause.raise(); });
+            post_.post([this] {
+                if (!hasBox())
+                    Pause.raise();
+            });
         return message.createReply();
+    }
+
+    // Behind a box it has time: setting it may look for a file to play, and ask once more where there is
+    // none.
+    void setWantedVolume()
+    {
+        if (wantedVolume_ && !hasBox())
+            SetVolume.raise(*std::exchange(wantedVolume_, std::nullopt));
     }
 
     QString address_;
@@ -251,6 +270,7 @@ private:
     Shown now_;
     std::int32_t place_ = 0; // milliseconds
     std::optional<Shown> told_;
+    std::optional<std::int32_t> wantedVolume_; // percent
 };
 
 }

@@ -96,6 +96,9 @@ public:
     bool dock_bottom = false, dock_top = false, dock_left = false, dock_right = false;
     Text dock_side;
 
+    // Both windows, where no pointer can reach them. A docked list stays beside the main window.
+    void comeWithinReach();
+
     // Life of the window (start_up.cpp)
     void Form_Load();
     void Form_Activate();

@@ -338,7 +338,8 @@ TEST_CASE("What is not there is refused by the standard errors")
     CHECK(panel.told().empty());
 }
 
-TEST_CASE("Behind a box the player keeps still, and can be raised, made quieter and ended")
+TEST_CASE(
+    "Behind a box the player keeps still and can be raised and ended; the last volume is set afterwards")
 {
     Panel panel;
     QDialog box;
@@ -346,10 +347,21 @@ TEST_CASE("Behind a box the player keeps still, and can be raised, made quieter 
     box.show();
     for (const char* name : {"Play", "Pause", "PlayPause", "Stop", "Next", "Previous"})
         panel.call(player, name, {});
-    panel.set(player, "Volume", 0.1);
+    for (const double volume : {0.7, 0.1})
+        panel.set(player, "Volume", volume);
+    panel.set(player, "Rate", 0.0);
     panel.call(root, "Raise", {});
     panel.call(root, "Quit", {});
-    CHECK(waitFor([&] { return panel.heard == "Volume 10\nRaise\nQuit\n"; }));
+    CHECK(waitFor([&] { return panel.heard == "Raise\nQuit\n"; }));
+    panel.remote->show(panel.now, panel.place);
+    QCoreApplication::processEvents();
+    CHECK(panel.heard == "Raise\nQuit\n");
+    box.hide();
+    for (int i = 0; i < 3; ++i)
+        panel.remote->show(panel.now, panel.place);
+    CHECK(waitFor([&] { return panel.heard == "Raise\nQuit\nVolume 10\n"; }));
+    panel.call(player, "Play", {});
+    CHECK(waitFor([&] { return panel.heard == "Raise\nQuit\nVolume 10\nPlay\n"; }));
 }
 
 TEST_CASE("What changed is told once, and nothing else; a jump is told as one")

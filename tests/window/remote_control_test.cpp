@@ -128,6 +128,37 @@ TEST_CASE("The desktop's Quit ends the program as the close image does")
     CHECK(played.platform.log.count("Mp3Player.Stop") == 0);
 }
 
+TEST_CASE("The desktop's Raise brings both windows within reach, a docked list beside the main window")
+{
+    for (const bool isDocked : {false, true}) {
+        CAPTURE(isDocked);
+        Played played;
+        PlayListEditor& list = played.program.playListEditor();
+        StartUp& player = played.player();
+        list.Show();
+        player.dock_bottom = isDocked;
+        player.dock_top = player.dock_left = player.dock_right = false;
+        for (Form* window : {static_cast<Form*>(&player), static_cast<Form*>(&list)}) {
+            window->setLeft(-480000);
+            window->setTop(0);
+        }
+        played.remote().Raise.raise();
+        CHECK(player.Left() == 0);
+        CHECK(list.Left() == 0);
+        CHECK((list.Top() == player.Top() + player.Height()) == isDocked);
+    }
+}
+
+TEST_CASE("The desktop's Raise leaves a hidden list where it is")
+{
+    Played played;
+    PlayListEditor& list = played.program.playListEditor();
+    list.Hide();
+    list.setLeft(-480000);
+    played.remote().Raise.raise();
+    CHECK(list.Left() == -480000);
+}
+
 TEST_CASE("The desktop's Raise brings a minimised and a hidden window back")
 {
     Played played;
