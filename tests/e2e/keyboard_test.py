@@ -34,7 +34,8 @@ class Keyboard(case.Case):
         wait_for(lambda: self.app.popups() == 0, "the menus close")
 
     def focused(self, title):
-        return next((c for c in self.app.controls(title) if c.has(FOCUSED)), None)
+        """The current row of a list says that it has the keys, also while another control has them."""
+        return next((c for c in self.app.controls(title) if c.has(FOCUSED) and c.role != "list item"), None)
 
     def tab_to(self, title, what, fits, key="Tab"):
         """Presses Tab until the control that has the keys fits."""
@@ -120,9 +121,15 @@ class Keyboard(case.Case):
         self.app.key("space")
         self.wait_label(places.TIME, "0:00")
 
-        self.fill_the_list()
+        self.run_a_list()
+        self.edit_a_tag()
+        self.encode_a_file()
 
-    def fill_the_list(self):
+        self.menu(case.MAIN, "f", "x")
+        wait_for(lambda: not self.app.alive(), "the program ends")
+        self.assertEqual(self.app.process.returncode, 0)
+
+    def run_a_list(self):
         songs = [self.song(number, 8) for number in (1, 2, 3)]
         self.menu(case.MAIN, "f", "l")
         self.app.window(case.LIST)
@@ -130,6 +137,49 @@ class Keyboard(case.Case):
         self.choose(ADD, " ".join(f'"{song}"' for song in songs))
         copy = self.app.folder / "deflist.vlp"
         wait_for(lambda: copy.exists() and copy.read_text().split() == [str(song) for song in songs], "three rows stand")
+
+        self.tab_to(case.LIST, "the list", lambda c: c.role == "list")
+        self.app.key("Down", "Home")
+        self.to_button(case.LIST, "Play")
+        self.app.key("space")
+        for number in (1, 2, 3):
+            self.wait_label(places.TITLE, f"Song {number}")
+            wait_for(lambda: self.seconds() >= 1, "it plays")
+        wait_for(lambda: self.seconds() == 0, "the run has ended")
+        self.to_button(case.LIST, "Close Playlist Editor")
+        self.app.key("Return")
+        self.app.gone(case.LIST)
+
+    def edit_a_tag(self):
+        self.menu(case.MAIN, "f", "i")
+        self.app.window(case.TAGS)
+        self.tab_to(case.TAGS, "the title", lambda c: c.role == "text" and c.text() == "Song 3")
+        self.app.key("ctrl+a")
+        self.app.type("By keys alone")
+        self.app.key("alt+s")
+        self.app.gone(case.TAGS)
+        read = ("ffprobe", "-v", "error", "-show_entries", "format_tags=title", "-of", "csv=p=0")
+        wait_for(lambda: self.desk.run(*read, str(self.desk.music / "song3.mp3")).strip() == "By keys alone", "the tag is saved")
+
+    def encode_a_file(self):
+        sounds.write_wav(self.desk.home / "tone.wav", sounds.music(2))
+        self.menu(case.MAIN, "o", "e", "w")
+        shown = wait_for(lambda: [title for title in (case.WORKBENCH, "CD Writer") if self.app.windows(title)],
+                         "the workbench or its question shows")
+        if "CD Writer" in shown:
+            self.in_front("CD Writer")
+            self.app.key("Return")
+            self.app.gone("CD Writer")
+        self.app.window(case.WORKBENCH)
+        self.wait_row(case.WORKBENCH, "tone.wav")
+        files = [c for c in self.app.controls(case.WORKBENCH) if c.role == "list"][-1].place()
+        self.tab_to(case.WORKBENCH, "the files", lambda c: c.place() == files)
+        self.app.key("Home", "space", "alt+e")
+        made = self.desk.music / "tone.mp3"
+        wait_for(made.exists, "the file is encoded")
+        self.assertAlmostEqual(len(sounds.decode(made)) / 2 / sounds.RATE, 2, delta=0.1)
+        self.app.key("Escape")
+        self.app.gone(case.WORKBENCH)
 
 
 if __name__ == "__main__":
