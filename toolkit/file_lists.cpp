@@ -27,9 +27,26 @@ Text trimmed(Text path)
     return path;
 }
 
+// A folder that has answered a hand, for as long as the hand's choice has its effects. They take it unasked:
+// another answer may come too late, and a hand has nobody to tell that to.
+class ChosenByHand
+{
+public:
+    explicit ChosenByHand(const Text& folder) : before_(std::exchange(current, trimmed(folder))) {}
+    ~ChosenByHand() { current = before_; }
+    ChosenByHand(const ChosenByHand&) = delete;
+    ChosenByHand& operator=(const ChosenByHand&) = delete;
+
+    static bool is(const Text& folder) { return !current.empty() && trimmed(folder) == current; }
+
+private:
+    inline static Text current; // of the window's thread
+    const Text before_;
+};
+
 Text existingFolder(const Text& path)
 {
-    if (!listing::isFolder(path))
+    if (!ChosenByHand::is(path) && !listing::isFolder(path))
         throw Failure(Trouble::pathNotFound);
     return trimmed(path);
 }
@@ -150,8 +167,10 @@ void DriveListBox::choose(const Text& drive)
     if (isThere)
         drive_ = drive;
     fill();
-    if (isThere)
-        Change.raise();
+    if (!isThere)
+        return;
+    const ChosenByHand chosen(drive);
+    Change.raise();
 }
 
 void DriveListBox::setDrive(const Text& drive)
@@ -215,10 +234,10 @@ void DirListBox::show(const std::vector<Text>& subfolders)
 void DirListBox::goTo(int row)
 {
     const Text folder = rows_[static_cast<std::size_t>(row)];
-    if (listing::isFolder(folder))
-        setPath(folder);
-    else
-        fill();
+    if (!listing::isFolder(folder))
+        return fill();
+    const ChosenByHand chosen(folder);
+    setPath(folder);
 }
 
 FileListBox::FileListBox(Container& container, const char* name, Place place, const Text& pattern) :

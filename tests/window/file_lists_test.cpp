@@ -18,6 +18,7 @@
 #include <QMouseEvent>
 #include <QWheelEvent>
 #include <doctest/doctest.h>
+#include <optional>
 
 namespace
 {
@@ -33,10 +34,12 @@ struct ListsForm final : Form {
     {
         drive.Change.calls([this] {
             ++driveChanges;
+            hangAtChange(drive.Drive());
             folders.setPath(drive.Drive());
         });
         folders.Change.calls([this] {
             ++folderChanges;
+            hangAtChange(folders.Path());
             files.setPath(folders.Path());
         });
     }
@@ -45,6 +48,15 @@ struct ListsForm final : Form {
     ctl::DirListBox folders;
     ctl::FileListBox files;
     int driveChanges = 0, folderChanges = 0;
+    Text hangsAtChange; // to this folder
+    std::optional<HungShare> hung;
+
+private:
+    void hangAtChange(const Text& to)
+    {
+        if (to == hangsAtChange)
+            hung.emplace(to.c_str());
+    }
 };
 
 // Two drives: `one` with the folders a and b, and `two`, which is empty.
@@ -234,6 +246,31 @@ TEST_CASE("A hand that reaches for a folder or a drive that does not answer chan
     CHECK(millisecondsSince(then) < bound);
     CHECK(s.form->drive.Drive() == "/");
     CHECK(s.unhandled == 0);
+}
+
+TEST_CASE("A folder that stops to answer while a hand's choice has its effects fails nothing")
+{
+    Shown s;
+    s.form->folders.setPath(s.one);
+    s.form->hangsAtChange = s.one + "/b";
+    s.press(Qt::LeftButton, "b");
+    REQUIRE(s.form->hung);
+    CHECK(s.unhandled == 0);
+    CHECK(s.form->folders.Path() == s.one + "/b");
+    s.form->hung.reset();
+    CHECK(waitFor([&] { return s.form->files.List(0) == "other.mp3"; }));
+}
+
+TEST_CASE("A drive that stops to answer while a hand's choice has its effects fails nothing")
+{
+    Shown s;
+    s.form->hangsAtChange = s.one;
+    s.choose(1);
+    REQUIRE(s.form->hung);
+    CHECK(s.unhandled == 0);
+    CHECK(s.form->drive.Drive() == s.one);
+    s.form->hung.reset();
+    CHECK(waitFor([&] { return s.shows("b"); }));
 }
 
 TEST_CASE("What a folder holds and tells late appears later, without a Change")
