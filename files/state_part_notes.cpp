@@ -2,6 +2,7 @@
 #include "files/state_part_notes.h"
 
 #include "files/content.h"
+#include "files/errand.h"
 #include "files/folders.h"
 #include "files/part_file.h"
 #include "platform/paths.h"
@@ -11,6 +12,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <atomic>
+#include <memory>
 #include <ranges>
 #include <tuple>
 
@@ -43,12 +46,6 @@ Text recordOf(const std::vector<WholePart>& parts)
     for (const auto& [part, place] : parts)
         record += part + '\0' + place + '\0';
     return record;
-}
-
-void removePart(const Text& path)
-{
-    if (path.ends_with(partEnding) && isFile(path))
-        unlink(path.c_str());
 }
 
 // A record without its NUL is one whose file was not made yet.
@@ -85,18 +82,47 @@ bool areStillWhole(const std::vector<WholePart>& parts)
     });
 }
 
+// The settling of one file of notes, which a disk that does not answer may hold up.
+class Settling
+{
+public:
+    explicit Settling(Text path) : path_(std::move(path)) {}
+
+    void run()
+    {
+        const Descriptor file(open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+        if (!isFile(path_) || !lock(file, LOCK_NB))
+            return;
+        settle(recordsIn(contentOf(file)));
+        if (!isGivenUp_)
+            unlink(path_.c_str());
+    }
+
+    // An answer that comes after this changes nothing any more: the program may use the names again. The
+    // notes stay, for the next start.
+    void giveUp() { isGivenUp_ = true; }
+
+private:
+    bool isThere(const Text& part) const { return isFile(part) && !isGivenUp_; }
+    std::vector<Text> unplaced(const std::vector<WholePart>& parts) const;
+    void settle(std::vector<Text> records) const;
+
+    const Text path_;
+    std::atomic<bool> isGivenUp_{false};
+};
+
 // The first that finds its place taken leaves the rest where it is, for a person to find.
-std::vector<Text> unplaced(const std::vector<WholePart>& parts)
+std::vector<Text> Settling::unplaced(const std::vector<WholePart>& parts) const
 {
     std::vector<Text> left;
     for (const auto& [part, place] : parts)
-        if (isFile(part) && (!left.empty() || !renameWithoutReplacing(part, place)))
+        if (isThere(part) && (!left.empty() || !renameWithoutReplacing(part, place)))
             left.push_back(part);
     return left;
 }
 
 // What was noted last counts: parts that found a place taken were noted again with another.
-void settle(std::vector<Text> records)
+void Settling::settle(std::vector<Text> records) const
 {
     const auto together = takenWhole(records);
     for (const auto& parts : together | std::views::reverse)
@@ -104,7 +130,8 @@ void settle(std::vector<Text> records)
             for (const Text& left : unplaced(parts))
                 std::erase(records, left);
     for (const Text& part : records)
-        removePart(part);
+        if (part.ends_with(partEnding) && isThere(part))
+            unlink(part.c_str());
 }
 
 }
@@ -160,15 +187,17 @@ void StatePartNotes::begin()
     }
 }
 
+// The first that does not answer uses up the patience: it is likely that others lie on the same dead share.
 void removeNotedParts(const Text& stateFolder)
 {
     const Text folder = notesFolder(stateFolder);
+    auto limit = patienceForFiles;
     for (const Text& name : namesIn(folder)) {
-        const Text path = joined(folder, name);
-        const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-        if (!isFile(path) || !lock(file, LOCK_NB))
+        const auto settling = std::make_shared<Settling>(joined(folder, name));
+        Errand<bool> errand([settling] { return settling->run(), true; });
+        if (errand.result(limit))
             continue;
-        settle(recordsIn(contentOf(file)));
-        unlink(path.c_str());
+        settling->giveUp();
+        limit = patienceForLists;
     }
 }

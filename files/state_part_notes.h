@@ -29,5 +29,6 @@ private:
 };
 
 // For the program's start, over the part files that processes noted which ended without removing them: those
-// that are whole together take their places, the others are removed. Those of a process that still runs stay.
+// that are whole together take their places, the others are removed. Those of a process that still runs stay,
+// and those on a disk that does not answer, until the next start.
 void removeNotedParts(const Text& stateFolder);

@@ -169,7 +169,7 @@ void DriveListBox::choose(const Text& drive)
     fill();
     if (!isThere)
         return;
-    const ChosenByHand chosen(drive);
+    const ChosenByHand chosen(drive_);
     Change.raise();
 }
 

@@ -10,6 +10,9 @@
 namespace
 {
 
+// A run that waits for a file tries it many times a second: to look for the reason costs as much as to try.
+constexpr std::chrono::seconds betweenLooks{1};
+
 struct Reason {
     int error;
     const char* words;
@@ -51,9 +54,12 @@ void UnopenedFiles::failed(const Text& path, const char* kinds)
 {
     if (path.empty())
         return;
-    const Text reason = reasonFor(path, kinds);
-    if (told_[path] == reason)
+    const auto last = told_.find(path);
+    if (last != told_.end() && now_() - last->second.at < betweenLooks)
         return;
-    told_[path] = reason;
-    shell_.notify("A file cannot be opened", path + ": " + reason);
+    const Text before = last == told_.end() ? Text() : last->second.reason;
+    const Text reason = reasonFor(path, kinds);
+    told_[path] = {reason, now_()};
+    if (reason != before)
+        shell_.notify("A file cannot be opened", path + ": " + reason);
 }

@@ -4,22 +4,36 @@
 
 #include "platform/text.h"
 
+#include <chrono>
+#include <functional>
 #include <map>
 
 class Shell;
 
 // Shared by the engines of one program, for its window thread. A file is tried again and again while a run
-// waits for it: it is told of once for each reason, until it opens.
+// waits for it: it is told of once for each reason, until it opens; why it does not is looked for once a
+// second.
 class UnopenedFiles
 {
 public:
-    explicit UnopenedFiles(Shell& shell) : shell_(shell) {}
+    using Time = std::chrono::steady_clock::time_point;
+
+    explicit UnopenedFiles(Shell& shell, std::function<Time()> now = std::chrono::steady_clock::now) :
+        shell_(shell), now_(std::move(now))
+    {
+    }
 
     // `kinds` is what it would have had to be, in words. An empty path is no file, and nothing is told.
     void failed(const Text& path, const char* kinds);
     void opened(const Text& path) { told_.erase(path); }
 
 private:
+    struct Told {
+        Text reason;
+        Time at; // it was last found so
+    };
+
     Shell& shell_;
-    std::map<Text, Text> told_; // the reason by the path
+    std::function<Time()> now_;
+    std::map<Text, Told> told_; // by the path
 };

@@ -3,7 +3,10 @@
 
 #include "tests/support/child.h"
 #include "tests/support/files.h"
+#include "tests/support/hung_share.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/timing.h"
+#include "tests/support/wait_until.h"
 
 #include <doctest/doctest.h>
 
@@ -39,6 +42,33 @@ TEST_CASE("A part that a process left behind is removed at the next start")
     REQUIRE(std::filesystem::exists(state.part));
     removeNotedParts(state.state);
     CHECK_FALSE(std::filesystem::exists(state.part));
+    CHECK(namesInFolder(state.state + "/parts").empty());
+}
+
+TEST_CASE("Parts on a share that does not answer are left to a later start, soon, and others are removed")
+{
+    const State state;
+    const Text share = state.folder / "share";
+    const Text far = share + "/song.mp3.part";
+    std::filesystem::create_directory(share);
+    state.abandon(far);
+    state.abandon(state.part);
+    {
+        const HungShare hung(share.c_str());
+        const auto then = std::chrono::steady_clock::now();
+        removeNotedParts(state.state);
+        CHECK(millisecondsSince(then) < 30'000); // what hangs here hangs for a minute
+        CHECK(hung.waiting() == 1);
+        CHECK_FALSE(std::filesystem::exists(state.part));
+        CHECK(namesInFolder(state.state + "/parts").size() == 1);
+    }
+    CHECK(std::filesystem::exists(far));
+    CHECK(waitUntil(
+        [&] {
+            removeNotedParts(state.state);
+            return !std::filesystem::exists(far);
+        },
+        std::chrono::seconds(30)));
     CHECK(namesInFolder(state.state + "/parts").empty());
 }
 

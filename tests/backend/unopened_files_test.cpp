@@ -7,6 +7,7 @@
 #include "tests/support/recordings.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
+#include "tests/support/wait_until.h"
 
 #include <doctest/doctest.h>
 #include <sys/stat.h>
@@ -64,12 +65,35 @@ TEST_CASE("However often a file is tried, and by whichever engine, it is told of
     }
     CHECK(parts.shell.notes.size() == 1);
     putFile(path, "no sound");
-    for (int tries = 0; tries < 100; ++tries)
+    const auto isToldAgain = [&] {
         CHECK(parts.mp3->Open(path, "") != 0);
-    CHECK(parts.shell.notes.size() == 2);
+        return parts.shell.notes.size() == 2;
+    };
+    CHECK(waitUntil(isToldAgain, std::chrono::seconds(30)));
     CHECK(parts.mp3->Open(parts.folder / "b.mp3", "") != 0);
     CHECK(parts.mp3->Open(path, "") != 0);
     CHECK(parts.shell.notes.size() == 3);
+}
+
+TEST_CASE("Why a file does not open is looked for once a second, and anew after it opened")
+{
+    SoundParts parts;
+    UnopenedFiles::Time now;
+    UnopenedFiles files(parts.shell, [&] { return now; });
+    const Text path = parts.folder / "a.mp3";
+    files.failed(path, "MP3");
+    putFile(path, "no sound");
+    now += std::chrono::milliseconds(999);
+    files.failed(path, "MP3");
+    CHECK(parts.shell.notes.size() == 1);
+    files.failed(parts.folder / "b.mp3", "MP3");
+    CHECK(parts.shell.notes.size() == 2);
+    now += std::chrono::milliseconds(1);
+    files.failed(path, "MP3");
+    CHECK(parts.shell.notes.size() == 3);
+    files.opened(path);
+    files.failed(path, "MP3");
+    CHECK(parts.shell.notes.size() == 4);
 }
 
 TEST_CASE("A file that opened and is gone again is told of anew")
