@@ -7,13 +7,12 @@
 #include <dirent.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <chrono>
-#include <condition_variable>
-#include <deque>
+#include <memory>
 #include <mutex>
 #include <optional>
-#include <system_error>
-#include <thread>
+#include <vector>
 
 namespace
 {
@@ -24,18 +23,18 @@ struct CloseFolder {
     void operator()(DIR* folder) const { closedir(folder); }
 };
 
+struct Entry {
+    unsigned char type;
+    Text name;
+};
+
 // 0 for what does not exist.
-std::uint32_t attributesOf(int folder, const char* name, unsigned char type)
+std::uint32_t attributesAt(const Text& path)
 {
-    if (type == DT_DIR)
-        return FoundFile::directory;
     struct stat status;
-    if (type == DT_LNK || type == DT_UNKNOWN) {
-        if (fstatat(folder, name, &status, 0) != 0)
-            return 0;
-        return S_ISDIR(status.st_mode) ? FoundFile::directory : FoundFile::archive;
-    }
-    return FoundFile::archive;
+    if (stat(path.c_str(), &status) != 0)
+        return 0;
+    return S_ISDIR(status.st_mode) ? FoundFile::directory : FoundFile::archive;
 }
 
 // How much of the name's beginning a pattern without stars covers; npos when it does not fit.
@@ -54,31 +53,30 @@ bool isDots(std::string_view name) { return name == "." || name == ".."; }
 
 }
 
-// The folder is read on a thread of its own, which may be held up for ever; the entries arrive here.
+// The folder is read, and where links lead is asked, on threads of their own, which may be held up for ever.
 class FolderScan::Walk
 {
 public:
-    Walk(const Text& folder, std::string_view pattern) :
-        pattern_(pattern), reading_(std::make_shared<Reading>())
+    Walk(const Text& folder, std::string_view pattern) : folder_(folder), pattern_(pattern)
     {
-        try {
-            std::thread([folder, reading = reading_] { read(folder, *reading); }).detach();
-        } catch (const std::system_error&) { // no thread to be had
-            reading_->end();
-        }
+        const auto reading = std::make_shared<Reading>();
+        waiting([&] {
+            answerWithin<bool>(left_, "entries of " + folder, [=] { return read(folder, *reading); });
+        });
+        entries_ = reading->leave();
     }
-    ~Walk() { reading_->leave(); }
-    Walk(const Walk&) = delete;
-    Walk& operator=(const Walk&) = delete;
 
-    // False at the end, and when the time for the whole walk is over.
+    // False at the end.
     bool next(FoundFile& found)
     {
-        while (auto entry = reading_->take(deadline_))
-            if (matchesPattern(entry->name, pattern_)) {
-                found = *std::move(entry);
-                return true;
-            }
+        while (next_ < entries_.size()) {
+            Entry& entry = entries_[next_++];
+            const auto attributes = matchesPattern(entry.name, pattern_) ? attributesOf(entry) : 0;
+            if (attributes == 0)
+                continue;
+            found = {attributes, std::move(entry.name)};
+            return true;
+        }
         return false;
     }
 
@@ -87,67 +85,70 @@ private:
     {
     public:
         // False when nobody wants it any more.
-        bool give(FoundFile entry)
+        bool give(Entry entry)
         {
             const std::lock_guard lock(mutex_);
             entries_.push_back(std::move(entry));
-            change_.notify_all();
             return !isLeft_;
         }
-        void end()
-        {
-            const std::lock_guard lock(mutex_);
-            hasEnded_ = true;
-            change_.notify_all();
-        }
-        void leave()
+        // What has been read until now.
+        std::vector<Entry> leave()
         {
             const std::lock_guard lock(mutex_);
             isLeft_ = true;
-        }
-        std::optional<FoundFile> take(std::chrono::steady_clock::time_point deadline)
-        {
-            std::unique_lock lock(mutex_);
-            change_.wait_until(lock, deadline, [this] { return !entries_.empty() || hasEnded_; });
-            if (entries_.empty())
-                return std::nullopt;
-            FoundFile entry = std::move(entries_.front());
-            entries_.pop_front();
-            return entry;
+            return std::move(entries_);
         }
 
     private:
         std::mutex mutex_;
-        std::condition_variable change_;
-        std::deque<FoundFile> entries_;
-        bool hasEnded_ = false;
+        std::vector<Entry> entries_;
         bool isLeft_ = false;
     };
 
-    static void read(const Text& folder, Reading& reading)
+    // True, as the answer of an errand.
+    static bool read(const Text& folder, Reading& reading)
     {
-        if (const std::unique_ptr<DIR, CloseFolder> entries{opendir(folder.c_str())})
-            readEntries(*entries, reading);
-        reading.end();
-    }
-
-    static void readEntries(DIR& entries, Reading& reading)
-    {
+        const std::unique_ptr<DIR, CloseFolder> entries{opendir(folder.c_str())};
+        if (!entries)
+            return true;
         for (const char* name : {".", ".."})
-            reading.give({FoundFile::directory, name});
-        while (const dirent* entry = readdir(&entries)) {
-            if (isDots(entry->d_name))
-                continue;
-            const auto attributes = attributesOf(dirfd(&entries), entry->d_name, entry->d_type);
-            if (attributes != 0 && !reading.give({attributes, entry->d_name}))
-                return;
-        }
+            reading.give({DT_DIR, name});
+        while (const dirent* entry = readdir(entries.get()))
+            if (!isDots(entry->d_name) && !reading.give({entry->d_type, entry->d_name}))
+                break;
+        return true;
     }
 
-    const std::chrono::steady_clock::time_point deadline_ =
-        std::chrono::steady_clock::now() + patienceForFiles;
+    // 0 also for what does not tell in time.
+    std::uint32_t attributesOf(const Entry& entry)
+    {
+        if (entry.type != DT_LNK && entry.type != DT_UNKNOWN)
+            return entry.type == DT_DIR ? FoundFile::directory : FoundFile::archive;
+        if (left_ == left_.zero())
+            return 0;
+        const Text path = joined(folder_, entry.name);
+        std::optional<std::uint32_t> attributes;
+        waiting([&] {
+            attributes =
+                answerWithin<std::uint32_t>(left_, "entry " + path, [path] { return attributesAt(path); });
+        });
+        return attributes.value_or(0);
+    }
+
+    template <typename Work>
+    void waiting(Work&& work)
+    {
+        using namespace std::chrono;
+        const auto then = steady_clock::now();
+        work();
+        left_ -= std::min(duration_cast<milliseconds>(steady_clock::now() - then), left_);
+    }
+
+    std::chrono::milliseconds left_ = patienceForFiles; // to wait in; what the caller does costs none
+    const Text folder_;
     const Text pattern_;
-    const std::shared_ptr<Reading> reading_;
+    std::vector<Entry> entries_;
+    std::size_t next_ = 0;
 };
 
 FolderScan::FolderScan() = default;

@@ -8,7 +8,8 @@
 #include <memory>
 
 // For one thread. A link counts as what it leads to; one that leads nowhere is no entry.
-// A walk ends two seconds after its begin, so that no hung share holds the caller.
+// A walk waits two seconds at most for what it asks, so that no hung share holds the caller; what has not
+// answered yet is not asked again.
 class FolderScan final : public DirectoryScan
 {
 public:

@@ -55,10 +55,33 @@ TEST_CASE("A look-up on a share that does not answer finds nothing, soon")
         const HungShare hung(s.share.c_str());
         CHECK(timeOf([&] { handle = scan.FindFirstFile(s.share + "/*.*", found); }) < bound);
         CHECK(handle == DirectoryScan::invalid);
-        CHECK(hung.waiting() > 0);
+        CHECK(hung.waiting() == 1);
+        CHECK(timeOf([&] { handle = scan.FindFirstFile(s.share + "/song.mp3", found); }) < atOnce);
+        CHECK(handle == DirectoryScan::invalid);
+        CHECK(hung.waiting() == 1);
         CHECK(scan.FindFirstFile(s.parts.folder / "*.*", found) != DirectoryScan::invalid);
     }
-    CHECK(scan.FindFirstFile(s.share + "/*.*", found) != DirectoryScan::invalid);
+    const auto answers = [&] {
+        return scan.FindFirstFile(s.share + "/*.*", found) != DirectoryScan::invalid;
+    };
+    CHECK(waitUntil(answers, 30s));
+}
+
+TEST_CASE("A link to a share that does not answer hides nothing but itself")
+{
+    Shares s;
+    std::filesystem::create_directory(s.parts.folder / "here");
+    putFile(s.parts.folder / "here/song.mp3", "");
+    std::filesystem::create_directory_symlink(s.share, s.parts.folder / "here/far");
+    const HungShare hung((s.parts.folder / "here/far").c_str());
+    FolderScan scan;
+    FoundFile found;
+    CHECK(scan.FindFirstFile(s.parts.folder / "here/far", found) == DirectoryScan::invalid);
+    CHECK(timeOf([&] {
+              CHECK(scan.FindFirstFile(s.parts.folder / "here/*.*", found) != DirectoryScan::invalid);
+              CHECK(scan.FindFirstFile(s.parts.folder / "here/song.mp3", found) != DirectoryScan::invalid);
+          }) < atOnce);
+    CHECK(hung.waiting() == 1);
 }
 
 TEST_CASE("A file on a share that does not answer is not open, soon; tried again it is refused at once")
