@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/reader_table.h"
 
+#include "files/errand.h"
+
 #include <algorithm>
+#include <cstdint>
 
 namespace
 {
@@ -15,27 +18,41 @@ public:
     std::int32_t readTrack(std::int16_t, TrackSink&, const std::stop_token&) override { return 0; }
 };
 
-using Drives = std::vector<std::shared_ptr<ReaderDrive>>;
-
 }
 
 ReaderTable::ReaderTable(std::vector<ListReaders> lists, std::shared_ptr<BusyDevices> devices) :
-    lists_(std::move(lists)), devices_(std::move(devices))
+    devices_(std::move(devices))
 {
+    for (auto& list : lists)
+        lists_.push_back({std::make_shared<const ListReaders>(std::move(list)), {}});
 }
 
 void ReaderTable::scan()
 {
+    auto lists = listed();
     const std::lock_guard guard(mutex_);
-    scanLocked();
+    take(std::move(lists));
+}
+
+std::vector<ReaderTable::Drives> ReaderTable::listed()
+{
+    const std::lock_guard guard(listing_);
+    std::vector<Drives> all;
+    for (auto& [ask, last] : lists_) {
+        const Text question = "drives " + std::to_string(reinterpret_cast<std::uintptr_t>(ask.get()));
+        auto now = answerWithin<Drives>(patienceForFiles, question, [ask = ask] { return (*ask)(); });
+        if (now)
+            last = *std::move(now);
+        all.push_back(last);
+    }
+    return all;
 }
 
 // What a drive knows of its disc stays when it is found again.
-void ReaderTable::scanLocked()
+void ReaderTable::take(std::vector<Drives> lists)
 {
     Drives found;
-    for (const auto& list : lists_) {
-        Drives listed = list();
+    for (auto& listed : lists) {
         std::ranges::stable_sort(listed, {}, [this](const auto& each) { return placeOf(*each); });
         for (const auto& drive : listed)
             found.push_back(isKnown(*drive) ? drives_[placeOf(*drive)] : drive);
@@ -48,12 +65,13 @@ void ReaderTable::scanLocked()
 // The empty drive stands for none, so the first that comes takes its place.
 void ReaderTable::addNew()
 {
+    auto lists = listed();
     const std::lock_guard guard(mutex_);
     const bool hasNone = drives_.empty() || drives_.front()->device().empty();
     if (hasNone)
-        return scanLocked();
-    for (const auto& list : lists_)
-        for (const auto& drive : list())
+        return take(std::move(lists));
+    for (const auto& list : lists)
+        for (const auto& drive : list)
             if (!isKnown(*drive))
                 drives_.push_back(drive);
 }
@@ -71,9 +89,15 @@ bool ReaderTable::isKnown(const ReaderDrive& drive) const { return placeOf(drive
 
 std::vector<std::shared_ptr<ReaderDrive>> ReaderTable::drives()
 {
+    {
+        const std::lock_guard guard(mutex_);
+        if (!drives_.empty())
+            return drives_;
+    }
+    auto lists = listed();
     const std::lock_guard guard(mutex_);
     if (drives_.empty())
-        scanLocked();
+        take(std::move(lists));
     return drives_;
 }
 

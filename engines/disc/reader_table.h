@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The drives that discs are read from, by number, and what is known to lie in them. From any thread; waits
-// for no job.
+// for no job, and not long for a disk that does not answer: until it does, what it told last holds.
 #pragma once
 
 #include "engines/disc/busy_devices.h"
@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 class ReaderTable
@@ -35,7 +36,14 @@ public:
     DiscContents lastContents(ReaderDrive& drive);
 
 private:
-    void scanLocked();
+    using Drives = std::vector<std::shared_ptr<ReaderDrive>>;
+    struct List {
+        std::shared_ptr<const ListReaders> ask;
+        Drives last;
+    };
+
+    std::vector<Drives> listed();
+    void take(std::vector<Drives> lists);
     std::size_t placeOf(const ReaderDrive& drive) const;
     bool isKnown(const ReaderDrive& drive) const;
 
@@ -45,7 +53,8 @@ private:
     };
     std::optional<Seen> seen(const ReaderDrive& drive);
 
-    std::vector<ListReaders> lists_;
+    std::mutex listing_; // before the other; held while the lists are asked
+    std::vector<List> lists_;
     std::shared_ptr<BusyDevices> devices_;
     std::mutex mutex_;
     std::vector<std::shared_ptr<ReaderDrive>> drives_;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/child.h"
 #include "tests/support/disc_desk.h"
+#include "tests/support/hung_share.h"
 #include "tests/support/scripted_reader.h"
 #include "tests/support/small_disk.h"
 #include "tests/support/timing.h"
+#include "tests/support/wait_until.h"
 
 #include <doctest/doctest.h>
 
@@ -112,6 +114,25 @@ TEST_CASE("A drive that has come since the count is found behind those that have
     CHECK(r.reader->DriveName(3) == "Maker Model (/dev/sr1)");
     CHECK(r.reader->TrackCount() == 2);
     CHECK(r.reader->DriveCount() == 3);
+}
+
+TEST_CASE("While the folder of the images does not answer, the drives stay as they were, soon")
+{
+    Reading r;
+    putFile(r.desk.discs + "/Mine.cue", "");
+    CHECK(r.reader->DriveCount() == 2);
+    {
+        const HungShare hung(r.desk.discs.c_str());
+        const auto then = Clock::now();
+        CHECK(r.reader->DriveCount() == 2);
+        r.reader->SelectDrive(1);
+        CHECK(r.reader->DriveName(2) == "Disc image: Mine");
+        CHECK(r.reader->TrackCount() == 2);
+        CHECK(Clock::now() - then < std::chrono::seconds(30)); // what hangs here hangs for a minute
+        CHECK(hung.waiting() == 1);
+    }
+    putFile(r.desk.discs + "/New.cue", "");
+    CHECK(waitUntil([&] { return r.reader->DriveCount() == 3; }, std::chrono::seconds(30)));
 }
 
 TEST_CASE("An image that was copied into the folder since the count has the next number, however old it is")
