@@ -346,7 +346,8 @@ TEST_CASE("An engine that goes while it plays leaves nothing behind")
     CHECK(files.activity.running == 0);
 }
 
-TEST_CASE("Making an engine and opening a file starts no thread")
+// What asks for the file may hang, and has a thread of its own, which ends with the answer.
+TEST_CASE("Making an engine and opening a file leaves no thread behind")
 {
     const auto threads = [] {
         const std::filesystem::directory_iterator tasks("/proc/self/task");
@@ -357,5 +358,5 @@ TEST_CASE("Making an engine and opening a file starts no thread")
     CHECK(files.mp3->Open(files.song, "") == 0);
     files.mp3->SetVolume(70, 70);
     files.openWav(files.song);
-    CHECK(threads() == before);
+    CHECK(waitUntil([&] { return threads() <= before; }));
 }
