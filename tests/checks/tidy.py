@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""For `./check tidy`, which asks for all, and for a writer who wants to see a change alone. Runs clang-tidy with the project's list: on the sources that differ from the branch this one came from (of a branch
-that is that one, its last commit), or on all of them when asked to. Ends with 77 where there is no clang-tidy, and where
-so many sources differ that a check would take too long: `./check tidy` is for that."""
+"""Runs clang-tidy with the project's list: on every source for `./check tidy`; without the word "whole" on those that
+differ from the branch this one came from (of a branch that is that one, its last commit). Ends with 77 where there is no
+clang-tidy, and where too many sources differ for a quick look."""
 import json
 import os
 import pathlib
