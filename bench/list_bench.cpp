@@ -47,8 +47,8 @@ public:
     TemporaryFolder place;
 
 private:
-    DiskTextFiles textFiles_{NoPartNotes::instance()};
-    DiskProfileFile profileFile_{textFiles_};
+    files::DiskTextFiles textFiles_{NoPartNotes::instance()};
+    files::DiskProfileFile profileFile_{textFiles_};
 };
 
 void writeList(const Text& path, int rows)

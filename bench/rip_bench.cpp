@@ -16,11 +16,11 @@ int main(int argc, char** argv)
     ToldShell shell;
     RememberedParts parts;
     CountedSleepLock sleepLock;
-    const auto devices = std::make_shared<BusyDevices>();
-    const std::vector<std::shared_ptr<ReaderDrive>> drives{makeImageDrive(argv[1])};
+    const auto devices = std::make_shared<disc::BusyDevices>();
+    const std::vector<std::shared_ptr<disc::ReaderDrive>> drives{disc::makeImageDrive(argv[1])};
     const auto table =
-        std::make_shared<ReaderTable>(std::vector<ListReaders>{[&] { return drives; }}, devices);
-    const auto reader = makeDiscReader(table, devices, window, shell, parts, sleepLock);
+        std::make_shared<disc::ReaderTable>(std::vector<disc::ListReaders>{[&] { return drives; }}, devices);
+    const auto reader = disc::makeDiscReader(table, devices, window, shell, parts, sleepLock);
     Heard<ACD> heard{window, *reader};
     for (int track = std::atoi(argv[2]); track <= std::atoi(argv[3]); ++track) {
         heard.done = 0;

@@ -9,6 +9,9 @@
 #include <iostream>
 #include <unistd.h>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -80,4 +83,6 @@ void dressApplication()
     font.setPixelSize(11);
     QApplication::setFont(font);
     QApplication::setWindowIcon(QIcon(":/skin/picIcon.svg"));
+}
+
 }

@@ -2,6 +2,9 @@
 // How the program looks and where its windows appear, before the first one does.
 #pragma once
 
+namespace desktop
+{
+
 // The command line that the window library gets: the program's name, and which window system to take. X11
 // first, also on a Wayland session: the windows there can be placed, and docking needs that. A choice in the
 // environment stands. What the user's own command line holds is read by nobody.
@@ -26,3 +29,5 @@ inline constexpr const char* applicationId = "org.velmora.Velmora";
 
 // Name, icon, colours and type.
 void dressApplication();
+
+}

@@ -5,6 +5,9 @@
 #include "platform/failure.h"
 #include "platform/paths.h"
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -16,10 +19,10 @@ constexpr const char* firstFiles[] = {"conf.mp3", updates};
 
 Text installedFolder(const Environment& environment)
 {
-    return joined(folderOf(environment.executable), "../share/velmora");
+    return joined(files::folderOf(environment.executable), "../share/velmora");
 }
 
-bool isInstalled(const Environment& environment) { return isFolder(installedFolder(environment)); }
+bool isInstalled(const Environment& environment) { return files::isFolder(installedFolder(environment)); }
 
 void put(TextFiles& files, const Text& path, const Text& bytes)
 {
@@ -30,9 +33,9 @@ void put(TextFiles& files, const Text& path, const Text& bytes)
 
 void fill(TextFiles& files, const Text& from, const Text& to)
 {
-    makeFolders(to);
+    files::makeFolders(to);
     for (const char* name : firstFiles)
-        if (!isFile(joined(to, name)))
+        if (!files::isFile(joined(to, name)))
             put(files, joined(to, name), files.readWhole(joined(from, name)));
     put(files, joined(to, record), files.readWhole(joined(from, updates)));
 }
@@ -54,7 +57,7 @@ void refresh(TextFiles& files, const Text& from, const Text& to)
 
 Text applicationFolder(const Environment& environment)
 {
-    return isInstalled(environment) ? dataFolder(environment) : folderOf(environment.executable);
+    return isInstalled(environment) ? dataFolder(environment) : files::folderOf(environment.executable);
 }
 
 void fillApplicationFolder(const Environment& environment, TextFiles& files)
@@ -62,6 +65,8 @@ void fillApplicationFolder(const Environment& environment, TextFiles& files)
     if (!isInstalled(environment))
         return;
     const Text to = applicationFolder(environment);
-    const auto bring = isFile(joined(to, record)) ? refresh : fill;
+    const auto bring = files::isFile(joined(to, record)) ? refresh : fill;
     succeeds([&] { bring(files, installedFolder(environment), to); });
+}
+
 }

@@ -13,6 +13,9 @@
 #include <cstdlib>
 #include <tuple>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -21,13 +24,14 @@ constexpr pid_t unnamed = -1;
 // The sticky bit keeps what clears up a runtime folder from taking the file for a forgotten one.
 constexpr mode_t lockMode = S_ISVTX | S_IRUSR | S_IWUSR;
 
-Descriptor openLock(const Text& path)
+files::Descriptor openLock(const Text& path)
 {
-    return Descriptor(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600));
+    return files::Descriptor(
+        open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600));
 }
 
 // Whoever has the lock writes its number at once.
-pid_t writtenNumber(const Descriptor& file)
+pid_t writtenNumber(const files::Descriptor& file)
 {
     for (int tries = 0; tries < 50; ++tries, usleep(2000)) {
         char digits[16] = {};
@@ -39,7 +43,7 @@ pid_t writtenNumber(const Descriptor& file)
     return unnamed;
 }
 
-void writeNumber(const Descriptor& file)
+void writeNumber(const files::Descriptor& file)
 {
     const Text number = std::to_string(getpid()) + '\n';
     std::ignore = fchmod(file.number(), lockMode);
@@ -48,7 +52,7 @@ void writeNumber(const Descriptor& file)
 }
 
 // Two names of one folder, links and mounts included, are one.
-Text lockPath(const Text& lockFolder, const char* use, const FileIdentity& shared)
+Text lockPath(const Text& lockFolder, const char* use, const files::FileIdentity& shared)
 {
     return joined(lockFolder, Text("velmora-") + use + '-' + std::to_string(shared.device) + '-' +
                                   std::to_string(shared.number) + ".lock");
@@ -57,7 +61,7 @@ Text lockPath(const Text& lockFolder, const char* use, const FileIdentity& share
 Text lockFolderOf(const Environment& environment)
 {
     const Text& runtime = environment.runtimeFolder;
-    const bool usable = runtime.starts_with(pathSeparator) && isFolder(runtime) &&
+    const bool usable = runtime.starts_with(pathSeparator) && files::isFolder(runtime) &&
                         faccessat(AT_FDCWD, runtime.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
     return usable ? runtime : stateFolder(environment);
 }
@@ -67,17 +71,17 @@ Text lockFolderOf(const Environment& environment)
 CopyLock::CopyLock(const Environment& environment)
 {
     const Text lockFolder = lockFolderOf(environment);
-    makeFolders(lockFolder);
+    files::makeFolders(lockFolder);
     store_ = taken(lockFolder, "settings", configFolder(environment));
     if (holder_ == 0)
         folder_ = taken(lockFolder, "folder", applicationFolder(environment));
 }
 
-Descriptor CopyLock::taken(const Text& lockFolder, const char* use, const Text& shared)
+files::Descriptor CopyLock::taken(const Text& lockFolder, const char* use, const Text& shared)
 {
-    if (!makeFolders(shared))
-        return Descriptor();
-    Descriptor file = openLock(lockPath(lockFolder, use, identityOf(shared)));
+    if (!files::makeFolders(shared))
+        return files::Descriptor();
+    files::Descriptor file = openLock(lockPath(lockFolder, use, files::identityOf(shared)));
     if (!file)
         return file;
     if (flock(file.number(), LOCK_EX | LOCK_NB) == 0)
@@ -85,4 +89,6 @@ Descriptor CopyLock::taken(const Text& lockFolder, const char* use, const Text& 
     else if (errno == EWOULDBLOCK)
         holder_ = writtenNumber(file);
     return file;
+}
+
 }

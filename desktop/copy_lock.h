@@ -8,6 +8,9 @@
 
 #include <sys/types.h>
 
+namespace desktop
+{
+
 // Holds for the process's life: the system lets go of it, however the process ends. No program that is
 // started inherits it.
 class CopyLock
@@ -20,9 +23,11 @@ public:
     pid_t holder() const { return holder_; }
 
 private:
-    Descriptor taken(const Text& lockFolder, const char* use, const Text& shared);
+    files::Descriptor taken(const Text& lockFolder, const char* use, const Text& shared);
 
-    Descriptor store_;
-    Descriptor folder_;
+    files::Descriptor store_;
+    files::Descriptor folder_;
     pid_t holder_ = 0;
 };
+
+}

@@ -11,6 +11,9 @@
 #include <iterator>
 #include <sstream>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -22,7 +25,7 @@ bool exists(const Text& path)
 
 std::vector<Text> words(const Text& path)
 {
-    if (isFile(path))
+    if (files::isFile(path))
         return {path};
     std::istringstream line(path);
     return {std::istream_iterator<Text>(line), {}};
@@ -61,4 +64,6 @@ Text sessionBusAddress(const Environment& environment)
 Text systemBusAddress(const Environment& environment)
 {
     return environment.systemBus.empty() ? "unix:path=/run/dbus/system_bus_socket" : environment.systemBus;
+}
+
 }

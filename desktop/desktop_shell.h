@@ -10,6 +10,9 @@
 
 #include <optional>
 
+namespace desktop
+{
+
 class DesktopShell final : public Shell
 {
 public:
@@ -34,3 +37,5 @@ Text sessionBusAddress(const Environment& environment);
 // The system bus: the one that is named, or where every system has it (D-Bus, "Well-known Message Bus
 // Instances").
 Text systemBusAddress(const Environment& environment);
+
+}

@@ -8,6 +8,9 @@
 
 #include <optional>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -122,4 +125,6 @@ void DesktopSleepLock::keepStep()
             held.reset();
         guard.lock();
     }
+}
+
 }

@@ -9,6 +9,9 @@
 #include <mutex>
 #include <thread>
 
+namespace desktop
+{
+
 class DesktopSleepLock final : public SleepLock
 {
 public:
@@ -34,3 +37,5 @@ private:
     bool ending_ = false;
     std::thread asker_;
 };
+
+}

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/dialog_filter.h"
 
+namespace desktop
+{
+
 std::vector<DialogFilter> dialogFilters(const Text& filter)
 {
     std::vector<Text> parts(1);
@@ -10,4 +13,6 @@ std::vector<DialogFilter> dialogFilters(const Text& filter)
     for (std::size_t i = 0; i + 1 < parts.size(); i += 2)
         filters.push_back({parts[i], parts[i + 1]});
     return filters;
+}
+
 }

@@ -6,6 +6,9 @@
 
 #include <vector>
 
+namespace desktop
+{
+
 struct DialogFilter {
     Text name;
     Text pattern;
@@ -13,3 +16,5 @@ struct DialogFilter {
 
 // A name without a pattern at the end is left out.
 std::vector<DialogFilter> dialogFilters(const Text& filter);
+
+}

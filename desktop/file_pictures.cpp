@@ -4,6 +4,9 @@
 #include <QFileIconProvider>
 #include <QMimeDatabase>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -40,4 +43,6 @@ QAbstractFileIconProvider& filePictures()
 {
     static auto* const pictures = new FilePictures;
     return *pictures;
+}
+
 }

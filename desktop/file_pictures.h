@@ -4,6 +4,11 @@
 
 class QAbstractFileIconProvider;
 
+namespace desktop
+{
+
 // One for all dialogs, for ever: threads that look at folders outlive their dialogs. No file is opened for
 // it; a file that does not answer would hold the window.
 QAbstractFileIconProvider& filePictures();
+
+}

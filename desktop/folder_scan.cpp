@@ -14,6 +14,9 @@
 #include <optional>
 #include <vector>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -61,7 +64,7 @@ public:
     {
         const auto reading = std::make_shared<Reading>();
         waiting([&] {
-            answerWithin<bool>(left_, "entries of " + folder, [=] { return read(folder, *reading); });
+            files::answerWithin<bool>(left_, "entries of " + folder, [=] { return read(folder, *reading); });
         });
         entries_ = reading->leave();
     }
@@ -129,8 +132,8 @@ private:
         const Text path = joined(folder_, entry.name);
         std::optional<std::uint32_t> attributes;
         waiting([&] {
-            attributes =
-                answerWithin<std::uint32_t>(left_, "entry " + path, [path] { return attributesAt(path); });
+            attributes = files::answerWithin<std::uint32_t>(left_, "entry " + path,
+                                                            [path] { return attributesAt(path); });
         });
         return attributes.value_or(0);
     }
@@ -144,7 +147,7 @@ private:
         left_ -= std::min(duration_cast<milliseconds>(steady_clock::now() - then), left_);
     }
 
-    std::chrono::milliseconds left_ = patienceForFiles; // to wait in; what the caller does costs none
+    std::chrono::milliseconds left_ = files::patienceForFiles; // to wait in; what the caller does costs none
     const Text folder_;
     const Text pattern_;
     std::vector<Entry> entries_;
@@ -185,4 +188,6 @@ bool matchesPattern(std::string_view name, std::string_view pattern)
     while (at < name.size() && !matchesPattern(name.substr(at), behind))
         at += characterBytes(name, at);
     return matchesPattern(name.substr(at), behind);
+}
+
 }

@@ -7,6 +7,9 @@
 #include <map>
 #include <memory>
 
+namespace desktop
+{
+
 // For one thread. A link counts as what it leads to; one that leads nowhere is no entry.
 // A walk waits two seconds at most for what it asks, so that no hung share holds the caller; what has not
 // answered yet is not asked again.
@@ -28,3 +31,5 @@ private:
 
 // `*` stands for any characters, `?` for one; no letter of A to Z has a case. "*.*" means every name.
 bool matchesPattern(std::string_view name, std::string_view pattern);
+
+}

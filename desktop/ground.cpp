@@ -10,6 +10,9 @@
 #include <system_error>
 #include <thread>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -47,4 +50,6 @@ void requireThreads()
         return;
     std::cerr << "Velmora cannot start: the system makes no more threads.\n";
     _exit(1);
+}
+
 }

@@ -16,6 +16,9 @@
 #include <iterator>
 #include <set>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -61,9 +64,9 @@ bool isForPeople(const Mount& mount)
 bool isReadableFolder(const Text& path)
 {
     const auto look = [path] {
-        return isFolder(path) && faccessat(AT_FDCWD, path.c_str(), R_OK | X_OK, AT_EACCESS) == 0;
+        return files::isFolder(path) && faccessat(AT_FDCWD, path.c_str(), R_OK | X_OK, AT_EACCESS) == 0;
     };
-    return answerWithin<bool>(patienceForLists, "drive " + path, look).value_or(false);
+    return files::answerWithin<bool>(files::patienceForLists, "drive " + path, look).value_or(false);
 }
 
 // A share is not asked: its server may be asleep, and is to stand in the list all the same.
@@ -93,7 +96,7 @@ Text realPath(const Text& path)
 Text MountedDrives::labelOf(const Text& device) const
 {
     const Text path = realPath(device);
-    for (const Text& name : namesIn(sources_.labels))
+    for (const Text& name : files::namesIn(sources_.labels))
         if (!path.empty() && realPath(joined(sources_.labels, name)) == path)
             return decoded(name);
     return {};
@@ -101,7 +104,7 @@ Text MountedDrives::labelOf(const Text& device) const
 
 std::vector<Drive> MountedDrives::all()
 {
-    const std::vector<Mount> mounts = mountsIn(contentOf(sources_.mounts));
+    const std::vector<Mount> mounts = mountsIn(files::contentOf(sources_.mounts));
     std::vector<Drive> drives{{Text(driveRoot), {}}};
     if (sources_.home != driveRoot && isReadableFolder(sources_.home))
         drives.push_back({sources_.home, {}});
@@ -116,4 +119,6 @@ std::vector<Drive> MountedDrives::all()
     std::sort(drives.begin() + fixed, drives.end(),
               [](const Drive& a, const Drive& b) { return a.path < b.path; });
     return drives;
+}
+
 }

@@ -4,6 +4,9 @@
 
 #include "platform/drives.h"
 
+namespace desktop
+{
+
 class MountedDrives final : public Drives
 {
 public:
@@ -24,3 +27,5 @@ private:
 
     Sources sources_;
 };
+
+}

@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <optional>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -76,4 +79,6 @@ bool liesIn(std::string_view path, std::string_view folder)
     if (!path.starts_with(folder))
         return false;
     return path.size() == folder.size() || endsInSeparator(folder) || path[folder.size()] == pathSeparator;
+}
+
 }

@@ -7,6 +7,9 @@
 #include <string_view>
 #include <vector>
 
+namespace desktop
+{
+
 struct Mount {
     Text device; // major:minor
     Text folder;
@@ -23,3 +26,5 @@ Text deviceOf(const std::vector<Mount>& mounts, std::string_view path);
 
 // Whether `path` is `folder` or lies in it.
 bool liesIn(std::string_view path, std::string_view folder);
+
+}

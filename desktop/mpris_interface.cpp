@@ -7,6 +7,9 @@
 #include <QDBusObjectPath>
 #include <QStringList>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -126,6 +129,8 @@ std::uint64_t trackOf(const QString& name)
 {
     const std::uint64_t track = name.section('/', -1).toULongLong();
     return trackName(track) == name ? track : 0;
+}
+
 }
 
 }

@@ -8,7 +8,7 @@
 #include <QString>
 #include <QVariantMap>
 
-namespace mpris
+namespace desktop::mpris
 {
 inline constexpr const char* objectPath = "/org/mpris/MediaPlayer2";
 inline constexpr const char* root = "org.mpris.MediaPlayer2";

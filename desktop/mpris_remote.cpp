@@ -19,6 +19,9 @@
 #include <unistd.h>
 #include <utility>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -278,4 +281,6 @@ private:
 std::unique_ptr<MediaRemote> makeMprisRemote(const Text& busAddress, Post& post)
 {
     return std::make_unique<MprisRemote>(busAddress, post);
+}
+
 }

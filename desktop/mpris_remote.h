@@ -8,6 +8,11 @@
 
 class Post;
 
+namespace desktop
+{
+
 // `busAddress` is that of a running session bus, "" for none: then nothing happens at all. The bus is met on
 // a thread of its own, at the first `show`.
 std::unique_ptr<MediaRemote> makeMprisRemote(const Text& busAddress, Post& post);
+
+}

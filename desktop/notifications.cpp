@@ -10,6 +10,9 @@
 
 #include <cstdio>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -123,4 +126,6 @@ void Notifications::deliverAll()
         if (!taken)
             std::fprintf(stderr, "Velmora: %s: %s\n", one.title.c_str(), one.message.c_str());
     }
+}
+
 }

@@ -9,6 +9,9 @@
 #include <mutex>
 #include <thread>
 
+namespace desktop
+{
+
 // Shows one, and waits for the desktop's answer: some seconds at most. False where it does not take it.
 bool isNotified(const Text& busAddress, const Text& title, const Text& message);
 
@@ -40,3 +43,5 @@ private:
     bool ending_ = false;
     std::thread deliverer_;
 };
+
+}

@@ -9,6 +9,9 @@
 #include <iostream>
 #include <string>
 
+namespace desktop
+{
+
 using namespace std::chrono_literals;
 
 namespace
@@ -23,7 +26,7 @@ constexpr auto tellingTime = 2s;
 {
     const Text message = "Velmora is running and does not answer (process " + std::to_string(first) + ")";
     std::cerr << message << std::endl;
-    Errand<bool>([=] { return isNotified(busAddress, "Velmora", message); }).result(tellingTime);
+    files::Errand<bool>([=] { return isNotified(busAddress, "Velmora", message); }).result(tellingTime);
     _exit(noAnswerStatus);
 }
 
@@ -41,4 +44,6 @@ OnlyCopy::OnlyCopy(const Environment& environment) : lock_(environment)
     lock_.emplace(environment);
     if (lock_->holder() != 0)
         endUnanswered(lock_->holder(), busAddress);
+}
+
 }

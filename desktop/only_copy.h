@@ -6,6 +6,9 @@
 
 #include <optional>
 
+namespace desktop
+{
+
 // Takes the place, and keeps it for as long as this lives; or ends the process. With 0, when the copy that
 // runs already has answered: it brings its window up. With 1, and a word on standard error and to the
 // desktop, when it does not answer.
@@ -17,3 +20,5 @@ public:
 private:
     std::optional<CopyLock> lock_;
 };
+
+}

@@ -13,6 +13,9 @@
 #include <fstream>
 #include <optional>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -23,7 +26,7 @@ bool isAbsolute(std::string_view path) { return path.starts_with(pathSeparator);
 // A relative value is to be ignored, say the rules.
 Text baseFolder(const Text& set, const Environment& environment, const char* usual)
 {
-    return withoutSeparatorBehind(isAbsolute(set) ? set : joined(homeFolder(environment), usual));
+    return files::withoutSeparatorBehind(isAbsolute(set) ? set : joined(homeFolder(environment), usual));
 }
 
 Text configHome(const Environment& environment)
@@ -88,7 +91,7 @@ Environment environmentOfProcess()
     const Text home = variable("HOME");
     return {.executable = executable(),
             .home = home,
-            .accountHome = isAbsolute(home) ? Text() : accountOfUser().home, // asked only in need
+            .accountHome = isAbsolute(home) ? Text() : files::accountOfUser().home, // asked only in need
             .configHome = variable("XDG_CONFIG_HOME"),
             .dataHome = variable("XDG_DATA_HOME"),
             .stateHome = variable("XDG_STATE_HOME"),
@@ -103,7 +106,7 @@ Text homeFolder(const Environment& environment)
 {
     for (const Text* home : {&environment.home, &environment.accountHome})
         if (isAbsolute(*home))
-            return withoutSeparatorBehind(*home);
+            return files::withoutSeparatorBehind(*home);
     return Text(driveRoot);
 }
 
@@ -130,5 +133,7 @@ Text musicFolder(const Environment& environment)
     std::ifstream lines(joined(configHome(environment), "user-dirs.dirs"));
     for (Text line; std::getline(lines, line);)
         folder = musicEntry(line, environment).value_or(folder);
-    return withoutSeparatorBehind(folder);
+    return files::withoutSeparatorBehind(folder);
+}
+
 }

@@ -5,6 +5,9 @@
 #include "platform/text.h"
 #include "platform/text_files.h"
 
+namespace desktop
+{
+
 // What places and services depend on, each as the system gives it; empty for what is not set.
 struct Environment {
     Text executable = {};    // full path of the running program
@@ -40,3 +43,5 @@ Text applicationFolder(const Environment& environment);
 // only an `updates.txt` that the user left as it was follows the installed one. A file that cannot be
 // copied is tried again at the next start.
 void fillApplicationFolder(const Environment& environment, TextFiles& files);
+
+}

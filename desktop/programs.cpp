@@ -13,6 +13,9 @@
 #include <sstream>
 #include <tuple>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -72,10 +75,10 @@ void restoreStack(std::optional<rlim_t> soft)
 Text programAt(const Text& searchPath, const Text& name)
 {
     if (name.find(pathSeparator) != Text::npos)
-        return isFile(name) ? name : Text();
+        return files::isFile(name) ? name : Text();
     std::istringstream folders(searchPath);
     for (Text folder; std::getline(folders, folder, ':');)
-        if (folder.starts_with(pathSeparator) && isExecutable(joined(folder, name)))
+        if (folder.starts_with(pathSeparator) && files::isExecutable(joined(folder, name)))
             return joined(folder, name);
     return {};
 }
@@ -90,16 +93,18 @@ int startDetached(const std::vector<Text>& words, std::optional<rlim_t> stackLim
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)
         return errno;
-    const Descriptor answer(ends[0]);
-    Descriptor report(ends[1]);
+    const files::Descriptor answer(ends[0]);
+    files::Descriptor report(ends[1]);
     const pid_t between = _Fork();
     if (between < 0)
         return errno;
     if (between == 0)
         standBetween(pointers.data(), stackLimit, report.number());
-    report = Descriptor();
+    report = files::Descriptor();
     waitpid(between, nullptr, 0);
     int error = 0; // stays when the program's start closes the other end
     std::ignore = read(answer.number(), &error, sizeof error);
     return error;
+}
+
 }

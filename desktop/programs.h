@@ -9,6 +9,9 @@
 #include <optional>
 #include <vector>
 
+namespace desktop
+{
+
 // The first program of that name in the folders of `searchPath`, as PATH lists them; a name with a separator
 // is a path already. "" when there is none.
 Text programAt(const Text& searchPath, const Text& name);
@@ -17,3 +20,5 @@ Text programAt(const Text& searchPath, const Text& name);
 // with no open files. It is no child of this process, and outlives it. A `stackLimit` is its soft limit of
 // the stack. 0, or the error number of the system.
 int startDetached(const std::vector<Text>& words, std::optional<rlim_t> stackLimit);
+
+}

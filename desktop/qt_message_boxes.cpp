@@ -8,6 +8,9 @@
 #include <QKeyEvent>
 #include <QMessageBox>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -83,4 +86,6 @@ MessageBoxes::Answer QtMessageBoxes::show(const Text& text, const Text& title, I
     box.setText(shown(text).replace("\r\n", "\n"));
     box.setWindowModality(Qt::ApplicationModal);
     return answerOf(box.exec());
+}
+
 }

@@ -3,8 +3,13 @@
 
 #include "platform/message_boxes.h"
 
+namespace desktop
+{
+
 class QtMessageBoxes final : public MessageBoxes
 {
 public:
     Answer show(const Text& text, const Text& title, Icon icon, Buttons buttons) override;
 };
+
+}

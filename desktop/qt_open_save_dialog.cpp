@@ -15,6 +15,9 @@
 #include <QStandardPaths>
 #include <algorithm>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -183,4 +186,6 @@ void QtOpenSaveDialog::GetFileList(Text& folder, std::vector<Text>& names, std::
     for (const auto& path : paths_)
         names.push_back(together ? Text(fileTitle(path)) : path);
     count = static_cast<std::int32_t>(paths_.size());
+}
+
 }

@@ -5,6 +5,9 @@
 
 class QFileDialog;
 
+namespace desktop
+{
+
 class QtOpenSaveDialog final : public OpenSaveDialog
 {
 public:
@@ -34,3 +37,5 @@ private:
     std::int16_t filterIndex_ = 0;
     bool cancelError_ = true;
 };
+
+}

@@ -9,6 +9,9 @@
 #include <QScreen>
 #include <algorithm>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -87,4 +90,6 @@ std::int32_t QtPopupMenu::ShowPopupMenu(std::int32_t x, std::int32_t y, std::int
         place.setY(window->mapToGlobal(pixelPoint(x, top)).y() - height);
     shown_->popup(place);
     return 0;
+}
+
 }

@@ -10,6 +10,9 @@
 class QMenu;
 class Toolkit;
 
+namespace desktop
+{
+
 class QtPopupMenu final : public PopupMenu
 {
 public:
@@ -44,3 +47,5 @@ private:
     std::map<Text, std::vector<Item>> trees_;
     std::unique_ptr<QMenu> shown_;
 };
+
+}

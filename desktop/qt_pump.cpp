@@ -4,6 +4,9 @@
 #include <QCoreApplication>
 #include <unistd.h>
 
+namespace desktop
+{
+
 void QtPump::turn()
 {
     QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
@@ -13,4 +16,6 @@ void QtPump::standStill()
 {
     for (;;)
         pause();
+}
+
 }

@@ -3,9 +3,14 @@
 
 #include "platform/pump.h"
 
+namespace desktop
+{
+
 class QtPump final : public Pump
 {
 public:
     void turn() override;
     [[noreturn]] void standStill() override;
 };
+
+}

@@ -13,6 +13,9 @@
 #include <QWidget>
 #include <thread>
 
+namespace desktop
+{
+
 using namespace std::chrono_literals;
 
 namespace
@@ -119,9 +122,11 @@ bool isAnsweredBy(pid_t first, const Text& busAddress)
     if (busAddress.empty())
         return false;
     const auto end = Clock::now() + patience;
-    Errand<bool> asking([first, busAddress, end] {
+    files::Errand<bool> asking([first, busAddress, end] {
         const auto bus = QDBusConnection::connectToBus(shown(busAddress), connectionName);
         return bus.isConnected() && asks(bus, first, end);
     });
     return asking.result(patience).value_or(false);
+}
+
 }

@@ -12,6 +12,9 @@
 
 class Post;
 
+namespace desktop
+{
+
 // The first one's side.
 class SecondStarts
 {
@@ -30,3 +33,5 @@ private:
 
 // The second one's side. True when the process `first` has answered within the time that a person waits.
 bool isAnsweredBy(pid_t first, const Text& busAddress);
+
+}

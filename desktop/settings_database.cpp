@@ -5,6 +5,9 @@
 
 #include <chrono>
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -118,4 +121,6 @@ SettingsDatabase::Outcome SettingsDatabase::write(const SettingName& name, const
     const int result = sqlite3_step(write_.get());
     sqlite3_reset(write_.get());
     return outcomeOf(result);
+}
+
 }

@@ -10,6 +10,9 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
+namespace desktop
+{
+
 struct SettingName {
     Text application;
     Text section;
@@ -54,3 +57,5 @@ private:
     Statement write_;
     Outcome outcome_;
 };
+
+}

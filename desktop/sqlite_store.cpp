@@ -3,6 +3,9 @@
 
 #include "files/folders.h"
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -17,8 +20,8 @@ SqliteStore::Outcome SqliteStore::open()
         return Outcome::done;
     if (Clock::now() < nextOpen_)
         return Outcome::refused;
-    makeFolders(folderOf(path_));
-    identity_ = identityOf(path_);
+    files::makeFolders(files::folderOf(path_));
+    identity_ = files::identityOf(path_);
     auto opened = std::make_unique<SettingsDatabase>(path_);
     const Outcome outcome = opened->outcome();
     if (outcome == Outcome::done)
@@ -36,7 +39,7 @@ SqliteStore::Outcome SqliteStore::attempt(const Call& call)
         if (outcome != Outcome::damaged)
             return outcome;
         database_.reset();
-        setAside(path_, identity_);
+        files::setAside(path_, identity_);
     }
     return Outcome::damaged;
 }
@@ -96,4 +99,6 @@ void SqliteStore::SaveSetting(const Text& application, const Text& section, cons
         refused_.erase(name);
     else
         refused_[name] = value;
+}
+
 }

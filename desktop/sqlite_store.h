@@ -11,6 +11,9 @@
 #include <map>
 #include <memory>
 
+namespace desktop
+{
+
 // For one thread.
 class SqliteStore final : public KeyValueStore
 {
@@ -37,9 +40,11 @@ private:
     void writeRefused();
 
     Text path_;
-    FileIdentity identity_;
+    files::FileIdentity identity_;
     std::unique_ptr<SettingsDatabase> database_;
     std::map<SettingName, Text> refused_; // holds for this process until the disk takes it
     Clock::time_point nextOpen_{};
     Clock::time_point nextWrite_{};
 };
+
+}

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+namespace desktop
+{
+
 rlimit raiseStackLimit()
 {
     constexpr rlim_t wanted = 256UL << 20;
@@ -12,4 +15,6 @@ rlimit raiseStackLimit()
     raised.rlim_cur = std::max(before.rlim_cur, std::min(wanted, before.rlim_max));
     setrlimit(RLIMIT_STACK, &raised);
     return before;
+}
+
 }

@@ -3,6 +3,9 @@
 
 #include "desktop/programs.h"
 
+namespace desktop
+{
+
 namespace
 {
 
@@ -74,3 +77,5 @@ std::int32_t ToolRegistry::RegQueryValueEx(Key key, const Text& valueName, std::
 }
 
 std::int32_t ToolRegistry::RegCloseKey(Key key) { return key == openKey ? success : invalidHandle; }
+
+}

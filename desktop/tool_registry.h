@@ -4,6 +4,9 @@
 
 #include "platform/registry.h"
 
+namespace desktop
+{
+
 class ToolRegistry final : public Registry
 {
 public:
@@ -19,3 +22,5 @@ private:
     Text searchPath_;
     Text tool_; // as the open key's value gives it
 };
+
+}

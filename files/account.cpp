@@ -8,6 +8,9 @@
 
 #include <array>
 
+namespace files
+{
+
 namespace
 {
 
@@ -27,4 +30,6 @@ Account askDatabase()
 Account accountOfUser()
 {
     return answerWithin<Account>(patienceForLists, "account", askDatabase).value_or(Account{});
+}
+
 }

@@ -4,6 +4,9 @@
 
 #include "platform/text.h"
 
+namespace files
+{
+
 struct Account {
     Text name;
     Text home;
@@ -11,3 +14,5 @@ struct Account {
 
 // Empty where the database, which may be far away, does not answer within 200 ms.
 Account accountOfUser();
+
+}

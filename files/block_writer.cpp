@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <cstring>
 
+namespace files
+{
+
 namespace
 {
 
@@ -158,4 +161,6 @@ void BlockWriter::writeInTurn()
         giveBack(std::move(next.block));
         lock.lock();
     }
+}
+
 }

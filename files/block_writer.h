@@ -16,6 +16,9 @@
 #include <thread>
 #include <vector>
 
+namespace files
+{
+
 class BlockWriter
 {
     using Block = std::unique_ptr<std::byte[], decltype(&std::free)>;
@@ -89,3 +92,5 @@ private:
     bool isEnding_ = false;
     std::thread thread_;
 };
+
+}

@@ -5,6 +5,9 @@
 
 #include <algorithm>
 
+namespace files
+{
+
 namespace
 {
 
@@ -61,4 +64,6 @@ Text StretchOfBytes::read(std::uint64_t at, std::size_t count)
 Text BytesInMemory::read(std::uint64_t at, std::size_t count)
 {
     return bytes_.substr(std::min<std::size_t>(at, bytes_.size()), count);
+}
+
 }

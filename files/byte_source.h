@@ -9,6 +9,9 @@
 #include <cstdint>
 #include <memory>
 
+namespace files
+{
+
 class ByteSource
 {
 public:
@@ -70,3 +73,5 @@ public:
 private:
     Text bytes_;
 };
+
+}

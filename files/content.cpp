@@ -6,6 +6,9 @@
 
 #include <array>
 
+namespace files
+{
+
 Text contentOf(const Text& path)
 {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -19,4 +22,6 @@ Text contentOf(const Descriptor& file)
     for (ssize_t got = 0; (got = read(file.number(), piece.data(), piece.size())) > 0;)
         content.append(piece.data(), static_cast<std::size_t>(got));
     return content;
+}
+
 }

@@ -5,8 +5,13 @@
 #include "files/descriptor.h"
 #include "platform/text.h"
 
+namespace files
+{
+
 // "" for what is not there or cannot be read.
 Text contentOf(const Text& path);
 
 // From where the file stands.
 Text contentOf(const Descriptor& file);
+
+}

@@ -6,6 +6,9 @@
 
 #include <utility>
 
+namespace files
+{
+
 class Descriptor
 {
 public:
@@ -28,3 +31,5 @@ public:
 private:
     int number_;
 };
+
+}

@@ -11,6 +11,9 @@
 #include <tuple>
 #include <utility>
 
+namespace files
+{
+
 namespace
 {
 
@@ -199,4 +202,6 @@ std::unique_ptr<TextOutput> outputInPlace(const Text& path, Descriptor file, Fil
     if (!S_ISREG(status.st_mode))
         return std::make_unique<DeviceOutput>(std::move(file));
     return std::make_unique<FileInPlace>(path, std::move(file), status.st_size, std::move(left));
+}
+
 }

@@ -9,6 +9,9 @@
 
 #include <functional>
 
+namespace files
+{
+
 // Called by `finish` when the file stands, under its revision.
 using FileLeft = std::function<void(std::uint64_t revision, Descriptor file)>;
 
@@ -20,3 +23,5 @@ std::unique_ptr<TextOutput> outputBeside(std::unique_ptr<PartFile> part, Standin
 // For a file in a folder that takes no new ones, and for devices. `file` stands under `path`, open for
 // writing and untouched.
 std::unique_ptr<TextOutput> outputInPlace(const Text& path, Descriptor file, FileLeft left);
+
+}

@@ -4,6 +4,9 @@
 #include "files/profile_text.h"
 #include "platform/failure.h"
 
+namespace files
+{
+
 namespace
 {
 
@@ -58,4 +61,6 @@ bool DiskProfileFile::write(const Text& section, const Text& key, const Text& va
                if (changed != old)
                    replaceContent(files_, file, changed);
            });
+}
+
 }

@@ -5,6 +5,9 @@
 #include "platform/profile_file.h"
 #include "platform/text_files.h"
 
+namespace files
+{
+
 class DiskProfileFile final : public ProfileFile
 {
 public:
@@ -17,3 +20,5 @@ public:
 private:
     TextFiles& files_;
 };
+
+}

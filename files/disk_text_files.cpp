@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <cerrno>
 
+namespace files
+{
+
 namespace
 {
 
@@ -161,4 +164,6 @@ Text DiskTextFiles::readWhole(const Text& path)
     }
     bytes.resize(have);
     return bytes;
+}
+
 }

@@ -9,6 +9,9 @@
 #include <functional>
 #include <map>
 
+namespace files
+{
+
 // For one thread. Outlives the outputs that it opened.
 class DiskTextFiles final : public TextFiles
 {
@@ -36,3 +39,5 @@ private:
     BackupKept earlierContentKept_;
     std::map<Text, LeftFile> left_; // those with a revision
 };
+
+}

@@ -8,6 +8,9 @@
 #include <thread>
 #include <vector>
 
+namespace files
+{
+
 struct ErrandThread::State {
     // False when nobody waits any more.
     bool end()
@@ -91,4 +94,6 @@ bool isUnanswered(const Text& question) { return Unanswered::all().holds(questio
 void keepUnanswered(const Text& question, const ErrandThread& thread)
 {
     Unanswered::all().add(question, thread);
+}
+
 }

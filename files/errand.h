@@ -11,6 +11,9 @@
 #include <optional>
 #include <utility>
 
+namespace files
+{
+
 inline constexpr std::chrono::milliseconds patienceForLists{200};
 inline constexpr std::chrono::milliseconds patienceForFiles{2000};
 
@@ -76,4 +79,6 @@ std::optional<Answer> answerWithin(
     if (!answer)
         keepUnanswered(question, errand.thread());
     return answer;
+}
+
 }

@@ -15,6 +15,9 @@
 #include <cerrno>
 #include <vector>
 
+namespace files
+{
+
 namespace
 {
 
@@ -210,4 +213,6 @@ void failWith(const char* attempt, int systemError)
 {
     const Failure reason = fileFailure(systemError);
     throw Failure{reason.trouble(), Text(attempt) + ": " + reason.description + "."};
+}
+
 }

@@ -11,6 +11,9 @@
 #include <cstdint>
 #include <functional>
 
+namespace files
+{
+
 // A regular file that stands at `path`, which is no symbolic link, and is open for reading.
 struct StandingFile {
     Text path;
@@ -41,3 +44,5 @@ void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes)
 
 // The failure of a system call that set an error number, with what was attempted in front of the reason.
 [[noreturn]] void failWith(const char* attempt, int systemError);
+
+}

@@ -12,6 +12,9 @@
 
 #include <cerrno>
 
+namespace files
+{
+
 namespace
 {
 
@@ -55,4 +58,6 @@ std::optional<Text> fileToOpen(const Text& path)
     if (path.empty())
         return path;
     return answerWithin<Text>(patienceForFiles, "file " + path, [path] { return found(path); });
+}
+
 }

@@ -14,6 +14,9 @@
 #include <cstdint>
 #include <memory>
 
+namespace files
+{
+
 namespace
 {
 
@@ -108,4 +111,6 @@ std::vector<Text> namesIn(const Text& folder)
         if (const Text name = entry->d_name; name != "." && name != "..")
             names.push_back(name);
     return names;
+}
+
 }

@@ -6,6 +6,9 @@
 
 #include <vector>
 
+namespace files
+{
+
 // Makes the folder and those above it, for the user alone. False when it does not exist afterwards.
 bool makeFolders(const Text& folder);
 
@@ -34,3 +37,5 @@ Text randomName();
 
 // The names in a folder but for "." and "..".
 std::vector<Text> namesIn(const Text& folder);
+
+}

@@ -8,6 +8,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace files
+{
+
 std::shared_ptr<const InputFile> InputFile::open(const Text& path)
 {
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
@@ -80,4 +83,6 @@ std::ptrdiff_t FileWindow::read(void* into, std::size_t size, std::int64_t offse
         done += part;
     }
     return static_cast<std::ptrdiff_t>(done);
+}
+
 }

@@ -8,6 +8,9 @@
 #include <cstdint>
 #include <memory>
 
+namespace files
+{
+
 class InputFile
 {
 public:
@@ -55,3 +58,5 @@ private:
     std::int64_t start_ = 0;
     std::ptrdiff_t filled_ = 0;
 };
+
+}

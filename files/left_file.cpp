@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <ctime>
 
+namespace files
+{
+
 namespace
 {
 
@@ -52,4 +55,6 @@ void stampPrecisely(const Descriptor& file)
     timespec times[2] = {{0, UTIME_OMIT}, {}};
     clock_gettime(CLOCK_REALTIME, &times[1]);
     futimens(file.number(), times);
+}
+
 }

@@ -9,6 +9,9 @@
 
 #include <cstdint>
 
+namespace files
+{
+
 class LeftFile
 {
 public:
@@ -27,3 +30,5 @@ private:
 
 // For the writer, before a file is left: gives it a time of change that no later change can have.
 void stampPrecisely(const Descriptor& file);
+
+}

@@ -10,6 +10,9 @@
 #include <algorithm>
 #include <cerrno>
 
+namespace files
+{
+
 namespace
 {
 
@@ -117,4 +120,6 @@ void OutputFile::finish()
     flush();
     takePlace();
     syncFolder(folderOf(target_.path));
+}
+
 }

@@ -11,6 +11,9 @@
 #include <optional>
 #include <span>
 
+namespace files
+{
+
 class OutputFile
 {
 public:
@@ -54,3 +57,5 @@ private:
     PartFile part_;
     std::int64_t bytes_ = 0;
 };
+
+}

@@ -10,6 +10,9 @@
 #include <cstdio>
 #include <utility>
 
+namespace files
+{
+
 namespace
 {
 
@@ -96,4 +99,6 @@ bool PartFile::resembles(const struct stat& status) const
     if (!sameOwner && fchown(file_.number(), status.st_uid, status.st_gid) != 0)
         return false;
     return fchmod(file_.number(), status.st_mode & 07777) == 0;
+}
+
 }

@@ -7,6 +7,9 @@
 
 #include <sys/stat.h>
 
+namespace files
+{
+
 // Without a step between in which another program could make a file under that name; false with EEXIST where
 // something stands there.
 bool renameWithoutReplacing(const Text& from, const Text& to);
@@ -47,3 +50,5 @@ private:
     bool noted_ = false;
     bool stands_ = false; // under its own name
 };
+
+}

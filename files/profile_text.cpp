@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+namespace files
+{
+
 namespace
 {
 
@@ -151,4 +154,6 @@ bool fitsProfile(std::string_view section, std::string_view key, std::string_vie
     const std::string_view name = trimmed(key);
     return isOneLine(section) && isOneLine(key) && isOneLine(value) && section.find(']') == npos &&
            !name.empty() && name.find('=') == npos && !name.starts_with(';') && !name.starts_with('[');
+}
+
 }

@@ -9,6 +9,9 @@
 #include <optional>
 #include <string_view>
 
+namespace files
+{
+
 // The key's value without one pair of quotes; it ends at a NUL. Nothing when the section or the key is
 // missing, or a line holds the key alone.
 std::optional<std::string_view> profileValue(std::string_view text, std::string_view section,
@@ -22,3 +25,5 @@ Text profileWith(std::string_view text, std::string_view section, std::string_vi
 // Whether the names and the value have a place in such a file: what holds a line end or NUL, a section with a
 // bracket, and a key that would be read as something else, have none.
 bool fitsProfile(std::string_view section, std::string_view key, std::string_view value);
+
+}

@@ -9,6 +9,9 @@
 
 #include <cstdio>
 
+namespace files
+{
+
 namespace
 {
 
@@ -35,4 +38,6 @@ void setAside(const Text& path, const FileIdentity& damaged)
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (file && flock(file.number(), LOCK_EX) == 0 && identityOf(path) == damaged)
         renameAll(path);
+}
+
 }

@@ -6,6 +6,9 @@
 
 #include <sys/types.h>
 
+namespace files
+{
+
 struct FileIdentity {
     dev_t device = 0;
     ino_t number = 0;
@@ -18,3 +21,5 @@ FileIdentity identityOf(const Text& path); // zeros for a missing file
 // Renames the file and what belongs to it, ".damaged" behind its name; an earlier one set aside goes. Leaves
 // a file that is not `damaged` in peace: another process has met the same damage, and begun anew already.
 void setAside(const Text& path, const FileIdentity& damaged);
+
+}

@@ -6,6 +6,9 @@
 #include <chrono>
 #include <utility>
 
+namespace files
+{
+
 namespace
 {
 
@@ -50,4 +53,6 @@ bool StandingText::hasSettled() const
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     return fstat(file_.number(), &status) == 0 && sinceEpoch(now) - sinceEpoch(status.st_ctim) > severalTicks;
+}
+
 }

@@ -10,6 +10,9 @@
 
 #include <string_view>
 
+namespace files
+{
+
 class StandingText
 {
 public:
@@ -37,3 +40,5 @@ private:
     off_t compared_ = 0;
     bool same_ = false;
 };
+
+}

@@ -17,6 +17,9 @@
 #include <ranges>
 #include <tuple>
 
+namespace files
+{
+
 namespace
 {
 
@@ -200,4 +203,6 @@ void removeNotedParts(const Text& stateFolder)
         settling->giveUp();
         limit = patienceForLists;
     }
+}
+
 }

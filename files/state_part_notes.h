@@ -8,6 +8,9 @@
 #include <mutex>
 #include <set>
 
+namespace files
+{
+
 class StatePartNotes final : public PartNotes
 {
 public:
@@ -32,3 +35,5 @@ private:
 // that are whole together take their places, the others are removed. Those of a process that still runs stay,
 // and those on a disk that does not answer, until the next start.
 void removeNotedParts(const Text& stateFolder);
+
+}

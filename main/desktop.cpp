@@ -57,41 +57,43 @@ Text searchPath()
 struct Desktop::Parts {
     Parts(char* program, rlim_t stackLimit) : arguments(program), shell(environment, stackLimit)
     {
-        requireDisplay();
+        desktop::requireDisplay();
     }
 
-    LibraryArguments arguments;
-    Environment environment = environmentOfProcess();
-    OnlyCopy onlyCopy{environment};
+    desktop::LibraryArguments arguments;
+    desktop::Environment environment = desktop::environmentOfProcess();
+    desktop::OnlyCopy onlyCopy{environment};
     QApplication application{arguments.count(), arguments.values()};
     Toolkit toolkit{Toolkit::Timers::run};
-    StatePartNotes partNotes{stateFolder(environment)};
-    DiskTextFiles textFiles{partNotes, [this](const Text& backup) {
-                                shell.notify("The list begins empty", "Its last rows are in " + backup + ".");
-                            }};
-    DiskProfileFile profileFile{textFiles};
-    FolderScan directoryScan;
-    SqliteStore store{joined(configFolder(environment), "settings.sqlite")};
-    SoundOutput sound{joined(stateFolder(environment), "levels"), toolkit.activity()};
-    DesktopShell shell;
-    UnopenedFiles unopened{shell};
-    SecondStarts secondStarts{sessionBusAddress(environment), toolkit.post()};
-    DesktopSleepLock sleepLock{systemBusAddress(environment), sessionBusAddress(environment)};
-    Discs discs{{.music = musicFolder(environment), .home = homeFolder(environment)},
-                joined(cacheFolder(environment), "titles")};
-    MountedDrives drives{{.home = homeFolder(environment)}};
-    ToolRegistry registry{searchPath()};
-    QtMessageBoxes messageBoxes;
-    QtPump pump;
+    files::StatePartNotes partNotes{desktop::stateFolder(environment)};
+    files::DiskTextFiles textFiles{partNotes, [this](const Text& backup) {
+                                       shell.notify("The list begins empty",
+                                                    "Its last rows are in " + backup + ".");
+                                   }};
+    files::DiskProfileFile profileFile{textFiles};
+    desktop::FolderScan directoryScan;
+    desktop::SqliteStore store{joined(desktop::configFolder(environment), "settings.sqlite")};
+    audio::SoundOutput sound{joined(desktop::stateFolder(environment), "levels"), toolkit.activity()};
+    desktop::DesktopShell shell;
+    audio::UnopenedFiles unopened{shell};
+    desktop::SecondStarts secondStarts{desktop::sessionBusAddress(environment), toolkit.post()};
+    desktop::DesktopSleepLock sleepLock{desktop::systemBusAddress(environment),
+                                        desktop::sessionBusAddress(environment)};
+    disc::Discs discs{{.music = desktop::musicFolder(environment), .home = desktop::homeFolder(environment)},
+                      joined(desktop::cacheFolder(environment), "titles")};
+    desktop::MountedDrives drives{{.home = desktop::homeFolder(environment)}};
+    desktop::ToolRegistry registry{searchPath()};
+    desktop::QtMessageBoxes messageBoxes;
+    desktop::QtPump pump;
 };
 
 Desktop::Desktop(char* program, const rlimit& stackLimit)
 {
     parts_ = std::make_unique<Parts>(program, stackLimit.rlim_cur);
     parts_->secondStarts.Asked.calls([this] { SecondStart.raise(); });
-    dressApplication();
-    removeNotedParts(stateFolder(parts_->environment));
-    fillApplicationFolder(parts_->environment, parts_->textFiles);
+    desktop::dressApplication();
+    files::removeNotedParts(desktop::stateFolder(parts_->environment));
+    desktop::fillApplicationFolder(parts_->environment, parts_->textFiles);
     parts_->toolkit.unhandled = [this](const Failure& failure) {
         messageBoxes().show("Run-time error '" + textOf(failure.number) + "':\n\n" + failure.description,
                             "Velmora", MessageBoxes::Icon::critical, MessageBoxes::Buttons::ok);
@@ -111,8 +113,8 @@ Toolkit& Desktop::toolkit() { return parts_->toolkit; }
 
 std::unique_ptr<Mp3Play> Desktop::makeMp3Play()
 {
-    return makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell(), parts_->partNotes, parts_->unopened,
-                          applicationFolder() + pathSeparator + "conf.mp3");
+    return audio::makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell(), parts_->partNotes,
+                                 parts_->unopened, applicationFolder() + pathSeparator + "conf.mp3");
 }
 
 std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc()
@@ -134,16 +136,22 @@ std::unique_ptr<CdBase> Desktop::makeCdBase() { return parts_->discs.makeTitles(
 
 std::unique_ptr<MMControl> Desktop::makeMMControl()
 {
-    return makeSndfileControl(parts_->sound, parts_->unopened);
+    return audio::makeSndfileControl(parts_->sound, parts_->unopened);
 }
 
-std::unique_ptr<OpenSaveDialog> Desktop::makeOpenSaveDialog() { return std::make_unique<QtOpenSaveDialog>(); }
+std::unique_ptr<OpenSaveDialog> Desktop::makeOpenSaveDialog()
+{
+    return std::make_unique<desktop::QtOpenSaveDialog>();
+}
 
-std::unique_ptr<PopupMenu> Desktop::makePopupMenu() { return std::make_unique<QtPopupMenu>(parts_->toolkit); }
+std::unique_ptr<PopupMenu> Desktop::makePopupMenu()
+{
+    return std::make_unique<desktop::QtPopupMenu>(parts_->toolkit);
+}
 
 std::unique_ptr<MediaRemote> Desktop::makeMediaRemote()
 {
-    return makeMprisRemote(sessionBusAddress(parts_->environment), parts_->toolkit.post());
+    return desktop::makeMprisRemote(desktop::sessionBusAddress(parts_->environment), parts_->toolkit.post());
 }
 
 KeyValueStore& Desktop::keyValueStore() { return parts_->store; }
@@ -164,12 +172,12 @@ MessageBoxes& Desktop::messageBoxes() { return parts_->messageBoxes; }
 
 Pump& Desktop::pump() { return parts_->pump; }
 
-Text Desktop::applicationFolder() const { return ::applicationFolder(parts_->environment); }
+Text Desktop::applicationFolder() const { return desktop::applicationFolder(parts_->environment); }
 
-Text Desktop::defaultOutputDirectory() const { return musicFolder(parts_->environment); }
+Text Desktop::defaultOutputDirectory() const { return desktop::musicFolder(parts_->environment); }
 
 Text Desktop::decimalSign() const { return std::localeconv()->decimal_point; }
 
-Text Desktop::contactIdentity() const { return contactIdentityOfUser(); }
+Text Desktop::contactIdentity() const { return disc::contactIdentityOfUser(); }
 
 void Desktop::endProgram() { endProcess(0); }

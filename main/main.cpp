@@ -8,10 +8,10 @@
 
 int main(int, char** argv)
 {
-    openStandardStreams();
-    requireThreads();
+    desktop::openStandardStreams();
+    desktop::requireThreads();
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is a failed write, not the end
-    const rlimit stackLimit = raiseStackLimit();
+    const rlimit stackLimit = desktop::raiseStackLimit();
     Desktop desktop(argv[0], stackLimit); // toolkit, sound, discs, store: the real parts
     Program program(desktop);
     desktop.SecondStart.calls([&] { program.raise(); });

@@ -36,8 +36,8 @@ Names namesIn(const Text& folder, Wanted&& wanted)
 
 bool isFolder(const Text& path)
 {
-    const auto look = [path] { return ::isFolder(path); };
-    return answerWithin<bool>(patienceForLists, "folder " + path, look).value_or(false);
+    const auto look = [path] { return files::isFolder(path); };
+    return files::answerWithin<bool>(files::patienceForLists, "folder " + path, look).value_or(false);
 }
 
 std::optional<Names> foldersIn(const Text& folder, const Question& question)
@@ -48,7 +48,8 @@ std::optional<Names> foldersIn(const Text& folder, const Question& question)
             return entry.is_directory(error) && !entry.path().filename().native().starts_with('.');
         });
     };
-    return answerWithin<Names>(patienceForLists, question.who + " folders " + folder, read, question.late);
+    return files::answerWithin<Names>(files::patienceForLists, question.who + " folders " + folder, read,
+                                      question.late);
 }
 
 std::optional<Names> filesIn(const Text& folder, const Text& pattern, const Question& question)
@@ -61,7 +62,8 @@ std::optional<Names> filesIn(const Text& folder, const Text& pattern, const Ques
                    fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0;
         });
     };
-    return answerWithin<Names>(patienceForLists, question.who + " files " + folder, read, question.late);
+    return files::answerWithin<Names>(files::patienceForLists, question.who + " files " + folder, read,
+                                      question.late);
 }
 
 Names pathDownTo(const Text& path)

@@ -6,6 +6,9 @@
 #include <condition_variable>
 #include <mutex>
 
+namespace audio
+{
+
 class Bell
 {
 public:
@@ -37,3 +40,5 @@ private:
     std::condition_variable rang_;
     bool rung_ = false;
 };
+
+}

@@ -6,6 +6,9 @@
 #include <string_view>
 #include <thread>
 
+namespace audio
+{
+
 using namespace std::chrono_literals;
 
 namespace
@@ -133,4 +136,6 @@ Stream::Clock::time_point CubebClient::nextLook() const
     for (const auto& playing : playing_)
         next = std::min(next, playing.stream->nextLook(Stream::Clock::now()));
     return next;
+}
+
 }

@@ -10,6 +10,9 @@
 struct cubeb;
 struct cubeb_stream;
 
+namespace audio
+{
+
 class CubebClient
 {
 public:
@@ -36,3 +39,5 @@ private:
     cubeb* context_ = nullptr;
     std::vector<Playing> playing_;
 };
+
+}

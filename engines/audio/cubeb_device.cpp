@@ -8,6 +8,9 @@
 #include <deque>
 #include <mutex>
 
+namespace audio
+{
+
 using namespace std::chrono_literals;
 
 namespace
@@ -103,3 +106,5 @@ void CubebDevice::ask(std::shared_ptr<Stream> stream, bool open)
 void CubebDevice::open(std::shared_ptr<Stream> stream) { ask(std::move(stream), true); }
 
 void CubebDevice::close(std::shared_ptr<Stream> stream) { ask(std::move(stream), false); }
+
+}

@@ -8,6 +8,9 @@
 #include <memory>
 #include <thread>
 
+namespace audio
+{
+
 class CubebDevice
 {
 public:
@@ -28,3 +31,5 @@ private:
     std::shared_ptr<Control> control_; // outlives this object while the server hangs
     std::thread thread_;
 };
+
+}

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+namespace audio
+{
+
 namespace
 {
 
@@ -41,4 +44,6 @@ std::size_t Feed::read(std::int16_t* samples, std::size_t frames)
         done += part;
     }
     return done;
+}
+
 }

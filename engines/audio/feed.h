@@ -9,6 +9,9 @@
 #include <span>
 #include <vector>
 
+namespace audio
+{
+
 class Feed
 {
 public:
@@ -46,3 +49,5 @@ private:
     std::atomic<std::int64_t> read_{0};
     std::atomic<bool> finished_{false};
 };
+
+}

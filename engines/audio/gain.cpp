@@ -3,6 +3,9 @@
 
 #include <cmath>
 
+namespace audio
+{
+
 namespace
 {
 
@@ -54,4 +57,6 @@ void Gain::apply(std::int16_t* samples, std::size_t frames)
             ++samples;
         }
     }
+}
+
 }

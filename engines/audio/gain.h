@@ -9,6 +9,9 @@
 #include <cstddef>
 #include <memory>
 
+namespace audio
+{
+
 class Gain
 {
 public:
@@ -30,3 +33,5 @@ private:
     Factors now_;
     Factors steps_{};
 };
+
+}

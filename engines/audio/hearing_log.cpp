@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/hearing_log.h"
 
+namespace audio
+{
+
 bool Run::continues(const Run& before) const
 {
     if (kind != before.kind || serial != before.serial)
@@ -38,4 +41,6 @@ std::optional<std::int64_t> HearingLog::end() const
     if (runs_.back().kind != Heard::end)
         return std::nullopt;
     return runs_.back().at;
+}
+
 }

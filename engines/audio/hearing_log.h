@@ -9,6 +9,9 @@
 #include <deque>
 #include <optional>
 
+namespace audio
+{
+
 enum class Heard { nothing, silence, sound, end };
 
 // A run of the stream, from its frame `at` to the next run: the source's frames from `source` on, or silence
@@ -48,3 +51,5 @@ private:
     Run last_;                    // noted; the filling thread's
     std::deque<Run> runs_{Run{}}; // the asking thread's, never empty
 };
+
+}

@@ -5,6 +5,9 @@
 #include <filesystem>
 #include <fstream>
 
+namespace audio
+{
+
 Levels::Pair LevelFile::read() const
 {
     Levels::Pair pair;
@@ -24,4 +27,6 @@ void LevelFile::write(Levels::Pair levels) const
     file.close();
     if (!file || std::rename(part.c_str(), path_.c_str()) != 0)
         std::remove(part.c_str());
+}
+
 }

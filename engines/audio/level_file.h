@@ -6,6 +6,9 @@
 #include "engines/audio/levels.h"
 #include "platform/text.h"
 
+namespace audio
+{
+
 class LevelFile
 {
 public:
@@ -17,3 +20,5 @@ public:
 private:
     Text path_;
 };
+
+}

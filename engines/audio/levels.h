@@ -6,6 +6,9 @@
 #include <atomic>
 #include <cstdint>
 
+namespace audio
+{
+
 class Levels
 {
 public:
@@ -24,3 +27,5 @@ private:
 
     std::atomic<Pair> pair_{Pair{}};
 };
+
+}

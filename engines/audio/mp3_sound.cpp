@@ -6,13 +6,16 @@
 #include <algorithm>
 #include <vector>
 
+namespace audio
+{
+
 namespace
 {
 
 class Mp3Source final : public PcmSource
 {
 public:
-    Mp3Source(const std::shared_ptr<const InputFile>& file, const formats::Mp3Facts& facts) :
+    Mp3Source(const std::shared_ptr<const files::InputFile>& file, const formats::Mp3Facts& facts) :
         facts_(facts), decoder_(file, facts, {.forceStereo = true, .gapless = isEven()})
     {
     }
@@ -77,7 +80,7 @@ Timeline timelineOf(const formats::Mp3Facts& facts)
 }
 
 // In a damaged file the decoder finds more or fewer frames than the headers promise: its count holds.
-void recount(formats::Mp3Facts& facts, const std::shared_ptr<const InputFile>& file)
+void recount(formats::Mp3Facts& facts, const std::shared_ptr<const files::InputFile>& file)
 {
     formats::Mpg123File counter(file, facts, {.forceStereo = true, .gapless = false});
     const std::int64_t samples = counter.isOpen() ? counter.countSamples() : 0;
@@ -89,7 +92,7 @@ void recount(formats::Mp3Facts& facts, const std::shared_ptr<const InputFile>& f
 
 std::optional<OpenedSound> openMp3Sound(const Text& path)
 {
-    const auto file = InputFile::open(path);
+    const auto file = files::InputFile::open(path);
     auto facts = file != nullptr ? formats::probeMp3(file) : std::nullopt;
     if (!facts)
         return std::nullopt;
@@ -99,4 +102,6 @@ std::optional<OpenedSound> openMp3Sound(const Text& path)
     if (!source->isOpen())
         return std::nullopt;
     return OpenedSound{source, timelineOf(*facts), facts->bitsPerSecond, facts->stretches.front().samples};
+}
+
 }

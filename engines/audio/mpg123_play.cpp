@@ -17,6 +17,9 @@
 #include <limits>
 #include <optional>
 
+namespace audio
+{
+
 namespace
 {
 
@@ -129,7 +132,7 @@ std::int16_t Mpg123Play::openDecoding(const Text& path, const Text& output)
 
 bool Mpg123Play::openSound(const Text& path)
 {
-    const auto file = fileToOpen(path);
+    const auto file = files::fileToOpen(path);
     if (file)
         sound_ = openMp3Sound(*file);
     keepTagOf(sound_ ? *file : "");
@@ -244,4 +247,6 @@ std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& 
                                         UnopenedFiles& unopened, const Text& levelsFile)
 {
     return std::make_unique<Mpg123Play>(output, post, shell, notes, unopened, levelsFile);
+}
+
 }

@@ -10,6 +10,10 @@
 class PartNotes;
 class Post;
 class Shell;
+
+namespace audio
+{
+
 class SoundOutput;
 class UnopenedFiles;
 
@@ -17,3 +21,5 @@ class UnopenedFiles;
 // program opens to ask for the levels: no tag is written into it. What is given outlives the engine.
 std::unique_ptr<Mp3Play> makeMpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes& notes,
                                         UnopenedFiles& unopened, const Text& levelsFile = {});
+
+}

@@ -9,6 +9,9 @@
 #include <memory>
 #include <optional>
 
+namespace audio
+{
+
 struct OpenedSound {
     std::shared_ptr<PcmSource> source;
     Timeline timeline;
@@ -19,3 +22,5 @@ struct OpenedSound {
 // Nothing when the file is missing, unreadable, or of another kind. What the file is, its content tells.
 std::optional<OpenedSound> openMp3Sound(const Text& path);
 std::optional<OpenedSound> openWavSound(const Text& path);
+
+}

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+namespace audio
+{
+
 using namespace std::chrono_literals;
 
 namespace
@@ -140,4 +143,6 @@ Outlet::TimePoint Outlet::nextTurn(TimePoint now) const
     if (clock_)
         next = std::min(next, clock_->nextAdvance(now));
     return next;
+}
+
 }

@@ -9,6 +9,9 @@
 #include <memory>
 #include <optional>
 
+namespace audio
+{
+
 class Outlet
 {
 public:
@@ -52,3 +55,5 @@ private:
     std::shared_ptr<Stream> released_;
     TimePoint releasedUntil_;
 };
+
+}

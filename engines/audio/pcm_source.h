@@ -7,6 +7,9 @@
 #include <cstdint>
 #include <span>
 
+namespace audio
+{
+
 class PcmSource
 {
 public:
@@ -20,3 +23,5 @@ public:
 
     virtual void seek(std::int64_t frame) = 0;
 };
+
+}

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+namespace audio
+{
+
 void Playback::enter(State state)
 {
     const bool sounded = state_ == State::playing;
@@ -155,4 +158,6 @@ bool Playback::end(std::uint64_t serial)
     enter(State::idle);
     moveTo(atEnd_ == AtEnd::rewinds ? 0 : frames_);
     return true;
+}
+
 }

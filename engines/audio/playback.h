@@ -10,6 +10,9 @@
 #include <memory>
 #include <mutex>
 
+namespace audio
+{
+
 enum class AtEnd { rewinds, stays }; // where the position is when the last frame was heard
 
 class Playback
@@ -67,3 +70,5 @@ private:
     mutable std::int64_t shown_ = 0;   // the position never goes back but by a move
     mutable bool owesPlaying_ = false; // nobody has been told yet that it plays
 };
+
+}

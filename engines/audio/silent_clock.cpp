@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <array>
 
+namespace audio
+{
+
 using namespace std::chrono_literals;
 
 namespace
@@ -29,4 +32,6 @@ void SilentClock::advance(Stream::Clock::time_point now)
 Stream::Clock::time_point SilentClock::nextAdvance(Stream::Clock::time_point now) const
 {
     return std::min(now + pace, stream_->nextLook(now));
+}
+
 }

@@ -6,6 +6,9 @@
 
 #include <memory>
 
+namespace audio
+{
+
 class SilentClock
 {
 public:
@@ -19,3 +22,5 @@ private:
     Stream::Clock::time_point began_ = Stream::Clock::now();
     std::int64_t taken_ = 0; // frames
 };
+
+}

@@ -10,6 +10,9 @@
 #include <algorithm>
 #include <optional>
 
+namespace audio
+{
+
 namespace
 {
 
@@ -77,7 +80,7 @@ Hearing::State SndfileControl::state() const
 void SndfileControl::open()
 {
     close();
-    const auto file = fileToOpen(path_);
+    const auto file = files::fileToOpen(path_);
     const auto sound = file ? openWavSound(*file) : std::nullopt;
     if (!sound) {
         unopened_.failed(path_, "WAV");
@@ -109,4 +112,6 @@ void SndfileControl::close()
 std::unique_ptr<MMControl> makeSndfileControl(SoundOutput& output, UnopenedFiles& unopened)
 {
     return std::make_unique<SndfileControl>(output, unopened);
+}
+
 }

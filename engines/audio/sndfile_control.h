@@ -6,8 +6,13 @@
 
 #include <memory>
 
+namespace audio
+{
+
 class SoundOutput;
 class UnopenedFiles;
 
 // What is given outlives the engine.
 std::unique_ptr<MMControl> makeSndfileControl(SoundOutput& output, UnopenedFiles& unopened);
+
+}

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/sound_output.h"
 
+namespace audio
+{
+
 SoundOutput::SoundOutput(Text levelFile, Activity& activity) :
     file_(std::move(levelFile)), activity_(activity)
 {
@@ -13,4 +16,6 @@ void SoundOutput::setLevels(Levels::Pair levels)
     levels_->set(levels);
     if (levels_->get() != before)
         file_.write(levels_->get());
+}
+
 }

@@ -10,6 +10,9 @@
 
 #include <memory>
 
+namespace audio
+{
+
 class SoundOutput
 {
 public:
@@ -29,3 +32,5 @@ private:
     std::shared_ptr<Levels> levels_ = std::make_shared<Levels>();
     CubebDevice device_;
 };
+
+}

@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <thread>
 
+namespace audio
+{
+
 using namespace std::chrono_literals;
 
 namespace
@@ -166,4 +169,6 @@ void Stream::fail()
 {
     failed_ = true;
     bell_->ring();
+}
+
 }

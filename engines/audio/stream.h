@@ -14,6 +14,9 @@
 #include <mutex>
 #include <optional>
 
+namespace audio
+{
+
 class Stream
 {
 public:
@@ -87,3 +90,5 @@ private:
     std::int64_t given_ = 0; // the source's frame up to which `owned_`, or the feed before, was given away
     Report report_;
 };
+
+}

@@ -3,6 +3,9 @@
 
 #include <vector>
 
+namespace audio
+{
+
 namespace
 {
 
@@ -71,4 +74,6 @@ OpenedSound playable(OpenedSound sound)
     sound.timeline = Timeline({{sound.timeline.frames() / factor, sound.timeline.rate() / factor}});
     sound.source = std::make_shared<ThinnedSource>(std::move(sound.source), factor);
     return sound;
+}
+
 }

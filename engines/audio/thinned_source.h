@@ -4,5 +4,10 @@
 
 #include "engines/audio/opened_sound.h"
 
+namespace audio
+{
+
 // `sound` as it is, where its rate can be played.
 OpenedSound playable(OpenedSound sound);
+
+}

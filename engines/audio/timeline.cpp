@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <limits>
 
+namespace audio
+{
+
 std::int64_t Timeline::frames() const
 {
     std::int64_t sum = 0;
@@ -46,4 +49,6 @@ std::int64_t Timeline::frameAtMilliseconds(std::int32_t milliseconds) const
 {
     // The first frame that `milliseconds` gives this number for.
     return frameAtEven((static_cast<std::int64_t>(std::max(milliseconds, 0)) * rate() + 999) / 1000);
+}
+
 }

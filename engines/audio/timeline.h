@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <vector>
 
+namespace audio
+{
+
 class Timeline
 {
 public:
@@ -32,3 +35,5 @@ private:
 
     std::vector<Stretch> stretches_;
 };
+
+}

@@ -7,6 +7,9 @@
 
 #include <cerrno>
 
+namespace audio
+{
+
 namespace
 {
 
@@ -40,10 +43,10 @@ const char* wordsFor(int error)
 
 Text reasonFor(const Text& path, const char* kinds)
 {
-    const auto file = fileToOpen(path);
+    const auto file = files::fileToOpen(path);
     if (!file)
         return wordsFor(ETIMEDOUT);
-    if (InputFile::open(*file) == nullptr)
+    if (files::InputFile::open(*file) == nullptr)
         return wordsFor(errno);
     return Text("It is no ") + kinds + " file, or a damaged one.";
 }
@@ -62,4 +65,6 @@ void UnopenedFiles::failed(const Text& path, const char* kinds)
     told_[path] = {reason, now_()};
     if (reason != before)
         shell_.notify("A file cannot be opened", path + ": " + reason);
+}
+
 }

@@ -10,6 +10,9 @@
 
 class Shell;
 
+namespace audio
+{
+
 // Shared by the engines of one program, for its window thread. A file is tried again and again while a run
 // waits for it: it is told of once for each reason, until it opens; why it does not is looked for once a
 // second.
@@ -37,3 +40,5 @@ private:
     std::function<Time()> now_;
     std::map<Text, Told> told_; // by the path
 };
+
+}

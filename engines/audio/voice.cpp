@@ -4,6 +4,9 @@
 #include "engines/audio/sound_output.h"
 #include "engines/audio/voice_worker.h"
 
+namespace audio
+{
+
 Voice::Voice(SoundOutput& output, AtEnd atEnd, std::function<void()> ended) :
     output_(output), ended_(std::move(ended)), playback_(output.activity(), atEnd)
 {
@@ -55,4 +58,6 @@ void Voice::seek(std::int64_t frame)
 {
     playback_.seek(frame);
     wake();
+}
+
 }

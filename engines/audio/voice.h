@@ -9,6 +9,9 @@
 #include <functional>
 #include <memory>
 
+namespace audio
+{
+
 class SoundOutput;
 class VoiceWorker;
 
@@ -38,3 +41,5 @@ private:
     Playback playback_;
     std::unique_ptr<VoiceWorker> worker_;
 };
+
+}

@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+namespace audio
+{
+
 using namespace std::chrono_literals;
 
 namespace
@@ -146,4 +149,6 @@ Outlet::TimePoint VoiceWorker::nextTurn(Playback::State state) const
     if (state == Playback::State::playing)
         return std::min(next, now + refill);
     return outlet_.stream() != nullptr ? std::min(next, now + pauseWatch) : next;
+}
+
 }

@@ -10,6 +10,9 @@
 #include <memory>
 #include <thread>
 
+namespace audio
+{
+
 class VoiceWorker
 {
 public:
@@ -47,3 +50,5 @@ private:
     std::atomic<bool> quitting_{false};
     std::thread thread_;
 };
+
+}

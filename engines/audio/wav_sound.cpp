@@ -8,6 +8,9 @@
 #include <cmath>
 #include <vector>
 
+namespace audio
+{
+
 namespace
 {
 
@@ -23,7 +26,7 @@ std::int16_t toSample(float value)
 class WavPcm final : public PcmSource
 {
 public:
-    explicit WavPcm(const std::shared_ptr<const InputFile>& file) : wav_(file) {}
+    explicit WavPcm(const std::shared_ptr<const files::InputFile>& file) : wav_(file) {}
 
     const formats::WavFile& wav() const { return wav_; }
 
@@ -60,7 +63,7 @@ private:
 
 std::optional<OpenedSound> openWavSound(const Text& path)
 {
-    const auto file = InputFile::open(path);
+    const auto file = files::InputFile::open(path);
     const auto layout = file ? formats::wavLayout(file) : std::nullopt;
     if (!layout)
         return std::nullopt;
@@ -71,4 +74,6 @@ std::optional<OpenedSound> openWavSound(const Text& path)
     if (!wav.isOpen())
         return std::nullopt;
     return OpenedSound{source, Timeline({{wav.frames(), wav.rate()}}), wav.bitsPerSecond(), stepFrames};
+}
+
 }

@@ -16,7 +16,7 @@ struct EncodeJob {
     Mp3Settings settings;
     EncodeClock clock;
     std::int64_t tagBytes; // room for the info tag at the front; 0: the file has none
-    OutputFile& part;
+    files::OutputFile& part;
     Progress& progress; // counts input samples
 
     std::int64_t placeOf(std::int64_t frame) const

@@ -24,7 +24,7 @@ constexpr std::int64_t largestPiece = 4096;
 
 constexpr std::int64_t framesInReport = 128;
 
-void writeHeader(OutputFile& part, const SoundFormat& format, std::int64_t end)
+void writeHeader(files::OutputFile& part, const SoundFormat& format, std::int64_t end)
 {
     const auto header = formats::wavHeader(format.rate, format.channels,
                                            end - static_cast<std::int64_t>(sizeof(formats::WavHeader)));
@@ -84,13 +84,13 @@ private:
     bool failed_ = false;
 };
 
-void decodeFromStart(const formats::SourceFile& file, const formats::Mp3Place& place, OutputFile& part,
+void decodeFromStart(const formats::SourceFile& file, const formats::Mp3Place& place, files::OutputFile& part,
                      Progress& progress, const std::stop_token& stop)
 {
     WholeSound source(file, place);
     FrameDecoder decoder(source, place.isShort ? FrameDecoder::Kind::ShortFile : FrameDecoder::Kind::File);
-    BlockWriter blocks(part, 1);
-    BlockWriter::Run run(blocks, sizeof(formats::WavHeader));
+    files::BlockWriter blocks(part, 1);
+    files::BlockWriter::Run run(blocks, sizeof(formats::WavHeader));
     std::span<const std::int16_t> samples;
     std::int64_t known = 0;
     while (decoder.next(samples)) {
@@ -125,8 +125,8 @@ std::vector<std::int64_t> pieceBorders(std::int64_t frames, unsigned workers)
 class PiecewiseDecoding
 {
 public:
-    PiecewiseDecoding(const formats::SourceFile& file, const formats::FrameTable& table, OutputFile& part,
-                      Progress& progress) :
+    PiecewiseDecoding(const formats::SourceFile& file, const formats::FrameTable& table,
+                      files::OutputFile& part, Progress& progress) :
         file_(file),
         table_(table), part_(part), progress_(progress)
     {
@@ -138,7 +138,7 @@ public:
         const auto end = placeOf(table_.trim.end);
         part_.makeRoom(end);
         const auto borders = pieceBorders(table_.frames(), workers);
-        BlockWriter blocks(part_, workers);
+        files::BlockWriter blocks(part_, workers);
         runTasks(workers, borders.size() - 1, stop, [&](std::size_t piece, const std::stop_token& stopPiece) {
             if (!isSpoilt_ && !decode(borders[piece], borders[piece + 1], blocks, stopPiece))
                 isSpoilt_ = true;
@@ -151,9 +151,10 @@ public:
     }
 
 private:
-    bool decode(std::int64_t begin, std::int64_t end, BlockWriter& blocks, const std::stop_token& stop)
+    bool decode(std::int64_t begin, std::int64_t end, files::BlockWriter& blocks, const std::stop_token& stop)
     {
-        BlockWriter::Run run(blocks, placeOf(std::max(begin * table_.first.samples, table_.trim.begin)));
+        files::BlockWriter::Run run(blocks,
+                                    placeOf(std::max(begin * table_.first.samples, table_.trim.begin)));
         PieceDecoder decoder(file_, table_, begin, end);
         std::span<const std::int16_t> samples;
         std::int64_t known = begin;
@@ -191,7 +192,7 @@ private:
 
     const formats::SourceFile& file_;
     const formats::FrameTable& table_;
-    OutputFile& part_;
+    files::OutputFile& part_;
     Progress& progress_;
     std::atomic<bool> isSpoilt_ = false;
 };
@@ -203,7 +204,7 @@ bool decodeInPieces(const formats::SourceFile& file, const Text& output, unsigne
     const auto table = formats::scanFrames(file);
     if (!table || table->frames() < 2)
         return false;
-    OutputFile part(output, notes);
+    files::OutputFile part(output, notes);
     if (!PiecewiseDecoding(file, *table, part, progress).run(workers, stop))
         return false;
     part.finish();
@@ -215,7 +216,7 @@ bool decodeInPieces(const formats::SourceFile& file, const Text& output, unsigne
 void decodeFile(const Text& input, const Text& output, unsigned workers, const Report& report,
                 const std::stop_token& stop, PartNotes& notes)
 {
-    if (isSameFile(input, output))
+    if (files::isSameFile(input, output))
         throw Failure{Trouble::pathOrFileAccess, "The output would replace its own source."};
     const formats::SourceFile file(input);
     const auto place = formats::findMp3(file.file());
@@ -224,7 +225,7 @@ void decodeFile(const Text& input, const Text& output, unsigned workers, const R
     Progress progress(file.size(), report);
     if (decodeInPieces(file, output, workers, progress, stop, notes))
         return;
-    OutputFile part(output, notes);
+    files::OutputFile part(output, notes);
     decodeFromStart(file, *place, part, progress, stop);
     part.finish();
 }

@@ -14,7 +14,7 @@ namespace
 
 bool isMp3(const Text& path)
 {
-    const auto file = InputFile::open(path);
+    const auto file = files::InputFile::open(path);
     return file && formats::findMp3(file);
 }
 
@@ -67,8 +67,8 @@ DecodeJobs::~DecodeJobs() = default;
 
 std::int16_t DecodeJobs::open(const Text& input, const Text& output)
 {
-    const auto file = fileToOpen(input);
-    const bool isOpen = file && isMp3(*file) && !isSameFile(*file, output);
+    const auto file = files::fileToOpen(input);
+    const bool isOpen = file && isMp3(*file) && !files::isSameFile(*file, output);
     parts_->job = {++parts_->opened, file.value_or(input), output, isOpen};
     return isOpen ? 0 : 1;
 }

@@ -26,7 +26,7 @@ std::int64_t infoTagBytes(LameEncoder& fresh)
 class Encoding
 {
 public:
-    Encoding(const formats::SourceFile& file, const Mp3Settings& settings, OutputFile& part,
+    Encoding(const formats::SourceFile& file, const Mp3Settings& settings, files::OutputFile& part,
              const Report& report) :
         source_(file),
         progress_(std::max<std::int64_t>(1, source_.frames()), report), job_{file, settings, {},
@@ -106,10 +106,10 @@ private:
 void encodeFile(const Text& input, const Text& output, const Mp3Settings& settings, unsigned workers,
                 const Report& report, const std::stop_token& stop, PartNotes& notes)
 {
-    if (isSameFile(input, output))
+    if (files::isSameFile(input, output))
         throw Failure{Trouble::pathOrFileAccess, "The output would replace its own source."};
     const formats::SourceFile file(input);
-    OutputFile part(output, notes);
+    files::OutputFile part(output, notes);
     Encoding(file, settings, part, report).run(workers, stop);
     part.finish();
 }

@@ -29,11 +29,11 @@ public:
 
     std::int16_t Open(const Text& input, const Text& output) override
     {
-        const auto file = fileToOpen(input);
+        const auto file = files::fileToOpen(input);
         input_ = file.value_or(input);
         output_ = output;
         isOpen_ = file && succeeds([&] { formats::WavSource(formats::SourceFile(*file)); }) &&
-                  !isSameFile(*file, output);
+                  !files::isSameFile(*file, output);
         return isOpen_ ? 0 : 1;
     }
 

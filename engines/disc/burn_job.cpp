@@ -14,6 +14,9 @@
 #include <mutex>
 #include <utility>
 
+namespace disc
+{
+
 using namespace burn;
 
 namespace
@@ -191,4 +194,6 @@ std::unique_ptr<WriteRun> makeBurnJob(std::unique_ptr<BurnRecorder> recorder, st
                                       const WriteSettings& settings)
 {
     return std::make_unique<BurnJob>(std::move(recorder), std::move(tracks), settings);
+}
+
 }

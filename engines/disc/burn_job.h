@@ -8,7 +8,12 @@
 #include <memory>
 #include <vector>
 
+namespace disc
+{
+
 // Makes sure that the recorder can write the tracks as the settings say; the job holds it from then on.
 // Fails with the reason.
 std::unique_ptr<WriteRun> makeBurnJob(std::unique_ptr<BurnRecorder> recorder, std::vector<CdSound> tracks,
                                       const WriteSettings& settings);
+
+}

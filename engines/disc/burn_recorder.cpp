@@ -11,6 +11,9 @@
 #include <mutex>
 #include <string_view>
 
+namespace disc
+{
+
 using namespace burn;
 
 namespace
@@ -129,4 +132,6 @@ Text BurnRecorder::complaint(const Text& otherwise)
         if (!words.empty())
             return words;
     return otherwise;
+}
+
 }

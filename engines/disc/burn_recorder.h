@@ -12,6 +12,9 @@ namespace burn
 struct burn_drive;
 }
 
+namespace disc
+{
+
 class BurnRecorder
 {
 public:
@@ -40,3 +43,5 @@ private:
     struct Parts;
     std::unique_ptr<Parts> parts_;
 };
+
+}

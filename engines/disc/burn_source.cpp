@@ -8,6 +8,9 @@
 #include <algorithm>
 #include <cstdlib>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -50,4 +53,6 @@ burn::burn_source* newBurnSource(std::shared_ptr<BurnSource> source)
     made->free_data = &letGo;
     made->data = new Held(std::move(source));
     return made;
+}
+
 }

@@ -13,6 +13,9 @@ namespace burn
 struct burn_source;
 }
 
+namespace disc
+{
+
 class BurnSource
 {
 public:
@@ -34,3 +37,5 @@ private:
 
 // The library's own object over it, with one reference.
 burn::burn_source* newBurnSource(std::shared_ptr<BurnSource> source);
+
+}

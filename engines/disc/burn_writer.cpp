@@ -5,6 +5,9 @@
 #include "files/errand.h"
 #include "platform/failure.h"
 
+namespace disc
+{
+
 namespace
 {
 
@@ -59,7 +62,7 @@ public:
     std::unique_ptr<WriteRun> prepare(std::vector<CdSound> tracks, const WriteSettings& settings) override
     {
         const auto shared = std::make_shared<std::vector<CdSound>>(std::move(tracks));
-        Errand<Prepared> preparing([path = device_.path, shared, settings] {
+        files::Errand<Prepared> preparing([path = device_.path, shared, settings] {
             return preparedRun(path, std::move(*shared), settings);
         });
         auto prepared = preparing.result(patience_);
@@ -73,7 +76,7 @@ public:
 private:
     const OpticalDevice device_;
     const std::chrono::milliseconds patience_;
-    std::optional<Errand<bool>> check_;
+    std::optional<files::Errand<bool>> check_;
 };
 
 }
@@ -90,4 +93,6 @@ std::vector<std::shared_ptr<WriterDrive>> listBurnWriters()
         if (device.records)
             drives.push_back(makeBurnWriter(device, usualPatience));
     return drives;
+}
+
 }

@@ -7,9 +7,14 @@
 
 #include <chrono>
 
+namespace disc
+{
+
 // `patience` is how long a recorder may take to say what disc it has, or to get ready.
 std::shared_ptr<WriterDrive> makeBurnWriter(const OpticalDevice& device, std::chrono::milliseconds patience);
 
 // Those that there are now. Nothing is asked of a recorder before its disc is wanted: one that is in use, or
 // hangs, is listed like any other.
 std::vector<std::shared_ptr<WriterDrive>> listBurnWriters();
+
+}

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/busy_devices.h"
 
+namespace disc
+{
+
 BusyDevices::Claim::~Claim()
 {
     if (!devices_)
@@ -33,4 +36,6 @@ bool BusyDevices::isWriting(const Text& device)
     const std::lock_guard guard(mutex_);
     const auto found = inUse_.find(device);
     return found != inUse_.end() && found->second == Use::writing;
+}
+
 }

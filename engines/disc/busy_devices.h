@@ -11,6 +11,9 @@
 #include <optional>
 #include <stop_token>
 
+namespace disc
+{
+
 class BusyDevices : public std::enable_shared_from_this<BusyDevices>
 {
 public:
@@ -48,3 +51,5 @@ private:
     std::condition_variable_any freed_;
     std::map<Text, Use> inUse_;
 };
+
+}

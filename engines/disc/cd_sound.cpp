@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <bit>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -23,7 +26,10 @@ bool fitsDisc(const formats::WavFile& wav)
 }
 
 struct CdSound::Opened {
-    Opened(Text name, std::shared_ptr<const InputFile> file) : path(std::move(name)), wav(std::move(file)) {}
+    Opened(Text name, std::shared_ptr<const files::InputFile> file) :
+        path(std::move(name)), wav(std::move(file))
+    {
+    }
 
     Text path;
     formats::WavFile wav;
@@ -31,7 +37,7 @@ struct CdSound::Opened {
 
 std::optional<CdSound> CdSound::open(const Text& path)
 {
-    const auto file = InputFile::open(path);
+    const auto file = files::InputFile::open(path);
     if (!file)
         return std::nullopt;
     auto opened = std::make_unique<Opened>(path, file);
@@ -60,4 +66,6 @@ std::size_t CdSound::read(std::span<std::byte> samples)
 {
     auto* const into = reinterpret_cast<std::int16_t*>(samples.data());
     return opened_->wav.read(std::span(into, samples.size() / sizeof(std::int16_t))) * frameBytes;
+}
+
 }

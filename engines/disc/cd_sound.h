@@ -11,6 +11,9 @@
 #include <optional>
 #include <span>
 
+namespace disc
+{
+
 class CdSound
 {
 public:
@@ -40,3 +43,5 @@ private:
 
     std::unique_ptr<Opened> opened_;
 };
+
+}

@@ -5,6 +5,9 @@
 #include <charconv>
 #include <map>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -185,4 +188,6 @@ std::optional<DiscTitles> titlesIn(std::string_view answer)
         return std::nullopt;
     const Text disc = title(values["DTITLE"]);
     return DiscTitles{Text(trimmed(untilFirst(disc, " / "))), trackTitles(values)};
+}
+
 }

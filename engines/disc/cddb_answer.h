@@ -8,6 +8,9 @@
 #include <optional>
 #include <vector>
 
+namespace disc
+{
+
 // An entry of the database.
 struct CddbMatch {
     Text category;
@@ -27,3 +30,5 @@ struct DiscTitles {
 // The titles that an answer to "cddb read" holds. Nothing for what is no such answer, or not the whole of
 // one.
 std::optional<DiscTitles> titlesIn(std::string_view answer);
+
+}

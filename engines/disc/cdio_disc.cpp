@@ -13,6 +13,9 @@
 #include <chrono>
 #include <thread>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -182,4 +185,6 @@ bool CdioDisc::read(std::int32_t sector, std::span<std::byte> samples)
 bool CdioDisc::rescue(std::int32_t sector, std::span<std::byte> samples, const std::stop_token& stop)
 {
     return parts_->openSound() && rescueSector(parts_->sound, sector, samples, stop);
+}
+
 }

@@ -11,6 +11,9 @@
 #include <stop_token>
 #include <vector>
 
+namespace disc
+{
+
 // The drive is open while this lives, beside whoever else has it open.
 class CdioDisc
 {
@@ -48,3 +51,5 @@ private:
     struct Parts;
     std::unique_ptr<Parts> parts_;
 };
+
+}

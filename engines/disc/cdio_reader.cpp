@@ -13,6 +13,9 @@
 #include <system_error>
 #include <utility>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -184,7 +187,7 @@ private:
     const OpticalDevice device_;
     const milliseconds patience_;
     Seen seen_;
-    std::optional<Errand<Seen>> look_;
+    std::optional<files::Errand<Seen>> look_;
 };
 
 }
@@ -200,4 +203,6 @@ std::vector<std::shared_ptr<ReaderDrive>> listCdioReaders()
     for (const OpticalDevice& device : opticalDevices())
         drives.push_back(makeCdioReader(device, usualPatience));
     return drives;
+}
+
 }

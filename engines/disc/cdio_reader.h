@@ -7,9 +7,14 @@
 
 #include <chrono>
 
+namespace disc
+{
+
 // `contents` waits as long as `patience` for a drive that hangs, once; it has no disc then until it answers
 // again.
 std::shared_ptr<ReaderDrive> makeCdioReader(const OpticalDevice& device, std::chrono::milliseconds patience);
 
 // Those that there are now.
 std::vector<std::shared_ptr<ReaderDrive>> listCdioReaders();
+
+}

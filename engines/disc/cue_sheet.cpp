@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <charconv>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -238,4 +241,6 @@ std::optional<CueSheet> cueSheetIn(std::string_view text)
         if (!reader.take(takenTo("\r\n", text)))
             return std::nullopt;
     return std::move(reader).finished();
+}
+
 }

@@ -9,6 +9,9 @@
 #include <optional>
 #include <vector>
 
+namespace disc
+{
+
 // The form is that of the CDRWIN user's guide. Sectors are those of its times, 75 to the second.
 struct CueSheet {
     enum class Kind { binary, motorola, wave }; // raw sectors, the same with samples swapped, a WAV file
@@ -39,3 +42,5 @@ struct CueSheet {
 
 // Nothing for what is no sheet, or one that cannot be followed to its end. Safe with any bytes.
 std::optional<CueSheet> cueSheetIn(std::string_view text);
+
+}

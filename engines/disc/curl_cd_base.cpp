@@ -19,6 +19,9 @@
 #include <system_error>
 #include <thread>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -238,4 +241,6 @@ std::unique_ptr<CdBase> makeCurlCdBase(CddbAccess access)
     return std::make_unique<CurlCdBase>(std::move(access));
 }
 
-Text contactIdentityOfUser() { return accountOfUser().name + '@' + hostName(); }
+Text contactIdentityOfUser() { return files::accountOfUser().name + '@' + hostName(); }
+
+}

@@ -10,6 +10,9 @@
 #include <memory>
 #include <vector>
 
+namespace disc
+{
+
 struct CddbAccess {
     // The CDDB's servers, asked in turn until one answers.
     std::vector<Text> addresses = {"https://gnudb.gnudb.org/~cddb/cddb.cgi",
@@ -33,3 +36,5 @@ std::unique_ptr<CdBase> makeCurlCdBase(CddbAccess access);
 
 // The user in the form of an e-mail address: login and host.
 Text contactIdentityOfUser();
+
+}

@@ -7,6 +7,9 @@
 #include <cstdint>
 #include <vector>
 
+namespace disc
+{
+
 inline constexpr std::int32_t sectorsPerSecond = 75;
 inline constexpr std::int32_t sectorBytes = 2352; // of audio
 inline constexpr std::int32_t sectorFrames = 588; // of 44100 Hz, 16 bits, stereo
@@ -32,3 +35,5 @@ struct DiscContents {
 
     bool operator==(const DiscContents&) const = default;
 };
+
+}

@@ -4,6 +4,9 @@
 #include "files/folders.h"
 #include "platform/paths.h"
 
+namespace disc
+{
+
 namespace
 {
 
@@ -11,7 +14,7 @@ constexpr std::string_view folderName = "Velmora Discs";
 
 }
 
-Text DiscFolders::toWrite() const { return joined(isFolder(music) ? music : home, folderName); }
+Text DiscFolders::toWrite() const { return joined(files::isFolder(music) ? music : home, folderName); }
 
 std::vector<Text> DiscFolders::toRead() const
 {
@@ -20,4 +23,6 @@ std::vector<Text> DiscFolders::toRead() const
         if (!each.empty())
             folders.push_back(joined(each, folderName));
     return folders;
+}
+
 }

@@ -6,6 +6,9 @@
 
 #include <vector>
 
+namespace disc
+{
+
 // The user's folder for music, which need not exist, and home.
 struct DiscFolders {
     Text music;
@@ -14,3 +17,5 @@ struct DiscFolders {
     Text toWrite() const;             // `Velmora Discs`; it need not exist either
     std::vector<Text> toRead() const; // those that a disc may have been written to at any time
 };
+
+}

@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cstdio>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -56,4 +59,6 @@ Text queryCommand(const DiscContents& disc)
     for (const DiscTrack& track : tracks)
         command += ' ' + textOf(track.start + leadInPause);
     return command + ' ' + std::to_string(seconds(disc.leadOut));
+}
+
 }

@@ -13,6 +13,9 @@
 #include <map>
 #include <system_error>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -192,4 +195,6 @@ std::unique_ptr<ACD> makeDiscReader(std::shared_ptr<ReaderTable> drives, std::sh
                                     Post& post, Shell& shell, PartNotes& notes, SleepLock& sleepLock)
 {
     return std::make_unique<DiscReader>(std::move(drives), std::move(devices), post, shell, notes, sleepLock);
+}
+
 }

@@ -6,13 +6,19 @@
 
 #include <memory>
 
-class BusyDevices;
 class PartNotes;
 class Post;
-class ReaderTable;
 class Shell;
 class SleepLock;
+
+namespace disc
+{
+
+class BusyDevices;
+class ReaderTable;
 
 // `devices` is shared with the disc writer. What goes wrong while a track is read is told through `shell`.
 std::unique_ptr<ACD> makeDiscReader(std::shared_ptr<ReaderTable> drives, std::shared_ptr<BusyDevices> devices,
                                     Post& post, Shell& shell, PartNotes& notes, SleepLock& sleepLock);
+
+}

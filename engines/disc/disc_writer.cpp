@@ -10,6 +10,9 @@
 #include <map>
 #include <system_error>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -117,7 +120,7 @@ std::int16_t DiscWriter::WriterType() const
 
 std::int16_t DiscWriter::AddTrack(const Text& path, std::int32_t)
 {
-    const auto file = fileToOpen(path);
+    const auto file = files::fileToOpen(path);
     if (!file || !CdSound::open(*file))
         return refused;
     tracks_.push_back(*file);
@@ -194,4 +197,6 @@ std::unique_ptr<ACDWRITE> makeDiscWriter(ListWriters recorders, std::shared_ptr<
 {
     return std::make_unique<DiscWriter>(std::move(recorders), std::move(imageRecorder), std::move(devices),
                                         post, shell, sleepLock);
+}
+
 }

@@ -7,13 +7,19 @@
 
 #include <memory>
 
-class BusyDevices;
 class Post;
 class Shell;
 class SleepLock;
+
+namespace disc
+{
+
+class BusyDevices;
 
 // The real recorders come first, the one that makes disc images is always there. `devices` is shared with the
 // disc reader. Why a disc could not be written is told through `shell`.
 std::unique_ptr<ACDWRITE> makeDiscWriter(ListWriters recorders, std::shared_ptr<WriterDrive> imageRecorder,
                                          std::shared_ptr<BusyDevices> devices, Post& post, Shell& shell,
                                          SleepLock& sleepLock);
+
+}

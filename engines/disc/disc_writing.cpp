@@ -5,6 +5,9 @@
 
 #include <exception>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -52,4 +55,6 @@ void DiscWriting::report(std::int16_t percent)
         return;
     reported_ = percent;
     events_.progress(percent);
+}
+
 }

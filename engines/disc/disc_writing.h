@@ -12,6 +12,9 @@
 #include <optional>
 #include <thread>
 
+namespace disc
+{
+
 class DiscWriting
 {
 public:
@@ -41,3 +44,5 @@ private:
     std::int16_t reported_ = 0;
     std::jthread writing_; // the last member: it ends first
 };
+
+}

@@ -10,6 +10,9 @@
 #include "engines/disc/image_recorder.h"
 #include "engines/disc/reader_table.h"
 
+namespace disc
+{
+
 Discs::Discs(DiscFolders folders, Text titleFolder) :
     folders_(std::move(folders)), titleFolder_(std::move(titleFolder)),
     devices_(std::make_shared<BusyDevices>()),
@@ -37,4 +40,6 @@ std::unique_ptr<CdBase> Discs::makeTitles() const
     access.firstDrive = [readers = readers_] { return readers->drives().front()->name(); };
     access.disc = [readers = readers_] { return readers->contents(*readers->drives().front()); };
     return makeCurlCdBase(std::move(access));
+}
+
 }

@@ -8,13 +8,17 @@
 
 class ACD;
 class ACDWRITE;
-class BusyDevices;
 class CdBase;
 class PartNotes;
 class Post;
-class ReaderTable;
 class Shell;
 class SleepLock;
+
+namespace disc
+{
+
+class BusyDevices;
+class ReaderTable;
 
 // Its controls share what is known of the drives, and no two of them use one at the same time. Making it, or
 // a control, looks for no drive.
@@ -37,3 +41,5 @@ private:
     std::shared_ptr<BusyDevices> devices_;
     std::shared_ptr<ReaderTable> readers_;
 };
+
+}

@@ -7,6 +7,9 @@
 
 #include <memory>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -116,4 +119,6 @@ std::optional<Text> downloaded(const Text& url, Deadline deadline)
     if (curl().perform(transfer.get()) != CURLE_OK)
         return std::nullopt;
     return page;
+}
+
 }

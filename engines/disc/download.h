@@ -9,6 +9,9 @@
 #include <optional>
 #include <utility>
 
+namespace disc
+{
+
 using Deadline = std::chrono::steady_clock::time_point;
 
 // `address` with the fields behind it, each value escaped.
@@ -18,3 +21,5 @@ Text withFields(const Text& address,
 // The page's bytes. Nothing when it cannot be had whole before `deadline`, name resolution included, or is
 // larger than a page of text ever is. Redirections are followed. For worker threads: it waits.
 std::optional<Text> downloaded(const Text& url, Deadline deadline);
+
+}

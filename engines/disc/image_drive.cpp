@@ -13,6 +13,9 @@
 #include <optional>
 #include <sys/stat.h>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -66,10 +69,10 @@ Text withoutEnding(std::string_view title)
 Text foundIn(const Text& folder, std::string_view name)
 {
     const Text exact = joined(folder, name);
-    if (isFile(exact))
+    if (files::isFile(exact))
         return exact;
-    for (const Text& each : namesIn(folder))
-        if (equalWithoutCase(each, name) && isFile(joined(folder, each)))
+    for (const Text& each : files::namesIn(folder))
+        if (equalWithoutCase(each, name) && files::isFile(joined(folder, each)))
             return joined(folder, each);
     return {};
 }
@@ -103,7 +106,7 @@ Text filePath(const Text& folder, const Text& name)
 {
     const Text turned = withSeparatorsTurned(name);
     for (const Text& each : {name, turned})
-        if (const Text path = joined(folder, each); each.front() != pathSeparator && isFile(path))
+        if (const Text path = joined(folder, each); each.front() != pathSeparator && files::isFile(path))
             return path;
     const Text beside = foundIn(folder, fileTitle(turned));
     return beside.empty() ? joined(folder, name) : beside;
@@ -198,14 +201,14 @@ void ImageDrive::load()
     stamps_ = stamps();
     if (sheet && trouble.empty())
         trouble = lay();
-    if (isFile(path_))
+    if (files::isFile(path_))
         layout_.contents.trouble = trouble;
 }
 
 // The files that the sheet names, or why they are none of this disc.
 Text ImageDrive::find(const CueSheet& sheet)
 {
-    const Text folder = folderOf(path_);
+    const Text folder = files::folderOf(path_);
     Text trouble;
     for (const auto& file : sheet.files) {
         files_.push_back(leadsAway(file.name) ? Text() : filePath(folder, file.name));
@@ -228,7 +231,7 @@ Text ImageDrive::lay()
 // A file that was missing may appear under any of the names that it is looked for by: the folder tells.
 std::vector<Stamp> ImageDrive::stamps() const
 {
-    std::vector<Stamp> all{stampOf(path_), stampOf(folderOf(path_))};
+    std::vector<Stamp> all{stampOf(path_), stampOf(files::folderOf(path_))};
     for (const Text& file : files_)
         all.push_back(stampOf(file));
     return all;
@@ -294,12 +297,12 @@ bool isSheetName(const Text& name)
 // Both folders may be one.
 void addSheets(std::vector<FoundSheet>& sheets, const Text& folder)
 {
-    for (const Text& name : namesIn(folder)) {
+    for (const Text& name : files::namesIn(folder)) {
         const Text path = joined(folder, name);
         const Stamp stamp = stampOf(path);
         const bool isKnown =
             std::ranges::any_of(sheets, [&](const FoundSheet& each) { return each.stamp.isSameFile(stamp); });
-        if (isSheetName(name) && isFile(path) && !isKnown)
+        if (isSheetName(name) && files::isFile(path) && !isKnown)
             sheets.push_back({path, stamp});
     }
 }
@@ -324,4 +327,6 @@ ListReaders imagesIn(DiscFolders folders)
             drives.push_back(makeImageDrive(sheet.path));
         return drives;
     };
+}
+
 }

@@ -9,13 +9,16 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+namespace disc
+{
+
 namespace
 {
 
 class SectorFile final : public ImageFile
 {
 public:
-    SectorFile(Descriptor file, bool swapped) : file_(std::move(file)), swapped_(swapped) {}
+    SectorFile(files::Descriptor file, bool swapped) : file_(std::move(file)), swapped_(swapped) {}
 
     std::int64_t bytes() const override
     {
@@ -47,7 +50,7 @@ private:
         return filled;
     }
 
-    Descriptor file_;
+    files::Descriptor file_;
     bool swapped_;
 };
 
@@ -77,9 +80,11 @@ std::unique_ptr<ImageFile> ImageFile::open(const Text& path, CueSheet::Kind kind
         auto sound = CdSound::open(path);
         return sound ? std::make_unique<WaveFile>(std::move(*sound)) : nullptr;
     }
-    Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    files::Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status;
     if (!file || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode))
         return nullptr;
     return std::make_unique<SectorFile>(std::move(file), kind == CueSheet::Kind::motorola);
+}
+
 }

@@ -8,6 +8,9 @@
 #include <memory>
 #include <span>
 
+namespace disc
+{
+
 class ImageFile
 {
 public:
@@ -22,3 +25,5 @@ public:
     // the end, or where the file cannot be read.
     virtual std::size_t read(std::span<std::byte> into, std::int64_t offset) = 0;
 };
+
+}

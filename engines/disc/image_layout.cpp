@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -138,4 +141,6 @@ void LayoutBuilder::measureTracks()
 std::optional<ImageLayout> layoutOf(const CueSheet& sheet, std::span<const std::int64_t> fileBytes)
 {
     return LayoutBuilder(sheet, fileBytes).build();
+}
+
 }

@@ -9,6 +9,9 @@
 #include <span>
 #include <vector>
 
+namespace disc
+{
+
 // A run of sectors that lie behind each other in one file, or are in none and silent.
 struct SectorExtent {
     std::int32_t start = 0; // on the disc
@@ -33,3 +36,5 @@ struct ImageLayout {
 // is on the disc whole, its last sector also where the file ends within it. `fileBytes` has a length for each
 // file of the sheet, 0 for a missing one. Nothing for more than any disc holds.
 std::optional<ImageLayout> layoutOf(const CueSheet& sheet, std::span<const std::int64_t> fileBytes);
+
+}

@@ -14,6 +14,9 @@
 #include <sys/stat.h>
 #include <system_error>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -96,8 +99,8 @@ private:
     Text folder_;
     PartNotes& notes_;
     std::time_t begun_ = std::time(nullptr);
-    OutputFile sound_;
-    OutputFile sheet_;
+    files::OutputFile sound_;
+    files::OutputFile sheet_;
 };
 
 // Two discs of one second get names of different ones.
@@ -107,12 +110,12 @@ void NewImage::finish(const std::vector<CdSound>& tracks)
     std::time_t time = begun_;
     while (!isFree(time) || !placed(tracks, time))
         ++time;
-    syncFolder(folder_);
+    files::syncFolder(folder_);
 }
 
 bool NewImage::isFree(std::time_t time) const
 {
-    return !isFile(pathOf(".bin", time)) && !isFile(pathOf(".cue", time));
+    return !files::isFile(pathOf(".bin", time)) && !files::isFile(pathOf(".cue", time));
 }
 
 // Both files are whole before one of them has its name: a program that is killed between the two names has
@@ -196,7 +199,7 @@ void ImageRun::writeTrack(CdSound& track, const WriteProgress& progress, const s
 void requireFolder(const Text& folder)
 {
     const int error = mkdir(folder.c_str(), 0777) == 0 ? 0 : errno;
-    if (error != 0 && !isFolder(folder))
+    if (error != 0 && !files::isFolder(folder))
         throw Failure{fileFailure(error).trouble(), "The folder " + folder + " cannot be made: " +
                                                         std::generic_category().message(error) + '.'};
 }
@@ -237,4 +240,6 @@ private:
 std::shared_ptr<WriterDrive> makeImageRecorder(DiscFolders folders, PartNotes& notes)
 {
     return std::make_shared<ImageRecorder>(std::move(folders), notes);
+}
+
 }

@@ -6,6 +6,11 @@
 #include "engines/disc/writer_drive.h"
 #include "platform/part_notes.h"
 
+namespace disc
+{
+
 // Each disc becomes a CUE sheet and one file of raw sectors, both named for the time at which its writing
 // began.
 std::shared_ptr<WriterDrive> makeImageRecorder(DiscFolders folders, PartNotes& notes);
+
+}

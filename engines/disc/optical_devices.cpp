@@ -7,6 +7,9 @@
 
 #include <algorithm>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -47,7 +50,7 @@ bool isPlainName(std::string_view node)
 // What the drive says of itself comes in fields that are filled up with blanks.
 Text field(const Text& node, const Text& name)
 {
-    const Text text = contentOf("/sys/class/block/" + node + "/device/" + name);
+    const Text text = files::contentOf("/sys/class/block/" + node + "/device/" + name);
     const auto begin = text.find_first_not_of(" \n");
     return begin == Text::npos ? "" : text.substr(begin, text.find_last_not_of(" \n") - begin + 1);
 }
@@ -83,8 +86,10 @@ std::vector<ListedDrive> drivesIn(std::string_view cdromInfo)
 std::vector<OpticalDevice> opticalDevices()
 {
     std::vector<OpticalDevice> devices;
-    for (const auto& drive : drivesIn(contentOf("/proc/sys/dev/cdrom/info")))
+    for (const auto& drive : drivesIn(files::contentOf("/proc/sys/dev/cdrom/info")))
         if (const Text path = "/dev/" + drive.node; isThere(path))
             devices.push_back({path, shownName(drive.node), drive.records});
     return devices;
+}
+
 }

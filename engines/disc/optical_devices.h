@@ -7,6 +7,9 @@
 
 #include <vector>
 
+namespace disc
+{
+
 struct OpticalDevice {
     Text path;            // "/dev/sr0"
     Text name;            // "Vendor Model (/dev/sr0)"
@@ -26,3 +29,5 @@ struct ListedDrive {
     bool operator==(const ListedDrive&) const = default;
 };
 std::vector<ListedDrive> drivesIn(std::string_view cdromInfo);
+
+}

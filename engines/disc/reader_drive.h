@@ -11,6 +11,9 @@
 #include <stop_token>
 #include <vector>
 
+namespace disc
+{
+
 // Takes the sound that a drive reads.
 class TrackSink
 {
@@ -47,3 +50,5 @@ public:
 
 // The drives of one kind, as they are now. Touches no disc: a drive may be in use.
 using ListReaders = std::function<std::vector<std::shared_ptr<ReaderDrive>>()>;
+
+}

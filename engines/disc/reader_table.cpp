@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cstdint>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -40,7 +43,8 @@ std::vector<ReaderTable::Drives> ReaderTable::listed()
     std::vector<Drives> all;
     for (auto& [ask, last] : lists_) {
         const Text question = "drives " + std::to_string(reinterpret_cast<std::uintptr_t>(ask.get()));
-        auto now = answerWithin<Drives>(patienceForFiles, question, [ask = ask] { return (*ask)(); });
+        auto now =
+            files::answerWithin<Drives>(files::patienceForFiles, question, [ask = ask] { return (*ask)(); });
         if (now)
             last = *std::move(now);
         all.push_back(last);
@@ -133,4 +137,6 @@ std::optional<ReaderTable::Seen> ReaderTable::seen(const ReaderDrive& drive)
     const std::lock_guard guard(mutex_);
     const auto found = seen_.find(drive.device());
     return found == seen_.end() ? std::nullopt : std::optional(found->second);
+}
+
 }

@@ -12,6 +12,9 @@
 #include <optional>
 #include <vector>
 
+namespace disc
+{
+
 class ReaderTable
 {
 public:
@@ -60,3 +63,5 @@ private:
     std::vector<std::shared_ptr<ReaderDrive>> drives_;
     std::map<Text, Seen> seen_; // by device
 };
+
+}

@@ -15,6 +15,9 @@
 #include <utility>
 #include <vector>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -133,4 +136,6 @@ bool rescueSector(cdrom_drive_s* sound, std::int32_t sector, std::span<std::byte
     sound->nsectors = plainBatch;
     patience = nullptr;
     return came;
+}
+
 }

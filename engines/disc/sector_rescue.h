@@ -10,6 +10,11 @@
 
 struct cdrom_drive_s;
 
+namespace disc
+{
+
 // Fills `samples` with the one sector; false when it did not come. Ends soon after a stop.
 bool rescueSector(cdrom_drive_s* sound, std::int32_t sector, std::span<std::byte> samples,
                   const std::stop_token& stop);
+
+}

@@ -11,6 +11,9 @@
 #include <filesystem>
 #include <fstream>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -29,7 +32,7 @@ bool wrote(const Text& path, const Text& bytes)
 
 std::optional<Text> TitleCache::answer(const DiscContents& disc) const
 {
-    const Text bytes = contentOf(joined(folder_, discId(disc)));
+    const Text bytes = files::contentOf(joined(folder_, discId(disc)));
     const Text first = firstLine(disc);
     if (!bytes.starts_with(first))
         return std::nullopt;
@@ -49,4 +52,6 @@ void TitleCache::keep(const DiscContents& disc, const Text& answer) const
         std::filesystem::rename(part, path, error);
     else
         std::filesystem::remove(part, error);
+}
+
 }

@@ -7,6 +7,9 @@
 
 #include <optional>
 
+namespace disc
+{
+
 class TitleCache
 {
 public:
@@ -21,3 +24,5 @@ public:
 private:
     Text folder_;
 };
+
+}

@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <exception>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -121,4 +124,6 @@ void TrackCopy::tell(const Text& title, const Text& message)
 {
     if (!givenUp_)
         shell_.notify(title, message);
+}
+
 }

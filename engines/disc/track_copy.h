@@ -15,6 +15,9 @@
 #include <memory>
 #include <thread>
 
+namespace disc
+{
+
 class TrackCopy
 {
 public:
@@ -61,3 +64,5 @@ private:
     std::chrono::steady_clock::time_point nextReport_;
     std::thread writing_;
 };
+
+}

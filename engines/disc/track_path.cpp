@@ -8,6 +8,9 @@
 
 #include <cstdio>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -59,10 +62,12 @@ Text beginning(std::string_view name, std::size_t bytes)
 Text fittingTrackPath(const Text& path, std::int16_t track)
 {
     const std::string_view name = fileTitle(path);
-    const std::size_t most = mostBytes(folderOf(path));
+    const std::size_t most = mostBytes(files::folderOf(path));
     const bool fits = name.size() <= most && units(name) <= mostUnits;
     if (fits || !isTitled(name, track))
         return path;
     const auto title = name.substr(0, name.size() - ending.size());
     return path.substr(0, path.size() - name.size()) + beginning(title, most - ending.size()).append(ending);
+}
+
 }

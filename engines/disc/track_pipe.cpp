@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/track_pipe.h"
 
+namespace disc
+{
+
 namespace
 {
 
@@ -47,4 +50,6 @@ TrackPipe::Outcome TrackPipe::outcome()
 {
     const std::lock_guard guard(mutex_);
     return outcome_.value_or(Outcome());
+}
+
 }

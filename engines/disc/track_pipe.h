@@ -10,6 +10,9 @@
 #include <mutex>
 #include <optional>
 
+namespace disc
+{
+
 class TrackPipe final : public TrackSink
 {
 public:
@@ -38,3 +41,5 @@ private:
     std::size_t waitingBytes_ = 0;
     std::optional<Outcome> outcome_;
 };
+
+}

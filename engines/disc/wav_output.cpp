@@ -6,6 +6,9 @@
 
 #include <limits>
 
+namespace disc
+{
+
 namespace
 {
 
@@ -50,4 +53,6 @@ void WavOutput::completeHeader()
     const auto header = headerOf(soundBytes());
     output_.write(std::as_bytes(std::span(header)), 0);
     output_.startFlush();
+}
+
 }

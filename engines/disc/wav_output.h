@@ -4,6 +4,9 @@
 
 #include "files/output_file.h"
 
+namespace disc
+{
+
 class WavOutput
 {
 public:
@@ -23,5 +26,7 @@ public:
 private:
     void completeHeader();
 
-    OutputFile output_;
+    files::OutputFile output_;
 };
+
+}

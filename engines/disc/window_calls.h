@@ -8,6 +8,9 @@
 #include <memory>
 #include <utility>
 
+namespace disc
+{
+
 template <typename Control>
 class WindowCalls
 {
@@ -28,3 +31,5 @@ private:
     Post& post_;
     std::shared_ptr<Control*> control_;
 };
+
+}

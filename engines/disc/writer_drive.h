@@ -11,6 +11,9 @@
 #include <stop_token>
 #include <vector>
 
+namespace disc
+{
+
 struct WriteSettings {
     std::int16_t speed = 1;
     bool closeDisc = false;
@@ -50,3 +53,5 @@ public:
 
 // The recorders of one kind. Waits for a search for them that is under way, 10 s at most.
 using ListWriters = std::function<std::vector<std::shared_ptr<WriterDrive>>()>;
+
+}

@@ -16,7 +16,8 @@ class FrameWalk
 {
 public:
     // The sound of `file` ends at byte `end`.
-    FrameWalk(std::shared_ptr<const InputFile> file, std::int64_t end) : window_(std::move(file)), end_(end)
+    FrameWalk(std::shared_ptr<const files::InputFile> file, std::int64_t end) :
+        window_(std::move(file)), end_(end)
     {
     }
 
@@ -46,7 +47,7 @@ private:
     bool mayBeSound(std::int64_t at, const MpegHeader& header);
     bool repeats(std::int64_t at, std::int64_t before, const MpegHeader& header);
 
-    FileWindow window_;
+    files::FileWindow window_;
     std::int64_t end_;
     int freeFormatBytes_ = 0; // of an unpadded frame; 0: not known yet
 };

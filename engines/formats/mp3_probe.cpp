@@ -28,7 +28,7 @@ constexpr std::string_view containers[] = {
 };
 // clang-format on
 
-bool isForeign(FileWindow& window, std::int64_t at)
+bool isForeign(files::FileWindow& window, std::int64_t at)
 {
     std::array<char, 8> bytes{};
     window.read(bytes.data(), bytes.size(), at);
@@ -38,9 +38,9 @@ bool isForeign(FileWindow& window, std::int64_t at)
 }
 
 // The bytes among which the frames are looked for.
-std::optional<Mp3Place> soundOf(const std::shared_ptr<const InputFile>& file)
+std::optional<Mp3Place> soundOf(const std::shared_ptr<const files::InputFile>& file)
 {
-    FileWindow window(file);
+    files::FileWindow window(file);
     if (const auto wav = wavLayout(file); wav && wav->coding == WavLayout::mpegLayerThree)
         return Mp3Place{endOfLeadingTags(window, wav->begin), 0, wav->end, true, false};
     const std::int64_t start = endOfLeadingTags(window);
@@ -52,7 +52,8 @@ std::optional<Mp3Place> soundOf(const std::shared_ptr<const InputFile>& file)
 class Prober
 {
 public:
-    Prober(const std::shared_ptr<const InputFile>& file, const Mp3Place& place) : walk_(file, place.end)
+    Prober(const std::shared_ptr<const files::InputFile>& file, const Mp3Place& place) :
+        walk_(file, place.end)
     {
         facts_.place = place;
     }
@@ -181,7 +182,7 @@ std::int64_t Mp3Facts::samples() const
     return std::max<std::int64_t>(sum - skipAtStart - skipAtEnd, 0);
 }
 
-std::optional<Mp3Place> findMp3(const std::shared_ptr<const InputFile>& file)
+std::optional<Mp3Place> findMp3(const std::shared_ptr<const files::InputFile>& file)
 {
     auto place = soundOf(file);
     if (!place)
@@ -194,7 +195,7 @@ std::optional<Mp3Place> findMp3(const std::shared_ptr<const InputFile>& file)
     return first ? place : std::nullopt;
 }
 
-std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const InputFile>& file)
+std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const files::InputFile>& file)
 {
     const auto place = findMp3(file);
     return place ? Prober(file, *place).facts() : std::nullopt;

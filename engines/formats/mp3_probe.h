@@ -23,7 +23,7 @@ struct Mp3Place {
 
 // Nothing for a file that is no MP3 file: another container, or one in which no four frames of Layer III
 // follow each other within 64 KB behind the leading tags, nor fewer fill it. Only its two ends are read.
-std::optional<Mp3Place> findMp3(const std::shared_ptr<const InputFile>& file);
+std::optional<Mp3Place> findMp3(const std::shared_ptr<const files::InputFile>& file);
 
 // Frames of one sample rate that follow each other. Most files are one stretch; joined files may be several.
 struct Mp3Stretch {
@@ -50,6 +50,6 @@ struct Mp3Facts {
 
 // Nothing for a file that is no MP3 file. The length comes from an Info frame whose byte count agrees
 // with the file; without one, every frame header is read.
-std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const InputFile>& file);
+std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const files::InputFile>& file);
 
 }

@@ -38,7 +38,7 @@ constexpr std::int64_t lyricsFooterBytes = 15;
 
 // Each of these: how many bytes before `end` the tag takes; 0 when there is none.
 
-std::int64_t id3v1Before(const InputFile& file, std::int64_t end)
+std::int64_t id3v1Before(const files::InputFile& file, std::int64_t end)
 {
     std::array<unsigned char, 3> mark{};
     const bool present = end >= id3v1Bytes && file.read(mark.data(), mark.size(), end - id3v1Bytes) == 3 &&
@@ -46,7 +46,7 @@ std::int64_t id3v1Before(const InputFile& file, std::int64_t end)
     return present ? id3v1Bytes : 0;
 }
 
-std::int64_t apeBefore(const InputFile& file, std::int64_t end)
+std::int64_t apeBefore(const files::InputFile& file, std::int64_t end)
 {
     std::array<unsigned char, apeFooterBytes> footer{};
     if (end < apeFooterBytes ||
@@ -57,7 +57,7 @@ std::int64_t apeBefore(const InputFile& file, std::int64_t end)
     return littleEndian(&footer[12]) + (hasHeader ? apeFooterBytes : 0);
 }
 
-std::int64_t lyricsBefore(const InputFile& file, std::int64_t end)
+std::int64_t lyricsBefore(const files::InputFile& file, std::int64_t end)
 {
     std::array<unsigned char, lyricsFooterBytes> footer{};
     if (end < lyricsFooterBytes ||
@@ -72,14 +72,14 @@ std::int64_t lyricsBefore(const InputFile& file, std::int64_t end)
 
 }
 
-std::int64_t endOfLeadingTags(FileWindow& window, std::int64_t at)
+std::int64_t endOfLeadingTags(files::FileWindow& window, std::int64_t at)
 {
     for (const auto* head = window.view(at, 10); head && id3v2Bytes(head) > 0; head = window.view(at, 10))
         at += id3v2Bytes(head);
     return at;
 }
 
-std::int64_t startOfTrailingTags(const InputFile& file, std::int64_t end)
+std::int64_t startOfTrailingTags(const files::InputFile& file, std::int64_t end)
 {
     for (const auto bytesBefore : {id3v1Before, lyricsBefore, apeBefore, lyricsBefore}) {
         const std::int64_t bytes = bytesBefore(file, end);

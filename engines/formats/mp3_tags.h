@@ -10,9 +10,9 @@ namespace formats
 {
 
 // Of those that stand one behind the other from byte `at` on.
-std::int64_t endOfLeadingTags(FileWindow& window, std::int64_t at = 0);
+std::int64_t endOfLeadingTags(files::FileWindow& window, std::int64_t at = 0);
 
 // Of those that end one before the other at byte `end`.
-std::int64_t startOfTrailingTags(const InputFile& file, std::int64_t end);
+std::int64_t startOfTrailingTags(const files::InputFile& file, std::int64_t end);
 
 }

@@ -35,7 +35,7 @@ void configure(mpg123_handle* handle, Mpg123File::Options options)
 
 // The part of the file between the tags, as the library reads it.
 struct Mpg123File::Reader {
-    FileWindow window;
+    files::FileWindow window;
     std::int64_t begin;
     std::int64_t end;
     std::int64_t at = begin;
@@ -62,8 +62,8 @@ struct Mpg123File::Reader {
     }
 };
 
-Mpg123File::Mpg123File(std::shared_ptr<const InputFile> file, const Mp3Facts& facts, Options options) :
-    reader_(new Reader{FileWindow(std::move(file)), facts.place.begin, facts.place.end})
+Mpg123File::Mpg123File(std::shared_ptr<const files::InputFile> file, const Mp3Facts& facts, Options options) :
+    reader_(new Reader{files::FileWindow(std::move(file)), facts.place.begin, facts.place.end})
 {
     static const int ready = mpg123_init();
     if (ready != MPG123_OK)

@@ -22,7 +22,7 @@ public:
         bool gapless = true;     // leaves out what `Mp3Facts` calls skipped
     };
 
-    Mpg123File(std::shared_ptr<const InputFile> file, const Mp3Facts& facts, Options options);
+    Mpg123File(std::shared_ptr<const files::InputFile> file, const Mp3Facts& facts, Options options);
     ~Mpg123File();
     Mpg123File(const Mpg123File&) = delete;
     Mpg123File& operator=(const Mpg123File&) = delete;

@@ -8,7 +8,7 @@
 namespace formats
 {
 
-SourceFile::SourceFile(const Text& path) : file_(InputFile::open(path))
+SourceFile::SourceFile(const Text& path) : file_(files::InputFile::open(path))
 {
     if (!file_)
         throw fileFailure(errno);

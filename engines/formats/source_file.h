@@ -14,14 +14,14 @@ public:
 
     std::int64_t size() const { return size_; } // bytes, when it was opened
 
-    const std::shared_ptr<const InputFile>& file() const { return file_; }
+    const std::shared_ptr<const files::InputFile>& file() const { return file_; }
 
     // Reads up to `count` bytes at `at`; fewer only at the end of the file. Fails with 57, also when the file
     // has become shorter since it was opened.
     std::size_t read(void* bytes, std::size_t count, std::int64_t at) const;
 
 private:
-    std::shared_ptr<const InputFile> file_;
+    std::shared_ptr<const files::InputFile> file_;
     std::int64_t size_ = 0;
 };
 

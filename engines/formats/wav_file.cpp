@@ -25,14 +25,14 @@ sf_count_t writeNothing(const void*, sf_count_t, void*) { return 0; }
 }
 
 struct WavFile::Parts {
-    explicit Parts(std::shared_ptr<const InputFile> from) :
+    explicit Parts(std::shared_ptr<const files::InputFile> from) :
         layout(wavLayout(from)), size(from->size()), window(std::move(from))
     {
     }
 
     std::optional<WavLayout> layout;
     std::int64_t size; // bytes, when it was opened
-    FileWindow window;
+    files::FileWindow window;
     std::int64_t at = 0; // byte
     bool failed = false;
     SF_INFO info{};
@@ -104,7 +104,8 @@ void WavFile::Parts::passTo(std::int64_t target)
     }
 }
 
-WavFile::WavFile(std::shared_ptr<const InputFile> file) : parts_(std::make_unique<Parts>(std::move(file)))
+WavFile::WavFile(std::shared_ptr<const files::InputFile> file) :
+    parts_(std::make_unique<Parts>(std::move(file)))
 {
     parts_->open();
 }

@@ -18,7 +18,7 @@ namespace formats
 class WavFile
 {
 public:
-    explicit WavFile(std::shared_ptr<const InputFile> file);
+    explicit WavFile(std::shared_ptr<const files::InputFile> file);
     ~WavFile();
     WavFile(const WavFile&) = delete;
     WavFile& operator=(const WavFile&) = delete;

@@ -20,7 +20,9 @@ constexpr std::size_t extensibleBytes = 26;
 class Chunks
 {
 public:
-    explicit Chunks(const std::shared_ptr<const InputFile>& file) : window_(file), size_(file->size()) {}
+    explicit Chunks(const std::shared_ptr<const files::InputFile>& file) : window_(file), size_(file->size())
+    {
+    }
 
     std::optional<WavLayout> layout()
     {
@@ -102,7 +104,7 @@ private:
         return number(longSizeAt_, 8);
     }
 
-    FileWindow window_;
+    files::FileWindow window_;
     std::int64_t size_;
     WavLayout layout_;
     bool isLong_ = false;
@@ -118,7 +120,7 @@ std::uint8_t WavLayout::sizeByte(int place) const
     return static_cast<std::uint8_t>(size >> 8 * (isBigEndian ? sizeBytes - 1 - place : place));
 }
 
-std::optional<WavLayout> wavLayout(const std::shared_ptr<const InputFile>& file)
+std::optional<WavLayout> wavLayout(const std::shared_ptr<const files::InputFile>& file)
 {
     return Chunks(file).layout();
 }

@@ -29,6 +29,6 @@ struct WavLayout {
 };
 
 // Nothing for what is no WAV file, or has no sound.
-std::optional<WavLayout> wavLayout(const std::shared_ptr<const InputFile>& file);
+std::optional<WavLayout> wavLayout(const std::shared_ptr<const files::InputFile>& file);
 
 }

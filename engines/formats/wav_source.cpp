@@ -34,7 +34,7 @@ float limited(float sample)
 }
 
 struct WavSource::Parts {
-    explicit Parts(const std::shared_ptr<const InputFile>& file) : wav(file) {}
+    explicit Parts(const std::shared_ptr<const files::InputFile>& file) : wav(file) {}
 
     WavFile wav;
     StereoMix mix{2};

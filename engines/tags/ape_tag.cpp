@@ -50,7 +50,7 @@ std::uint32_t numberAt(std::string_view bytes, std::size_t at)
     return fromLittleEndian(bytes.substr(at, 4));
 }
 
-std::optional<ApeItem> itemAt(ByteSource& tag, std::uint64_t at, std::uint64_t end)
+std::optional<ApeItem> itemAt(files::ByteSource& tag, std::uint64_t at, std::uint64_t end)
 {
     const Text head = tag.read(at, itemHeadSize + longestKey + 1);
     const auto keyEnd = head.find('\0', std::min(itemHeadSize, head.size()));
@@ -144,7 +144,7 @@ Items itemsWith(ApeTag& tag, const std::vector<FieldChange>& changes)
 
 }
 
-std::optional<ApeTag> apeTagEndingAt(ByteSource& file, std::uint64_t end, std::uint64_t earliest)
+std::optional<ApeTag> apeTagEndingAt(files::ByteSource& file, std::uint64_t end, std::uint64_t earliest)
 {
     const std::uint64_t room = end < earliest ? 0 : end - earliest;
     const Text footer = room < endSize ? "" : file.read(end - endSize, endSize);
@@ -156,7 +156,7 @@ std::optional<ApeTag> apeTagEndingAt(ByteSource& file, std::uint64_t end, std::u
     if (tag.size < tag.itemsBegin + endSize || tag.size > room)
         return {};
     tag.at = end - tag.size;
-    tag.bytes = std::make_unique<StretchOfBytes>(file, tag.at, tag.size);
+    tag.bytes = std::make_unique<files::StretchOfBytes>(file, tag.at, tag.size);
     const bool hasItsHeader = tag.itemsBegin == 0 || isEnd(tag.bytes->read(0, endSize));
     const std::uint32_t count = numberAt(footer, countAt);
     if (!hasItsHeader || count > mostItems || !takeItems(tag, count))

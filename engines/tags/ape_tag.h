@@ -23,14 +23,14 @@ struct ApeItem {
 struct ApeTag {
     std::uint64_t at = 0; // in the file
     std::uint64_t size = 0;
-    std::unique_ptr<ByteSource> bytes;
+    std::unique_ptr<files::ByteSource> bytes;
     std::uint64_t itemsBegin = 0; // after its header, which it may have
     std::vector<ApeItem> items;
 };
 
 // The whole and sound tag that ends at `end` and does not begin before `earliest`; none otherwise.
 // `file` must outlive it.
-std::optional<ApeTag> apeTagEndingAt(ByteSource& file, std::uint64_t end, std::uint64_t earliest);
+std::optional<ApeTag> apeTagEndingAt(files::ByteSource& file, std::uint64_t end, std::uint64_t earliest);
 
 // The first item of each name answers.
 HeldTag readApe(ApeTag& tag);

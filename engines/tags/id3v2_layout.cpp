@@ -65,14 +65,14 @@ bool isId(std::string_view id, int version)
 }
 
 // Whether a next frame, padding or the end is at `at`.
-bool goesOnAt(ByteSource& body, std::uint64_t at)
+bool goesOnAt(files::ByteSource& body, std::uint64_t at)
 {
     const Text next = body.read(at, idSize(4));
     return at == body.size() || isId(next, 4) || (at < body.size() && next.front() == '\0');
 }
 
 // Some programs store plain sizes in ID3v2.4. Where only that leads to a next frame, it is meant.
-std::uint64_t contentSize4(ByteSource& body, std::uint64_t at, std::string_view size)
+std::uint64_t contentSize4(files::ByteSource& body, std::uint64_t at, std::string_view size)
 {
     const std::uint64_t plain = fromBigEndian(size);
     if (!isSyncSafe(size))
@@ -83,7 +83,7 @@ std::uint64_t contentSize4(ByteSource& body, std::uint64_t at, std::string_view 
     return safe;
 }
 
-std::uint64_t contentSize(ByteSource& body, std::uint64_t at, int version, std::string_view header)
+std::uint64_t contentSize(files::ByteSource& body, std::uint64_t at, int version, std::string_view header)
 {
     const std::string_view size = header.substr(idSize(version), version == 2 ? 3 : 4);
     return version == 4 ? contentSize4(body, at, size) : fromBigEndian(size);
@@ -97,7 +97,7 @@ bool isReadable(int version, std::string_view header, std::uint64_t size)
     return (flags & (version == 4 ? 0x4Cu : 0xE0u)) == 0 && size <= longestText;
 }
 
-std::optional<Id3v2Frame> frameAt(ByteSource& body, std::uint64_t at, int version)
+std::optional<Id3v2Frame> frameAt(files::ByteSource& body, std::uint64_t at, int version)
 {
     const Text header = body.read(at, frameHeaderSize(version));
     if (header.size() < frameHeaderSize(version) || !isId(header.substr(0, idSize(version)), version))
@@ -150,12 +150,12 @@ Text resynchronised(std::string_view stored)
     return body;
 }
 
-void takeBody(Id3v2Layout& layout, ByteSource& file)
+void takeBody(Id3v2Layout& layout, files::ByteSource& file)
 {
     const auto& header = layout.header;
     const std::uint64_t at = header.end - (header.hasFooter() ? headerSize : 0) - header.size;
     if (!header.isScrambled()) {
-        layout.body = std::make_unique<StretchOfBytes>(file, at, header.size);
+        layout.body = std::make_unique<files::StretchOfBytes>(file, at, header.size);
         return;
     }
     if (header.size > longestScrambled)
@@ -163,7 +163,7 @@ void takeBody(Id3v2Layout& layout, ByteSource& file)
     const Text stored = file.readAll(at, header.size);
     const Text body = resynchronised(stored);
     layout.isFaithful = unsynchronised(body) == stored;
-    layout.body = std::make_unique<BytesInMemory>(body);
+    layout.body = std::make_unique<files::BytesInMemory>(body);
 }
 
 void takeFrames(Id3v2Layout& layout)
@@ -178,7 +178,7 @@ void takeFrames(Id3v2Layout& layout)
     }
 }
 
-void checkForm(ByteSource& file, const Id3v2Header& header)
+void checkForm(files::ByteSource& file, const Id3v2Header& header)
 {
     if (header.end > file.size())
         refuse("Its ID3v2 tag is longer than the file.");
@@ -200,7 +200,7 @@ bool Id3v2Header::hasExtendedHeader() const
 
 bool Id3v2Header::hasFooter() const { return version == 4 && (value(bytes[5]) & 0x10) != 0; }
 
-std::optional<Id3v2Header> id3v2HeaderAt(ByteSource& file, std::uint64_t at)
+std::optional<Id3v2Header> id3v2HeaderAt(files::ByteSource& file, std::uint64_t at)
 {
     Id3v2Header header{file.read(at, headerSize)};
     const Text& bytes = header.bytes;
@@ -213,7 +213,7 @@ std::optional<Id3v2Header> id3v2HeaderAt(ByteSource& file, std::uint64_t at)
     return header;
 }
 
-std::uint64_t endOfId3v2(ByteSource& file)
+std::uint64_t endOfId3v2(files::ByteSource& file)
 {
     std::uint64_t end = 0;
     for (int tags = 0; tags < mostTags; ++tags) {
@@ -225,7 +225,7 @@ std::uint64_t endOfId3v2(ByteSource& file)
     return end;
 }
 
-Id3v2Layout id3v2Layout(ByteSource& file, const Id3v2Header& header)
+Id3v2Layout id3v2Layout(files::ByteSource& file, const Id3v2Header& header)
 {
     checkForm(file, header);
     Id3v2Layout layout;

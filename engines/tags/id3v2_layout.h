@@ -24,11 +24,11 @@ struct Id3v2Header {
 };
 
 // The header at `at`; none where no tag begins there.
-std::optional<Id3v2Header> id3v2HeaderAt(ByteSource& file, std::uint64_t at);
+std::optional<Id3v2Header> id3v2HeaderAt(files::ByteSource& file, std::uint64_t at);
 
 // Where the ID3v2 tags at the head of the file end; 0 without one, past the end of a file that is cut within
 // one.
-std::uint64_t endOfId3v2(ByteSource& file);
+std::uint64_t endOfId3v2(files::ByteSource& file);
 
 struct Id3v2Frame {
     Text id;                // as ID3v2.3 names it, also in an ID3v2.2 tag
@@ -39,16 +39,16 @@ struct Id3v2Frame {
 
 struct Id3v2Layout {
     Id3v2Header header;
-    std::unique_ptr<ByteSource> body; // as it is without unsynchronisation
-    bool isFaithful = true;           // false: unsynchronising the body would not give the file's bytes
-    std::uint64_t framesBegin = 0;    // after the extended header, where there is one
-    std::uint64_t framesEnd = 0;      // where padding, or what this program cannot read, begins
+    std::unique_ptr<files::ByteSource> body; // as it is without unsynchronisation
+    bool isFaithful = true;        // false: unsynchronising the body would not give the file's bytes
+    std::uint64_t framesBegin = 0; // after the extended header, where there is one
+    std::uint64_t framesEnd = 0;   // where padding, or what this program cannot read, begins
     std::vector<Id3v2Frame> frames;
 };
 
 // The layout of the tag that `header` begins, with its body taken from `file`, which must outlive the result.
 // Fails with words for a person where the tag's form is unknown or damaged.
-Id3v2Layout id3v2Layout(ByteSource& file, const Id3v2Header& header);
+Id3v2Layout id3v2Layout(files::ByteSource& file, const Id3v2Header& header);
 
 // What the frame holds, without its header and without unsynchronisation; the frame is readable.
 Text frameContent(Id3v2Layout& layout, const Id3v2Frame& frame);

@@ -236,7 +236,7 @@ Text newId3v2(const std::vector<FieldChange>& changes)
     Id3v2Layout empty;
     empty.header.version = 3;
     empty.header.bytes = Text("ID3\3\0\0\0\0\0\0", 10);
-    empty.body = std::make_unique<BytesInMemory>("");
+    empty.body = std::make_unique<files::BytesInMemory>("");
     return id3v2With(empty, changes);
 }
 

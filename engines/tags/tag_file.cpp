@@ -24,7 +24,7 @@ namespace
 constexpr std::int16_t noGenre = 255;
 
 // A tag that cannot be read says nothing; the next one then answers.
-Tag readable(ByteSource& file, const Id3v2Header& header)
+Tag readable(files::ByteSource& file, const Id3v2Header& header)
 {
     Tag tag;
     succeeds([&] {
@@ -34,7 +34,7 @@ Tag readable(ByteSource& file, const Id3v2Header& header)
     return tag;
 }
 
-Tag tagOf(ByteSource& file, TagParts& parts)
+Tag tagOf(files::ByteSource& file, TagParts& parts)
 {
     Tag tag;
     if (parts.id3v2)
@@ -71,7 +71,7 @@ Text resolved(const Text& path)
 {
     const std::unique_ptr<char, decltype(&std::free)> target(realpath(path.c_str(), nullptr), std::free);
     if (!target)
-        failWith("The file could not be opened", errno);
+        files::failWith("The file could not be opened", errno);
     return target.get();
 }
 
@@ -82,7 +82,8 @@ struct NewTags {
     Text id3v1;
 };
 
-std::optional<Text> newId3v2For(ByteSource& file, const TagParts& parts, const Tag& wanted, const Tag& shown)
+std::optional<Text> newId3v2For(files::ByteSource& file, const TagParts& parts, const Tag& wanted,
+                                const Tag& shown)
 {
     if (!parts.id3v2)
         return fitsId3v1(wanted) ? std::nullopt : std::optional(newId3v2(changesTo(wanted, {}, shown)));
@@ -99,9 +100,9 @@ std::optional<Text> newApeFor(TagParts& parts, const Tag& wanted, const Tag& sho
     return changes.empty() ? std::nullopt : std::optional(apeWith(*parts.ape, changes));
 }
 
-NewEnds endsFor(const NewTags& tags, const TagParts& parts, std::uint64_t size)
+files::NewEnds endsFor(const NewTags& tags, const TagParts& parts, std::uint64_t size)
 {
-    NewEnds ends;
+    files::NewEnds ends;
     if (tags.id3v2) {
         ends.head = *tags.id3v2;
         ends.begin = parts.id3v2 ? parts.id3v2->end : 0;
@@ -111,7 +112,7 @@ NewEnds endsFor(const NewTags& tags, const TagParts& parts, std::uint64_t size)
     return ends;
 }
 
-bool isMp3(const std::shared_ptr<const InputFile>& file)
+bool isMp3(const std::shared_ptr<const files::InputFile>& file)
 {
     const auto place = formats::findMp3(file);
     return place && !place->isWrapped;
@@ -120,38 +121,38 @@ bool isMp3(const std::shared_ptr<const InputFile>& file)
 // A file whose tags are damaged in some way that was not foreseen stays as it is.
 void requireSaying(const Tag& expected, const Text& path)
 {
-    const auto file = InputFile::open(path);
+    const auto file = files::InputFile::open(path);
     if (!file || !isMp3(file) || readTag(path) != expected)
         throw Failure{Trouble::pathOrFileAccess, "Its tags are damaged and cannot be changed."};
 }
 
 // Where no copy can be made, and no tag is there or needed that readers would prefer, ID3v1 is written in the
 // file itself: it is so short that there is next to no moment for a crash.
-void put(const NewTags& tags, const TagParts& parts, const StandingFile& file, const Tag& expected,
+void put(const NewTags& tags, const TagParts& parts, const files::StandingFile& file, const Tag& expected,
          PartNotes& notes)
 {
-    requireWritable(file);
+    files::requireWritable(file);
     Failure refused;
     const auto ends = endsFor(tags, parts, static_cast<std::uint64_t>(file.status.st_size));
     const auto approve = [&](const Text& copy) { requireSaying(expected, copy); };
     if (guarded([&](const Failure& failure) { refused = failure; },
-                [&] { swapEnds(file, ends, notes, approve); }))
+                [&] { files::swapEnds(file, ends, notes, approve); }))
         return;
     const bool id3v1Alone = !parts.id3v2 && !parts.ape && !tags.id3v2;
     if (!refused.is(Trouble::permissionDenied) || !id3v1Alone)
         throw refused;
-    overwriteEnd(file, parts.audioEnd, tags.id3v1);
+    files::overwriteEnd(file, parts.audioEnd, tags.id3v1);
 }
 
 void write(const Text& path, const Tag& wanted, PartNotes& notes)
 {
     const Text target = resolved(path);
-    const auto file = isFile(target) ? InputFile::open(target) : nullptr;
+    const auto file = files::isFile(target) ? files::InputFile::open(target) : nullptr;
     if (!file)
-        failWith("The file could not be opened", isFile(target) ? errno : EISDIR);
-    StandingFile standing{target, file->descriptor(), {}};
+        files::failWith("The file could not be opened", files::isFile(target) ? errno : EISDIR);
+    files::StandingFile standing{target, file->descriptor(), {}};
     fstat(file->descriptor(), &standing.status);
-    FileBytes bytes(file);
+    files::FileBytes bytes(file);
     TagParts parts = tagPartsOf(bytes);
     const Tag shown = tagOf(bytes, parts);
 
@@ -169,10 +170,10 @@ void write(const Text& path, const Tag& wanted, PartNotes& notes)
 
 Tag readTag(const Text& path)
 {
-    const auto file = InputFile::open(path);
+    const auto file = files::InputFile::open(path);
     if (!file || !isMp3(file))
         return {};
-    FileBytes bytes(file);
+    files::FileBytes bytes(file);
     TagParts parts = tagPartsOf(bytes);
     return tagOf(bytes, parts);
 }

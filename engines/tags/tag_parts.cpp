@@ -6,7 +6,7 @@
 namespace tags
 {
 
-TagParts tagPartsOf(ByteSource& file)
+TagParts tagPartsOf(files::ByteSource& file)
 {
     TagParts parts;
     parts.id3v2 = id3v2HeaderAt(file, 0);

@@ -20,6 +20,6 @@ struct TagParts {
 };
 
 // `file` must outlive the result.
-TagParts tagPartsOf(ByteSource& file);
+TagParts tagPartsOf(files::ByteSource& file);
 
 }

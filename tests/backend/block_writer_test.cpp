@@ -21,8 +21,8 @@
 namespace
 {
 
-constexpr std::int64_t unit = BlockWriter::unitBytes;
-constexpr std::int64_t block = BlockWriter::blockBytes;
+constexpr std::int64_t unit = files::BlockWriter::unitBytes;
+constexpr std::int64_t block = files::BlockWriter::blockBytes;
 
 // No two bytes of a unit's distance are alike, so that a misplaced one shows.
 std::string pattern(std::int64_t count)
@@ -43,9 +43,9 @@ std::span<const std::byte> part(const std::string& bytes, std::int64_t from, std
 }
 
 // In steps of a frame of music.
-void writeRun(BlockWriter& blocks, const std::string& bytes, std::int64_t from, std::int64_t to)
+void writeRun(files::BlockWriter& blocks, const std::string& bytes, std::int64_t from, std::int64_t to)
 {
-    BlockWriter::Run run(blocks, from);
+    files::BlockWriter::Run run(blocks, from);
     for (auto at = from; at < to; at += 4608)
         run.write(part(bytes, at, std::min(to, at + 4608)));
     CHECK(run.finish() == to);
@@ -54,7 +54,7 @@ void writeRun(BlockWriter& blocks, const std::string& bytes, std::int64_t from, 
 // Bytes of the file that the system holds in memory.
 std::int64_t cached(const Text& path, std::int64_t bytes)
 {
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const files::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     const auto page = sysconf(_SC_PAGESIZE);
     std::vector<unsigned char> pages(static_cast<std::size_t>((bytes + page - 1) / page));
     void* map = mmap(nullptr, static_cast<std::size_t>(bytes), PROT_READ, MAP_SHARED, file.number(), 0);
@@ -67,7 +67,7 @@ std::int64_t cached(const Text& path, std::int64_t bytes)
 // Some file systems take writes past the cache, and keep them there all the same.
 bool passesCache(const Text& folder)
 {
-    OutputFile file(folder + "/probe", NoPartNotes::instance());
+    files::OutputFile file(folder + "/probe", NoPartNotes::instance());
     const auto direct = file.openPastCache();
     const std::unique_ptr<void, decltype(&std::free)> memory(std::aligned_alloc(unit, unit), &std::free);
     std::memset(memory.get(), 0, unit);
@@ -106,10 +106,10 @@ TEST_CASE("A run of any length at any place becomes its bytes of the file")
             CAPTURE(begin);
             CAPTURE(length);
             TemporaryFolder folder;
-            OutputFile file(folder / "a.wav", NoPartNotes::instance());
+            files::OutputFile file(folder / "a.wav", NoPartNotes::instance());
             const auto bytes = pattern(begin + length);
             file.write(part(bytes, 0, begin), 0);
-            BlockWriter blocks(file, 1);
+            files::BlockWriter blocks(file, 1);
             writeRun(blocks, bytes, begin, begin + length);
             blocks.finish();
             file.finish();
@@ -120,12 +120,12 @@ TEST_CASE("A run of any length at any place becomes its bytes of the file")
 TEST_CASE("Runs of several threads meet without a gap")
 {
     TemporaryFolder folder;
-    OutputFile file(folder / "a.wav", NoPartNotes::instance());
+    files::OutputFile file(folder / "a.wav", NoPartNotes::instance());
     const auto bytes = pattern(12 * block + 12345);
     const auto size = static_cast<std::int64_t>(bytes.size());
     constexpr int threads = 4;
     {
-        BlockWriter blocks(file, threads);
+        files::BlockWriter blocks(file, threads);
         std::vector<std::jthread> writers;
         for (std::int64_t i = 0; i < threads; ++i)
             writers.emplace_back(
@@ -144,9 +144,9 @@ TEST_CASE("What was written does not fill the file cache")
         skipCase("this file system has no way past the cache");
         return;
     }
-    OutputFile file(folder / "a.wav", NoPartNotes::instance());
+    files::OutputFile file(folder / "a.wav", NoPartNotes::instance());
     const auto bytes = pattern(10 * block);
-    BlockWriter blocks(file, 1);
+    files::BlockWriter blocks(file, 1);
     writeRun(blocks, bytes, 44, 10 * block);
     blocks.finish();
     file.finish();
@@ -156,12 +156,12 @@ TEST_CASE("What was written does not fill the file cache")
 TEST_CASE("Without a way past the file cache everything goes through it")
 {
     TemporaryFolder folder;
-    OutputFile file(folder / "a.wav", NoPartNotes::instance());
+    files::OutputFile file(folder / "a.wav", NoPartNotes::instance());
     const auto bytes = pattern(10 * block + 5);
     {
         std::optional<NoMoreFiles> limit(std::in_place);
         REQUIRE_FALSE(file.openPastCache());
-        BlockWriter blocks(file, 1);
+        files::BlockWriter blocks(file, 1);
         limit.reset();
         writeRun(blocks, bytes, 0, 10 * block + 5);
         blocks.finish();
@@ -174,9 +174,9 @@ TEST_CASE("A full disk is told to whoever writes on or finishes, and a writer ne
 {
     TemporaryFolder folder;
     const SmallDisk disk(folder / "disk", 3 * block / 1024);
-    OutputFile file(folder / "disk/a.wav", NoPartNotes::instance());
+    files::OutputFile file(folder / "disk/a.wav", NoPartNotes::instance());
     const auto bytes = pattern(40 * block);
-    BlockWriter blocks(file, 1);
+    files::BlockWriter blocks(file, 1);
     CHECK(failureOf([&] { writeRun(blocks, bytes, 0, 40 * block); }) == 61);
     CHECK(failureOf([&] { blocks.finish(); }) == 61);
 }
@@ -185,9 +185,9 @@ TEST_CASE("A disk that becomes full with the last block is told by finishing")
 {
     TemporaryFolder folder;
     const SmallDisk disk(folder / "disk", 4 * block / 1024 - 500);
-    OutputFile file(folder / "disk/a.wav", NoPartNotes::instance());
+    files::OutputFile file(folder / "disk/a.wav", NoPartNotes::instance());
     const auto bytes = pattern(4 * block);
-    BlockWriter blocks(file, 1);
+    files::BlockWriter blocks(file, 1);
     writeRun(blocks, bytes, 0, 4 * block);
     CHECK(failureOf([&] { blocks.finish(); }) == 61);
 }
@@ -196,10 +196,10 @@ TEST_CASE("Blocks that nobody finishes are left out")
 {
     TemporaryFolder folder;
     {
-        OutputFile file(folder / "a.wav", NoPartNotes::instance());
+        files::OutputFile file(folder / "a.wav", NoPartNotes::instance());
         const auto bytes = pattern(5 * block);
-        BlockWriter blocks(file, 1);
-        BlockWriter::Run run(blocks, 0);
+        files::BlockWriter blocks(file, 1);
+        files::BlockWriter::Run run(blocks, 0);
         run.write(part(bytes, 0, 5 * block - 1));
     }
     CHECK(namesInFolder(folder.path()).empty());

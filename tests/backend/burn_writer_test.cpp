@@ -24,9 +24,9 @@ constexpr std::uint8_t testUnitReady = 0x00, write10 = 0x2A;
 struct Recording {
     TemporaryFolder folder;
     SimulatedDrive drive;
-    std::shared_ptr<WriterDrive> writer = listBurnWriters().at(0);
-    WriteSettings settings{.speed = 4, .closeDisc = true, .simulate = false, .autoEject = false};
-    std::vector<CdSound> tracks;
+    std::shared_ptr<disc::WriterDrive> writer = disc::listBurnWriters().at(0);
+    disc::WriteSettings settings{.speed = 4, .closeDisc = true, .simulate = false, .autoEject = false};
+    std::vector<disc::CdSound> tracks;
     std::vector<std::int16_t> told;
     std::stop_source stop;
     std::function<void(std::int16_t)> onProgress = [](std::int16_t) {};
@@ -43,7 +43,7 @@ struct Recording {
     {
         const Text path = folder / (std::to_string(tracks.size()) + ".wav");
         putFile(path, wavFile(sound));
-        tracks.push_back(CdSound::open(path).value());
+        tracks.push_back(disc::CdSound::open(path).value());
     }
 
     void write()
@@ -94,7 +94,7 @@ TEST_CASE("Drives that record are writers, others are not, and none is touched f
     SimulatedDrive first(0, "ACME", "CD-RW 4224");
     SimulatedDrive third(2, "OTHER", "Writer");
     second.change([](simulated::Drive& drive) { drive.canWrite = false; });
-    const auto writers = listBurnWriters();
+    const auto writers = disc::listBurnWriters();
     REQUIRE(writers.size() == 2);
     CHECK(writers[0]->name() == "ACME CD-RW 4224 (/dev/sr0)");
     CHECK(writers[0]->device() == "/dev/sr0");
@@ -153,14 +153,14 @@ TEST_CASE("Tracks come onto the disc bit for bit, and back")
     CHECK((r.drive.track(1) == first));
     CHECK((r.drive.track(2) == second));
 
-    struct Kept final : TrackSink {
+    struct Kept final : disc::TrackSink {
         Text sound;
         void take(std::vector<std::byte> samples) override
         {
             sound.append(reinterpret_cast<const char*>(samples.data()), samples.size());
         }
     } kept;
-    const auto reader = listCdioReaders().at(0);
+    const auto reader = disc::listCdioReaders().at(0);
     REQUIRE(reader->contents().tracks.size() == 2);
     CHECK(reader->readTrack(2, kept, {}) == 0);
     CHECK((kept.sound == second));
@@ -277,7 +277,7 @@ TEST_CASE("A disc that is left open takes more tracks, until one closes it")
     CHECK(disc.isClosed);
     CHECK_FALSE(r.writer->hasWritableDisc());
     const Text sounds[] = {first, second, third, fourth};
-    const auto listed = listCdioReaders().at(0)->contents();
+    const auto listed = disc::listCdioReaders().at(0)->contents();
     REQUIRE(listed.tracks.size() == 4);
     for (int i = 0; i < 4; ++i) {
         CAPTURE(i);
@@ -370,7 +370,7 @@ TEST_CASE("A recorder that another program holds is refused, and has no disc")
 {
     Recording r;
     r.add(4);
-    const Descriptor other(open("/dev/sr0", O_RDWR | O_EXCL | O_NONBLOCK));
+    const files::Descriptor other(open("/dev/sr0", O_RDWR | O_EXCL | O_NONBLOCK));
     REQUIRE(other);
     CHECK_FALSE(r.writer->hasWritableDisc());
     CHECK(contains(r.failureOfWriting(), "busy"));
@@ -380,7 +380,7 @@ TEST_CASE("A recorder that somebody merely reads is not refused")
 {
     Recording r;
     r.add(4);
-    const Descriptor other(open("/dev/sr0", O_RDONLY | O_NONBLOCK));
+    const files::Descriptor other(open("/dev/sr0", O_RDONLY | O_NONBLOCK));
     CHECK(r.failureOfWriting() == "");
 }
 
@@ -388,16 +388,16 @@ TEST_CASE("A recorder that is gone is refused")
 {
     TemporaryFolder folder;
     putFile(folder / "a.wav", wavFile(noise(4)));
-    std::shared_ptr<WriterDrive> writer;
+    std::shared_ptr<disc::WriterDrive> writer;
     {
         SimulatedDrive drive;
-        writer = listBurnWriters().at(0);
+        writer = disc::listBurnWriters().at(0);
     }
-    std::vector<CdSound> tracks;
-    tracks.push_back(CdSound::open(folder / "a.wav").value());
+    std::vector<disc::CdSound> tracks;
+    tracks.push_back(disc::CdSound::open(folder / "a.wav").value());
     CHECK_FALSE(writer->hasWritableDisc());
     CHECK_FALSE(succeeds([&] { writer->prepare(std::move(tracks), {}); }));
-    CHECK(listBurnWriters().empty());
+    CHECK(disc::listBurnWriters().empty());
 }
 
 TEST_CASE("A failing write is told in the recorder's words, and the disc is not to be written again")
@@ -425,7 +425,7 @@ TEST_CASE("A failing write to an unfinished disc keeps its earlier tracks")
     r.add(400 * bytesOfSector, 2);
     CHECK(r.failureOfWriting() != "");
     CHECK((r.drive.track(1) == first));
-    CHECK(listCdioReaders().at(0)->contents().tracks.at(0) == DiscTrack{true, 0, 400});
+    CHECK(disc::listCdioReaders().at(0)->contents().tracks.at(0) == disc::DiscTrack{true, 0, 400});
 }
 
 TEST_CASE("A stop breaks the writing off, and the disc is not to be written again")
@@ -462,7 +462,7 @@ TEST_CASE("A run that is given up before it begins lets the recorder go")
     r.writer->prepare(std::move(r.tracks), r.settings).reset();
     CHECK(simulated::isBlank(r.drive.medium()));
     CHECK_FALSE(r.drive.now().isLocked);
-    const Descriptor other(open("/dev/sr0", O_RDWR | O_EXCL | O_NONBLOCK));
+    const files::Descriptor other(open("/dev/sr0", O_RDWR | O_EXCL | O_NONBLOCK));
     CHECK(other);
 }
 
@@ -470,7 +470,7 @@ TEST_CASE("A recorder that hangs holds nobody up for long, and is let go when it
 {
     Recording r;
     r.add(4);
-    const auto writer = makeBurnWriter({"/dev/sr0", "Recorder", true}, std::chrono::milliseconds(100));
+    const auto writer = disc::makeBurnWriter({"/dev/sr0", "Recorder", true}, std::chrono::milliseconds(100));
     r.drive.hangOn(testUnitReady);
     Text reason;
     guarded([&](const Failure& failure) { reason = failure.description; },
@@ -495,12 +495,12 @@ TEST_CASE("Two recorders write at the same time")
     Recording one;
     SimulatedDrive second(1);
     second.insertBlank();
-    const auto other = listBurnWriters().at(1);
+    const auto other = disc::listBurnWriters().at(1);
     const Text sound = one.add(500 * bytesOfSector, 1);
     const Text path = one.folder / "other.wav", otherSound = noise(400 * bytesOfSector, 2);
     putFile(path, wavFile(otherSound));
-    std::vector<CdSound> tracks;
-    tracks.push_back(CdSound::open(path).value());
+    std::vector<disc::CdSound> tracks;
+    tracks.push_back(disc::CdSound::open(path).value());
     const auto run = other->prepare(std::move(tracks), one.settings);
     std::thread writing([&] { run->write([](std::int16_t) {}, {}); });
     CHECK(one.failureOfWriting() == "");

@@ -15,12 +15,12 @@ Text entry(const Text& lines)
 
 Text artistIn(const Text& lines)
 {
-    return titlesIn(entry(lines)).value_or(DiscTitles{"no answer", {}}).artist;
+    return disc::titlesIn(entry(lines)).value_or(disc::DiscTitles{"no answer", {}}).artist;
 }
 
 Text firstTitleIn(const Text& lines)
 {
-    const auto titles = titlesIn(entry("DTITLE=A / B\r\n" + lines));
+    const auto titles = disc::titlesIn(entry("DTITLE=A / B\r\n" + lines));
     return titles && !titles->tracks.empty() ? titles->tracks.front() : "none";
 }
 
@@ -49,7 +49,7 @@ TEST_CASE("The best match of a query comes first")
     };
     for (const auto& c : cases) {
         CAPTURE(c.answer);
-        const auto matches = matchesIn(c.text);
+        const auto matches = disc::matchesIn(c.text);
         REQUIRE(matches);
         REQUIRE(matches->size() == c.count);
         CHECK(matches->front().category == c.category);
@@ -59,7 +59,7 @@ TEST_CASE("The best match of a query comes first")
 
 TEST_CASE("A disc that the server does not know has no match")
 {
-    const auto matches = matchesIn("202 No match for disc ID 920ef00b.\r\n");
+    const auto matches = disc::matchesIn("202 No match for disc ID 920ef00b.\r\n");
     REQUIRE(matches);
     CHECK(matches->empty());
 }
@@ -85,7 +85,7 @@ TEST_CASE("What is no answer to a query is told from a disc without a match")
     };
     for (const char* text : texts) {
         CAPTURE(text);
-        CHECK_FALSE(matchesIn(text));
+        CHECK_FALSE(disc::matchesIn(text));
     }
 }
 
@@ -94,7 +94,7 @@ TEST_CASE("A list that never ends is kept short")
     Text answer = "211 list\r\n";
     for (int i = 0; i < 5000; ++i)
         answer += "rock 920ef00b A / B\r\n";
-    const auto matches = matchesIn(answer + ".\r\n");
+    const auto matches = disc::matchesIn(answer + ".\r\n");
     REQUIRE(matches);
     CHECK(matches->size() == 100);
 }
@@ -155,8 +155,9 @@ TEST_CASE("A track title stays whole and in one line")
 
 TEST_CASE("Titles stand at their tracks' places")
 {
-    const auto titles = titlesIn(entry("DTITLE=A / B\r\nTTITLE0=One\r\nTTITLE2=Three\r\nTTITLE98=Last\r\n"
-                                       "TTITLE99=Past\r\nTTITLE-1=Before\r\nTTITLE01=Odd\r\nEXTT0=No\r\n"));
+    const auto titles =
+        disc::titlesIn(entry("DTITLE=A / B\r\nTTITLE0=One\r\nTTITLE2=Three\r\nTTITLE98=Last\r\n"
+                             "TTITLE99=Past\r\nTTITLE-1=Before\r\nTTITLE01=Odd\r\nEXTT0=No\r\n"));
     REQUIRE(titles);
     REQUIRE(titles->tracks.size() == 99);
     CHECK(titles->tracks[0] == "One");
@@ -178,6 +179,6 @@ TEST_CASE("What is not a whole entry gives no titles")
     };
     for (const char* text : texts) {
         CAPTURE(text);
-        CHECK_FALSE(titlesIn(text));
+        CHECK_FALSE(disc::titlesIn(text));
     }
 }

@@ -20,7 +20,7 @@ using Recorded = SimulatedDrive::Recorded;
 constexpr std::uint8_t readCd = 0xBE, readContents = 0x43, testUnitReady = 0x00;
 constexpr std::int32_t interval = 11400; // sectors between the first session's end and the second's sound
 
-class KeptSound final : public TrackSink
+class KeptSound final : public disc::TrackSink
 {
 public:
     void take(std::vector<std::byte> samples) override
@@ -49,7 +49,7 @@ Text sectorsOfNoise(std::int32_t sectors, std::uint64_t seed = 1)
 // A drive and its reader.
 struct Reading {
     SimulatedDrive drive;
-    std::shared_ptr<ReaderDrive> reader = listCdioReaders().at(0);
+    std::shared_ptr<disc::ReaderDrive> reader = disc::listCdioReaders().at(0);
     KeptSound kept;
     std::stop_source stop;
 
@@ -63,10 +63,10 @@ struct Reading {
     }
 };
 
-Text shown(const DiscContents& contents)
+Text shown(const disc::DiscContents& contents)
 {
     Text all;
-    for (const DiscTrack& track : contents.tracks)
+    for (const disc::DiscTrack& track : contents.tracks)
         all += (track.isAudio ? "sound " : "data ") + std::to_string(track.start) + '+' +
                std::to_string(track.sectors) + ", ";
     return all + "end " + std::to_string(contents.leadOut);
@@ -78,7 +78,7 @@ TEST_CASE("Every drive reads, under its own name and device")
 {
     SimulatedDrive second(1, "MAKER", "DVD-ROM");
     SimulatedDrive first(0, "ACME", "CD-RW 4224");
-    const auto readers = listCdioReaders();
+    const auto readers = disc::listCdioReaders();
     REQUIRE(readers.size() == 2);
     CHECK(readers[0]->name() == "ACME CD-RW 4224 (/dev/sr0)");
     CHECK(readers[0]->device() == "/dev/sr0");
@@ -135,7 +135,7 @@ TEST_CASE("A disc of 99 tracks has 99, and each is read as itself")
     r.drive.insert(tracks);
     const auto contents = r.reader->contents();
     REQUIRE(contents.tracks.size() == 99);
-    CHECK(contents.tracks.back() == DiscTrack{true, 98 * 300, 300});
+    CHECK(contents.tracks.back() == disc::DiscTrack{true, 98 * 300, 300});
     CHECK(contents.leadOut == 99 * 300);
     for (const std::int16_t number : {1, 50, 99}) {
         CAPTURE(number);
@@ -148,16 +148,16 @@ TEST_CASE("A disc of 99 tracks has 99, and each is read as itself")
 TEST_CASE("Without a disc there are no tracks")
 {
     Reading r;
-    CHECK(r.reader->contents() == DiscContents{});
+    CHECK(r.reader->contents() == disc::DiscContents{});
     r.drive.insertBlank();
     CHECK(r.reader->contents().tracks.empty());
     CHECK(r.reader->contents().trouble == "The disc has no tracks that can be read.");
     r.drive.insert({{sectorsOfNoise(300)}});
     CHECK(r.reader->contents().tracks.size() == 1);
     r.drive.openTray();
-    CHECK(r.reader->contents() == DiscContents{});
+    CHECK(r.reader->contents() == disc::DiscContents{});
     r.drive.takeOut();
-    CHECK(r.reader->contents() == DiscContents{});
+    CHECK(r.reader->contents() == disc::DiscContents{});
 }
 
 TEST_CASE("A disc is read anew only when it is another")
@@ -403,7 +403,7 @@ TEST_CASE("A drive that hangs has no disc, and holds nobody up for long")
     for (const auto command : {testUnitReady, readContents, readCd}) {
         CAPTURE(int(command));
         SimulatedDrive drive;
-        const auto reader = makeCdioReader({drive.device(), "Drive"}, std::chrono::milliseconds(100));
+        const auto reader = disc::makeCdioReader({drive.device(), "Drive"}, std::chrono::milliseconds(100));
         drive.insert({{sectorsOfNoise(300)}});
         drive.hangOn(command);
         const auto begin = std::chrono::steady_clock::now();
@@ -423,14 +423,14 @@ TEST_CASE("A drive that is gone has no disc and reads nothing")
 {
     auto drive = std::make_unique<SimulatedDrive>();
     drive->insert({{sectorsOfNoise(300)}});
-    const auto reader = listCdioReaders().at(0);
+    const auto reader = disc::listCdioReaders().at(0);
     CHECK(reader->contents().tracks.size() == 1);
     drive.reset();
     KeptSound kept;
     CHECK(succeeds([&] { reader->readTrack(1, kept, {}); }) == false);
     CHECK(reader->contents().tracks.empty());
     CHECK(reader->contents().trouble.starts_with("The drive cannot be opened"));
-    CHECK(listCdioReaders().empty());
+    CHECK(disc::listCdioReaders().empty());
 }
 
 TEST_CASE("Two drives are read at the same time")
@@ -440,7 +440,7 @@ TEST_CASE("Two drives are read at the same time")
     first.insert({{one}});
     second.insert({{other}});
     second.damage(350);
-    const auto readers = listCdioReaders();
+    const auto readers = disc::listCdioReaders();
     KeptSound keptOne, keptOther;
     std::int32_t lost = 0;
     readers[0]->contents();
@@ -458,9 +458,9 @@ TEST_CASE("A drive that another program writes with is listed all the same")
 {
     SimulatedDrive drive;
     drive.insert({{sectorsOfNoise(300)}});
-    const Descriptor exclusive(open("/dev/sr0", O_RDWR | O_EXCL | O_NONBLOCK));
+    const files::Descriptor exclusive(open("/dev/sr0", O_RDWR | O_EXCL | O_NONBLOCK));
     REQUIRE(exclusive);
-    CHECK(listCdioReaders().size() == 1);
+    CHECK(disc::listCdioReaders().size() == 1);
 }
 
 TEST_CASE("A listing opens its drive once, and so does a look for another disc")
@@ -468,9 +468,10 @@ TEST_CASE("A listing opens its drive once, and so does a look for another disc")
     SimulatedDrive drive;
     drive.insert({{sectorsOfNoise(300, 1)}, {sectorsOfNoise(310, 2)}, {sectorsOfNoise(320, 3)}});
     DiscDesk desk;
-    const auto table = std::make_shared<ReaderTable>(std::vector<ListReaders>{listCdioReaders}, desk.devices);
+    const auto table = std::make_shared<disc::ReaderTable>(
+        std::vector<disc::ListReaders>{disc::listCdioReaders}, desk.devices);
     const auto reader =
-        makeDiscReader(table, desk.devices, desk.window, desk.shell, desk.parts, desk.sleepLock);
+        disc::makeDiscReader(table, desk.devices, desk.window, desk.shell, desk.parts, desk.sleepLock);
     reader->DriveCount();
     for (int listing = 0; listing < 2; ++listing) {
         const auto before = drive.now().opened;

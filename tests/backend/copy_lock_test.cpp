@@ -23,9 +23,9 @@ namespace fs = std::filesystem;
 struct Places {
     TemporaryFolder folder;
     Text runtime = folder / "run";
-    Environment first = copyIn("first", "alice");
+    desktop::Environment first = copyIn("first", "alice");
 
-    Environment copyIn(const Text& program, const Text& user)
+    desktop::Environment copyIn(const Text& program, const Text& user)
     {
         fs::create_directories(folder / program);
         fs::create_directories(runtime);
@@ -34,11 +34,11 @@ struct Places {
 };
 
 // Who is in the way of another process that starts there: "nobody", "first" or something wrong.
-Text inTheWayOf(const Environment& environment)
+Text inTheWayOf(const desktop::Environment& environment)
 {
     const pid_t first = getpid();
     return answerOfChild([&]() -> Text {
-        const pid_t holder = CopyLock(environment).holder();
+        const pid_t holder = desktop::CopyLock(environment).holder();
         return holder == 0 ? "nobody" : holder == first ? "first" : std::to_string(holder);
     });
 }
@@ -48,7 +48,7 @@ Text inTheWayOf(const Environment& environment)
 TEST_CASE("The second copy on one store and in one folder finds the first by its number")
 {
     Places places;
-    const CopyLock lock(places.first);
+    const desktop::CopyLock lock(places.first);
     CHECK(lock.holder() == 0);
     CHECK(inTheWayOf(places.first) == "first");
 }
@@ -56,11 +56,11 @@ TEST_CASE("The second copy on one store and in one folder finds the first by its
 TEST_CASE("Copies are in each other's way where they share the store or the folder, and nowhere else")
 {
     Places places;
-    const CopyLock lock(places.first);
+    const desktop::CopyLock lock(places.first);
     CHECK(inTheWayOf(places.copyIn("second", "alice")) == "first");
     CHECK(inTheWayOf(places.copyIn("first", "bob")) == "first");
     CHECK(inTheWayOf(places.copyIn("second", "bob")) == "nobody");
-    Environment elsewhere = places.copyIn("second", "alice");
+    desktop::Environment elsewhere = places.copyIn("second", "alice");
     elsewhere.configHome = places.folder / "config";
     CHECK(inTheWayOf(elsewhere) == "nobody");
 }
@@ -68,7 +68,7 @@ TEST_CASE("Copies are in each other's way where they share the store or the fold
 TEST_CASE("A folder under another name is the same folder")
 {
     Places places;
-    const CopyLock lock(places.first);
+    const desktop::CopyLock lock(places.first);
     fs::create_directory_symlink(places.folder / "first", places.folder / "link");
     CHECK(inTheWayOf(places.copyIn("link", "bob")) == "first");
 }
@@ -79,7 +79,7 @@ TEST_CASE("The lock ends with its process, however that ends, and a new one take
     int ends[2];
     REQUIRE(pipe(ends) == 0);
     Child holder([&] {
-        const CopyLock lock(places.first);
+        const desktop::CopyLock lock(places.first);
         endUnless(lock.holder() == 0 && write(ends[1], "x", 1) == 1, 1);
         pause();
     });
@@ -87,9 +87,9 @@ TEST_CASE("The lock ends with its process, however that ends, and a new one take
     REQUIRE(read(ends[0], &told, 1) == 1);
     close(ends[0]);
     close(ends[1]);
-    CHECK(CopyLock(places.first).holder() == holder.id());
+    CHECK(desktop::CopyLock(places.first).holder() == holder.id());
     holder.kill();
-    CHECK(CopyLock(places.first).holder() == 0);
+    CHECK(desktop::CopyLock(places.first).holder() == 0);
 }
 
 TEST_CASE("A program that was started holds no lock of the one that started it")
@@ -98,8 +98,8 @@ TEST_CASE("A program that was started holds no lock of the one that started it")
     const Text pipe = places.folder / "pipe";
     REQUIRE(mkfifo(pipe.c_str(), 0600) == 0);
     {
-        const CopyLock lock(places.first);
-        REQUIRE(startDetached({"/bin/sh", "-c", "read line < " + pipe}, std::nullopt) == 0);
+        const desktop::CopyLock lock(places.first);
+        REQUIRE(desktop::startDetached({"/bin/sh", "-c", "read line < " + pipe}, std::nullopt) == 0);
     }
     CHECK(inTheWayOf(places.first) == "nobody");
     std::ofstream(pipe) << "end\n";
@@ -111,9 +111,9 @@ TEST_CASE("Without a runtime folder that can be used the lock lies in the state 
     for (const Text& runtime : {Text(), Text("relative"), places.folder / "none"}) {
         CAPTURE(runtime);
         places.first.runtimeFolder = runtime;
-        const CopyLock lock(places.first);
+        const desktop::CopyLock lock(places.first);
         CHECK(lock.holder() == 0);
-        CHECK(namesInFolder(stateFolder(places.first)).size() == 2);
+        CHECK(namesInFolder(desktop::stateFolder(places.first)).size() == 2);
         CHECK(inTheWayOf(places.first) == "first");
     }
 }
@@ -124,5 +124,5 @@ TEST_CASE("Where no lock can be kept nobody is in the way")
     putFile(places.folder / "no folder", "");
     places.first.runtimeFolder.clear();
     places.first.stateHome = places.folder / "no folder";
-    CHECK(CopyLock(places.first).holder() == 0);
+    CHECK(desktop::CopyLock(places.first).holder() == 0);
 }

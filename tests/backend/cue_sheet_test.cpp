@@ -38,11 +38,11 @@ TEST_CASE("A sheet is read whatever the writing system makes of it")
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);
-        const auto sheet = cueSheetIn(c.sheet);
+        const auto sheet = disc::cueSheetIn(c.sheet);
         REQUIRE(sheet.has_value());
         REQUIRE(sheet->files.size() == 1);
         CHECK(sheet->files[0].name == "a.bin");
-        CHECK(sheet->files[0].kind == CueSheet::Kind::binary);
+        CHECK(sheet->files[0].kind == disc::CueSheet::Kind::binary);
         REQUIRE(sheet->tracks.size() == 1);
         CHECK(sheet->tracks[0].isAudio);
         CHECK(sheet->tracks[0].indexes.size() == 1);
@@ -54,22 +54,22 @@ TEST_CASE("A file's name and kind are told apart")
     const struct {
         const char* line;
         const char* name;
-        CueSheet::Kind kind;
+        disc::CueSheet::Kind kind;
     } cases[] = {
-        {"FILE \"a b.bin\" BINARY", "a b.bin", CueSheet::Kind::binary},
-        {"FILE a b.bin BINARY", "a b.bin", CueSheet::Kind::binary},
-        {"FILE \"a.img\" MOTOROLA", "a.img", CueSheet::Kind::motorola},
-        {"FILE \"01 - a.wav\" WAVE", "01 - a.wav", CueSheet::Kind::wave},
-        {"FILE \"say \"ah\".wav\" WAVE", "say \"ah\".wav", CueSheet::Kind::wave},
-        {"FILE \"a.bin\"BINARY", "a.bin", CueSheet::Kind::binary},
-        {"FILE \"BINARY\" BINARY", "BINARY", CueSheet::Kind::binary},
-        {"FILE \"C:\\discs\\a.bin\" BINARY", "C:\\discs\\a.bin", CueSheet::Kind::binary},
-        {"FILE \"\xFF\xC3 \xE4.bin\" BINARY", "\xFF\xC3 \xE4.bin", CueSheet::Kind::binary},
-        {"FILE \" a.bin\" BINARY", " a.bin", CueSheet::Kind::binary},
+        {"FILE \"a b.bin\" BINARY", "a b.bin", disc::CueSheet::Kind::binary},
+        {"FILE a b.bin BINARY", "a b.bin", disc::CueSheet::Kind::binary},
+        {"FILE \"a.img\" MOTOROLA", "a.img", disc::CueSheet::Kind::motorola},
+        {"FILE \"01 - a.wav\" WAVE", "01 - a.wav", disc::CueSheet::Kind::wave},
+        {"FILE \"say \"ah\".wav\" WAVE", "say \"ah\".wav", disc::CueSheet::Kind::wave},
+        {"FILE \"a.bin\"BINARY", "a.bin", disc::CueSheet::Kind::binary},
+        {"FILE \"BINARY\" BINARY", "BINARY", disc::CueSheet::Kind::binary},
+        {"FILE \"C:\\discs\\a.bin\" BINARY", "C:\\discs\\a.bin", disc::CueSheet::Kind::binary},
+        {"FILE \"\xFF\xC3 \xE4.bin\" BINARY", "\xFF\xC3 \xE4.bin", disc::CueSheet::Kind::binary},
+        {"FILE \" a.bin\" BINARY", " a.bin", disc::CueSheet::Kind::binary},
     };
     for (const auto& c : cases) {
         CAPTURE(c.line);
-        const auto sheet = cueSheetIn(withFileLine(c.line));
+        const auto sheet = disc::cueSheetIn(withFileLine(c.line));
         REQUIRE(sheet.has_value());
         CHECK(sheet->files[0].name == c.name);
         CHECK(sheet->files[0].kind == c.kind);
@@ -90,7 +90,8 @@ TEST_CASE("Each kind of track has its sectors")
     };
     for (const auto& c : cases) {
         CAPTURE(c.mode);
-        const auto sheet = cueSheetIn("FILE a BINARY\nTRACK 01 " + Text(c.mode) + "\nINDEX 01 00:00:00\n");
+        const auto sheet =
+            disc::cueSheetIn("FILE a BINARY\nTRACK 01 " + Text(c.mode) + "\nINDEX 01 00:00:00\n");
         REQUIRE(sheet.has_value());
         CHECK(sheet->tracks[0].isAudio == c.isAudio);
         CHECK(sheet->tracks[0].bytesOfSector == c.bytes);
@@ -108,7 +109,7 @@ TEST_CASE("Times count minutes, seconds and 75ths")
     };
     for (const auto& c : cases) {
         CAPTURE(c.time);
-        const auto sheet = cueSheetIn(withIndex(c.time));
+        const auto sheet = disc::cueSheetIn(withIndex(c.time));
         REQUIRE(sheet.has_value());
         CHECK(sheet->tracks[0].indexes[0].sector == c.sector);
     }
@@ -116,9 +117,10 @@ TEST_CASE("Times count minutes, seconds and 75ths")
 
 TEST_CASE("Gaps and indexes are kept with their tracks and files")
 {
-    const auto sheet = cueSheetIn("FILE \"1.wav\" WAVE\nTRACK 01 AUDIO\nPREGAP 00:02:00\nINDEX 01 00:00:00\n"
-                                  "INDEX 02 00:10:00\nPOSTGAP 00:00:10\nTRACK 02 AUDIO\nINDEX 00 03:00:00\n"
-                                  "FILE \"2.wav\" WAVE\nINDEX 01 00:00:00\n");
+    const auto sheet =
+        disc::cueSheetIn("FILE \"1.wav\" WAVE\nTRACK 01 AUDIO\nPREGAP 00:02:00\nINDEX 01 00:00:00\n"
+                         "INDEX 02 00:10:00\nPOSTGAP 00:00:10\nTRACK 02 AUDIO\nINDEX 00 03:00:00\n"
+                         "FILE \"2.wav\" WAVE\nINDEX 01 00:00:00\n");
     REQUIRE(sheet.has_value());
     REQUIRE(sheet->tracks.size() == 2);
     const auto& first = sheet->tracks[0];
@@ -184,7 +186,7 @@ TEST_CASE("A sheet that cannot be followed is none")
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);
-        CHECK_FALSE(cueSheetIn(c.sheet).has_value());
+        CHECK_FALSE(disc::cueSheetIn(c.sheet).has_value());
     }
 }
 
@@ -194,12 +196,12 @@ TEST_CASE("99 tracks are read, and no more files than any disc needs")
     for (int i = 1; i <= 99; ++i)
         sheet += "FILE \"" + std::to_string(i) + "\" WAVE\nTRACK " + std::to_string(i) +
                  " AUDIO\nINDEX 01 00:00:00\n";
-    const auto read = cueSheetIn(sheet);
+    const auto read = disc::cueSheetIn(sheet);
     REQUIRE(read.has_value());
     CHECK(read->tracks.size() == 99);
     CHECK(read->files.size() == 99);
     Text files;
     for (int i = 1; i <= 201; ++i)
         files += "FILE \"" + std::to_string(i) + "\" WAVE\n";
-    CHECK_FALSE(cueSheetIn(files + sheet).has_value());
+    CHECK_FALSE(disc::cueSheetIn(files + sheet).has_value());
 }

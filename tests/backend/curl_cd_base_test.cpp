@@ -62,8 +62,8 @@ private:
 
 Gate* resolverGate = nullptr;
 
-const DiscContents disc{{{true, 0, 28465}, {true, 28465, 22412}, {true, 50877, 24808}}, 75685};
-const Text id = discId(disc);
+const disc::DiscContents theDisc{{{true, 0, 28465}, {true, 28465, 22412}, {true, 50877, 24808}}, 75685};
+const Text id = disc::discId(theDisc);
 constexpr const char* exact = "200 rock 920ef00b Some Band / Some Disc\r\n";
 constexpr const char* entry = "210 rock 920ef00b CD database entry follows (until terminating `.')\r\n"
                               "# xmcd\r\nDISCID=920ef00b\r\nDTITLE=Some Band / Some Disc\r\n"
@@ -85,17 +85,17 @@ LoopbackServer::Manner silent()
 // The control on servers of the test's own. A search that was left behind still asks for the disc.
 struct Titles {
     TemporaryFolder folder;
-    const std::shared_ptr<DiscContents> inserted = std::make_shared<DiscContents>(disc);
+    const std::shared_ptr<disc::DiscContents> inserted = std::make_shared<disc::DiscContents>(theDisc);
     Text drive = "Drive (/dev/sr0)";
     std::unique_ptr<CdBase> control;
 
     explicit Titles(std::vector<Text> addresses, milliseconds silence = milliseconds(3000))
     {
-        control = makeCurlCdBase({.addresses = std::move(addresses),
-                                  .cacheFolder = folder / "cache/cddb",
-                                  .silence = silence,
-                                  .firstDrive = [this] { return drive; },
-                                  .disc = [contents = inserted] { return *contents; }});
+        control = disc::makeCurlCdBase({.addresses = std::move(addresses),
+                                        .cacheFolder = folder / "cache/cddb",
+                                        .silence = silence,
+                                        .firstDrive = [this] { return drive; },
+                                        .disc = [contents = inserted] { return *contents; }});
         control->setContactIdentity("ann@host.test");
     }
 
@@ -170,7 +170,7 @@ TEST_CASE("The server is told the disc, the user, the program and the protocol l
     titles.lookedUp();
     const auto requests = server.requests();
     REQUIRE(requests.size() == 2);
-    CHECK(fieldOf(requests[0], "cmd") == queryCommand(disc));
+    CHECK(fieldOf(requests[0], "cmd") == disc::queryCommand(theDisc));
     CHECK(fieldOf(requests[1], "cmd") == "cddb read rock 920ef00b");
     for (const Text& request : requests) {
         CHECK(request.starts_with("/~cddb/cddb.cgi?"));
@@ -205,7 +205,7 @@ TEST_CASE("The greeting keeps its four words whatever the identity")
 
 TEST_CASE("The user's identity is login and host")
 {
-    const Text identity = contactIdentityOfUser();
+    const Text identity = disc::contactIdentityOfUser();
     CHECK(identity.find('@') != Text::npos);
     CHECK(identity.find('@') > 0);
     CHECK_FALSE(identity.ends_with('@'));
@@ -291,7 +291,7 @@ TEST_CASE("Where the service gives no answer the last one serves")
     SUBCASE("but not for another disc with the same id")
     {
         titles.inserted->tracks[1].start += 1;
-        REQUIRE(discId(*titles.inserted) == discId(disc));
+        REQUIRE(disc::discId(*titles.inserted) == disc::discId(theDisc));
         CHECK(titles.lookedUp().TrackTitle(2) == "");
     }
     SUBCASE("but not when it is cut short")
@@ -339,7 +339,7 @@ TEST_CASE("On a disc that begins with track 4 the first title is that of track 4
     CHECK(found.TrackTitle(3) == "");
     CHECK(found.TrackTitle(4) == "First");
     CHECK(found.TrackTitle(5) == "Second");
-    CHECK(fieldOf(server.requests().at(0), "cmd") == queryCommand(disc));
+    CHECK(fieldOf(server.requests().at(0), "cmd") == disc::queryCommand(theDisc));
 }
 
 TEST_CASE("A disc that is not known is asked for at every opening, and of one server")
@@ -528,14 +528,14 @@ TEST_CASE("A drive that hangs holds up no lookup past its limit, and no second s
     const auto gate = std::make_shared<Gate>();
     LoopbackServer server(pages(exact, entry));
     TemporaryFolder folder;
-    const auto control = makeCurlCdBase({.addresses = {server.address()},
-                                         .cacheFolder = folder / "cache",
-                                         .firstDrive = [] { return "drive"; },
-                                         .disc =
-                                             [gate] {
-                                                 gate->pass();
-                                                 return disc;
-                                             }});
+    const auto control = disc::makeCurlCdBase({.addresses = {server.address()},
+                                               .cacheFolder = folder / "cache",
+                                               .firstDrive = [] { return "drive"; },
+                                               .disc =
+                                                   [gate] {
+                                                       gate->pass();
+                                                       return theDisc;
+                                                   }});
     control->setTimeLimit(100);
     for (int i = 0; i < 3; ++i)
         CHECK(timeOf([&] { control->Lookup(); }) < milliseconds(300));

@@ -41,7 +41,7 @@ bool comesTrue(Condition condition)
 struct Programs {
     TemporaryFolder folder;
     Text output = folder / "output";
-    Environment environment{.searchPath = "relative::" + folder.path() + ":/usr/bin:/bin"};
+    desktop::Environment environment{.searchPath = "relative::" + folder.path() + ":/usr/bin:/bin"};
 
     Text program(const Text& name, const Text& script, mode_t mode = 0755)
     {
@@ -59,13 +59,13 @@ struct Programs {
     Text started(const Text& path)
     {
         std::filesystem::remove(output);
-        DesktopShell(environment).startProgram(path);
+        desktop::DesktopShell(environment).startProgram(path);
         CHECK(comesTrue([&] { return std::filesystem::exists(output); }));
         return fileBytes(output);
     }
     int failure(const Text& path)
     {
-        return failureOf([&] { DesktopShell(environment).startProgram(path); });
+        return failureOf([&] { desktop::DesktopShell(environment).startProgram(path); });
     }
 };
 
@@ -196,7 +196,7 @@ TEST_CASE("A started program gets the stack that this one was given")
     REQUIRE(getrlimit(RLIMIT_STACK, &before) == 0);
     const rlimit raised{std::min<rlim_t>(before.rlim_max, 256 << 20), before.rlim_max};
     REQUIRE(setrlimit(RLIMIT_STACK, &raised) == 0);
-    DesktopShell(programs.environment, 4 << 20).startProgram(tool);
+    desktop::DesktopShell(programs.environment, 4 << 20).startProgram(tool);
     CHECK(comesTrue([&] { return std::filesystem::exists(programs.output); }));
     CHECK(fileBytes(programs.output) == "4096\n");
     setrlimit(RLIMIT_STACK, &before);
@@ -210,7 +210,7 @@ TEST_CASE("Starting does not wait for the program, which outlives the shell")
     const Text tool =
         programs.program("tool", "read line < '" + pipe + "'; echo done > '" + programs.output + "'");
     const auto start = Clock::now();
-    DesktopShell(programs.environment).startProgram(tool);
+    desktop::DesktopShell(programs.environment).startProgram(tool);
     CHECK(secondsSince(start) < 5);
     CHECK_FALSE(std::filesystem::exists(programs.output));
     putFile(pipe, "go\n");
@@ -222,7 +222,7 @@ TEST_CASE("The registry offers the first tool that the desktop has")
     constexpr std::uint32_t localMachine = 0x80000002;
     constexpr const char* key = "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO";
     Programs programs;
-    ToolRegistry registry(programs.folder.path());
+    desktop::ToolRegistry registry(programs.folder.path());
     Registry::Key open = 77;
     CHECK(registry.RegOpenKeyEx(localMachine, key, 0x2003F, open) == 2);
     CHECK(open == 0);
@@ -254,7 +254,7 @@ TEST_CASE("The registry has nothing else")
     constexpr std::uint32_t localMachine = 0x80000002;
     Programs programs;
     programs.program("hardinfo", "");
-    ToolRegistry registry(programs.folder.path());
+    desktop::ToolRegistry registry(programs.folder.path());
     Registry::Key key = 77;
     CHECK(registry.RegOpenKeyEx(localMachine, "SOFTWARE\\Microsoft\\Shared Tools Location", 0, key) == 2);
     CHECK(key == 0);
@@ -274,20 +274,21 @@ TEST_CASE("The session bus is the one that is named or the user's usual one, nev
 {
     const TemporaryFolder runtime;
     const Text usual = "unix:path=" + runtime / "bus";
-    CHECK(sessionBusAddress({}).empty());
-    CHECK(sessionBusAddress({.runtimeFolder = runtime.path()}).empty());
+    CHECK(desktop::sessionBusAddress({}).empty());
+    CHECK(desktop::sessionBusAddress({.runtimeFolder = runtime.path()}).empty());
     putFile(runtime / "bus", "");
-    CHECK(sessionBusAddress({.runtimeFolder = runtime.path()}) == usual);
-    CHECK(sessionBusAddress({.runtimeFolder = runtime.path(), .busAddress = "unix:path=/x"}) ==
+    CHECK(desktop::sessionBusAddress({.runtimeFolder = runtime.path()}) == usual);
+    CHECK(desktop::sessionBusAddress({.runtimeFolder = runtime.path(), .busAddress = "unix:path=/x"}) ==
           "unix:path=/x");
-    CHECK(sessionBusAddress({.runtimeFolder = runtime.path(), .busAddress = "disabled:"}) == "disabled:");
-    CHECK(sessionBusAddress({.runtimeFolder = runtime.path(), .busAddress = "autolaunch:"}).empty());
+    CHECK(desktop::sessionBusAddress({.runtimeFolder = runtime.path(), .busAddress = "disabled:"}) ==
+          "disabled:");
+    CHECK(desktop::sessionBusAddress({.runtimeFolder = runtime.path(), .busAddress = "autolaunch:"}).empty());
 }
 
 TEST_CASE("The system bus is the one that is named or the usual one")
 {
-    CHECK(systemBusAddress({}) == "unix:path=/run/dbus/system_bus_socket");
-    CHECK(systemBusAddress({.systemBus = "unix:path=/x"}) == "unix:path=/x");
+    CHECK(desktop::systemBusAddress({}) == "unix:path=/run/dbus/system_bus_socket");
+    CHECK(desktop::systemBusAddress({.systemBus = "unix:path=/x"}) == "unix:path=/x");
 }
 
 TEST_CASE("Without a bus a notification is a line on standard error, at once")
@@ -307,7 +308,7 @@ TEST_CASE("Without a bus a notification is a line on standard error, at once")
         CapturedErrors errors;
         const auto start = Clock::now();
         {
-            DesktopShell shell({.busAddress = c.address});
+            desktop::DesktopShell shell({.busAddress = c.address});
             shell.notify("Not encoded", "/music/a.wav: disk full");
             shell.notify("Not encoded", "/music/b.wav: disk full");
         }
@@ -321,7 +322,7 @@ TEST_CASE("A shell that has nothing to tell connects to nothing")
 {
     CapturedErrors errors;
     {
-        DesktopShell shell({.busAddress = "disabled:"});
+        desktop::DesktopShell shell({.busAddress = "disabled:"});
     }
     CHECK(errors.text().empty());
 }
@@ -334,7 +335,7 @@ TEST_CASE("A notification reaches the desktop's service")
     REQUIRE(desktop.line() == "ready");
     CapturedErrors errors;
     {
-        DesktopShell shell({.busAddress = bus.address});
+        desktop::DesktopShell shell({.busAddress = bus.address});
         shell.notify("Not encoded", "/music/a & b <live>.wav");
         CHECK(desktop.line() == "Velmora|Not encoded|/music/a & b <live>.wav");
         shell.notify("Not encoded", "/music/caf\xC3\xA9");
@@ -351,7 +352,7 @@ TEST_CASE("A service that takes markup gets names of files as they are meant")
     REQUIRE(bus.runs());
     Spawned desktop = service(bus, {"body", "body-markup"});
     REQUIRE(desktop.line() == "ready");
-    DesktopShell shell({.busAddress = bus.address});
+    desktop::DesktopShell shell({.busAddress = bus.address});
     shell.notify("R&B", "/music/a & b <live>.wav");
     CHECK(desktop.line() == "Velmora|R&B|/music/a &amp; b &lt;live&gt;.wav");
 }
@@ -362,7 +363,7 @@ TEST_CASE("Threads notify without waiting, and nothing is lost")
     REQUIRE(bus.runs());
     Spawned desktop = service(bus);
     REQUIRE(desktop.line() == "ready");
-    DesktopShell shell({.busAddress = bus.address});
+    desktop::DesktopShell shell({.busAddress = bus.address});
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([&] {
@@ -383,7 +384,7 @@ TEST_CASE("A bus without the service, and one that is lost, leave the line on st
     REQUIRE(bus.runs());
     CapturedErrors errors;
     {
-        DesktopShell shell({.busAddress = bus.address});
+        desktop::DesktopShell shell({.busAddress = bus.address});
         shell.notify("one", "no service");
         CHECK(comesTrue([&] { return errors.soFar() == "Velmora: one: no service\n"; }));
         Spawned desktop = service(bus);
@@ -401,7 +402,7 @@ TEST_CASE("A bus that comes back is found again")
     PrivateBus bus;
     REQUIRE(bus.runs());
     CapturedErrors errors; // the answer to the first may be lost with the first bus
-    DesktopShell shell({.busAddress = bus.address});
+    desktop::DesktopShell shell({.busAddress = bus.address});
     {
         Spawned desktop = service(bus);
         REQUIRE(desktop.line() == "ready");

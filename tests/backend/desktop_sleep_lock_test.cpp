@@ -14,7 +14,7 @@ TEST_CASE("The login manager keeps the system awake until everything has ended")
     REQUIRE(bus.runs());
     Spawned login({SLEEP_SERVICE, bus.address, "login"});
     REQUIRE(login.line() == "ready");
-    DesktopSleepLock lock(bus.address, "");
+    desktop::DesktopSleepLock lock(bus.address, "");
     lock.begin("Reading a disc");
     CHECK(login.line() == "sleep|Velmora|Reading a disc|block");
     lock.begin("Writing a disc");
@@ -35,7 +35,7 @@ TEST_CASE("The portal does it where there is no login manager")
     REQUIRE(portal.line() == "ready");
     for (const Text& systemBus : {Text(), Text("unix:path=/nowhere"), bus.address}) {
         CAPTURE(systemBus);
-        DesktopSleepLock lock(systemBus, bus.address);
+        desktop::DesktopSleepLock lock(systemBus, bus.address);
         lock.begin("Reading a disc");
         CHECK(portal.line() == "4|Reading a disc");
         lock.end();
@@ -50,7 +50,7 @@ TEST_CASE("The program's end lets the system sleep")
     Spawned login({SLEEP_SERVICE, bus.address, "login"});
     REQUIRE(login.line() == "ready");
     {
-        DesktopSleepLock lock(bus.address, "");
+        desktop::DesktopSleepLock lock(bus.address, "");
         lock.begin("Reading a disc");
         CHECK(login.line() == "sleep|Velmora|Reading a disc|block");
     }
@@ -61,7 +61,7 @@ TEST_CASE("A desktop that gives no lock costs nothing, and nobody waits for one"
 {
     const double best = atBest(100, [] {
         const auto begun = std::chrono::steady_clock::now();
-        DesktopSleepLock lock("", "unix:path=/nowhere");
+        desktop::DesktopSleepLock lock("", "unix:path=/nowhere");
         for (int i = 0; i < 100; ++i) {
             lock.begin("Reading a disc");
             lock.end();
@@ -77,8 +77,8 @@ TEST_CASE("Nothing is asked for before something begins")
     REQUIRE(bus.runs());
     Spawned login({SLEEP_SERVICE, bus.address, "login"});
     REQUIRE(login.line() == "ready");
-    const DesktopSleepLock idle(bus.address, "");
-    DesktopSleepLock other(bus.address, "");
+    const desktop::DesktopSleepLock idle(bus.address, "");
+    desktop::DesktopSleepLock other(bus.address, "");
     other.begin("The first to ask");
     CHECK(login.line() == "sleep|Velmora|The first to ask|block");
     other.end();

@@ -9,9 +9,9 @@ namespace
 {
 
 // A disc by where its tracks begin and end, counted from the very beginning, as lists of discs do.
-DiscContents discOf(const std::vector<std::int32_t>& starts, std::int32_t leadOut)
+disc::DiscContents discOf(const std::vector<std::int32_t>& starts, std::int32_t leadOut)
 {
-    DiscContents disc;
+    disc::DiscContents disc;
     for (const std::int32_t start : starts)
         disc.tracks.push_back({true, start - 150, 0});
     disc.leadOut = leadOut - 150;
@@ -41,35 +41,35 @@ TEST_CASE("A disc's id comes from where its tracks begin")
     // clang-format on
     for (const auto& c : cases) {
         CAPTURE(c.disc);
-        CHECK(discId(discOf(c.starts, c.leadOut)) == c.id);
+        CHECK(disc::discId(discOf(c.starts, c.leadOut)) == c.id);
     }
 }
 
 TEST_CASE("A checksum of 255 is 0")
 {
     const std::vector<std::int32_t> starts(51, 5 * 75); // 51 times the digit 5
-    CHECK(discId(discOf(starts, 65 * 75)) == "00003c33");
+    CHECK(disc::discId(discOf(starts, 65 * 75)) == "00003c33");
 }
 
 TEST_CASE("Data tracks count")
 {
-    DiscContents disc = discOf({150, 30000}, 60000);
-    const Text id = discId(disc);
+    disc::DiscContents disc = discOf({150, 30000}, 60000);
+    const Text id = disc::discId(disc);
     disc.tracks[1].isAudio = false;
-    CHECK(discId(disc) == id);
+    CHECK(disc::discId(disc) == id);
 }
 
 TEST_CASE("The query names every start and the whole length in seconds")
 {
-    CHECK(queryCommand(discOf({150, 12767, 40487}, 63225 + 74)) ==
+    CHECK(disc::queryCommand(discOf({150, 12767, 40487}, 63225 + 74)) ==
           "cddb query 1b034903 3 150 12767 40487 843");
 }
 
 TEST_CASE("A disc that begins with a later track is told by the tracks that it has")
 {
-    const DiscContents whole = discOf({150, 12767, 40487}, 63225);
-    DiscContents late = whole;
+    const disc::DiscContents whole = discOf({150, 12767, 40487}, 63225);
+    disc::DiscContents late = whole;
     late.tracks.insert(late.tracks.begin(), 3, {false, 0, 0, true});
-    CHECK(discId(late) == discId(whole));
-    CHECK(queryCommand(late) == queryCommand(whole));
+    CHECK(disc::discId(late) == disc::discId(whole));
+    CHECK(disc::queryCommand(late) == disc::queryCommand(whole));
 }

@@ -169,7 +169,7 @@ TEST_CASE("The first image takes the place of the empty drive")
 TEST_CASE("A disc that cannot be read is told once, until its drive answers without that trouble")
 {
     Reading r;
-    const DiscContents good = r.drive->disc;
+    const disc::DiscContents good = r.drive->disc;
     const auto list = [&] {
         r.reader->SelectDrive(1);
         const auto count = r.reader->TrackCount();
@@ -744,7 +744,7 @@ TEST_CASE("A drive that is written is not read")
     r.reader->DriveCount();
     CHECK(r.reader->TrackCount() == 2);
     {
-        const auto claim = r.desk.devices->claim("/dev/sr0", BusyDevices::Use::writing);
+        const auto claim = r.desk.devices->claim("/dev/sr0", disc::BusyDevices::Use::writing);
         REQUIRE(claim.has_value());
         CHECK(r.reader->ReadTrack(1, r.wav) != 0);
         CHECK(r.heard->end());

@@ -126,7 +126,7 @@ TEST_CASE("Lengths and places are those that cd-info finds, also with gaps, file
         const DiscDesk desk;
         putFile(desk.discs + "/a.bin", Text(static_cast<std::size_t>(c.bytes), '\0'));
         putFile(desk.discs + "/a.cue", c.sheet);
-        const auto contents = makeImageDrive(desk.discs + "/a.cue")->contents();
+        const auto contents = disc::makeImageDrive(desk.discs + "/a.cue")->contents();
         const Text said =
             saidBy("cd-info --no-header --no-device-info --no-analyze --cue-file='" + desk.discs + "/a.cue'");
         CAPTURE(said);

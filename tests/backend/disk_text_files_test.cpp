@@ -25,8 +25,8 @@ struct Desk {
     TemporaryFolder folder;
     Text lists = folder / "lists";
     Text list = lists + "/deflist.vlp";
-    StatePartNotes notes{folder / "state"};
-    DiskTextFiles files{notes};
+    files::StatePartNotes notes{folder / "state"};
+    files::DiskTextFiles files{notes};
 
     Desk() { std::filesystem::create_directory(lists); }
 
@@ -495,11 +495,11 @@ TEST_CASE("Equal content is not written again where a file is written in place")
 TEST_CASE("Two writers of equal content come to rest")
 {
     Desk desk;
-    DiskTextFiles other(desk.notes);
+    files::DiskTextFiles other(desk.notes);
     desk.write(desk.list, oldRows, 1);
     const auto number = desk.status(desk.list).st_ino;
     CHECK(waitUntil([&] {
-        for (DiskTextFiles* files : {&desk.files, &other}) {
+        for (files::DiskTextFiles* files : {&desk.files, &other}) {
             const auto output = files->openForOutput(desk.list);
             output->write(oldRows);
             output->finish(1);
@@ -555,7 +555,7 @@ TEST_CASE("A backup of what this process did not write is told of, and no other"
 {
     Desk desk;
     std::vector<Text> told;
-    DiskTextFiles files(desk.notes, [&](const Text& backup) { told.push_back(backup); });
+    files::DiskTextFiles files(desk.notes, [&](const Text& backup) { told.push_back(backup); });
     files.keepBackup(desk.lists + "/none/deflist.vlp", oldRows);
     CHECK(told.empty());
     putFile(desk.list, oldRows);
@@ -579,8 +579,8 @@ TEST_CASE("A kill at any instant leaves a whole list, and the next start clears 
         int pipes[2];
         REQUIRE(pipe2(pipes, O_CLOEXEC) == 0);
         Child writer([&] {
-            StatePartNotes notes(desk.folder / "state");
-            DiskTextFiles files(notes);
+            files::StatePartNotes notes(desk.folder / "state");
+            files::DiskTextFiles files(notes);
             for (int i = 0;; ++i) {
                 const auto output = files.openForOutput(desk.list);
                 output->write(rows(i % 100));
@@ -596,7 +596,7 @@ TEST_CASE("A kill at any instant leaves a whole list, and the next start clears 
         close(pipes[0]);
         const Text found = fileBytes(desk.list);
         CHECK(found == rows(static_cast<int>(found.size() / 3001)));
-        removeNotedParts(desk.folder / "state");
+        files::removeNotedParts(desk.folder / "state");
         CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp"});
         CHECK(namesInFolder(desk.folder / "state/parts").empty());
     }
@@ -609,8 +609,8 @@ TEST_CASE("What a kill in the middle of writing leaves is found by its note")
     int pipes[2];
     REQUIRE(pipe2(pipes, O_CLOEXEC) == 0);
     Child writer([&] {
-        StatePartNotes notes(desk.folder / "state");
-        DiskTextFiles files(notes);
+        files::StatePartNotes notes(desk.folder / "state");
+        files::DiskTextFiles files(notes);
         const auto output = files.openForOutput(desk.list);
         output->write(Text(200'000, 'x'));
         std::ignore = write(pipes[1], "x", 1);
@@ -620,12 +620,12 @@ TEST_CASE("What a kill in the middle of writing leaves is found by its note")
     char told = 0;
     REQUIRE(read(pipes[0], &told, 1) == 1);
     close(pipes[0]);
-    removeNotedParts(desk.folder / "state");
+    files::removeNotedParts(desk.folder / "state");
     CHECK(namesInFolder(desk.lists).size() == 2); // its writer still lives
     writer.kill();
     CHECK(namesInFolder(desk.lists).size() == 2);
     CHECK(fileBytes(desk.list) == oldRows);
-    removeNotedParts(desk.folder / "state");
+    files::removeNotedParts(desk.folder / "state");
     CHECK(namesInFolder(desk.lists) == std::set<Text>{"deflist.vlp"});
     CHECK(fileBytes(desk.list) == oldRows);
 }

@@ -54,7 +54,7 @@ using Number = std::unique_ptr<int>;
 
 TEST_CASE("An errand has its result once")
 {
-    Errand<Number> errand([] { return std::make_unique<int>(7); });
+    files::Errand<Number> errand([] { return std::make_unique<int>(7); });
     const auto result = errand.result(30s);
     REQUIRE(result);
     CHECK(**result == 7);
@@ -66,7 +66,7 @@ TEST_CASE("An errand that is late is abandoned, and its result goes where late o
 {
     const HeldUp work;
     std::atomic<int> late{0};
-    Errand<Number> errand(work, [&](const Number& number) { late = *number; });
+    files::Errand<Number> errand(work, [&](const Number& number) { late = *number; });
     CHECK_FALSE(errand.result(1ms));
     CHECK_FALSE(errand.hasEnded());
     *work.isFree = true;
@@ -81,7 +81,7 @@ TEST_CASE("An errand outlasts whoever sent it, and lets go of what it holds")
     {
         const HeldUp work;
         held = work.isFree;
-        CHECK_FALSE(Errand<Number>(work).result(0ms));
+        CHECK_FALSE(files::Errand<Number>(work).result(0ms));
     }
     REQUIRE(held.lock());
     *held.lock() = true;
@@ -97,11 +97,11 @@ TEST_CASE("Where no thread is to be had, an errand has ended without a result, a
     };
     {
         const NoThreads none;
-        Errand<int> errand(ask);
+        files::Errand<int> errand(ask);
         CHECK(errand.hasEnded());
         CHECK_FALSE(errand.result(1h));
-        CHECK_FALSE(answerWithin<int>(1h, "no thread", ask));
+        CHECK_FALSE(files::answerWithin<int>(1h, "no thread", ask));
     }
     CHECK_FALSE(isAsked);
-    CHECK(answerWithin<int>(30s, "no thread", ask) == 7);
+    CHECK(files::answerWithin<int>(30s, "no thread", ask) == 7);
 }

@@ -43,9 +43,9 @@ TEST_CASE("A name leads to its file, and without one to a file in other letters"
         TemporaryFolder folder;
         for (const char* name : c.names)
             putFile(folder / name, "x");
-        CHECK(fileToOpen(folder / c.asked) == folder / c.opened);
+        CHECK(files::fileToOpen(folder / c.asked) == folder / c.opened);
     }
-    CHECK(fileToOpen("") == "");
+    CHECK(files::fileToOpen("") == "");
 }
 
 TEST_CASE("Only the last name may be in other letters")
@@ -53,8 +53,8 @@ TEST_CASE("Only the last name may be in other letters")
     TemporaryFolder folder;
     std::filesystem::create_directory(folder / "Album");
     putFile(folder / "Album/a.mp3", "x");
-    CHECK(fileToOpen(folder / "album/a.mp3") == folder / "album/a.mp3");
-    CHECK(fileToOpen(folder / "Album/A.mp3") == folder / "Album/a.mp3");
+    CHECK(files::fileToOpen(folder / "album/a.mp3") == folder / "album/a.mp3");
+    CHECK(files::fileToOpen(folder / "Album/A.mp3") == folder / "Album/a.mp3");
 }
 
 TEST_CASE("Of two files in other letters the first of a scan is taken, and a link to nowhere is none")
@@ -67,7 +67,7 @@ TEST_CASE("Of two files in other letters the first of a scan is taken, and a lin
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
         if (first.empty() && !entry.is_symlink())
             first = entry.path();
-    CHECK(fileToOpen(folder / "a.mp3") == first);
+    CHECK(files::fileToOpen(folder / "a.mp3") == first);
 }
 
 TEST_CASE("The engines play a file whose name is in other letters")

@@ -16,7 +16,7 @@ namespace
 
 struct Scan {
     TemporaryFolder folder;
-    FolderScan scan;
+    desktop::FolderScan scan;
 
     // The names in the order of the walk.
     std::vector<Text> names(const Text& pattern)
@@ -127,7 +127,7 @@ TEST_CASE("A pattern chooses names without regard to case")
     for (const auto& c : cases) {
         CAPTURE(c.pattern);
         CAPTURE(c.name);
-        CHECK(matchesPattern(c.name, c.pattern) == c.matches);
+        CHECK(desktop::matchesPattern(c.name, c.pattern) == c.matches);
     }
 }
 

@@ -44,7 +44,7 @@ struct Disk {
     bool knows(const Text& bytes)
     {
         putFile(folder / "a", bytes);
-        return findMp3(InputFile::open(folder / "a")).has_value();
+        return findMp3(files::InputFile::open(folder / "a")).has_value();
     }
 };
 

@@ -48,7 +48,7 @@ double timeOf(Work&& work)
 TEST_CASE("A look-up on a share that does not answer finds nothing, soon")
 {
     Shares s;
-    FolderScan scan;
+    desktop::FolderScan scan;
     FoundFile found;
     DirectoryScan::Handle handle = 0;
     {
@@ -74,7 +74,7 @@ TEST_CASE("A link to a share that does not answer hides nothing but itself")
     putFile(s.parts.folder / "here/song.mp3", "");
     std::filesystem::create_directory_symlink(s.share, s.parts.folder / "here/far");
     const HungShare hung((s.parts.folder / "here/far").c_str());
-    FolderScan scan;
+    desktop::FolderScan scan;
     FoundFile found;
     CHECK(scan.FindFirstFile(s.parts.folder / "here/far", found) == DirectoryScan::invalid);
     CHECK(timeOf([&] {
@@ -112,7 +112,7 @@ TEST_CASE("A drive that does not answer is left out, and the others are listed")
                                               " rw - ext4 /dev/sdb1 rw\n"
                                               "31 27 8:18 / " +
                                               stick + " rw - vfat /dev/sdc1 rw\n");
-    MountedDrives drives({.home = s.share, .mounts = s.parts.folder / "mountinfo", .labels = ""});
+    desktop::MountedDrives drives({.home = s.share, .mounts = s.parts.folder / "mountinfo", .labels = ""});
     std::vector<Drive> listed;
     {
         const HungShare hung(s.share.c_str());
@@ -133,17 +133,17 @@ TEST_CASE("An answer that comes late is told of, and the question may then be as
         return 7;
     };
     const auto asked = [&] {
-        return answerWithin<int>(10ms, "test", ask, [&](int answer) { late = answer; });
+        return files::answerWithin<int>(10ms, "test", ask, [&](int answer) { late = answer; });
     };
     CHECK_FALSE(asked());
     CHECK_FALSE(asked());
     answers = true;
     REQUIRE(waitUntil([&] { return late == 7; }, 30s));
-    CHECK(answerWithin<int>(30s, "test", ask) == 7);
+    CHECK(files::answerWithin<int>(30s, "test", ask) == 7);
 }
 
 TEST_CASE("The user database tells who runs the program")
 {
-    CHECK(waitUntil([] { return accountOfUser().name != ""; }, 30s));
-    CHECK(waitUntil([] { return accountOfUser().home.starts_with('/'); }, 30s));
+    CHECK(waitUntil([] { return files::accountOfUser().name != ""; }, 30s));
+    CHECK(waitUntil([] { return files::accountOfUser().home.starts_with('/'); }, 30s));
 }

@@ -11,7 +11,7 @@
 namespace
 {
 
-class KeptSound final : public TrackSink
+class KeptSound final : public disc::TrackSink
 {
 public:
     void take(std::vector<std::byte> samples) override
@@ -25,7 +25,7 @@ public:
 // A folder with a sheet `disc.cue` and its drive.
 struct Disc {
     TemporaryFolder folder;
-    std::shared_ptr<ReaderDrive> drive = makeImageDrive(folder / "disc.cue");
+    std::shared_ptr<disc::ReaderDrive> drive = disc::makeImageDrive(folder / "disc.cue");
 
     explicit Disc(const Text& sheet) { putFile(folder / "disc.cue", sheet); }
 
@@ -56,7 +56,7 @@ struct Disc {
 const Text silence(300 * bytesOfSector, '\0');
 const char* const oneTrack = "FILE a.bin BINARY\nTRACK 01 AUDIO\nINDEX 01 00:00:00\n";
 
-std::vector<Text> namesOf(const ListReaders& list)
+std::vector<Text> namesOf(const disc::ListReaders& list)
 {
     std::vector<Text> names;
     for (const auto& drive : list())
@@ -221,7 +221,7 @@ TEST_CASE("A file outside the sheet's folder is never read, and the reason says 
         std::filesystem::create_directories(folder + "/sub");
         putFile(folder + "/disc.cue", "FILE \"" + c.name + "\" BINARY\nTRACK 01 AUDIO\nINDEX 01 00:00:00\n");
         c.prepare(folder, elsewhere.path());
-        const auto contents = makeImageDrive(folder + "/disc.cue")->contents();
+        const auto contents = disc::makeImageDrive(folder + "/disc.cue")->contents();
         CHECK(contents.tracks.empty());
         CHECK(contents.trouble ==
               "Its sheet names " + c.name + ", which does not lie in the sheet's folder.");
@@ -239,7 +239,7 @@ TEST_CASE("A link within the sheet's folder is followed, and so is a folder for 
     putFile(above / "discs/disc.cue", oneTrack);
     for (const char* folder : {"discs", "link"}) {
         CAPTURE(folder);
-        const auto drive = makeImageDrive(above / folder + "/disc.cue");
+        const auto drive = disc::makeImageDrive(above / folder + "/disc.cue");
         CHECK(drive->contents().trouble == "");
         KeptSound sink;
         CHECK(drive->readTrack(1, sink, {}) == 0);
@@ -343,7 +343,7 @@ TEST_CASE("An image that changes between calls is seen anew")
     std::filesystem::rename(disc.folder / "a.bin", disc.folder / "A.BIN");
     CHECK(disc.drive->contents().tracks[1].sectors == 325);
     std::filesystem::remove(disc.folder / "disc.cue");
-    CHECK(disc.drive->contents() == DiscContents());
+    CHECK(disc.drive->contents() == disc::DiscContents());
 }
 
 TEST_CASE("A disc that is another one by now is not read as the one that was listed")
@@ -399,9 +399,9 @@ TEST_CASE("Images are listed the oldest first, from both folders, by name")
     for (const char* each : {"Disc.bin", ".hidden.cue", ".cue", "disc.cue.part", "cue"})
         putFile(desk.discs + "/" + each, "");
     std::filesystem::create_directory(desk.discs + "/folder.cue");
-    CHECK(namesOf(imagesIn(desk.folders)) == std::vector<Text>{"Disc image: Oldest", "Disc image: Same a",
-                                                               "Disc image: Same b", "Disc image: Mid",
-                                                               "Disc image: Newest"});
+    CHECK(namesOf(disc::imagesIn(desk.folders)) ==
+          std::vector<Text>{"Disc image: Oldest", "Disc image: Same a", "Disc image: Same b",
+                            "Disc image: Mid", "Disc image: Newest"});
 }
 
 TEST_CASE("One folder under two names lists its images once")
@@ -409,18 +409,18 @@ TEST_CASE("One folder under two names lists its images once")
     const DiscDesk desk;
     putFile(desk.discs + "/One.cue", "");
     std::filesystem::create_directory_symlink(desk.discs, desk.folders.home + "/Velmora Discs");
-    CHECK(namesOf(imagesIn(desk.folders)) == std::vector<Text>{"Disc image: One"});
-    CHECK(namesOf(imagesIn({desk.folders.music, desk.folders.music})).size() == 1);
+    CHECK(namesOf(disc::imagesIn(desk.folders)) == std::vector<Text>{"Disc image: One"});
+    CHECK(namesOf(disc::imagesIn({desk.folders.music, desk.folders.music})).size() == 1);
 }
 
 TEST_CASE("No folder and no image list nothing")
 {
     const DiscDesk desk;
-    CHECK(namesOf(imagesIn(desk.folders)).empty());
-    CHECK(namesOf(imagesIn({"", ""})).empty());
+    CHECK(namesOf(disc::imagesIn(desk.folders)).empty());
+    CHECK(namesOf(disc::imagesIn({"", ""})).empty());
     std::filesystem::remove(desk.discs);
     putFile(desk.discs, "a file");
-    CHECK(namesOf(imagesIn(desk.folders)).empty());
+    CHECK(namesOf(disc::imagesIn(desk.folders)).empty());
     CHECK_FALSE(std::filesystem::exists(desk.folders.home + "/Velmora Discs"));
 }
 
@@ -437,9 +437,9 @@ TEST_CASE("A folder that may not be read lists nothing, and a sheet that may not
     chmod((below + "/Locked.cue").c_str(), 0);
     Child child([&] {
         becomeNobody();
-        endUnless(namesOf(imagesIn(desk.folders)) == std::vector<Text>{"Disc image: Locked"}, 1);
-        endUnless(imagesIn(desk.folders)()[0]->contents().tracks.empty(), 2);
-        endUnless(imagesIn(desk.folders)()[0]->contents().trouble == "Its sheet cannot be read.", 3);
+        endUnless(namesOf(disc::imagesIn(desk.folders)) == std::vector<Text>{"Disc image: Locked"}, 1);
+        endUnless(disc::imagesIn(desk.folders)()[0]->contents().tracks.empty(), 2);
+        endUnless(disc::imagesIn(desk.folders)()[0]->contents().trouble == "Its sheet cannot be read.", 3);
     });
     CHECK(child.wait() == 0);
     chmod(desk.discs.c_str(), 0755);
@@ -449,7 +449,7 @@ TEST_CASE("New discs go under the music folder where there is one, else under ho
 {
     const DiscDesk desk;
     CHECK(desk.folders.toWrite() == desk.folders.music + "/Velmora Discs");
-    CHECK(DiscFolders{desk.folder / "none", desk.folders.home}.toWrite() ==
+    CHECK(disc::DiscFolders{desk.folder / "none", desk.folders.home}.toWrite() ==
           desk.folders.home + "/Velmora Discs");
-    CHECK(DiscFolders{"", desk.folders.home}.toWrite() == desk.folders.home + "/Velmora Discs");
+    CHECK(disc::DiscFolders{"", desk.folders.home}.toWrite() == desk.folders.home + "/Velmora Discs");
 }

@@ -11,7 +11,7 @@ constexpr std::int64_t sector = 2352;
 // Start and length of each track.
 using Tracks = std::vector<std::pair<std::int32_t, std::int32_t>>;
 
-Tracks tracksOf(const ImageLayout& layout)
+Tracks tracksOf(const disc::ImageLayout& layout)
 {
     Tracks tracks;
     for (const auto& track : layout.contents.tracks)
@@ -19,15 +19,15 @@ Tracks tracksOf(const ImageLayout& layout)
     return tracks;
 }
 
-std::optional<ImageLayout> layoutOf(const Text& sheet, const std::vector<std::int64_t>& bytes)
+std::optional<disc::ImageLayout> layoutOf(const Text& sheet, const std::vector<std::int64_t>& bytes)
 {
-    const auto read = cueSheetIn(sheet);
+    const auto read = disc::cueSheetIn(sheet);
     REQUIRE(read.has_value());
-    return layoutOf(*read, std::span<const std::int64_t>(bytes));
+    return disc::layoutOf(*read, std::span<const std::int64_t>(bytes));
 }
 
 // What holds for every layout: no gap, no empty run, and the tracks lie in it.
-void checkWhole(const ImageLayout& layout)
+void checkWhole(const disc::ImageLayout& layout)
 {
     std::int32_t end = 0;
     for (const auto& extent : layout.extents) {
@@ -163,7 +163,7 @@ TEST_CASE("Silence that is in no file is laid between the files' sectors")
                  "00:00:20\nINDEX 00 00:02:00\nINDEX 01 00:04:00\n",
                  {700 * sector});
     REQUIRE(layout.has_value());
-    const std::vector<SectorExtent> extents = {
+    const std::vector<disc::SectorExtent> extents = {
         {0, 150, 0, 0, 2352, true},
         {150, 10},
         {160, 20},
@@ -183,8 +183,8 @@ TEST_CASE("What no disc can hold is no disc")
         std::int64_t bytes;
         bool fits;
     } cases[] = {
-        {"as long as a disc can be", oneTrack, mostSectors * sector, true},
-        {"one byte longer", oneTrack, mostSectors * sector + 1, false},
+        {"as long as a disc can be", oneTrack, disc::mostSectors * sector, true},
+        {"one byte longer", oneTrack, disc::mostSectors * sector + 1, false},
         {"the longest file that there is", oneTrack, INT64_MAX, false},
         {"a silence too long", "FILE a BINARY\nTRACK 01 AUDIO\nPREGAP 999:00:00\nINDEX 01 00:00:00\n", sector,
          false},

@@ -74,15 +74,15 @@ struct DirectRecording {
     std::unique_ptr<DiscDesk> desk = std::make_unique<DiscDesk>();
     Text wav = desk->output + "/a.wav";
     Text sound = noise(20 * bytesOfSecond);
-    mutable std::unique_ptr<WriteRun> run;
-    WriteProgress ignored = [](std::int16_t) {};
+    mutable std::unique_ptr<disc::WriteRun> run;
+    disc::WriteProgress ignored = [](std::int16_t) {};
 
     DirectRecording()
     {
         putFile(wav, wavFile(sound));
-        std::vector<CdSound> sounds;
-        sounds.push_back(std::move(*CdSound::open(wav)));
-        run = makeImageRecorder(desk->folders, desk->parts)->prepare(std::move(sounds), {});
+        std::vector<disc::CdSound> sounds;
+        sounds.push_back(std::move(*disc::CdSound::open(wav)));
+        run = disc::makeImageRecorder(desk->folders, desk->parts)->prepare(std::move(sounds), {});
     }
 
     std::set<Text> filesAfterwards() const
@@ -122,17 +122,17 @@ TEST_CASE("A disc that was whole when the program was killed is whole at its nex
         const Text wav = r.desk.output + "/a.wav";
         putFile(wav, wavFile(sound));
         Child killed([&] {
-            StatePartNotes notes(r.desk.folder / "state");
-            std::vector<CdSound> sounds;
-            sounds.push_back(std::move(*CdSound::open(wav)));
-            const auto run = makeImageRecorder(r.desk.folders, notes)->prepare(std::move(sounds), {});
+            files::StatePartNotes notes(r.desk.folder / "state");
+            std::vector<disc::CdSound> sounds;
+            sounds.push_back(std::move(*disc::CdSound::open(wav)));
+            const auto run = disc::makeImageRecorder(r.desk.folders, notes)->prepare(std::move(sounds), {});
             renamesLeft = renames;
             run->write([](std::int16_t) {}, {});
             raise(SIGKILL);
         });
         killed.wait();
         CHECK(namesInFolder(r.desk.discs).size() == 2);
-        removeNotedParts(r.desk.folder / "state");
+        files::removeNotedParts(r.desk.folder / "state");
         CHECK(r.disc(".bin").size() == r.disc(".cue").size());
         CHECK(namesInFolder(r.desk.discs).size() == 2);
         CHECK(r.rip() == std::vector<Text>{sound});
@@ -146,15 +146,15 @@ TEST_CASE("A disc that was not whole when the program was killed is gone at its 
     const Text wav = r.desk.output + "/a.wav";
     putFile(wav, wavFile(noise(4 * bytesOfSecond)));
     Child killed([&] {
-        StatePartNotes notes(r.desk.folder / "state");
-        std::vector<CdSound> sounds;
-        sounds.push_back(std::move(*CdSound::open(wav)));
-        const auto run = makeImageRecorder(r.desk.folders, notes)->prepare(std::move(sounds), {});
+        files::StatePartNotes notes(r.desk.folder / "state");
+        std::vector<disc::CdSound> sounds;
+        sounds.push_back(std::move(*disc::CdSound::open(wav)));
+        const auto run = disc::makeImageRecorder(r.desk.folders, notes)->prepare(std::move(sounds), {});
         run->write([](std::int16_t) { raise(SIGKILL); }, {});
     });
     killed.wait();
     CHECK(namesInFolder(r.desk.discs).size() == 2);
-    removeNotedParts(r.desk.folder / "state");
+    files::removeNotedParts(r.desk.folder / "state");
     CHECK(namesInFolder(r.desk.discs).empty());
 }
 
@@ -405,8 +405,8 @@ TEST_CASE("Tracks that are longer than any disc are refused")
 {
     DiscDesk desk;
     const Text path = desk.output + "/long.wav";
-    const std::int64_t most = mostSectors * bytesOfSector;
-    const auto recorder = makeImageRecorder(desk.folders, desk.parts);
+    const std::int64_t most = disc::mostSectors * bytesOfSector;
+    const auto recorder = disc::makeImageRecorder(desk.folders, desk.parts);
     for (const bool fits : {true, false}) {
         CAPTURE(fits);
         const std::int64_t bytes = fits ? most : most + 4;
@@ -414,9 +414,9 @@ TEST_CASE("Tracks that are longer than any disc are refused")
         putFile(path,
                 "RIFF" + littleEndian(size + 36, 4) + wavFile("").substr(8, 32) + littleEndian(size, 4));
         std::filesystem::resize_file(path, static_cast<std::uintmax_t>(bytes) + 44);
-        std::vector<CdSound> sounds;
-        sounds.push_back(std::move(*CdSound::open(path)));
-        WriteSettings settings;
+        std::vector<disc::CdSound> sounds;
+        sounds.push_back(std::move(*disc::CdSound::open(path)));
+        disc::WriteSettings settings;
         settings.simulate = true;
         CHECK((failureOf([&] { recorder->prepare(std::move(sounds), settings); }) == 0) == fits);
     }

@@ -44,7 +44,7 @@ struct Computer {
     std::vector<Drive> drives()
     {
         putFile(folder / "mountinfo", table);
-        return MountedDrives({home, folder / "mountinfo", folder / "labels"}).all();
+        return desktop::MountedDrives({home, folder / "mountinfo", folder / "labels"}).all();
     }
     std::vector<Text> paths()
     {
@@ -174,14 +174,14 @@ TEST_CASE("Labels stand beside the paths")
 
 TEST_CASE("Lines of the table are taken apart as they are meant")
 {
-    const auto mounts =
-        mountsIn("36 35 98:0 /mnt1 /mnt\\0402\\134\\011x rw master:1 tag:2 - ext3 /dev/root rw,errors=1\n"
-                 "37 35 98:1 / /no/tags rw - ext4 /dev/sdb1\n"
-                 "\n"
-                 "rubbish\n"
-                 "38 35 98:2 / /cut rw -\n"
-                 "39 35 98:3 / /short - ext4 x\n"
-                 "40 35 98:4 / /odd\\09x\\ rw - ext4 none rw");
+    const auto mounts = desktop::mountsIn(
+        "36 35 98:0 /mnt1 /mnt\\0402\\134\\011x rw master:1 tag:2 - ext3 /dev/root rw,errors=1\n"
+        "37 35 98:1 / /no/tags rw - ext4 /dev/sdb1\n"
+        "\n"
+        "rubbish\n"
+        "38 35 98:2 / /cut rw -\n"
+        "39 35 98:3 / /short - ext4 x\n"
+        "40 35 98:4 / /odd\\09x\\ rw - ext4 none rw");
     REQUIRE(mounts.size() == 3);
     CHECK(mounts[0].device == "98:0");
     CHECK(mounts[0].folder == "/mnt 2\\\tx");
@@ -189,24 +189,24 @@ TEST_CASE("Lines of the table are taken apart as they are meant")
     CHECK(mounts[0].source == "/dev/root");
     CHECK(mounts[1].folder == "/no/tags");
     CHECK(mounts[2].folder == "/odd\\09x\\");
-    CHECK(mountsIn("").empty());
+    CHECK(desktop::mountsIn("").empty());
 }
 
 TEST_CASE("A path lies on the device of the innermost mount, the later of two at one place")
 {
-    const std::vector<Mount> mounts = {
+    const std::vector<desktop::Mount> mounts = {
         {"1", "/", "", ""}, {"2", "/home", "", ""}, {"3", "/home/bob/x", "", ""}, {"4", "/home", "", ""}};
-    CHECK(deviceOf(mounts, "/") == "1");
-    CHECK(deviceOf(mounts, "/homes") == "1");
-    CHECK(deviceOf(mounts, "/home") == "4");
-    CHECK(deviceOf(mounts, "/home/bob") == "4");
-    CHECK(deviceOf(mounts, "/home/bob/x/y") == "3");
-    CHECK(deviceOf({}, "/").empty());
+    CHECK(desktop::deviceOf(mounts, "/") == "1");
+    CHECK(desktop::deviceOf(mounts, "/homes") == "1");
+    CHECK(desktop::deviceOf(mounts, "/home") == "4");
+    CHECK(desktop::deviceOf(mounts, "/home/bob") == "4");
+    CHECK(desktop::deviceOf(mounts, "/home/bob/x/y") == "3");
+    CHECK(desktop::deviceOf({}, "/").empty());
 }
 
 TEST_CASE("This system's own drives begin with the tree and can all be read")
 {
-    const auto drives = MountedDrives({.home = "/root"}).all();
+    const auto drives = desktop::MountedDrives({.home = "/root"}).all();
     REQUIRE(!drives.empty());
     CHECK(drives.front().path == "/");
     for (const Drive& drive : drives)

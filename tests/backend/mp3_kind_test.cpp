@@ -46,7 +46,7 @@ Text takersOfBytes(SoundParts& parts, const Text& bytes)
     return takersOf(parts, parts.folder / "a.mp3");
 }
 
-bool isMp3(const Text& path) { return formats::findMp3(InputFile::open(path)).has_value(); }
+bool isMp3(const Text& path) { return formats::findMp3(files::InputFile::open(path)).has_value(); }
 
 Text noise(std::size_t count, std::minstd_rand& random)
 {

@@ -198,7 +198,7 @@ TEST_CASE("Joined files of different rates can be entered anywhere, at the rate 
     putFile(path, mp3Bytes(noise(second), {.hasInfoFrame = false}) +
                       mp3Bytes(noise(second, 2), {.rate = 22050, .bitrate = 64, .hasInfoFrame = false}) +
                       mp3Bytes(noise(second, 3), {.rate = 48000, .hasInfoFrame = false}));
-    const auto sound = openMp3Sound(path);
+    const auto sound = audio::openMp3Sound(path);
     REQUIRE(sound);
     auto& source = *sound->source;
     const auto readAll = [&source] {

@@ -18,7 +18,7 @@ std::optional<Mp3Facts> factsOf(const Text& bytes)
 {
     TemporaryFolder folder;
     putFile(folder / "a.mp3", bytes);
-    return probeMp3(InputFile::open(folder / "a.mp3"));
+    return probeMp3(files::InputFile::open(folder / "a.mp3"));
 }
 
 Text randomBytes(std::size_t count, unsigned seed = 1)
@@ -193,7 +193,7 @@ TEST_CASE("Cut at any byte, a file is measured as the decoder plays it")
     for (std::size_t size = bytes.size() - 500; size < bytes.size(); size += 7) {
         CAPTURE(size);
         putFile(folder / "a.mp3", bytes.substr(0, size));
-        const auto facts = probeMp3(InputFile::open(folder / "a.mp3"));
+        const auto facts = probeMp3(files::InputFile::open(folder / "a.mp3"));
         REQUIRE(facts);
         CHECK(facts->samples() == static_cast<std::int64_t>(decoded(folder / "a.mp3").size()));
     }

@@ -292,8 +292,8 @@ TEST_CASE("The file that is opened for its levels takes no tag")
 {
     Files files;
     const Text before = fileBytes(files.clip);
-    const auto mp3 = makeMpg123Play(files.output, files.post, files.shell, NoPartNotes::instance(),
-                                    files.unopened, files.clip);
+    const auto mp3 = audio::makeMpg123Play(files.output, files.post, files.shell, NoPartNotes::instance(),
+                                           files.unopened, files.clip);
     REQUIRE(mp3->Open(files.clip, "") == 0);
     save(*mp3, set);
     CHECK(fileBytes(files.clip) == before);

@@ -10,7 +10,7 @@ TEST_CASE("The system's list of drives is read column by column")
     struct Case {
         const char* list;
         const char* text;
-        std::vector<ListedDrive> drives;
+        std::vector<disc::ListedDrive> drives;
     };
     const Case cases[] = {
         {"two drives, the newer first",
@@ -30,19 +30,20 @@ TEST_CASE("The system's list of drives is read column by column")
     };
     for (const auto& c : cases) {
         CAPTURE(c.list);
-        CHECK(drivesIn(c.text) == c.drives);
+        CHECK(disc::drivesIn(c.text) == c.drives);
     }
 }
 
-TEST_CASE("Without a drive there is none") { CHECK(opticalDevices().empty()); }
+TEST_CASE("Without a drive there is none") { CHECK(disc::opticalDevices().empty()); }
 
 TEST_CASE("Drives are named by what they say of themselves and their device, and none is touched")
 {
     SimulatedDrive second(1, "MAKER", "DVD-ROM");
     SimulatedDrive first(0, "ACME", "CD-RW 4224");
     second.change([](simulated::Drive& drive) { drive.canWrite = false; });
-    CHECK(opticalDevices() == std::vector<OpticalDevice>{{"/dev/sr0", "ACME CD-RW 4224 (/dev/sr0)", true},
-                                                         {"/dev/sr1", "MAKER DVD-ROM (/dev/sr1)", false}});
+    CHECK(disc::opticalDevices() ==
+          std::vector<disc::OpticalDevice>{{"/dev/sr0", "ACME CD-RW 4224 (/dev/sr0)", true},
+                                           {"/dev/sr1", "MAKER DVD-ROM (/dev/sr1)", false}});
     CHECK(first.now().opened == 0);
     CHECK(second.now().opened == 0);
 }
@@ -50,10 +51,10 @@ TEST_CASE("Drives are named by what they say of themselves and their device, and
 TEST_CASE("A drive that says nothing of itself still has a name")
 {
     SimulatedDrive drive(3, "", "");
-    REQUIRE(opticalDevices().size() == 1);
-    CHECK(opticalDevices().front().name == "CD drive (/dev/sr3)");
+    REQUIRE(disc::opticalDevices().size() == 1);
+    CHECK(disc::opticalDevices().front().name == "CD drive (/dev/sr3)");
     SimulatedDrive other(4, "", "Model");
-    CHECK(opticalDevices().back().name == "Model (/dev/sr4)");
+    CHECK(disc::opticalDevices().back().name == "Model (/dev/sr4)");
 }
 
 TEST_CASE("Drives appear and vanish")
@@ -61,7 +62,7 @@ TEST_CASE("Drives appear and vanish")
     const auto first = std::make_unique<SimulatedDrive>(0);
     {
         SimulatedDrive second(1);
-        CHECK(opticalDevices().size() == 2);
+        CHECK(disc::opticalDevices().size() == 2);
     }
-    CHECK(opticalDevices().size() == 1);
+    CHECK(disc::opticalDevices().size() == 1);
 }

@@ -23,7 +23,7 @@ public:
     std::set<Text> noted;
 };
 
-void write(OutputFile& file, std::string_view text, std::int64_t at)
+void write(files::OutputFile& file, std::string_view text, std::int64_t at)
 {
     file.write(std::as_bytes(std::span(text)), at);
 }
@@ -35,7 +35,7 @@ TEST_CASE("A file has its name when it is finished, and not before")
     TemporaryFolder folder;
     NotedParts notes;
     {
-        OutputFile part(folder / "a.mp3", notes);
+        files::OutputFile part(folder / "a.mp3", notes);
         write(part, "world", 6);
         write(part, "hello ", 0);
         const auto names = namesInFolder(folder.path());
@@ -55,7 +55,7 @@ TEST_CASE("A file that is not finished leaves nothing, and the old one stands")
     NotedParts notes;
     putFile(folder / "a.mp3", "old");
     {
-        OutputFile part(folder / "a.mp3", notes);
+        files::OutputFile part(folder / "a.mp3", notes);
         write(part, "new", 0);
     }
     CHECK(fileBytes(folder / "a.mp3") == "old");
@@ -66,8 +66,8 @@ TEST_CASE("A file that is not finished leaves nothing, and the old one stands")
 TEST_CASE("Two files for one target do not meet")
 {
     TemporaryFolder folder;
-    OutputFile one(folder / "a.mp3", NoPartNotes::instance());
-    OutputFile other(folder / "a.mp3", NoPartNotes::instance());
+    files::OutputFile one(folder / "a.mp3", NoPartNotes::instance());
+    files::OutputFile other(folder / "a.mp3", NoPartNotes::instance());
     write(one, "one", 0);
     write(other, "other", 0);
     one.finish();
@@ -81,7 +81,7 @@ TEST_CASE("A target with the longest possible name can be made")
     TemporaryFolder folder;
     const Text name = Text(125, 'x') + Text("ä").append(Text(120, 'y')) + ".mp3";
     const Text longest = name + Text(255 - name.size(), 'z');
-    OutputFile part(folder / longest, NoPartNotes::instance());
+    files::OutputFile part(folder / longest, NoPartNotes::instance());
     write(part, "x", 0);
     part.finish();
     CHECK(namesInFolder(folder.path()) == std::set<Text>{longest});
@@ -93,7 +93,7 @@ TEST_CASE("A link is written through, and the mode of the old file stays")
     putFile(folder / "real.mp3", "old");
     chmod((folder / "real.mp3").c_str(), 0640);
     REQUIRE(symlink("real.mp3", (folder / "link.mp3").c_str()) == 0);
-    OutputFile part(folder / "link.mp3", NoPartNotes::instance());
+    files::OutputFile part(folder / "link.mp3", NoPartNotes::instance());
     write(part, "new", 0);
     part.finish();
     CHECK(fileBytes(folder / "real.mp3") == "new");
@@ -109,7 +109,7 @@ TEST_CASE("What is no plain file is never replaced")
     std::filesystem::create_directory(folder / "folder.mp3");
     REQUIRE(mkfifo((folder / "pipe.mp3").c_str(), 0600) == 0);
     const auto make = [&](const Text& target) {
-        return failureOf([&] { OutputFile(target, NoPartNotes::instance()).finish(); });
+        return failureOf([&] { files::OutputFile(target, NoPartNotes::instance()).finish(); });
     };
     CHECK(make(folder / "folder.mp3") == 75);
     CHECK(make(folder / "pipe.mp3") == 75);
@@ -127,11 +127,11 @@ TEST_CASE("Two names of one file are known as one")
     putFile(folder / "b", "a");
     REQUIRE(link((folder / "a").c_str(), (folder / "hard").c_str()) == 0);
     REQUIRE(symlink("a", (folder / "soft").c_str()) == 0);
-    CHECK(isSameFile(folder / "a", folder / "a"));
-    CHECK(isSameFile(folder / "a", folder / "hard"));
-    CHECK(isSameFile(folder / "soft", folder / "a"));
-    CHECK(isSameFile(folder / "a", folder.path() + "/./a"));
-    CHECK_FALSE(isSameFile(folder / "a", folder / "b"));
-    CHECK_FALSE(isSameFile(folder / "a", folder / "missing"));
-    CHECK_FALSE(isSameFile(folder / "missing", folder / "missing"));
+    CHECK(files::isSameFile(folder / "a", folder / "a"));
+    CHECK(files::isSameFile(folder / "a", folder / "hard"));
+    CHECK(files::isSameFile(folder / "soft", folder / "a"));
+    CHECK(files::isSameFile(folder / "a", folder.path() + "/./a"));
+    CHECK_FALSE(files::isSameFile(folder / "a", folder / "b"));
+    CHECK_FALSE(files::isSameFile(folder / "a", folder / "missing"));
+    CHECK_FALSE(files::isSameFile(folder / "missing", folder / "missing"));
 }

@@ -13,7 +13,7 @@
 namespace
 {
 
-Environment bob()
+desktop::Environment bob()
 {
     return {.executable = "/opt/velmora/velmora", .home = "/home/bob", .accountHome = "/accounts/bob"};
 }
@@ -22,10 +22,10 @@ Environment bob()
 struct Installed {
     TemporaryFolder folder;
     Text share = folder / "usr/share/velmora";
-    Environment environment{.executable = folder / "usr/bin/velmora", .home = folder / "home"};
+    desktop::Environment environment{.executable = folder / "usr/bin/velmora", .home = folder / "home"};
     Text own = folder / "home/.local/share/Velmora";
-    StatePartNotes notes{folder / "state"};
-    DiskTextFiles files{notes};
+    files::StatePartNotes notes{folder / "state"};
+    files::DiskTextFiles files{notes};
 
     Installed()
     {
@@ -34,7 +34,7 @@ struct Installed {
         putFile(share + "/conf.mp3", Text("\xFF\xFB\0sound", 8));
         putFile(share + "/updates.txt", "Version 2.0.3\r\n");
     }
-    void start() { fillApplicationFolder(environment, files); }
+    void start() { desktop::fillApplicationFolder(environment, files); }
     Text updates() const { return fileBytes(own + "/updates.txt"); }
 };
 
@@ -42,33 +42,33 @@ struct Installed {
 
 TEST_CASE("Folders of the program lie below the base folders")
 {
-    Environment environment = bob();
-    CHECK(homeFolder(environment) == "/home/bob");
-    CHECK(configFolder(environment) == "/home/bob/.config/Velmora");
-    CHECK(dataFolder(environment) == "/home/bob/.local/share/Velmora");
-    CHECK(stateFolder(environment) == "/home/bob/.local/state/Velmora");
-    CHECK(cacheFolder(environment) == "/home/bob/.cache/Velmora");
+    desktop::Environment environment = bob();
+    CHECK(desktop::homeFolder(environment) == "/home/bob");
+    CHECK(desktop::configFolder(environment) == "/home/bob/.config/Velmora");
+    CHECK(desktop::dataFolder(environment) == "/home/bob/.local/share/Velmora");
+    CHECK(desktop::stateFolder(environment) == "/home/bob/.local/state/Velmora");
+    CHECK(desktop::cacheFolder(environment) == "/home/bob/.cache/Velmora");
     environment.configHome = "/c";
     environment.dataHome = "/d/";
     environment.stateHome = "/s";
     environment.cacheHome = "/x//";
-    CHECK(configFolder(environment) == "/c/Velmora");
-    CHECK(dataFolder(environment) == "/d/Velmora");
-    CHECK(stateFolder(environment) == "/s/Velmora");
-    CHECK(cacheFolder(environment) == "/x/Velmora");
+    CHECK(desktop::configFolder(environment) == "/c/Velmora");
+    CHECK(desktop::dataFolder(environment) == "/d/Velmora");
+    CHECK(desktop::stateFolder(environment) == "/s/Velmora");
+    CHECK(desktop::cacheFolder(environment) == "/x/Velmora");
 }
 
 TEST_CASE("A relative base folder is ignored")
 {
-    Environment environment = bob();
+    desktop::Environment environment = bob();
     environment.configHome = "config";
     environment.dataHome = "./data";
     environment.stateHome = "~/state";
     environment.cacheHome = "$HOME/cache";
-    CHECK(configFolder(environment) == "/home/bob/.config/Velmora");
-    CHECK(dataFolder(environment) == "/home/bob/.local/share/Velmora");
-    CHECK(stateFolder(environment) == "/home/bob/.local/state/Velmora");
-    CHECK(cacheFolder(environment) == "/home/bob/.cache/Velmora");
+    CHECK(desktop::configFolder(environment) == "/home/bob/.config/Velmora");
+    CHECK(desktop::dataFolder(environment) == "/home/bob/.local/share/Velmora");
+    CHECK(desktop::stateFolder(environment) == "/home/bob/.local/state/Velmora");
+    CHECK(desktop::cacheFolder(environment) == "/home/bob/.cache/Velmora");
 }
 
 TEST_CASE("Without HOME the account's own folder is home, and the root is when there is none")
@@ -85,9 +85,9 @@ TEST_CASE("Without HOME the account's own folder is home, and the root is when t
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);
-        CHECK(homeFolder({.home = c.home, .accountHome = c.accountHome}) == c.found);
+        CHECK(desktop::homeFolder({.home = c.home, .accountHome = c.accountHome}) == c.found);
     }
-    CHECK(configFolder({}) == "/.config/Velmora");
+    CHECK(desktop::configFolder({}) == "/.config/Velmora");
 }
 
 TEST_CASE("The music folder is the user's choice")
@@ -124,7 +124,7 @@ TEST_CASE("The music folder is the user's choice")
         if (c.lines)
             putFile(home / ".config/user-dirs.dirs", c.lines);
         const Text expected = *c.found == '/' ? Text(c.found) : *c.found ? home / c.found : home.path();
-        CHECK(musicFolder({.home = home.path()}) == expected);
+        CHECK(desktop::musicFolder({.home = home.path()}) == expected);
         CHECK_FALSE(std::filesystem::exists(home / "Music"));
     }
 }
@@ -133,27 +133,27 @@ TEST_CASE("The user directories' file lies in the configuration folder that is s
 {
     const TemporaryFolder home;
     putFile(home / "user-dirs.dirs", "XDG_MUSIC_DIR=\"$HOME/M\"\n");
-    CHECK(musicFolder({.home = "/h", .configHome = home.path()}) == "/h/M");
-    CHECK(musicFolder({.home = "/h", .configHome = "relative"}) == "/h/Music");
+    CHECK(desktop::musicFolder({.home = "/h", .configHome = home.path()}) == "/h/M");
+    CHECK(desktop::musicFolder({.home = "/h", .configHome = "relative"}) == "/h/Music");
 }
 
 TEST_CASE("A portable copy keeps its files beside itself, and nothing is filled in")
 {
     const TemporaryFolder folder;
-    Environment environment{.executable = folder / "velmora", .home = folder / "home"};
-    CHECK(applicationFolder(environment) == folder.path());
-    StatePartNotes notes(folder / "state");
-    DiskTextFiles files(notes);
-    fillApplicationFolder(environment, files);
+    desktop::Environment environment{.executable = folder / "velmora", .home = folder / "home"};
+    CHECK(desktop::applicationFolder(environment) == folder.path());
+    files::StatePartNotes notes(folder / "state");
+    files::DiskTextFiles files(notes);
+    desktop::fillApplicationFolder(environment, files);
     CHECK(namesInFolder(folder.path()).empty());
     environment.executable = "/velmora";
-    CHECK(applicationFolder(environment) == "/");
+    CHECK(desktop::applicationFolder(environment) == "/");
 }
 
 TEST_CASE("An installed program's files come into the user's folder at the first start")
 {
     Installed installed;
-    CHECK(applicationFolder(installed.environment) == installed.own);
+    CHECK(desktop::applicationFolder(installed.environment) == installed.own);
     CHECK_FALSE(std::filesystem::exists(installed.own));
     installed.start();
     CHECK(fileBytes(installed.own + "/conf.mp3") == Text("\xFF\xFB\0sound", 8));
@@ -233,12 +233,12 @@ TEST_CASE("A user's folder that cannot be made is still the one, and no failure"
     Installed installed;
     putFile(installed.folder / "home", "a file");
     installed.start();
-    CHECK(applicationFolder(installed.environment) == installed.own);
+    CHECK(desktop::applicationFolder(installed.environment) == installed.own);
 }
 
 TEST_CASE("The process knows its own program and home")
 {
-    const Environment environment = environmentOfProcess();
+    const desktop::Environment environment = desktop::environmentOfProcess();
     CHECK(environment.executable == std::filesystem::read_symlink("/proc/self/exe").string());
-    CHECK(homeFolder(environment).starts_with('/'));
+    CHECK(desktop::homeFolder(environment).starts_with('/'));
 }

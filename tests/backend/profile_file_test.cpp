@@ -23,9 +23,9 @@ constexpr const char* section = "Playlist Editor";
 struct Profile {
     TemporaryFolder folder;
     Text path = folder / "vlmset.ini";
-    StatePartNotes notes{folder / "state"};
-    DiskTextFiles files{notes};
-    DiskProfileFile profile{files};
+    files::StatePartNotes notes{folder / "state"};
+    files::DiskTextFiles files{notes};
+    files::DiskProfileFile profile{files};
 
     Text read(const Text& key, const Text& fallback = "<missing>")
     {

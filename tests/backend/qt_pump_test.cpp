@@ -42,7 +42,7 @@ TEST_CASE("Standing still does not come back, also not by a signal, and takes no
 {
     Child child([] {
         std::signal(SIGURG, [](int) {}); // wakes it, and it stands on
-        QtPump().standStill();
+        desktop::QtPump().standStill();
     });
     CHECK(waitUntil([&] { return sleeps(child.id()); }));
     for (int signals = 0; signals < 20; ++signals) {

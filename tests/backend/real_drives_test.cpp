@@ -21,7 +21,7 @@ constexpr std::uint8_t readCd = 0xBE;
 struct Drives {
     SimulatedDrive drive;
     DiscDesk desk;
-    Discs discs{desk.folders, desk.folder / "titles"};
+    disc::Discs discs{desk.folders, desk.folder / "titles"};
     std::unique_ptr<ACD> reader = discs.makeReader(desk.window, desk.shell, desk.parts, desk.sleepLock);
     std::unique_ptr<ACDWRITE> writer = discs.makeWriter(desk.window, desk.shell, desk.parts, desk.sleepLock);
     Heard<ACD> heard{desk.window, *reader};
@@ -95,7 +95,7 @@ TEST_CASE("WAV files go onto a disc and come back from it bit for bit")
 TEST_CASE("Without any drive the controls answer at once, and images are made and read")
 {
     DiscDesk desk;
-    const Discs discs(desk.folders, desk.folder / "titles");
+    const disc::Discs discs(desk.folders, desk.folder / "titles");
     const auto reader = discs.makeReader(desk.window, desk.shell, desk.parts, desk.sleepLock);
     const auto writer = discs.makeWriter(desk.window, desk.shell, desk.parts, desk.sleepLock);
     const auto titles = discs.makeTitles();
@@ -130,7 +130,7 @@ TEST_CASE("Without any drive the controls answer at once, and images are made an
 TEST_CASE("A drive that appears is listed at the next look, and one that vanishes makes place for the first")
 {
     DiscDesk desk;
-    const Discs discs(desk.folders, desk.folder / "titles");
+    const disc::Discs discs(desk.folders, desk.folder / "titles");
     const auto reader = discs.makeReader(desk.window, desk.shell, desk.parts, desk.sleepLock);
     CHECK(reader->DriveCount() == 1);
     SimulatedDrive first(0);
@@ -306,7 +306,7 @@ TEST_CASE("Titles are looked up for the disc in the first drive")
 {
     Drives d;
     d.drive.insert({{noise(400 * bytesOfSector)}, {noise(300 * bytesOfSector)}});
-    const Text id = discId({{{true, 0, 400}, {true, 400, 300}}, 700});
+    const Text id = disc::discId({{{true, 0, 400}, {true, 400, 300}}, 700});
     LoopbackServer server([&](const Text& target, const LoopbackServer::Client& client) {
         const bool isQuery = fieldOf(target, "cmd").starts_with("cddb query " + id + " 2 150 550 ");
         client.sendPage(isQuery ? "200 rock " + id + " A / B\r\n"

@@ -67,14 +67,14 @@ TEST_CASE("The levels are 100 at first, held to their range, and kept for the ne
 {
     SoundParts parts;
     const Text file = putWav(parts.folder / "a.wav", constant(100));
-    CHECK(parts.output.levels() == Levels::Pair{100, 100});
+    CHECK(parts.output.levels() == audio::Levels::Pair{100, 100});
     REQUIRE(parts.mp3->Open(file, "") == 0);
     CHECK(parts.mp3->LeftVolume() == 100);
 
     struct Case {
         std::int16_t left;
         std::int16_t right;
-        Levels::Pair then;
+        audio::Levels::Pair then;
     };
     const Case cases[] = {{80, 50, {80, 50}}, {20, -30, {20, 0}}, {32767, 101, {100, 100}}, {0, 0, {0, 0}}};
     for (const auto& c : cases) {
@@ -82,7 +82,7 @@ TEST_CASE("The levels are 100 at first, held to their range, and kept for the ne
         parts.mp3->SetVolume(c.left, c.right);
         CHECK(parts.mp3->LeftVolume() == c.then.left);
         CHECK(parts.mp3->RightVolume() == c.then.right);
-        CHECK(SoundOutput(parts.folder / "state/levels", parts.activity).levels() == c.then);
+        CHECK(audio::SoundOutput(parts.folder / "state/levels", parts.activity).levels() == c.then);
     }
 }
 
@@ -92,7 +92,7 @@ TEST_CASE("With nothing open the levels read 0 and are not set")
     parts.mp3->SetVolume(10, 10);
     CHECK(parts.mp3->LeftVolume() == 0);
     CHECK(parts.mp3->RightVolume() == 0);
-    CHECK(parts.output.levels() == Levels::Pair{100, 100});
+    CHECK(parts.output.levels() == audio::Levels::Pair{100, 100});
 }
 
 TEST_CASE("A damaged file of levels counts as none, and a folder that cannot be written loses them quietly")
@@ -102,13 +102,13 @@ TEST_CASE("A damaged file of levels counts as none, and a folder that cannot be 
     for (const char* content : {"", "loud", "50", "50 fifty", "999999 3"}) {
         CAPTURE(content);
         putFile(folder / "levels", content);
-        CHECK(SoundOutput(folder / "levels", activity).levels() == Levels::Pair{100, 100});
+        CHECK(audio::SoundOutput(folder / "levels", activity).levels() == audio::Levels::Pair{100, 100});
     }
     putFile(folder / "levels", "120 -5");
-    CHECK(SoundOutput(folder / "levels", activity).levels() == Levels::Pair{100, 0});
+    CHECK(audio::SoundOutput(folder / "levels", activity).levels() == audio::Levels::Pair{100, 0});
 
-    SoundOutput nowhere(folder / "levels/state/levels", activity);
+    audio::SoundOutput nowhere(folder / "levels/state/levels", activity);
     nowhere.setLevels({30, 40});
-    CHECK(nowhere.levels() == Levels::Pair{30, 40});
+    CHECK(nowhere.levels() == audio::Levels::Pair{30, 40});
     CHECK(namesInFolder(folder.path()) == std::set<Text>{"levels"});
 }

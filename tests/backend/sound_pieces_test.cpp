@@ -10,7 +10,7 @@
 
 TEST_CASE("A feed gives what was put into it, in order, however it is cut up")
 {
-    Feed feed(8000, 500, 7);
+    audio::Feed feed(8000, 500, 7);
     std::int16_t next = 0;
     std::int16_t expected = 0;
     std::vector<std::int16_t> read(2 * 300);
@@ -34,35 +34,35 @@ TEST_CASE("A feed gives what was put into it, in order, however it is cut up")
 
 TEST_CASE("A place in a stream tells what is heard there")
 {
-    HearingLog log;
-    CHECK(log.runAt(10).kind == Heard::nothing);
-    log.note({Heard::sound, 0, 1000, 1});
-    log.note({Heard::sound, 441, 1441, 1}); // goes on
-    log.note({Heard::silence, 882, 1882, 1});
-    log.note({Heard::sound, 1323, 1882, 1});
-    log.note({Heard::sound, 2000, 90, 2}); // a seek
+    audio::HearingLog log;
+    CHECK(log.runAt(10).kind == audio::Heard::nothing);
+    log.note({audio::Heard::sound, 0, 1000, 1});
+    log.note({audio::Heard::sound, 441, 1441, 1}); // goes on
+    log.note({audio::Heard::silence, 882, 1882, 1});
+    log.note({audio::Heard::sound, 1323, 1882, 1});
+    log.note({audio::Heard::sound, 2000, 90, 2}); // a seek
     log.runAt(0);
     CHECK(!log.end());
-    log.note({Heard::end, 2100, 190, 2});
+    log.note({audio::Heard::end, 2100, 190, 2});
     log.runAt(0);
     CHECK(log.end().value_or(0) == 2100);
 
     struct Case {
         std::int64_t at;
-        Heard kind;
+        audio::Heard kind;
         std::int64_t source;
         std::uint64_t serial;
         std::int64_t nextAt; // 0: none
     };
     const Case cases[] = {
-        {0, Heard::sound, 1000, 1, 882},      {881, Heard::sound, 1000, 1, 882},
-        {882, Heard::silence, 1882, 1, 1323}, {1999, Heard::sound, 1882, 1, 2000},
-        {2000, Heard::sound, 90, 2, 2100},    {2100, Heard::end, 190, 2, 0},
-        {999999, Heard::end, 190, 2, 0},
+        {0, audio::Heard::sound, 1000, 1, 882},      {881, audio::Heard::sound, 1000, 1, 882},
+        {882, audio::Heard::silence, 1882, 1, 1323}, {1999, audio::Heard::sound, 1882, 1, 2000},
+        {2000, audio::Heard::sound, 90, 2, 2100},    {2100, audio::Heard::end, 190, 2, 0},
+        {999999, audio::Heard::end, 190, 2, 0},
     };
     for (const auto& c : cases) {
         CAPTURE(c.at);
-        const Run& run = log.runAt(c.at);
+        const audio::Run& run = log.runAt(c.at);
         CHECK(run.kind == c.kind);
         CHECK(run.source == c.source);
         CHECK(run.serial == c.serial);
@@ -72,17 +72,17 @@ TEST_CASE("A place in a stream tells what is heard there")
 
 TEST_CASE("A log that nobody reads loses the newest runs, and never waits")
 {
-    HearingLog log;
+    audio::HearingLog log;
     for (std::int64_t n = 0; n < 1000; ++n)
-        log.note({n % 2 == 0 ? Heard::sound : Heard::silence, n * 10, n, 1});
+        log.note({n % 2 == 0 ? audio::Heard::sound : audio::Heard::silence, n * 10, n, 1});
     CHECK(log.runAt(105).at == 100);
-    log.note({Heard::sound, 10000, 5000, 1});
+    log.note({audio::Heard::sound, 10000, 5000, 1});
     CHECK(log.runAt(10001).source == 5000);
 }
 
 TEST_CASE("A timeline of several rates counts evenly in the first")
 {
-    const Timeline timeline({{44100, 44100}, {22050, 22050}, {96000, 48000}});
+    const audio::Timeline timeline({{44100, 44100}, {22050, 22050}, {96000, 48000}});
     CHECK(timeline.rate() == 44100);
     CHECK(timeline.frames() == 162150);
     struct Case {
@@ -110,27 +110,28 @@ TEST_CASE("A timeline of several rates counts evenly in the first")
 TEST_CASE("A place in milliseconds reads back as it was set")
 {
     for (const int rate : {8000, 11025, 44100, 48000, 192000}) {
-        const Timeline timeline({{rate * 10, rate}});
+        const audio::Timeline timeline({{rate * 10, rate}});
         for (std::int32_t milliseconds = 0; milliseconds <= 10000; milliseconds += 7)
             CHECK(timeline.milliseconds(timeline.frameAtMilliseconds(milliseconds)) == milliseconds);
         CHECK(timeline.frameAtMilliseconds(-5) == 0);
     }
-    CHECK(Timeline().milliseconds(5) == 0);
-    CHECK(Timeline().frameAtMilliseconds(5) == 0);
+    CHECK(audio::Timeline().milliseconds(5) == 0);
+    CHECK(audio::Timeline().frameAtMilliseconds(5) == 0);
 }
 
 TEST_CASE("Levels scale each side by itself, and 100 changes no sample")
 {
-    const auto levels = std::make_shared<Levels>();
+    const auto levels = std::make_shared<audio::Levels>();
     std::vector<std::int16_t> all(65536);
     std::iota(all.begin(), all.end(), std::int16_t{-32768});
     auto played = all;
-    Gain(levels, 44100).apply(played.data(), played.size() / 2);
+    audio::Gain(levels, 44100).apply(played.data(), played.size() / 2);
     CHECK((played == all));
 
     levels->set({50, 0});
     std::vector<std::int16_t> loud(400, -32768);
-    Gain(levels, 44100).apply(loud.data(), loud.size() / 2); // a stream begins at the levels as they are
+    audio::Gain(levels, 44100)
+        .apply(loud.data(), loud.size() / 2); // a stream begins at the levels as they are
     for (std::size_t n = 0; n < loud.size(); n += 2)
         REQUIRE((loud[n] == -16384 && loud[n + 1] == 0));
 }

@@ -26,10 +26,10 @@ struct Place {
     TemporaryFolder folder;
     Text path = folder / "config/Velmora/settings.sqlite";
 
-    Text get(const Text& key) const { return SqliteStore(path).GetSetting(app, section, key); }
+    Text get(const Text& key) const { return desktop::SqliteStore(path).GetSetting(app, section, key); }
     void save(const Text& key, const Text& value) const
     {
-        SqliteStore(path).SaveSetting(app, section, key, value);
+        desktop::SqliteStore(path).SaveSetting(app, section, key, value);
     }
     void make() const { save("Left", "1"); }
 };
@@ -75,14 +75,14 @@ TEST_CASE("Settings outlast the store that saved them")
 {
     const Place place;
     {
-        SqliteStore store(place.path);
+        desktop::SqliteStore store(place.path);
         store.SaveSetting(app, section, "Left", "1200");
         store.SaveSetting(app, "Position PlayList Editor", "Left", "7635.5");
         store.SaveSetting("Another", section, "Left", "3");
         store.SaveSetting(app, section, "Left", "1215");
         CHECK(store.GetSetting(app, section, "Left") == "1215");
     }
-    SqliteStore store(place.path);
+    desktop::SqliteStore store(place.path);
     CHECK(store.GetSetting(app, section, "Left") == "1215");
     CHECK(store.GetSetting(app, "Position PlayList Editor", "Left") == "7635.5");
     CHECK(store.GetSetting("Another", section, "Left") == "3");
@@ -113,7 +113,7 @@ TEST_CASE("Every value comes back byte for byte")
 TEST_CASE("An equal value writes nothing")
 {
     const Place place;
-    SqliteStore store(place.path);
+    desktop::SqliteStore store(place.path);
     store.SaveSetting(app, section, "Left", "1200");
     const Text log = fileBytes(place.path + "-wal");
     REQUIRE(!log.empty());
@@ -128,8 +128,8 @@ TEST_CASE("An equal value writes nothing")
 TEST_CASE("What another process saved is compared with, not what this one remembers")
 {
     const Place place;
-    SqliteStore one(place.path);
-    SqliteStore other(place.path);
+    desktop::SqliteStore one(place.path);
+    desktop::SqliteStore other(place.path);
     one.SaveSetting(app, section, "SHOWN", "YES");
     other.SaveSetting(app, section, "SHOWN", "NO");
     CHECK(one.GetSetting(app, section, "SHOWN") == "NO");
@@ -141,13 +141,13 @@ TEST_CASE("Two processes that save at once lose nothing")
 {
     const Place place;
     const auto saveMany = [&](const Text& prefix) {
-        SqliteStore store(place.path);
+        desktop::SqliteStore store(place.path);
         for (int i = 0; i < 300; ++i)
             store.SaveSetting(app, section, prefix + std::to_string(i), std::to_string(i));
         // What the other process was in the way of is saved by a later tick.
         return waitUntil([&] {
             store.SaveSetting(app, section, prefix + "0", "0");
-            SqliteStore witness(place.path);
+            desktop::SqliteStore witness(place.path);
             for (int i = 0; i < 300; ++i)
                 if (witness.GetSetting(app, section, prefix + std::to_string(i)) != std::to_string(i))
                     return false;
@@ -158,7 +158,7 @@ TEST_CASE("Two processes that save at once lose nothing")
     Child other([&] { saveMany("other"); });
     REQUIRE(one.wait() == 0);
     REQUIRE(other.wait() == 0);
-    SqliteStore store(place.path);
+    desktop::SqliteStore store(place.path);
     for (int i = 0; i < 300; ++i)
         for (const char* prefix : {"one", "other"}) {
             CAPTURE(prefix);
@@ -174,7 +174,7 @@ TEST_CASE("A kill at any instant loses nothing that was saved")
         int pipes[2];
         REQUIRE(pipe2(pipes, O_CLOEXEC) == 0);
         Child writer([&] {
-            SqliteStore store(place.path);
+            desktop::SqliteStore store(place.path);
             for (int i = 1;; ++i) {
                 store.SaveSetting(app, section, "Left", std::to_string(i));
                 std::ignore = write(pipes[1], &i, sizeof i);
@@ -199,7 +199,7 @@ TEST_CASE("A kill at any instant loses nothing that was saved")
 TEST_CASE("However much is saved, the log stays short enough to be read at a start")
 {
     const Place place;
-    SqliteStore store(place.path);
+    desktop::SqliteStore store(place.path);
     for (int i = 0; i < 5000; ++i)
         store.SaveSetting(app, section, "Left", std::to_string(i));
     CHECK(std::filesystem::file_size(place.path + "-wal") < 1'500'000);
@@ -220,7 +220,7 @@ TEST_CASE("A file that is no database is set aside and a new one begun")
         const Place place;
         place.make();
         putFile(place.path, c.content);
-        SqliteStore store(place.path);
+        desktop::SqliteStore store(place.path);
         CHECK(store.GetSetting(app, section, "Left").empty());
         store.SaveSetting(app, section, "Left", "2");
         CHECK(place.get("Left") == "2");
@@ -246,7 +246,7 @@ TEST_CASE("A database whose pages are damaged is set aside when that shows")
     REQUIRE(bytes.size() >= 2048);
     bytes.replace(1024, bytes.size() - 1024, bytes.size() - 1024, '\xAA');
     putFile(place.path, bytes);
-    SqliteStore store(place.path);
+    desktop::SqliteStore store(place.path);
     CHECK(store.GetSetting(app, section, "Left").empty());
     store.SaveSetting(app, section, "Left", "2");
     CHECK(store.GetSetting(app, section, "Left") == "2");
@@ -277,7 +277,7 @@ TEST_CASE("Somebody else's database is set aside")
 TEST_CASE("Damage in the middle of a run is met without a word")
 {
     const Place place;
-    SqliteStore store(place.path);
+    desktop::SqliteStore store(place.path);
     store.SaveSetting(app, section, "Left", "1");
     REQUIRE(Outsider(place.path).runs("DROP TABLE settings"));
     store.SaveSetting(app, section, "Left", "2");
@@ -289,7 +289,7 @@ TEST_CASE("Two processes that meet the same damage agree on one new store")
 {
     const Place place;
     const auto saveAtLast = [&](const Text& key, const Text& value) {
-        SqliteStore store(place.path);
+        desktop::SqliteStore store(place.path);
         endUnless(waitUntil([&] {
                       store.SaveSetting(app, section, key, value);
                       return place.get(key) ==
@@ -314,7 +314,7 @@ TEST_CASE("Two processes that meet the same damage agree on one new store")
 TEST_CASE("A busy store is waited for only a moment, and gets the value later")
 {
     const Place place;
-    SqliteStore store(place.path);
+    desktop::SqliteStore store(place.path);
     store.SaveSetting(app, section, "Left", "1");
     Outsider outsider(place.path);
     REQUIRE(outsider.runs("BEGIN IMMEDIATE"));
@@ -339,7 +339,7 @@ TEST_CASE("A locked store gives no values and costs no more than a moment")
     place.make();
     Outsider outsider(place.path);
     REQUIRE(outsider.runs("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE"));
-    SqliteStore store(place.path);
+    desktop::SqliteStore store(place.path);
     const double waited = millisecondsOf([&] {
         for (int i = 0; i < 100; ++i)
             CHECK(store.GetSetting(app, section, "Left").empty());
@@ -356,7 +356,7 @@ TEST_CASE("A full disk keeps the old store and the run's own values")
         const rlimit limit{8 * 1024, 8 * 1024};
         signal(SIGXFSZ, SIG_IGN);
         endUnless(setrlimit(RLIMIT_FSIZE, &limit) == 0, 98);
-        SqliteStore store(place.path);
+        desktop::SqliteStore store(place.path);
         store.SaveSetting(app, section, "long", Text(100'000, 'x'));
         store.SaveSetting(app, section, "Left", "2");
         endUnless(store.GetSetting(app, section, "long").size() == 100'000, 1);
@@ -373,7 +373,7 @@ TEST_CASE("A folder that takes no files is no reason to fail")
     chmod(place.folder.path().c_str(), 0555);
     Child child([&] {
         becomeNobody();
-        SqliteStore store(place.path);
+        desktop::SqliteStore store(place.path);
         store.SaveSetting(app, section, "Left", "1");
         endUnless(store.GetSetting(app, section, "Left") == "1", 1);
     });
@@ -389,7 +389,7 @@ TEST_CASE("A store that may only be read is read, and stays")
     const Text folder = place.folder / "config/Velmora";
     // What a killed process leaves: the log and its index stay beside the file.
     Child([&] {
-        SqliteStore store(place.path);
+        desktop::SqliteStore store(place.path);
         store.SaveSetting(app, section, "Left", "7");
         _exit(0);
     }).wait();
@@ -400,7 +400,7 @@ TEST_CASE("A store that may only be read is read, and stays")
         chmod(path.c_str(), 0555);
     Child child([&] {
         becomeNobody();
-        SqliteStore store(place.path);
+        desktop::SqliteStore store(place.path);
         endUnless(store.GetSetting(app, section, "Left") == "7", 1);
         store.SaveSetting(app, section, "Left", "8");
         endUnless(store.GetSetting(app, section, "Left") == "8", 2);
@@ -416,7 +416,7 @@ TEST_CASE("A folder where the file should be is no reason to fail")
 {
     const Place place;
     std::filesystem::create_directories(place.path);
-    SqliteStore store(place.path);
+    desktop::SqliteStore store(place.path);
     store.SaveSetting(app, section, "Left", "1");
     CHECK(store.GetSetting(app, section, "Left") == "1");
     CHECK(std::filesystem::is_directory(place.path));
@@ -424,7 +424,7 @@ TEST_CASE("A folder where the file should be is no reason to fail")
 
 TEST_CASE("A store without a path keeps the run's own values")
 {
-    SqliteStore store("");
+    desktop::SqliteStore store("");
     store.SaveSetting(app, section, "Left", "1");
     CHECK(store.GetSetting(app, section, "Left") == "1");
 }

@@ -25,7 +25,7 @@ struct State {
     void abandon(const Text& path) const
     {
         Child([&] {
-            StatePartNotes notes(state);
+            files::StatePartNotes notes(state);
             notes.note(path);
             putFile(path, "half a song");
             _exit(0);
@@ -40,7 +40,7 @@ TEST_CASE("A part that a process left behind is removed at the next start")
     const State state;
     state.abandon(state.part);
     REQUIRE(std::filesystem::exists(state.part));
-    removeNotedParts(state.state);
+    files::removeNotedParts(state.state);
     CHECK_FALSE(std::filesystem::exists(state.part));
     CHECK(namesInFolder(state.state + "/parts").empty());
 }
@@ -56,7 +56,7 @@ TEST_CASE("Parts on a share that does not answer are left to a later start, soon
     {
         const HungShare hung(share.c_str());
         const auto then = std::chrono::steady_clock::now();
-        removeNotedParts(state.state);
+        files::removeNotedParts(state.state);
         CHECK(millisecondsSince(then) < 30'000); // what hangs here hangs for a minute
         CHECK(hung.waiting() == 1);
         CHECK_FALSE(std::filesystem::exists(state.part));
@@ -65,7 +65,7 @@ TEST_CASE("Parts on a share that does not answer are left to a later start, soon
     CHECK(std::filesystem::exists(far));
     CHECK(waitUntil(
         [&] {
-            removeNotedParts(state.state);
+            files::removeNotedParts(state.state);
             return !std::filesystem::exists(far);
         },
         std::chrono::seconds(30)));
@@ -75,11 +75,11 @@ TEST_CASE("Parts on a share that does not answer are left to a later start, soon
 TEST_CASE("A part of a process that still runs stays")
 {
     const State state;
-    StatePartNotes notes(state.state);
+    files::StatePartNotes notes(state.state);
     notes.note(state.part);
     putFile(state.part, "half a song");
-    Child([&] { removeNotedParts(state.state); }).wait();
-    removeNotedParts(state.state);
+    Child([&] { files::removeNotedParts(state.state); }).wait();
+    files::removeNotedParts(state.state);
     CHECK(std::filesystem::exists(state.part));
 }
 
@@ -88,14 +88,14 @@ TEST_CASE("What was done is not removed, what was noted beside it is")
     const State state;
     const Text other = state.folder / "other.mp3.part";
     Child([&] {
-        StatePartNotes notes(state.state);
+        files::StatePartNotes notes(state.state);
         notes.note(other);
         notes.note(state.part);
         notes.done(other);
         putFile(state.part, "half a song");
         _exit(0);
     }).wait();
-    removeNotedParts(state.state);
+    files::removeNotedParts(state.state);
     CHECK_FALSE(std::filesystem::exists(state.part));
 }
 
@@ -103,13 +103,13 @@ TEST_CASE("A name that comes again after it was done is somebody else's file")
 {
     const State state;
     Child([&] {
-        StatePartNotes notes(state.state);
+        files::StatePartNotes notes(state.state);
         notes.note(state.part);
         notes.done(state.part);
         _exit(0);
     }).wait();
     putFile(state.part, "not ours");
-    removeNotedParts(state.state);
+    files::removeNotedParts(state.state);
     CHECK(std::filesystem::exists(state.part));
 }
 
@@ -121,11 +121,11 @@ TEST_CASE("Nothing but a part file is ever removed")
     const Text folder = state.folder / "folder.part";
     std::filesystem::create_directory(folder);
     Child([&] {
-        StatePartNotes notes(state.state);
+        files::StatePartNotes notes(state.state);
         notes.note(folder);
         _exit(0);
     }).wait();
-    removeNotedParts(state.state);
+    files::removeNotedParts(state.state);
     CHECK(std::filesystem::exists(song));
     CHECK(std::filesystem::exists(folder));
 }
@@ -135,7 +135,7 @@ TEST_CASE("Names with line ends and bytes of any kind are noted whole")
     const State state;
     const Text odd = state.folder / "a\nb\xFF \".part";
     state.abandon(odd);
-    removeNotedParts(state.state);
+    files::removeNotedParts(state.state);
     CHECK_FALSE(std::filesystem::exists(odd));
 }
 
@@ -145,7 +145,7 @@ TEST_CASE("A cut note and rubbish in the folder do no harm")
     std::filesystem::create_directories(state.state + "/parts/folder");
     putFile(state.part, "ours?");
     putFile(state.state + "/parts/cut", state.part);
-    removeNotedParts(state.state);
+    files::removeNotedParts(state.state);
     CHECK(std::filesystem::exists(state.part));
     CHECK(namesInFolder(state.state + "/parts") == std::set<Text>{"folder"});
 }
@@ -153,7 +153,7 @@ TEST_CASE("A cut note and rubbish in the folder do no harm")
 TEST_CASE("A start without a state folder has nothing to do")
 {
     const State state;
-    removeNotedParts(state.state);
+    files::removeNotedParts(state.state);
     CHECK(namesInFolder(state.folder.path()).empty());
 }
 
@@ -161,7 +161,7 @@ TEST_CASE("A state folder that cannot be made costs the notes and nothing else")
 {
     const State state;
     putFile(state.state, "a file");
-    StatePartNotes notes(state.state);
+    files::StatePartNotes notes(state.state);
     notes.note(state.part);
     notes.done(state.part);
     CHECK(fileBytes(state.state) == "a file");
@@ -171,7 +171,7 @@ TEST_CASE("Threads note at the same time, and an orderly end leaves no notes")
 {
     const State state;
     {
-        StatePartNotes notes(state.state);
+        files::StatePartNotes notes(state.state);
         std::vector<std::thread> threads;
         for (int i = 0; i < 4; ++i)
             threads.emplace_back([&, i] {
@@ -198,7 +198,7 @@ struct WholeParts : State {
     WholeParts()
     {
         Child([&] {
-            StatePartNotes notes(state);
+            files::StatePartNotes notes(state);
             for (const auto& each : parts) {
                 notes.note(each.part);
                 putFile(each.part, each.place);
@@ -210,7 +210,7 @@ struct WholeParts : State {
 
     std::set<Text> atNextStart() const
     {
-        removeNotedParts(state);
+        files::removeNotedParts(state);
         auto names = namesInFolder(folder.path());
         names.erase("state");
         return names;

@@ -27,7 +27,7 @@ const Tag odd{"\xD0\x9D\xD0\xB5\xD1\x87", Text(3000, 'o'), "Album", "A comment",
 // Never ends by itself, unless a writing fails.
 void writeForEver(const Text& path, const Text& stateFolder)
 {
-    StatePartNotes notes(stateFolder);
+    files::StatePartNotes notes(stateFolder);
     for (int i = 0;; ++i)
         endUnless(writeTag(path, i % 2 == 0 ? odd : even, notes) == "", 1);
 }
@@ -62,7 +62,7 @@ Damage killWriters(const TemporaryFolder& folder, std::size_t size, int kills,
     for (int i = 0; i < kills || (damage.interrupted == 0 && i < 50 * kills); ++i) {
         damage.gaveUp += isKilledAtWork(path, state.path(), longest, random) ? 0 : 1;
         damage.interrupted += namesInFolder(folder.path()).size() > 1 ? 1 : 0;
-        removeNotedParts(state.path());
+        files::removeNotedParts(state.path());
         damage.leftovers += holdsOnlyTheSong(folder) ? 0 : 1;
         const Tag tag = readTag(path);
         const Text bytes = fileBytes(path);

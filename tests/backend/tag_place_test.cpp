@@ -326,7 +326,7 @@ TEST_CASE("An immutable file is refused")
 {
     const TemporaryFolder folder;
     const Text path = putSong(folder, v1Alone);
-    const Descriptor file(open(path.c_str(), O_RDONLY));
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
     int flags = 0;
     const bool hasFlags = ioctl(file.number(), FS_IOC_GETFLAGS, &flags) == 0;
     const int immutable = flags | FS_IMMUTABLE_FL;
@@ -364,13 +364,13 @@ TEST_CASE("A copy is noted before it is made, until it stands in the file's plac
     CHECK(book.noted == 1);
     CHECK(book.open.empty());
 
-    const Descriptor file(open(path.c_str(), O_RDONLY));
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
     const auto refuse = [&](const Text& copy) {
         CHECK(book.open == std::set<Text>{copy});
         throw Failure(Trouble::pathOrFileAccess);
     };
     CHECK(failureOf([&] {
-              swapEnds({path, file.number(), statusOf(path)}, {"", 0, 100, ""}, book, refuse);
+              files::swapEnds({path, file.number(), statusOf(path)}, {"", 0, 100, ""}, book, refuse);
           }) == 75);
     CHECK(book.noted == 2);
     CHECK(book.open.empty());
@@ -396,17 +396,17 @@ TEST_CASE("Where the file system can, the copy shares the file's bytes, also whe
     const Text bytes = mp3Frames(5000);
     const Text path = putSong(folder, bytes);
     for (const Text tail : {"", "longer than what was cut off"}) {
-        const Descriptor file(open(path.c_str(), O_RDONLY));
+        const files::Descriptor file(open(path.c_str(), O_RDONLY));
         const Cloning system;
-        swapEnds({path, file.number(), statusOf(path)}, {"head", 4, bytes.size() - 10, tail}, noNotes,
-                 approved);
+        files::swapEnds({path, file.number(), statusOf(path)}, {"head", 4, bytes.size() - 10, tail}, noNotes,
+                        approved);
         CHECK(clones == 1);
         CHECK(fileBytes(path) == "head" + bytes.substr(4, bytes.size() - 14) + tail);
         putSong(folder, bytes);
     }
-    const Descriptor file(open(path.c_str(), O_RDONLY));
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
     const Cloning system;
-    swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size(), ""}, noNotes, approved);
+    files::swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size(), ""}, noNotes, approved);
     CHECK(clones == 0); // the bytes have another place in the copy
     CHECK(fileBytes(path) == "head" + bytes.substr(10));
 }
@@ -431,11 +431,11 @@ TEST_CASE("What another program writes meanwhile is not undone")
 {
     const TemporaryFolder folder;
     const Text path = putSong(folder, withV2);
-    const Descriptor file(open(path.c_str(), O_RDONLY));
-    const StandingFile standing{path, file.number(), statusOf(path)};
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
+    const files::StandingFile standing{path, file.number(), statusOf(path)};
     putSong(folder, withV2 + "more");
-    CHECK(failureOf([&] { swapEnds(standing, {"", 0, 100, ""}, noNotes, approved); }) == 75);
-    CHECK(failureOf([&] { overwriteEnd(standing, 0, "TAG"); }) == 75);
+    CHECK(failureOf([&] { files::swapEnds(standing, {"", 0, 100, ""}, noNotes, approved); }) == 75);
+    CHECK(failureOf([&] { files::overwriteEnd(standing, 0, "TAG"); }) == 75);
     CHECK(fileBytes(path) == withV2 + "more");
     CHECK(holdsOnlyTheSong(folder));
 }
@@ -444,14 +444,14 @@ TEST_CASE("A copy that is not approved does not take the file's place")
 {
     const TemporaryFolder folder;
     const Text path = putSong(folder, "old");
-    const Descriptor file(open(path.c_str(), O_RDONLY));
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
     Text seen;
     const auto refuse = [&](const Text& copy) {
         seen = fileBytes(copy);
         throw Failure(Trouble::pathOrFileAccess);
     };
     CHECK(failureOf([&] {
-              swapEnds({path, file.number(), statusOf(path)}, {"new ", 0, 3, ""}, noNotes, refuse);
+              files::swapEnds({path, file.number(), statusOf(path)}, {"new ", 0, 3, ""}, noNotes, refuse);
           }) == 75);
     CHECK(seen == "new old");
     CHECK(fileBytes(path) == "old");
@@ -463,9 +463,9 @@ TEST_CASE("The new ends stand around exactly the bytes that were asked for")
     const TemporaryFolder folder;
     const Text bytes = mp3Frames(5000);
     const Text path = putSong(folder, bytes);
-    const Descriptor file(open(path.c_str(), O_RDONLY));
-    swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, noNotes,
-             approved);
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
+    files::swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, noNotes,
+                    approved);
     CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
 }
 
@@ -473,11 +473,11 @@ TEST_CASE("Bytes that the system does not copy by itself, as between two file sy
 {
     const TemporaryFolder folder;
     const Text path = putSong(folder, "old");
-    const Descriptor elsewhere(memfd_create("song", MFD_CLOEXEC));
+    const files::Descriptor elsewhere(memfd_create("song", MFD_CLOEXEC));
     const Text bytes = mp3Frames(5000);
     REQUIRE(write(elsewhere.number(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
-    swapEnds({path, elsewhere.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, noNotes,
-             approved);
+    files::swapEnds({path, elsewhere.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"},
+                    noNotes, approved);
     CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
 }
 
@@ -485,11 +485,11 @@ TEST_CASE("A file whose end cannot be read is not replaced by a shorter one")
 {
     const TemporaryFolder folder;
     const Text path = putSong(folder, audio);
-    const Descriptor file(open(path.c_str(), O_RDONLY));
-    CHECK(
-        failureOf([&] {
-            swapEnds({path, file.number(), statusOf(path)}, {"", 0, audio.size() + 1, ""}, noNotes, approved);
-        }) == 57);
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
+    CHECK(failureOf([&] {
+              files::swapEnds({path, file.number(), statusOf(path)}, {"", 0, audio.size() + 1, ""}, noNotes,
+                              approved);
+          }) == 57);
     CHECK(fileBytes(path) == audio);
     CHECK(holdsOnlyTheSong(folder));
 }

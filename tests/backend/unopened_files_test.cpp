@@ -78,8 +78,8 @@ TEST_CASE("However often a file is tried, and by whichever engine, it is told of
 TEST_CASE("Why a file does not open is looked for once a second, and anew after it opened")
 {
     SoundParts parts;
-    UnopenedFiles::Time now;
-    UnopenedFiles files(parts.shell, [&] { return now; });
+    audio::UnopenedFiles::Time now;
+    audio::UnopenedFiles files(parts.shell, [&] { return now; });
     const Text path = parts.folder / "a.mp3";
     files.failed(path, "MP3");
     putFile(path, "no sound");

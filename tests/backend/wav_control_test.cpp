@@ -15,7 +15,7 @@ namespace
 constexpr std::size_t second = 44100;
 
 // The frames that a source gives, read in odd pieces.
-StereoFrames readAll(PcmSource& source)
+StereoFrames readAll(audio::PcmSource& source)
 {
     StereoFrames all;
     StereoFrames piece(777);
@@ -65,7 +65,7 @@ TEST_CASE("A WAV file of any coding opens with its length and gives its sound fr
     const auto sound = tone(second / 2);
     for (const auto& c : cases) {
         CAPTURE(c.what);
-        const auto opened = openWavSound(putWav(folder / "a.wav", sound, 44100, c.format));
+        const auto opened = audio::openWavSound(putWav(folder / "a.wav", sound, 44100, c.format));
         REQUIRE(opened);
         CHECK(opened->timeline.milliseconds(opened->timeline.frames()) / 30 ==
               500 / 30); // a last block may be filled up
@@ -104,7 +104,7 @@ TEST_CASE("One channel is heard on both sides, many are mixed down without clipp
     for (const auto& c : cases) {
         CAPTURE(c.what);
         putFloats(folder / "a.wav", c.frame, c.channels, SF_FORMAT_WAV | SF_FORMAT_FLOAT);
-        const auto opened = openWavSound(folder / "a.wav");
+        const auto opened = audio::openWavSound(folder / "a.wav");
         REQUIRE(opened);
         const auto heard = readAll(*opened->source);
         REQUIRE(heard.size() == 1);
@@ -124,7 +124,7 @@ TEST_CASE("A rate that no output takes is brought down, and the length stays")
     for (const auto& c : cases) {
         CAPTURE(c.rate);
         const StereoFrames sound(static_cast<std::size_t>(c.rate), {1000, -500});
-        const auto opened = playable(*openWavSound(putWav(folder / "a.wav", sound, c.rate)));
+        const auto opened = audio::playable(*audio::openWavSound(putWav(folder / "a.wav", sound, c.rate)));
         CHECK(opened.source->rate() == c.playedAt);
         CHECK(opened.timeline.milliseconds(opened.timeline.frames()) == 1000);
         opened.source->seek(c.playedAt / 2);

@@ -41,7 +41,7 @@ struct Turns {
 std::vector<Sides> played(const Text& path)
 {
     Turns turns;
-    const auto sound = openWavSound(path);
+    const auto sound = audio::openWavSound(path);
     REQUIRE(sound);
     std::vector<std::int16_t> samples(2000);
     for (auto got = sound->source->read(samples); got > 0; got = sound->source->read(samples))
@@ -112,7 +112,7 @@ Text tonesOn(std::size_t channels, std::uint32_t places)
 Text samplesOf(const Text& path)
 {
     Text samples;
-    const auto sound = openWavSound(path);
+    const auto sound = audio::openWavSound(path);
     REQUIRE(sound);
     std::vector<std::int16_t> piece(2000);
     for (auto got = sound->source->read(piece); got > 0; got = sound->source->read(piece))
@@ -200,7 +200,7 @@ TEST_CASE("A size that was never filled in plays, encodes and is burnt to the fi
             putFile(path, unfilled);
             CHECK(samplesOf(path) == samplesOf(whole));
             CHECK(WavSource(SourceFile(path)).frames() == 30000);
-            const auto cd = CdSound::open(path);
+            const auto cd = disc::CdSound::open(path);
             REQUIRE(cd);
             CHECK(cd->frames() == 30000);
         }

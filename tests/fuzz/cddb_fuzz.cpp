@@ -7,9 +7,9 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string_view answer(reinterpret_cast<const char*>(data), size);
-    if (const auto matches = matchesIn(answer); matches && matches->size() > 100)
+    if (const auto matches = disc::matchesIn(answer); matches && matches->size() > 100)
         __builtin_trap();
-    const auto titles = titlesIn(answer);
+    const auto titles = disc::titlesIn(answer);
     if (!titles)
         return 0;
     if (titles->tracks.size() > 99 || !isValidUtf8(titles->artist))

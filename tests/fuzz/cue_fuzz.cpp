@@ -26,17 +26,17 @@ std::int64_t takenLength(std::string_view& bytes)
     return length & INT64_MAX;
 }
 
-void checkSheet(const CueSheet& sheet)
+void checkSheet(const disc::CueSheet& sheet)
 {
     require(!sheet.tracks.empty() && sheet.tracks.size() <= 99);
     for (const auto& track : sheet.tracks) {
-        require(std::ranges::count(track.indexes, 1, &CueSheet::Index::number) == 1);
+        require(std::ranges::count(track.indexes, 1, &disc::CueSheet::Index::number) == 1);
         for (const auto& index : track.indexes)
             require(index.file < sheet.files.size() && index.sector >= 0);
     }
 }
 
-void checkLayout(const CueSheet& sheet, const ImageLayout& layout)
+void checkLayout(const disc::CueSheet& sheet, const disc::ImageLayout& layout)
 {
     std::int32_t end = 0;
     for (const auto& extent : layout.extents) {
@@ -44,7 +44,7 @@ void checkLayout(const CueSheet& sheet, const ImageLayout& layout)
         require(!extent.file || (*extent.file < sheet.files.size() && extent.bytesOfSector >= 2048));
         end = extent.end();
     }
-    require(end == layout.contents.leadOut && end <= mostSectors);
+    require(end == layout.contents.leadOut && end <= disc::mostSectors);
     const auto count = static_cast<std::size_t>(sheet.tracks.back().number);
     require(layout.contents.tracks.size() == count);
     for (std::size_t i = 0; i < count; ++i) {
@@ -60,15 +60,15 @@ void checkLayout(const CueSheet& sheet, const ImageLayout& layout)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     std::string_view text(reinterpret_cast<const char*>(data), size);
-    const std::int64_t lengths[] = {takenLength(text), takenLength(text), 300 * sectorBytes, 0};
-    const auto sheet = cueSheetIn(text);
+    const std::int64_t lengths[] = {takenLength(text), takenLength(text), 300 * disc::sectorBytes, 0};
+    const auto sheet = disc::cueSheetIn(text);
     if (!sheet)
         return 0;
     checkSheet(*sheet);
     std::vector<std::int64_t> bytes;
     for (std::size_t i = 0; i < sheet->files.size(); ++i)
         bytes.push_back(lengths[i % std::size(lengths)]);
-    if (const auto layout = layoutOf(*sheet, bytes))
+    if (const auto layout = disc::layoutOf(*sheet, bytes))
         checkLayout(*sheet, *layout);
     return 0;
 }

@@ -45,14 +45,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view key = taken(text);
     const std::string_view value = taken(text);
 
-    if (const auto found = profileValue(text, section, key); found && !found->empty())
+    if (const auto found = files::profileValue(text, section, key); found && !found->empty())
         require(lies(*found, text));
-    if (!fitsProfile(section, key, value))
+    if (!files::fitsProfile(section, key, value))
         return 0;
-    const Text changed = profileWith(text, section, key, value);
-    const auto back = profileValue(changed, section, key);
+    const Text changed = files::profileWith(text, section, key, value);
+    const auto back = files::profileValue(changed, section, key);
     require(back.has_value());
     require(isFramed(value) || *back == value);
-    require(profileWith(changed, section, key, value) == changed);
+    require(files::profileWith(changed, section, key, value) == changed);
     return 0;
 }

@@ -55,7 +55,7 @@ Text fileOf(const Text& input)
 // What lies between the tags; a damaged tag may claim some of the frames.
 Text soundIn(const Text& file)
 {
-    BytesInMemory bytes(file);
+    files::BytesInMemory bytes(file);
     const TagParts parts = tagPartsOf(bytes);
     const std::uint64_t begin = parts.id3v2 ? parts.id3v2->end : 0;
     return begin < parts.audioEnd ? file.substr(begin, parts.audioEnd - begin) : "";

@@ -131,16 +131,16 @@ private:
 
 struct DiscDesk {
     TemporaryFolder folder;
-    DiscFolders folders{folder / "Music", folder / "home"};
+    disc::DiscFolders folders{folder / "Music", folder / "home"};
     Text discs = folders.music + "/Velmora Discs";
     Text output = folder / "output";
     PlayedWindow window;
     ToldShell shell;
     CountedSleepLock sleepLock;
     RememberedParts parts;
-    std::shared_ptr<BusyDevices> devices = std::make_shared<BusyDevices>();
-    std::vector<std::shared_ptr<ReaderDrive>> readers; // real drives
-    std::vector<std::shared_ptr<WriterDrive>> writers; // real recorders
+    std::shared_ptr<disc::BusyDevices> devices = std::make_shared<disc::BusyDevices>();
+    std::vector<std::shared_ptr<disc::ReaderDrive>> readers; // real drives
+    std::vector<std::shared_ptr<disc::WriterDrive>> writers; // real recorders
 
     DiscDesk()
     {
@@ -150,15 +150,15 @@ struct DiscDesk {
 
     std::unique_ptr<ACD> reader()
     {
-        auto table = std::make_shared<ReaderTable>(
-            std::vector<ListReaders>{[this] { return readers; }, imagesIn(folders)}, devices);
-        return makeDiscReader(table, devices, window, shell, parts, sleepLock);
+        auto table = std::make_shared<disc::ReaderTable>(
+            std::vector<disc::ListReaders>{[this] { return readers; }, disc::imagesIn(folders)}, devices);
+        return disc::makeDiscReader(table, devices, window, shell, parts, sleepLock);
     }
 
     std::unique_ptr<ACDWRITE> writer()
     {
-        return makeDiscWriter([this] { return writers; }, makeImageRecorder(folders, parts), devices, window,
-                              shell, sleepLock);
+        return disc::makeDiscWriter([this] { return writers; }, disc::makeImageRecorder(folders, parts),
+                                    devices, window, shell, sleepLock);
     }
 };
 

@@ -114,7 +114,7 @@ private:
     {
         pollfd events[] = {{listener_.number(), POLLIN, 0}, {stopped_.number(), POLLIN, 0}};
         while (poll(events, 2, -1) > 0 && events[1].revents == 0) {
-            const Descriptor socket(accept(listener_.number(), nullptr, nullptr));
+            const files::Descriptor socket(accept(listener_.number(), nullptr, nullptr));
             answer(Client(socket.number(), stopped_.number()));
         }
     }
@@ -134,8 +134,8 @@ private:
     }
 
     const Manner manner_;
-    Descriptor listener_{socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)};
-    Descriptor stopped_{eventfd(0, EFD_CLOEXEC)};
+    files::Descriptor listener_{socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+    files::Descriptor stopped_{eventfd(0, EFD_CLOEXEC)};
     int port_ = 0;
     mutable std::mutex mutex_;
     std::vector<Text> requests_;

@@ -10,13 +10,13 @@
 #include <condition_variable>
 #include <mutex>
 
-class ScriptedReader final : public ReaderDrive
+class ScriptedReader final : public disc::ReaderDrive
 {
 public:
     explicit ScriptedReader(Text device) : device_(std::move(device)) {}
 
     // Before it is used, or while nothing uses it.
-    DiscContents disc{{{true, 0, 300}, {true, 300, 400}}, 700};
+    disc::DiscContents disc{{{true, 0, 300}, {true, 300, 400}}, 700};
     Text failure;                // for which every track fails, behind its first sectors
     std::int32_t unreadable = 0; // sectors of each track
     std::int32_t sectorsAtOnce = 10;
@@ -29,13 +29,13 @@ public:
     Text name() const override { return "Maker Model (" + device_ + ")"; }
     Text device() const override { return device_; }
 
-    DiscContents contents() override
+    disc::DiscContents contents() override
     {
         ++asked;
         return disc;
     }
 
-    std::int32_t readTrack(std::int16_t track, TrackSink& sink, const std::stop_token& stop) override
+    std::int32_t readTrack(std::int16_t track, disc::TrackSink& sink, const std::stop_token& stop) override
     {
         ++reads;
         const Text all = sound(track);

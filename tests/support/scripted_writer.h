@@ -9,7 +9,7 @@
 #include <condition_variable>
 #include <mutex>
 
-class ScriptedWriter final : public WriterDrive
+class ScriptedWriter final : public disc::WriterDrive
 {
 public:
     explicit ScriptedWriter(Text device) : device_(std::move(device)) {}
@@ -22,7 +22,7 @@ public:
 
     std::atomic<int> checks = 0;
     std::vector<Text> tracks; // of the last writing
-    WriteSettings settings;
+    disc::WriteSettings settings;
     std::atomic<bool> isHolding = false;
     std::atomic<bool> wasStopped = false;
 
@@ -36,7 +36,8 @@ public:
         return hasDisc;
     }
 
-    std::unique_ptr<WriteRun> prepare(std::vector<CdSound> sounds, const WriteSettings& withSettings) override
+    std::unique_ptr<disc::WriteRun> prepare(std::vector<disc::CdSound> sounds,
+                                            const disc::WriteSettings& withSettings) override
     {
         if (!refusal.empty())
             throw Failure{Trouble::permissionDenied, refusal};
@@ -55,12 +56,12 @@ public:
     }
 
 private:
-    class Run final : public WriteRun
+    class Run final : public disc::WriteRun
     {
     public:
         explicit Run(ScriptedWriter& itsWriter) : writer_(itsWriter) {}
 
-        void write(const WriteProgress& progress, const std::stop_token& stop) override
+        void write(const disc::WriteProgress& progress, const std::stop_token& stop) override
         {
             for (const auto percent : writer_.percents)
                 progress(percent);

@@ -63,10 +63,11 @@ struct SoundParts {
     CountedPost post;
     NotedShell shell;
     CountedActivity activity;
-    SoundOutput output{folder / "state/levels", activity};
-    UnopenedFiles unopened{shell};
-    std::unique_ptr<Mp3Play> mp3 = makeMpg123Play(output, post, shell, NoPartNotes::instance(), unopened);
-    std::unique_ptr<MMControl> wav = makeSndfileControl(output, unopened);
+    audio::SoundOutput output{folder / "state/levels", activity};
+    audio::UnopenedFiles unopened{shell};
+    std::unique_ptr<Mp3Play> mp3 =
+        audio::makeMpg123Play(output, post, shell, NoPartNotes::instance(), unopened);
+    std::unique_ptr<MMControl> wav = audio::makeSndfileControl(output, unopened);
 
     void openWav(const Text& path)
     {

@@ -71,14 +71,14 @@ public:
         auto fake = FakePlatform::makeMp3Play();
         if (!Mp3Decoder)
             return fake;
-        return makeMpg123Play(output_, toolkit().post(), desktop, NoPartNotes::instance(), unopened_);
+        return audio::makeMpg123Play(output_, toolkit().post(), desktop, NoPartNotes::instance(), unopened_);
     }
     Pump& pump() override { return pump_; }
 
 private:
     NoActivity activity_;
-    SoundOutput output_;
-    UnopenedFiles unopened_{desktop};
+    audio::SoundOutput output_;
+    audio::UnopenedFiles unopened_{desktop};
     BoundedPump pump_;
 };
 

@@ -42,13 +42,14 @@ class HastyTitles final : public CdBase
 {
 public:
     explicit HastyTitles(const Text& address) :
-        titles_(makeCurlCdBase({.addresses = {address},
-                                .cacheFolder = folder_ / "titles",
-                                .firstDrive = [] { return "Drive one"; },
-                                .disc =
-                                    [] {
-                                        return DiscContents{{{true, 0, 15375}, {true, 15375, 18750}}, 34125};
-                                    }}))
+        titles_(disc::makeCurlCdBase(
+            {.addresses = {address},
+             .cacheFolder = folder_ / "titles",
+             .firstDrive = [] { return "Drive one"; },
+             .disc =
+                 [] {
+                     return disc::DiscContents{{{true, 0, 15375}, {true, 15375, 18750}}, 34125};
+                 }}))
     {
     }
 

@@ -35,8 +35,8 @@ public:
     ProfileFile& profileFile() override { return onDisk_; }
 
 private:
-    DiskTextFiles files_{NoPartNotes::instance()};
-    DiskProfileFile onDisk_{files_};
+    files::DiskTextFiles files_{NoPartNotes::instance()};
+    files::DiskProfileFile onDisk_{files_};
 };
 
 }

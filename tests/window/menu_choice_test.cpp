@@ -52,7 +52,7 @@ struct Shown {
 
     Toolkit toolkit{Toolkit::Timers::byHand};
     Form form{toolkit, "MenuForm", Form::Border::none, {6000_tw, 3000_tw}};
-    QtPopupMenu menu{toolkit};
+    desktop::QtPopupMenu menu{toolkit};
 };
 
 }

@@ -30,7 +30,7 @@ Answer answerTo(Buttons buttons, const std::function<void(QMessageBox&)>& what)
         REQUIRE(shownBox() != nullptr);
         what(*shownBox());
     });
-    return QtMessageBoxes().show("Text", "Title", MessageBoxes::Icon::none, buttons);
+    return desktop::QtMessageBoxes().show("Text", "Title", MessageBoxes::Icon::none, buttons);
 }
 
 }

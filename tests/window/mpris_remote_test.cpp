@@ -46,7 +46,7 @@ struct Panel {
     PrivateBus bus;
     bool runs = bus.runs();
     Toolkit toolkit{Toolkit::Timers::byHand};
-    std::unique_ptr<MediaRemote> remote = makeMprisRemote(bus.address, toolkit.post());
+    std::unique_ptr<MediaRemote> remote = desktop::makeMprisRemote(bus.address, toolkit.post());
     QDBusConnection client = QDBusConnection::connectToBus(QString::fromStdString(bus.address), "panel");
     MediaRemote::Shown now = aSong();
     std::int32_t place = 5000;

@@ -64,7 +64,7 @@ struct Desk {
 
     const bool saves;
     TemporaryFolder folder;
-    QtOpenSaveDialog control;
+    desktop::QtOpenSaveDialog control;
     Text beganIn; // the folder that the user saw first
 };
 

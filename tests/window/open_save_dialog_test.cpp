@@ -64,7 +64,7 @@ struct Dialog {
 
     TemporaryFolder folder;
     const Text song = folder / "song.mp3";
-    QtOpenSaveDialog control;
+    desktop::QtOpenSaveDialog control;
     QString openedOn; // the filter that the user saw first
 };
 
