@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/accessibility.h"
 
+#include "toolkit/accessible_tabs.h"
 #include "toolkit/form_widget.h"
 #include "toolkit/image_widget.h"
 #include "toolkit/slider.h"
@@ -10,6 +11,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QFrame>
+#include <QTabBar>
 #include <algorithm>
 #include <cmath>
 
@@ -138,6 +140,8 @@ QAccessibleInterface* interfaceOf(const QString&, QObject* object)
         return new QAccessibleWidget(form, QAccessible::Window);
     if (auto* box = qobject_cast<QComboBox*>(object); box && !box->isEditable())
         return new AccessibleBox(*box);
+    if (auto* tabs = qobject_cast<QTabBar*>(object))
+        return accessibleTabs(*tabs);
     if (object->metaObject() == &QFrame::staticMetaObject) // a line, which would pass for a window
         return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Separator);
     return nullptr;

@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QListWidget>
+#include <QPersistentModelIndex>
 #include <QPointer>
 #include <QSignalBlocker>
 #include <QTimer>
@@ -51,10 +52,29 @@ Text existingFolder(const Text& path)
     return trimmed(path);
 }
 
-// Obeys the left button alone, as all lists do.
+// Obeys the left button alone, as all lists do. As with them, a row has the focus only while the list has it.
 class LeftHandList : public QListWidget
 {
 protected:
+    void currentChanged(const QModelIndex& current, const QModelIndex& previous) override
+    {
+        QListWidget::currentChanged(current, previous);
+        if (!current.isValid())
+            return;
+        last_ = current;
+        if (!hasFocus())
+            selectionModel()->clearCurrentIndex();
+    }
+    void focusInEvent(QFocusEvent* event) override
+    {
+        selectionModel()->setCurrentIndex(last_, QItemSelectionModel::NoUpdate);
+        QListWidget::focusInEvent(event);
+    }
+    void focusOutEvent(QFocusEvent* event) override
+    {
+        QListWidget::focusOutEvent(event);
+        selectionModel()->clearCurrentIndex();
+    }
     void mousePressEvent(QMouseEvent* event) override
     {
         if (event->button() == Qt::LeftButton)
@@ -65,6 +85,9 @@ protected:
         if (event->button() == Qt::LeftButton)
             QListWidget::mouseDoubleClickEvent(event);
     }
+
+private:
+    QPersistentModelIndex last_; // that had the focus
 };
 
 // Enter goes where a double click goes.
@@ -227,7 +250,7 @@ void DirListBox::show(const std::vector<Text>& subfolders)
         view->addItem(QString(static_cast<int>(std::min(row, depth)) * 2, ' ') + shown(name));
     }
     view->setCurrentRow(static_cast<int>(depth) - 1);
-    view->scrollToItem(view->currentItem());
+    view->scrollToItem(view->item(static_cast<int>(depth) - 1));
 }
 
 // A folder that went away meanwhile, or does not answer, leaves the list where it is.

@@ -182,10 +182,20 @@ void ListView::showSelection(std::int32_t index)
     quietly([&] {
         const QModelIndex row = model()->index(index, 0);
         if (row.isValid())
-            selectionModel()->setCurrentIndex(row, QItemSelectionModel::ClearAndSelect);
+            mark(row);
         else
             selectionModel()->clear();
     });
+}
+
+// Only a list that has the focus has a row that has it: a screen reader would speak of a row in a list that
+// the user has left.
+void ListView::mark(const QModelIndex& row)
+{
+    if (hasFocus())
+        return selectionModel()->setCurrentIndex(row, QItemSelectionModel::ClearAndSelect);
+    selectionModel()->select(row, QItemSelectionModel::ClearAndSelect);
+    scrollTo(row);
 }
 
 // Whatever the pointer or a key does, the view only moves its current row: the list box hears of that and
@@ -248,6 +258,8 @@ void ListView::keyPressEvent(QKeyEvent* event)
         list_.fromOutside([&] { list_.KeyDown.raise(code, shiftStateOf(*event)); });
     if (code == returnKey && !event->isAutoRepeat())
         list_.fromOutside([this] { list_.DblClick.raise(); });
+    if (!currentIndex().isValid())
+        quietly([&] { selectionModel()->setCurrentIndex(model()->index(list_.ListIndex(), 0), {}); });
     if (!scrolledSideways(event->key()))
         QListView::keyPressEvent(event);
 }
@@ -258,6 +270,19 @@ void ListView::focusInEvent(QFocusEvent* event)
 {
     quietly([&] { QListView::focusInEvent(event); });
     showSelection(list_.ListIndex());
+}
+
+void ListView::focusOutEvent(QFocusEvent* event)
+{
+    QListView::focusOutEvent(event);
+    quietly([&] { selectionModel()->clearCurrentIndex(); });
+}
+
+// Until it is shown it does not know how many rows it has room for.
+void ListView::showEvent(QShowEvent* event)
+{
+    QListView::showEvent(event);
+    scrollTo(model()->index(list_.ListIndex(), 0));
 }
 
 void ListView::dragEnterEvent(QDragEnterEvent* event) { offerCopy(*event); }

@@ -55,6 +55,8 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
@@ -65,6 +67,7 @@ private:
     bool scrolledSideways(int key);
     bool showTip(const QHelpEvent& event);
     void takeSelection();
+    void mark(const QModelIndex& row);
 
     ListBox& list_;
     RowWidths widths_;

@@ -4,6 +4,8 @@
 #include "platform/failure.h"
 #include "toolkit/image.h"
 
+#include <QAccessible>
+#include <QWidget>
 #include <algorithm>
 
 namespace ctl
@@ -21,7 +23,16 @@ void Slider::setValue(std::int32_t value)
 {
     if (value < min_ || value > max_)
         throw Failure(Trouble::invalidPropertyValue);
-    value_ = value;
+    take(value);
+}
+
+// Who cannot see the thumb move hears of it, whoever moved it.
+void Slider::take(std::int32_t value)
+{
+    if (std::exchange(value_, value) == value || !thumb_)
+        return;
+    QAccessibleValueChangeEvent changed(thumb_->widget_, value_);
+    QAccessible::updateAccessibility(&changed);
 }
 
 void Slider::showBy(Image& thumb, Image& track)
@@ -35,8 +46,9 @@ void Slider::showBy(Image& thumb, Image& track)
 void Slider::moveByUser(std::int32_t value)
 {
     const auto inRange = std::clamp(value, min_, max_);
-    if (std::exchange(value_, inRange) == inRange)
+    if (value_ == inRange)
         return;
+    take(inRange);
     placeThumb();
     fromOutside([this] { Scroll.raise(); });
 }

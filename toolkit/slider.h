@@ -38,6 +38,7 @@ public:
 private:
     friend class ImageWidget;
 
+    void take(std::int32_t value);
     void placeThumb();
 
     std::int32_t min_;

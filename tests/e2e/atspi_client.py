@@ -6,6 +6,7 @@ atspi_client.py list                             every control: window, role, na
 atspi_client.py press WINDOW ROLE NAME           presses; prints the milliseconds until the answer
 atspi_client.py value WINDOW NAME [NUMBER]       reads a slider, or sets it: value, least, most, step
 atspi_client.py select WINDOW NAME ROW           selects a row of a list
+atspi_client.py hear                             each change of a value that is told: name, value; until it is ended
 """
 import json
 import sys
@@ -73,5 +74,15 @@ def select(window, name, number):
     Atspi.Table.add_row_selection(found(window, ("list",), name).get_table_iface(), int(number))
 
 
+def hear():
+    def told(event):
+        print(json.dumps([event.source.get_name(), Atspi.Value.get_current_value(event.source.get_value_iface())]), flush=True)
+
+    listener = Atspi.EventListener.new(told)
+    listener.register("object:property-change:accessible-value")
+    print(json.dumps("ready"), flush=True)
+    Atspi.event_main()
+
+
 if __name__ == "__main__":
-    {"list": list_all, "press": press, "value": value, "select": select}[sys.argv[1]](*sys.argv[2:])
+    {"list": list_all, "press": press, "value": value, "select": select, "hear": hear}[sys.argv[1]](*sys.argv[2:])

@@ -8,8 +8,11 @@
 #include "toolkit/toolkit.h"
 #include "workbench/mp3_encoder.h"
 
+#include <QAbstractItemView>
 #include <QAccessible>
 #include <QDialog>
+#include <QTabBar>
+#include <QTabWidget>
 #include <doctest/doctest.h>
 
 namespace
@@ -30,6 +33,14 @@ void press(QAccessibleInterface& interface)
 {
     interface.actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     QCoreApplication::processEvents();
+}
+
+int focusedRows(QAccessibleInterface& list)
+{
+    int focused = 0;
+    for (int row = 0; row < list.tableInterface()->rowCount(); ++row)
+        focused += list.tableInterface()->cellAt(row, 0)->state().focused;
+    return focused;
 }
 
 struct Row {
@@ -256,4 +267,80 @@ TEST_CASE("A drop-down list has its name, and its choice as its value")
     CHECK(drives.indexOfChild(drives.child(0)) == 0);
     auto& tags = player.program.editFileInfoForm();
     CHECK(heard(tags, tags.txtGenre).text(QAccessible::Name) == "Genre");
+}
+
+TEST_CASE("A row of a list has the focus only while its list has it")
+{
+    Player player;
+    auto& window = player.list();
+    for (const char* row : {"/a.mp3", "/b.mp3", "/c.mp3"})
+        window.PlayListLB.AddItem(row);
+    window.PlayListLB.setListIndex(1);
+    window.Show();
+    auto& list = heard(window, window.PlayListLB);
+    auto* view = window.page()->findChild<QAbstractItemView*>("PlayListLB");
+    window.page()->activateWindow();
+    QCoreApplication::processEvents();
+    view->setFocus();
+    REQUIRE(view->hasFocus());
+    CHECK(focusedRows(list) == 1);
+    CHECK(list.tableInterface()->cellAt(1, 0)->state().focused);
+    view->clearFocus();
+    CHECK(focusedRows(list) == 0);
+    window.PlayListLB.setListIndex(2);
+    CHECK(focusedRows(list) == 0);
+    CHECK(list.tableInterface()->cellAt(2, 0)->state().selected);
+    view->setFocus();
+    CHECK(list.tableInterface()->cellAt(2, 0)->state().focused);
+    CHECK(window.PlayListLB.ListIndex() == 2);
+}
+
+TEST_CASE("A row of a directory list has the focus only while its list has it, and gets it back")
+{
+    Player player;
+    auto& workbench = player.program.mp3Encoder();
+    workbench.Show();
+    workbench.page()->activateWindow();
+    QCoreApplication::processEvents();
+    auto& list = heard(workbench, workbench.Dir1);
+    auto* view = workbench.page()->findChild<QAbstractItemView*>("Dir1");
+    view->setFocus();
+    REQUIRE(view->hasFocus());
+    CHECK(focusedRows(list) == 1);
+    const int row = view->currentIndex().row();
+    view->clearFocus();
+    CHECK(focusedRows(list) == 0);
+    view->setFocus();
+    CHECK(view->currentIndex().row() == row);
+    CHECK(view->selectionModel()->isSelected(view->currentIndex()));
+}
+
+TEST_CASE("Tabs have a name of their own, and not that of the tab in front")
+{
+    Player player;
+    auto& settings = player.program.settings();
+    settings.Show();
+    auto* bar = settings.page()->findChild<QTabWidget*>("SettingsTab")->tabBar();
+    auto* tabs = QAccessible::queryAccessibleInterface(bar);
+    REQUIRE(tabs != nullptr);
+    CHECK(tabs->role() == QAccessible::PageTabList);
+    REQUIRE(tabs->childCount() == 4);
+    for (int front = 0; front < 4; ++front) {
+        settings.SettingsTab.setTab(front);
+        CHECK(tabs->text(QAccessible::Name) == "Settings");
+        for (int index = 0; index < 4; ++index) {
+            auto* tab = tabs->child(index);
+            CHECK(tab->role() == QAccessible::PageTab);
+            CHECK(tab->text(QAccessible::Name) == bar->tabText(index));
+            CHECK(tab->state().selected == (index == front));
+            CHECK(tabs->indexOfChild(tab) == index);
+            CHECK(tabs->childAt(tab->rect().center().x(), tab->rect().center().y()) == tab);
+            CHECK(tab->parent() == tabs);
+        }
+    }
+    auto& about = player.program.aboutFrame();
+    auto* news = QAccessible::queryAccessibleInterface(about.page()->findChild<QTabBar*>())->child(1);
+    CHECK(news->text(QAccessible::Name) == "Updates & Bug Fixes");
+    press(*news);
+    CHECK(about.SSTab1.Tab() == 1);
 }
