@@ -6,6 +6,7 @@
 #include "info/error.h"
 #include "platform/message_boxes.h"
 #include "platform/numbers.h"
+#include "platform/shell.h"
 #include "player/remote_control.h"
 #include "player/start_up.h"
 #include "playlist/play_list_editor.h"
@@ -26,9 +27,17 @@ void Program::start()
 void Program::raise()
 {
     if (!remoteControl_)
-        return;
+        return tellOfWaiting();
     startUp().comeWithinReach();
     startUp().Show();
+}
+
+// The start waits for the levels of a file that does not open, and may have no window to show.
+void Program::tellOfWaiting()
+{
+    platform_.shell().notify("Velmora is still starting",
+                             startUp().conf_path + " cannot be opened. Velmora waits until it can: "
+                                                   "put a sound one in its place.");
 }
 
 template <typename Window>

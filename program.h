@@ -54,6 +54,7 @@ public:
     bool reporting(const std::function<void()>& steps);
 
 private:
+    void tellOfWaiting();
     template <typename Window>
     Window& touched(std::unique_ptr<Window>& window);
 

@@ -11,7 +11,14 @@ from desk import Velmora, wait_for
 
 class SecondStart(case.Case):
     def second(self, **environment):
-        """Starts the program once more, and waits for its end: the status, and what it said."""
+        """Starts the program once more, and waits for its end: the status, and what it said. A machine that is busy may
+        need longer for an answer than the second start waits: then it is started again, as a person would."""
+        hangs = self.refusal() + "\n"
+        answers = []
+        wait_for(lambda: answers.append(self.once_more(**environment)) or answers[-1] != (1, hangs), "a start is answered")
+        return answers[-1]
+
+    def once_more(self, **environment):
         said = len(self.app.said())
         again = Velmora(self.desk, self.build, self.app.folder)
         again.environment = environment
@@ -47,11 +54,30 @@ class SecondStart(case.Case):
         self.assertEqual(self.second(), (0, ""))
         wait_for(lambda: self.active() == dialog, "the dialog is the active window")
 
+    def test_one_that_waits_for_its_first_file_says_so(self):
+        shown = self.notifications()
+        self.app.kill()
+        conf = self.app.folder / "conf.mp3"
+        whole = conf.read_bytes()
+        conf.write_bytes(b"no sound at all" * 1000)
+        self.app.start(wait=False)
+        wait_for(lambda: len(shown()) == 1, "the damaged file is told of")
+        for count in (2, 3):
+            self.assertEqual(self.second(), (0, ""))
+            wait_for(lambda: len(shown()) == count, "the second start is told why no window comes")
+            self.assertEqual(shown()[-1], f"Velmora|Velmora is still starting|{conf} cannot be opened. "
+                                          "Velmora waits until it can: put a sound one in its place.")
+        self.assertEqual(self.app.windows(case.MAIN), [])
+        conf.write_bytes(whole)
+        self.app.window(case.MAIN)
+        self.assertEqual(self.second(), (0, ""))
+        self.assertEqual(len(shown()), 3)
+
     def test_one_that_hangs_is_told_of(self):
         shown = self.notifications()
         self.app.process.send_signal(signal.SIGSTOP)
         try:
-            self.assertEqual(self.second(), (1, self.refusal() + "\n"))
+            self.assertEqual(self.once_more(), (1, self.refusal() + "\n"))
             wait_for(lambda: shown() == [f"Velmora|Velmora|{self.refusal()}"], "the desktop is told")
         finally:
             self.app.process.send_signal(signal.SIGCONT)
@@ -59,7 +85,7 @@ class SecondStart(case.Case):
         self.assert_alive()
 
     def test_without_a_bus_nobody_can_be_asked(self):
-        self.assertEqual(self.second(DBUS_SESSION_BUS_ADDRESS=""), (1, self.refusal() + "\n"))
+        self.assertEqual(self.once_more(DBUS_SESSION_BUS_ADDRESS=""), (1, self.refusal() + "\n"))
         self.assert_alive()
 
     def test_after_a_kill_the_next_start_is_the_only_one(self):
@@ -74,6 +100,7 @@ class SecondStart(case.Case):
         wait_for(lambda: sum(app.alive() for app in both) == 1, "one of them ends")
         self.app.window(case.MAIN)
         self.assertEqual(sum(app.alive() for app in both), 1)
+        self.assertEqual(len(self.app.windows(case.MAIN)), 1)
 
     def test_another_home_and_folder_have_a_program_of_their_own(self):
         home = self.desk.folder / "other home"
@@ -88,8 +115,8 @@ class SecondStart(case.Case):
     def test_a_copy_of_the_folder_would_share_the_settings(self):
         copy = self.desk.folder / "copy"
         shutil.copytree(self.app.folder, copy)
-        again = Velmora(self.desk, self.build, copy).start(wait=False)
-        self.assertEqual(again.process.wait(60), 0)
+        start = lambda: Velmora(self.desk, self.build, copy).start(wait=False).process.wait(60)
+        wait_for(lambda: start() == 0, "a start is answered")
         self.assert_alive()
 
 
