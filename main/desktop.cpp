@@ -132,7 +132,7 @@ std::unique_ptr<ACDWRITE> Desktop::makeACDWRITE()
     return parts_->discs.makeWriter(parts_->toolkit.post(), shell(), parts_->partNotes, parts_->sleepLock);
 }
 
-std::unique_ptr<CdBase> Desktop::makeCdBase() { return parts_->discs.makeTitles(); }
+std::unique_ptr<CdBase> Desktop::makeCdBase() { return parts_->discs.makeTitles(parts_->partNotes); }
 
 std::unique_ptr<MMControl> Desktop::makeMMControl()
 {

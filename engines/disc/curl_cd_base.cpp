@@ -62,7 +62,7 @@ class TitleSearch
 {
 public:
     TitleSearch(const CddbAccess& access, const Text& identity, Deadline deadline, bool isServiceSilent) :
-        disc_(access.disc), addresses_(access.addresses), cache_(access.cacheFolder),
+        disc_(access.disc), addresses_(access.addresses), cache_(access.cacheFolder, *access.notes),
         silence_(access.silence), greeting_(greeting(identity)), deadline_(deadline),
         isServiceSilent_(isServiceSilent)
     {

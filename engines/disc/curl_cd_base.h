@@ -4,6 +4,7 @@
 
 #include "engines/disc/disc_contents.h"
 #include "platform/cd_base.h"
+#include "platform/part_notes.h"
 
 #include <chrono>
 #include <functional>
@@ -20,6 +21,9 @@ struct CddbAccess {
 
     // Where answers are kept, for the times when no server gives one.
     Text cacheFolder = {};
+
+    // Of the files in the making there. Used on that worker, which may outlive the control.
+    PartNotes* notes = &NoPartNotes::instance();
 
     // A service that gave no word for so long is silent: until it speaks again, a disc with a kept answer
     // waits no longer for it.

@@ -3,13 +3,10 @@
 
 #include "engines/disc/disc_id.h"
 #include "files/content.h"
+#include "files/folders.h"
+#include "files/output_file.h"
+#include "platform/failure.h"
 #include "platform/paths.h"
-
-#include <unistd.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 namespace disc
 {
@@ -19,14 +16,6 @@ namespace
 
 // A file begins with the disc's own line: two discs may share an id.
 Text firstLine(const DiscContents& disc) { return queryCommand(disc) + '\n'; }
-
-bool wrote(const Text& path, const Text& bytes)
-{
-    std::ofstream file(path, std::ios::binary);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    file.close();
-    return !file.fail();
-}
 
 }
 
@@ -44,14 +33,13 @@ void TitleCache::keep(const DiscContents& disc, const Text& answer) const
 {
     if (this->answer(disc) == answer)
         return;
-    std::error_code error;
-    std::filesystem::create_directories(folder_, error);
-    const Text path = joined(folder_, discId(disc));
-    const Text part = path + '.' + std::to_string(getpid()) + ".part";
-    if (wrote(part, firstLine(disc) + answer))
-        std::filesystem::rename(part, path, error);
-    else
-        std::filesystem::remove(part, error);
+    skipping([&] {
+        const Text bytes = firstLine(disc) + answer;
+        files::makeFolders(folder_);
+        files::OutputFile file(joined(folder_, discId(disc)), notes_);
+        file.append(std::as_bytes(std::span(bytes)));
+        file.takePlace();
+    });
 }
 
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engines/disc/disc_contents.h"
+#include "platform/part_notes.h"
 #include "platform/text.h"
 
 #include <optional>
@@ -13,7 +14,11 @@ namespace disc
 class TitleCache
 {
 public:
-    explicit TitleCache(Text folder) : folder_(std::move(folder)) {} // made when first needed
+    // The folder is made when first needed.
+    explicit TitleCache(Text folder, PartNotes& notes = NoPartNotes::instance()) :
+        folder_(std::move(folder)), notes_(notes)
+    {
+    }
 
     // The answer kept for that disc. Discs of one id and different tracks are told apart.
     std::optional<Text> answer(const DiscContents& disc) const;
@@ -23,6 +28,7 @@ public:
 
 private:
     Text folder_;
+    PartNotes& notes_;
 };
 
 }
