@@ -5,6 +5,7 @@
 #include <QFont>
 #include <QIcon>
 #include <QPalette>
+#include <QPixmapCache>
 #include <cstdlib>
 #include <iostream>
 #include <unistd.h>
@@ -45,6 +46,10 @@ QPalette darkPalette()
     return palette;
 }
 
+// Of what controls look like: enough for all that show together. Every dialog adds its own, which serve no
+// other.
+constexpr int keptPicturesKb = 1024;
+
 constexpr const char* unseen = "offscreen";
 
 // The last one only tells that no other answers.
@@ -82,6 +87,7 @@ void dressApplication()
     QFont font({"Roboto", "Noto Sans", "Cantarell", "DejaVu Sans"});
     font.setPixelSize(11);
     QApplication::setFont(font);
+    QPixmapCache::setCacheLimit(keptPicturesKb);
     QApplication::setWindowIcon(QIcon(":/skin/picIcon.svg"));
 }
 
