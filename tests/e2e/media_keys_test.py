@@ -131,7 +131,7 @@ class MediaKeys(case.Case):
             heard = recording.heard_second()
             ahead.append(self.seconds() - heard)
         self.assertGreater(min(ahead), -0.03)
-        self.assertLess(min(ahead), 0.06)
+        self.assertLess(min(ahead), 0.03)
         self.ctl("pause")
         self.wait_ctl("Paused", "status")
         self.ctl("position", "3.25")

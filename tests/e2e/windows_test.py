@@ -8,6 +8,7 @@ import time
 
 import case
 import places
+import sounds
 from desk import Impatient, wait_for
 
 TITLE = (1200, 60, 300, 100)  # in the title bar, clear of its buttons
@@ -88,6 +89,54 @@ class Windows(case.Case):
         self.list = self.show_list()
         self.drag_list_to(self.beside("bottom", 9))
         self.settled(self.list, self.beside("bottom", 0))
+
+    def asked_of_manager(self, title):
+        """What a window asks of the window manager: functions, decorations, and its first kind."""
+        window = self.app.window(title)
+        hints, kinds = self.desk.run("xprop", "-id", window, "-notype", "_MOTIF_WM_HINTS", "_NET_WM_WINDOW_TYPE").splitlines()
+        flags, functions, decorations = (int(word, 16) for word in hints.split("=")[1].split(",")[:3])
+        self.assertEqual(flags & 3, 3, title)
+        return functions, decorations, kinds.split("=")[1].split(",")[0].strip()
+
+    def assert_dialog(self, title):
+        """A dialog window that moves and closes, and asks for no minimise, no maximise. A window manager that offers them all
+        the same (openbox takes no such wish) brings nothing into danger: what is minimised comes back when it is shown."""
+        functions, decorations, kind = self.asked_of_manager(title)
+        self.assertEqual(kind, "_NET_WM_WINDOW_TYPE_DIALOG", title)
+        self.assertEqual(functions & (1 | 8 | 16), 0, title)  # all, minimise, maximise
+        self.assertEqual(functions & (4 | 32), 4 | 32, title)  # move, close
+        self.assertEqual(decorations & (1 | 32 | 64), 0, title)
+        self.assertEqual(decorations & 8, 8, title)  # the title
+        window = self.app.window(title)
+        if "maximum size" in self.desk.run("xprop", "-id", window, "WM_NORMAL_HINTS"):
+            self.assertNotIn("MAXIMIZE", self.desk.run("xprop", "-id", window, "_NET_WM_ALLOWED_ACTIONS"), title)
+
+    def close_by_escape(self, title):
+        self.desk.run("xdotool", "windowfocus", "--sync", self.app.window(title))
+        self.app.key("Escape")
+        self.app.gone(title)
+
+    def test_whatever_speaks_to_the_user_is_a_dialog_without_minimise_and_maximise(self):
+        mp3 = sounds.encode(sounds.write_wav(self.desk.folder / "a.wav", sounds.music(2)), self.desk.music / "a.mp3")
+        for title, letters in (("Error", "fi"), ("About Velmora", "a")):
+            self.app.menu(self.main, *letters)
+            self.assert_dialog(title)
+            self.close_by_escape(title)
+        self.app.click(self.main, places.PLAY)
+        self.assert_dialog("Select a file to open")
+        self.close_by_escape("Select a file to open")
+        self.play(mp3, 1)
+        self.wait_label(places.LENGTH, "0:02")
+        self.app.menu(self.main, "f", "i")
+        self.assert_dialog(case.TAGS)
+        self.close_by_escape(case.TAGS)
+        self.app.menu(self.main, "o", "w")
+        self.assert_dialog("CD Writer")
+        self.app.press("CD Writer", "push button", "Yes")
+        functions, decorations, kind = self.asked_of_manager(case.WORKBENCH)
+        self.assertEqual((functions & 8, decorations & 32, kind), (8, 32, "_NET_WM_WINDOW_TYPE_NORMAL"))
+        self.app.press(case.WORKBENCH, "push button", "Settings")
+        self.assert_dialog(case.SETTINGS)
 
     def noted(self):
         place = [self.app.setting("Position StartUp Window", key) for key in ("Left", "Top")]

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTextBlock>
@@ -120,6 +121,23 @@ TEST_CASE("The news are shown as the file holds them")
         a.platform.files.files[updates] = text;
         CHECK(a.open().updatesandbugfixes.Text() == text);
         CHECK(a.platform.boxes.shown.empty());
+    }
+}
+
+TEST_CASE("The scroll bar beside the news always stands, however few they are, and they cannot be changed")
+{
+    for (const Text& text : {Text(), Text("one line"), Text(500, '\n')}) {
+        CAPTURE(text.size());
+        About a;
+        a.platform.files.files[updates] = text;
+        AboutFrame& frame = a.open();
+        frame.SSTab1.setTab(1);
+        auto& box = *widgetOf<QPlainTextEdit>(frame, "updatesandbugfixes");
+        REQUIRE(box.isVisible());
+        CHECK(box.verticalScrollBar()->isVisible());
+        CHECK(box.verticalScrollBar()->height() > box.viewport()->height() - 10);
+        CHECK(box.isReadOnly());
+        CHECK(isGrey(box));
     }
 }
 
