@@ -6,7 +6,8 @@
 add_library(velmora_code INTERFACE)
 target_include_directories(velmora_code INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated)
 target_compile_options(velmora_code INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual $<$<BOOL:${VELMORA_WERROR}>:-Werror>)
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual $<$<BOOL:${VELMORA_WERROR}>:-Werror>
+  "$<$<CXX_COMPILER_ID:Clang>:-Wthread-safety;-Werror=thread-safety>")
 target_compile_definitions(velmora_code INTERFACE $<$<CONFIG:RelWithDebInfo>:_GLIBCXX_ASSERTIONS>)
 if(VELMORA_SANITIZE)
   target_compile_options(velmora_code INTERFACE -fsanitize=${VELMORA_SANITIZE} -fno-omit-frame-pointer

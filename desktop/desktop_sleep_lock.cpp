@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/desktop_sleep_lock.h"
 
+#include "platform/mutex.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 #include <QVariantMap>
 
+#include <atomic>
 #include <optional>
 
 namespace desktop
@@ -77,54 +80,54 @@ private:
 
 }
 
-DesktopSleepLock::~DesktopSleepLock()
-{
+// One lock serves whatever is wanted at the same time. A desktop that gives none is not asked again before
+// everything has ended.
+struct DesktopSleepLock::Asker {
+    Asker(Text system, Text session) : systemBus(std::move(system)), sessionBus(std::move(session)) {}
+
+    void keepStep()
     {
-        const std::lock_guard guard(mutex_);
-        ending_ = true;
+        if (wanted == 0)
+            held.reset();
+        else if (!held)
+            held.emplace(systemBus, sessionBus, reasonNow());
     }
-    changed_.notify_one();
-    if (asker_.joinable())
-        asker_.join();
+
+    Text reasonNow()
+    {
+        const Lock lock(mutex);
+        return reason;
+    }
+
+    const Text systemBus;
+    const Text sessionBus;
+    std::atomic<int> wanted = 0;
+    Mutex mutex;
+    Text reason GUARDED_BY(mutex);
+    std::optional<HeldLock> held; // the worker's own
+};
+
+DesktopSleepLock::DesktopSleepLock(const Text& systemBus, const Text& sessionBus) :
+    asker_(std::make_shared<Asker>(systemBus, sessionBus))
+{
 }
+
+DesktopSleepLock::~DesktopSleepLock() = default;
 
 void DesktopSleepLock::begin(const Text& reason)
 {
-    const std::lock_guard guard(mutex_);
-    reason_ = reason;
-    ++wanted_;
-    if (!asker_.joinable())
-        asker_ = std::thread(&DesktopSleepLock::keepStep, this);
-    changed_.notify_one();
+    {
+        const Lock lock(asker_->mutex);
+        asker_->reason = reason;
+    }
+    ++asker_->wanted;
+    worker_.add([asker = asker_](const std::stop_token&) { asker->keepStep(); });
 }
 
 void DesktopSleepLock::end()
 {
-    const std::lock_guard guard(mutex_);
-    --wanted_;
-    changed_.notify_one();
-}
-
-// One lock serves whatever is wanted at the same time. A desktop that gives none is not asked again before
-// everything has ended.
-void DesktopSleepLock::keepStep()
-{
-    std::optional<HeldLock> held;
-    std::unique_lock guard(mutex_);
-    while (!ending_) {
-        const bool isWanted = wanted_ > 0;
-        if (isWanted == held.has_value()) {
-            changed_.wait(guard);
-            continue;
-        }
-        const Text reason = reason_;
-        guard.unlock();
-        if (isWanted)
-            held.emplace(systemBus_, sessionBus_, reason);
-        else
-            held.reset();
-        guard.lock();
-    }
+    --asker_->wanted;
+    worker_.add([asker = asker_](const std::stop_token&) { asker->keepStep(); });
 }
 
 }

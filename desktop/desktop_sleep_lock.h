@@ -4,10 +4,7 @@
 #pragma once
 
 #include "platform/sleep_lock.h"
-
-#include <condition_variable>
-#include <mutex>
-#include <thread>
+#include "platform/worker.h"
 
 namespace desktop
 {
@@ -16,26 +13,17 @@ class DesktopSleepLock final : public SleepLock
 {
 public:
     // Addresses of the buses; "" for one that there is not. Nothing is connected before the first `begin`.
-    DesktopSleepLock(Text systemBus, Text sessionBus) :
-        systemBus_(std::move(systemBus)), sessionBus_(std::move(sessionBus))
-    {
-    }
+    DesktopSleepLock(const Text& systemBus, const Text& sessionBus);
     ~DesktopSleepLock() override; // lets the system sleep
 
     void begin(const Text& reason) override;
     void end() override;
 
 private:
-    void keepStep();
+    struct Asker;
 
-    Text systemBus_;
-    Text sessionBus_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    int wanted_ = 0;
-    Text reason_;
-    bool ending_ = false;
-    std::thread asker_;
+    std::shared_ptr<Asker> asker_;
+    Worker worker_{Worker::AtEnd::abandons};
 };
 
 }

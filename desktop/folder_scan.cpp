@@ -2,6 +2,7 @@
 #include "desktop/folder_scan.h"
 
 #include "files/errand.h"
+#include "platform/mutex.h"
 #include "platform/paths.h"
 
 #include <dirent.h>
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -90,22 +90,22 @@ private:
         // False when nobody wants it any more.
         bool give(Entry entry)
         {
-            const std::lock_guard lock(mutex_);
+            const Lock lock(mutex_);
             entries_.push_back(std::move(entry));
             return !isLeft_;
         }
         // What has been read until now.
         std::vector<Entry> leave()
         {
-            const std::lock_guard lock(mutex_);
+            const Lock lock(mutex_);
             isLeft_ = true;
             return std::move(entries_);
         }
 
     private:
-        std::mutex mutex_;
-        std::vector<Entry> entries_;
-        bool isLeft_ = false;
+        Mutex mutex_;
+        std::vector<Entry> entries_ GUARDED_BY(mutex_);
+        bool isLeft_ GUARDED_BY(mutex_) = false;
     };
 
     // True, as the answer of an errand.

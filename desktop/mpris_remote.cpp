@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/mpris_remote.h"
 
+#include "desktop/bus_presence.h"
 #include "desktop/mpris_interface.h"
 #include "platform/numbers.h"
 #include "platform/post.h"
-#include "toolkit/qt_bridge.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -13,9 +13,7 @@
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <algorithm>
-#include <atomic>
 #include <optional>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -25,8 +23,6 @@ namespace desktop
 namespace
 {
 
-constexpr const char* connectionName = "velmora-remote";
-constexpr const char* serviceName = "org.mpris.MediaPlayer2.velmora";
 constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 
 // A box or a dialog has the program to itself, as it has against the mouse: what began behind a file dialog
@@ -79,6 +75,14 @@ constexpr Command commands[] = {
 };
 // clang-format on
 
+// A second copy of the program gets a name of its own.
+BusPlace placeOnBus()
+{
+    const QString service = "org.mpris.MediaPlayer2.velmora";
+    return {
+        "velmora-remote", mpris::objectPath, {service, QString("%1.instance%2").arg(service).arg(getpid())}};
+}
+
 // A caller may leave the interface out.
 bool isFor(const QDBusMessage& message, const char* interface)
 {
@@ -123,51 +127,34 @@ std::int32_t percentOf(double volume)
 class MprisRemote final : public MediaRemote, private QDBusVirtualObject
 {
 public:
-    MprisRemote(const Text& address, Post& post) : address_(::shown(address)), post_(post) {}
-
-    ~MprisRemote() override
-    {
-        if (meeting_.joinable())
-            meeting_.join();
-        QDBusConnection::disconnectFromBus(connectionName);
-    }
+    MprisRemote(const Text& address, Post& post) : address_(address), post_(post) {}
 
     void show(const Shown& now, std::int32_t place) override
     {
-        if (address_.isEmpty())
+        if (address_.empty())
             return;
         now_ = now;
         place_ = place;
         if (wantedVolume_ && !hasBox())
             post_.post([this] { setWantedVolume(); });
-        if (!meeting_.joinable())
-            meeting_ = std::thread([this] { meetBus(); });
-        if (met_ && told_ != now_)
+        if (!presence_)
+            presence_.emplace(address_, placeOnBus(), static_cast<QDBusVirtualObject&>(*this));
+        if (presence_->bus() && told_ != now_)
             tellChange();
     }
 
     void jumped(std::int32_t place) override
     {
-        if (met_)
-            tell(mpris::player, "Seeked", {static_cast<qlonglong>(mpris::microseconds(place))});
+        tell(mpris::player, "Seeked", {static_cast<qlonglong>(mpris::microseconds(place))});
     }
 
 private:
-    // A second copy of the program gets a name of its own.
-    void meetBus()
-    {
-        auto bus = QDBusConnection::connectToBus(address_, connectionName);
-        bus.registerVirtualObject(mpris::objectPath, this);
-        if (!bus.registerService(serviceName))
-            bus.registerService(QString("%1.instance%2").arg(serviceName).arg(getpid()));
-        met_ = bus.isConnected();
-    }
-
     void tell(const char* interface, const char* signal, const QVariantList& arguments)
     {
         auto message = QDBusMessage::createSignal(mpris::objectPath, interface, signal);
         message.setArguments(arguments);
-        QDBusConnection(connectionName).send(message);
+        if (const auto bus = presence_ ? presence_->bus() : std::nullopt)
+            bus->send(message);
     }
 
     void tellChange()
@@ -266,14 +253,13 @@ private:
             SetVolume.raise(*std::exchange(wantedVolume_, std::nullopt));
     }
 
-    QString address_;
+    const Text address_;
     Post& post_;
-    std::thread meeting_;
-    std::atomic<bool> met_ = false;
     Shown now_;
     std::int32_t place_ = 0; // milliseconds
     std::optional<Shown> told_;
     std::optional<std::int32_t> wantedVolume_; // percent
+    std::optional<BusPresence> presence_;      // the last member: it ends first
 };
 
 }

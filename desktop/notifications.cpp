@@ -2,6 +2,7 @@
 #include "desktop/notifications.h"
 
 #include "desktop/appearance.h"
+#include "platform/mutex.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -9,6 +10,7 @@
 #include <QVariantMap>
 
 #include <cstdio>
+#include <deque>
 
 namespace desktop
 {
@@ -79,53 +81,65 @@ bool isNotified(const Text& busAddress, const Text& title, const Text& message)
     return NotificationService(busAddress).notify(title, message);
 }
 
+// What waits to be delivered. The first stays until the service has answered: the program's end may come
+// before.
+struct Notifications::Outbox {
+    struct Notification {
+        Text title;
+        Text message;
+
+        void say() const { std::fprintf(stderr, "Velmora: %s: %s\n", title.c_str(), message.c_str()); }
+    };
+
+    explicit Outbox(const Text& busAddress) : service(busAddress) {}
+
+    void add(Notification one)
+    {
+        const Lock lock(mutex);
+        waiting.push_back(std::move(one));
+    }
+
+    void deliverFirst()
+    {
+        Lock lock(mutex);
+        if (waiting.empty())
+            return;
+        const Notification first = waiting.front();
+        lock.unlock();
+        const bool isTaken = service.notify(first.title, first.message);
+        lock.lock();
+        if (waiting.empty())
+            return;
+        waiting.pop_front();
+        if (!isTaken)
+            first.say();
+    }
+
+    void sayRest()
+    {
+        const Lock lock(mutex);
+        for (const Notification& one : waiting)
+            one.say();
+        waiting.clear();
+    }
+
+    const NotificationService service;
+    Mutex mutex;
+    std::deque<Notification> waiting GUARDED_BY(mutex);
+};
+
+Notifications::Notifications(const Text& busAddress) : outbox_(std::make_shared<Outbox>(busAddress)) {}
+
 Notifications::~Notifications()
 {
-    {
-        const std::lock_guard guard(mutex_);
-        ending_ = true;
-    }
-    changed_.notify_one();
-    if (deliverer_.joinable())
-        deliverer_.join();
+    if (!worker_.isDoneBy(std::chrono::steady_clock::now() + patienceAtEnd))
+        outbox_->sayRest();
 }
 
 void Notifications::post(const Text& title, const Text& message)
 {
-    const std::lock_guard guard(mutex_);
-    waiting_.push_back({title, message});
-    if (!deliverer_.joinable())
-        deliverer_ = std::thread(&Notifications::deliverAll, this);
-    changed_.notify_one();
-}
-
-bool Notifications::next(Notification& notification)
-{
-    std::unique_lock guard(mutex_);
-    changed_.wait(guard, [this] { return ending_ || !waiting_.empty(); });
-    if (waiting_.empty())
-        return false;
-    notification = std::move(waiting_.front());
-    waiting_.pop_front();
-    return true;
-}
-
-bool Notifications::isEnding()
-{
-    const std::lock_guard guard(mutex_);
-    return ending_;
-}
-
-// The program's end waits for a service that does not answer once, not for each notification.
-void Notifications::deliverAll()
-{
-    const NotificationService service(busAddress_);
-    bool taken = true;
-    for (Notification one; next(one);) {
-        taken = (taken || !isEnding()) && service.notify(one.title, one.message);
-        if (!taken)
-            std::fprintf(stderr, "Velmora: %s: %s\n", one.title.c_str(), one.message.c_str());
-    }
+    outbox_->add({title, message});
+    worker_.add([outbox = outbox_](const std::stop_token&) { outbox->deliverFirst(); });
 }
 
 }

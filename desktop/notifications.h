@@ -3,11 +3,7 @@
 #pragma once
 
 #include "platform/text.h"
-
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <thread>
+#include "platform/worker.h"
 
 namespace desktop
 {
@@ -20,28 +16,19 @@ class Notifications
 public:
     // An address of the session bus, as DBUS_SESSION_BUS_ADDRESS gives it; "" when there is none. Nothing is
     // connected before the first notification.
-    explicit Notifications(Text busAddress) : busAddress_(std::move(busAddress)) {}
-    ~Notifications(); // delivers what is waiting, or says it on standard error
+    explicit Notifications(const Text& busAddress);
+
+    // What is not delivered as soon as nobody notices goes to standard error.
+    ~Notifications();
 
     // From any thread; never waits. What the desktop does not take goes to standard error.
     void post(const Text& title, const Text& message);
 
 private:
-    struct Notification {
-        Text title;
-        Text message;
-    };
+    struct Outbox;
 
-    bool next(Notification& notification);
-    bool isEnding();
-    void deliverAll();
-
-    Text busAddress_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<Notification> waiting_;
-    bool ending_ = false;
-    std::thread deliverer_;
+    std::shared_ptr<Outbox> outbox_;
+    Worker worker_{Worker::AtEnd::abandons};
 };
 
 }

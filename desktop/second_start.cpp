@@ -2,6 +2,7 @@
 #include "desktop/second_start.h"
 
 #include "desktop/appearance.h"
+#include "desktop/bus_presence.h"
 #include "files/errand.h"
 #include "platform/post.h"
 #include "toolkit/qt_bridge.h"
@@ -65,24 +66,12 @@ class SecondStarts::Answerer final : private QDBusVirtualObject
 {
 public:
     Answerer(const Text& busAddress, Post& post, Event<>& asked) :
-        address_(shown(busAddress)), post_(post), asked_(asked), meeting_([this] { meetBus(); })
+        post_(post), asked_(asked),
+        presence_(busAddress, {connectionName, objectPath, {serviceName(getpid())}}, *this)
     {
-    }
-
-    ~Answerer() override
-    {
-        meeting_.join();
-        QDBusConnection::disconnectFromBus(connectionName);
     }
 
 private:
-    void meetBus()
-    {
-        auto bus = QDBusConnection::connectToBus(address_, connectionName);
-        bus.registerVirtualObject(objectPath, this);
-        bus.registerService(serviceName(getpid()));
-    }
-
     QString introspect(const QString&) const override { return {}; }
 
     // Answered on the window thread: a window that hangs has no answer.
@@ -103,10 +92,9 @@ private:
             asked_.raise();
     }
 
-    QString address_;
     Post& post_;
     Event<>& asked_;
-    std::thread meeting_;
+    BusPresence presence_; // the last member: it ends first
 };
 
 SecondStarts::SecondStarts(const Text& busAddress, Post& post)

@@ -60,41 +60,23 @@ void BlockWriter::Run::writeThroughCache(std::int64_t from, std::int64_t to) con
 }
 
 BlockWriter::BlockWriter(OutputFile& to, unsigned runs) :
-    to_(to), direct_(to.openPastCache()), unmade_(runs + waitingBlocks), thread_([this] { writeInTurn(); })
+    to_(to), direct_(to.openPastCache()), unmade_(runs + waitingBlocks)
 {
-}
-
-BlockWriter::~BlockWriter()
-{
-    {
-        const std::lock_guard lock(mutex_);
-        full_.clear();
-    }
-    end();
 }
 
 void BlockWriter::finish()
 {
-    end();
+    worker_.finish();
+    const Lock lock(mutex_);
     if (failure_)
         throw *failure_;
 }
 
-void BlockWriter::end()
-{
-    {
-        const std::lock_guard lock(mutex_);
-        isEnding_ = true;
-    }
-    isFull_.notify_one();
-    if (thread_.joinable())
-        thread_.join();
-}
-
 BlockWriter::Block BlockWriter::take()
 {
-    std::unique_lock lock(mutex_);
-    isFree_.wait(lock, [this] { return failure_ || !free_.empty() || unmade_ > 0; });
+    Lock lock(mutex_);
+    while (!failure_ && free_.empty() && unmade_ == 0)
+        isFree_.wait(lock);
     if (failure_)
         throw *failure_;
     if (free_.empty()) {
@@ -115,19 +97,18 @@ void BlockWriter::giveBack(Block block)
     if (!block)
         return;
     {
-        const std::lock_guard lock(mutex_);
+        const Lock lock(mutex_);
         free_.push_back(std::move(block));
     }
-    isFree_.notify_one();
+    isFree_.notifyOne();
 }
 
 void BlockWriter::put(Full full)
 {
-    {
-        const std::lock_guard lock(mutex_);
-        full_.push_back(std::move(full));
-    }
-    isFull_.notify_one();
+    worker_.add([this, full = std::make_shared<Full>(std::move(full))](const std::stop_token&) {
+        write(*full);
+        giveBack(std::move(full->block));
+    });
 }
 
 // What the disk does not take directly goes through the cache, which also knows why it cannot be written.
@@ -141,25 +122,9 @@ void BlockWriter::write(const Full& full) noexcept
     try {
         to_.write(bytes, full.at);
     } catch (const Failure& failure) {
-        const std::lock_guard lock(mutex_);
+        const Lock lock(mutex_);
         failure_ = failure;
-        isFree_.notify_all();
-    }
-}
-
-void BlockWriter::writeInTurn()
-{
-    std::unique_lock lock(mutex_);
-    for (;;) {
-        isFull_.wait(lock, [this] { return isEnding_ || !full_.empty(); });
-        if (full_.empty())
-            return;
-        Full next = std::move(full_.front());
-        full_.pop_front();
-        lock.unlock();
-        write(next);
-        giveBack(std::move(next.block));
-        lock.lock();
+        isFree_.notifyAll();
     }
 }
 

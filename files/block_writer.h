@@ -6,14 +6,12 @@
 
 #include "files/output_file.h"
 #include "platform/failure.h"
+#include "platform/mutex.h"
+#include "platform/worker.h"
 
-#include <condition_variable>
 #include <cstdlib>
-#include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <thread>
 #include <vector>
 
 namespace files
@@ -58,7 +56,6 @@ public:
 
     // For at most as many runs at a time as there are `runs`.
     BlockWriter(OutputFile& to, unsigned runs);
-    ~BlockWriter();
     BlockWriter(const BlockWriter&) = delete;
     BlockWriter& operator=(const BlockWriter&) = delete;
 
@@ -76,21 +73,16 @@ private:
     Block take();
     void giveBack(Block block);
     void put(Full full);
-    void writeInTurn();
     void write(const Full& full) noexcept;
-    void end();
 
     OutputFile& to_;
     Descriptor direct_;
-    std::size_t unmade_;
-    std::mutex mutex_;
-    std::condition_variable isFull_;
-    std::condition_variable isFree_;
-    std::vector<Block> free_;
-    std::deque<Full> full_;
-    std::optional<Failure> failure_;
-    bool isEnding_ = false;
-    std::thread thread_;
+    Mutex mutex_;
+    Condition isFree_;
+    std::size_t unmade_ GUARDED_BY(mutex_);
+    std::vector<Block> free_ GUARDED_BY(mutex_);
+    std::optional<Failure> failure_ GUARDED_BY(mutex_);
+    Worker worker_{Worker::AtEnd::joins}; // the last member: it ends first
 };
 
 }

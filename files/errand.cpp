@@ -1,60 +1,50 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/errand.h"
 
+#include "platform/mutex.h"
+
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
+#include <atomic>
 #include <system_error>
-#include <thread>
 #include <vector>
 
 namespace files
 {
 
+// The one that comes first settles it: the work with its end, or the asker who has waited long enough.
 struct ErrandThread::State {
-    // False when nobody waits any more.
-    bool end()
+    enum class Outcome { open, done, abandoned };
+
+    bool settles(Outcome as)
     {
-        const std::lock_guard lock(mutex);
-        hasEnded = true;
-        ended.notify_all();
-        return !isAbandoned;
+        auto open = Outcome::open;
+        return outcome.compare_exchange_strong(open, as);
     }
 
-    std::mutex mutex;
-    std::condition_variable ended;
-    bool hasEnded = false;
-    bool isAbandoned = false;
+    std::atomic<Outcome> outcome = Outcome::open;
 };
 
 ErrandThread::ErrandThread(std::function<void()> work, std::function<void()> late) :
-    state_(std::make_shared<State>())
+    state_(std::make_shared<State>()), thread_(std::make_shared<Thread>())
 {
     try {
-        std::thread([work = std::move(work), late = std::move(late), state = state_] {
+        *thread_ = Thread([work = std::move(work), late = std::move(late), state = state_] {
             work();
-            if (!state->end())
+            if (!state->settles(State::Outcome::done))
                 late();
-        }).detach();
+        });
     } catch (const std::system_error&) { // no thread to be had
-        state_->isAbandoned = true;
-        state_->hasEnded = true;
     }
 }
 
 bool ErrandThread::isDoneWithin(std::chrono::milliseconds limit) const
 {
-    std::unique_lock lock(state_->mutex);
-    if (!state_->ended.wait_for(lock, limit, [this] { return state_->hasEnded; }))
-        state_->isAbandoned = true;
-    return !state_->isAbandoned;
+    thread_->endsWithin(limit);
+    state_->settles(State::Outcome::abandoned);
+    return state_->outcome == State::Outcome::done;
 }
 
-bool ErrandThread::hasEnded() const
-{
-    const std::lock_guard lock(state_->mutex);
-    return state_->hasEnded;
-}
+bool ErrandThread::hasEnded() const { return thread_->hasEnded(); }
 
 namespace
 {
@@ -71,20 +61,20 @@ public:
 
     void add(const Text& question, const ErrandThread& thread)
     {
-        const std::lock_guard lock(mutex_);
+        const Lock lock(mutex_);
         questions_.emplace_back(question, thread);
     }
 
     bool holds(const Text& question)
     {
-        const std::lock_guard lock(mutex_);
+        const Lock lock(mutex_);
         std::erase_if(questions_, [](const auto& one) { return one.second.hasEnded(); });
         return std::ranges::any_of(questions_, [&](const auto& one) { return one.first == question; });
     }
 
 private:
-    std::mutex mutex_;
-    std::vector<std::pair<Text, ErrandThread>> questions_;
+    Mutex mutex_;
+    std::vector<std::pair<Text, ErrandThread>> questions_ GUARDED_BY(mutex_);
 };
 
 }

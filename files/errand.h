@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/text.h"
+#include "platform/thread.h"
 
 #include <chrono>
 #include <functional>
@@ -32,6 +33,7 @@ public:
 private:
     struct State;
     std::shared_ptr<State> state_;
+    std::shared_ptr<Thread> thread_;
 };
 
 template <typename Result>

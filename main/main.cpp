@@ -5,15 +5,26 @@
 #include "program.h"
 
 #include <csignal>
+#include <unistd.h>
 
+namespace
+{
+
+int run(char* program, const rlimit& stackLimit)
+{
+    Desktop desktop(program, stackLimit); // toolkit, sound, discs, store: the real parts
+    Program parts(desktop);
+    desktop.SecondStart.calls([&] { parts.raise(); });
+    return desktop.run([&] { parts.start(); });
+}
+
+}
+
+// A server that hangs may hold a thread, and what the libraries do at the end of a process would wait for it.
 int main(int, char** argv)
 {
     desktop::openStandardStreams();
     desktop::requireThreads();
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is a failed write, not the end
-    const rlimit stackLimit = desktop::raiseStackLimit();
-    Desktop desktop(argv[0], stackLimit); // toolkit, sound, discs, store: the real parts
-    Program program(desktop);
-    desktop.SecondStart.calls([&] { program.raise(); });
-    return desktop.run([&] { program.start(); });
+    _exit(run(argv[0], desktop::raiseStackLimit()));
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Wakes one waiting thread. A ring that comes before the wait is not lost.
+// An auto-reset event: wakes one waiting thread. A ring that comes before the wait is not lost.
 #pragma once
 
+#include "platform/mutex.h"
+
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 
 namespace audio
 {
@@ -16,29 +16,30 @@ public:
 
     void ring()
     {
-        const std::lock_guard lock(mutex_);
+        const Lock lock(mutex_);
         rung_ = true;
-        rang_.notify_one();
+        rang_.notifyOne();
     }
 
     // Returns when it rings, or at `time`.
     void waitUntil(TimePoint time)
     {
-        std::unique_lock lock(mutex_);
-        rang_.wait_until(lock, time, [&] { return rung_; });
+        Lock lock(mutex_);
+        while (!rung_ && rang_.waitUntil(lock, time))
+            continue;
         rung_ = false;
     }
 
     bool isRung() const
     {
-        const std::lock_guard lock(mutex_);
+        const Lock lock(mutex_);
         return rung_;
     }
 
 private:
-    mutable std::mutex mutex_;
-    std::condition_variable rang_;
-    bool rung_ = false;
+    mutable Mutex mutex_;
+    Condition rang_;
+    bool rung_ GUARDED_BY(mutex_) = false;
 };
 
 }

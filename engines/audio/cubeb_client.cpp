@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/cubeb_client.h"
 
+#include "engines/audio/thread_priority.h"
+
 #include <algorithm>
 #include <cubeb/cubeb.h>
 #include <string_view>
@@ -74,6 +76,7 @@ void CubebClient::leave()
 
 bool CubebClient::start(Playing& playing)
 {
+    putBeforeOtherWork();
     if (context_ == nullptr && cubeb_init(&context_, "Velmora", nullptr) != CUBEB_OK)
         return false;
     cubeb_stream_params params{};

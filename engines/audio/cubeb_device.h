@@ -4,18 +4,19 @@
 #pragma once
 
 #include "engines/audio/stream.h"
+#include "platform/worker.h"
 
 #include <memory>
-#include <thread>
 
 namespace audio
 {
 
+class CubebClient;
+
 class CubebDevice
 {
 public:
-    CubebDevice();
-    ~CubebDevice(); // does not wait for a server that hangs
+    CubebDevice(); // its end does not wait for a server that hangs
 
     // Opens a way to the listener: sound is asked of `stream` from then on, or it fails.
     void open(std::shared_ptr<Stream> stream);
@@ -24,12 +25,13 @@ public:
     void close(std::shared_ptr<Stream> stream);
 
 private:
-    struct Control;
+    explicit CubebDevice(std::shared_ptr<CubebClient> client);
 
-    void ask(std::shared_ptr<Stream> stream, bool open);
+    void ask(std::function<void(CubebClient&)> question);
 
-    std::shared_ptr<Control> control_; // outlives this object while the server hangs
-    std::thread thread_;
+    std::weak_ptr<CubebClient>
+        client_; // the worker's own: it ends on that thread, also while the server hangs
+    Worker worker_;
 };
 
 }

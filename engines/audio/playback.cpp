@@ -42,7 +42,7 @@ void Playback::cut()
 
 void Playback::load(std::shared_ptr<PcmSource> source, std::int64_t frames)
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     cut();
     source_ = std::move(source);
     frames_ = frames;
@@ -50,7 +50,7 @@ void Playback::load(std::shared_ptr<PcmSource> source, std::int64_t frames)
 
 bool Playback::play()
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (source_ == nullptr || state_ == State::playing)
         return false;
     owesPlaying_ = true;
@@ -61,7 +61,7 @@ bool Playback::play()
 
 void Playback::pause()
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (state_ != State::playing)
         return;
     flow(false);
@@ -70,13 +70,13 @@ void Playback::pause()
 
 void Playback::stop()
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     cut();
 }
 
 void Playback::seek(std::int64_t frame)
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (source_ == nullptr)
         return;
     // What is heard goes on until the new place is ready; in a pause the next thing heard is the new place.
@@ -87,7 +87,7 @@ void Playback::seek(std::int64_t frame)
 
 bool Playback::isPlaying() const
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     const bool owed = owesPlaying_;
     owesPlaying_ = false;
     return state_ != State::idle || owed;
@@ -95,7 +95,7 @@ bool Playback::isPlaying() const
 
 Playback::State Playback::state() const
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return state_;
 }
 
@@ -110,19 +110,19 @@ std::int64_t Playback::heardFrame() const
 
 std::int64_t Playback::position() const
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return heardFrame();
 }
 
 Playback::Wish Playback::wish() const
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return {state_, source_, from_, serial_, cuts_};
 }
 
 bool Playback::hearFrom(std::uint64_t serial, std::shared_ptr<Stream> stream)
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (serial != serial_)
         return false;
     stream_ = std::move(stream);
@@ -132,7 +132,7 @@ bool Playback::hearFrom(std::uint64_t serial, std::shared_ptr<Stream> stream)
 
 bool Playback::standAt(std::uint64_t serial, std::int64_t frame)
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (serial != serial_)
         return false;
     from_ = frame;
@@ -142,7 +142,7 @@ bool Playback::standAt(std::uint64_t serial, std::int64_t frame)
 
 bool Playback::restart(std::uint64_t serial, std::int64_t frame)
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (serial != serial_)
         return false;
     moveTo(frame);
@@ -151,7 +151,7 @@ bool Playback::restart(std::uint64_t serial, std::int64_t frame)
 
 bool Playback::end(std::uint64_t serial)
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     if (serial != serial_)
         return false;
     stream_ = nullptr;

@@ -6,9 +6,9 @@
 #include "engines/audio/pcm_source.h"
 #include "engines/audio/stream.h"
 #include "platform/activity.h"
+#include "platform/mutex.h"
 
 #include <memory>
-#include <mutex>
 
 namespace audio
 {
@@ -50,25 +50,25 @@ public:
     bool end(std::uint64_t serial);                                      // the last frame was heard
 
 private:
-    void enter(State state);
-    void moveTo(std::int64_t frame);
-    void cut();
-    void flow(bool flowing);
-    std::int64_t heardFrame() const;
+    void enter(State state) REQUIRES(mutex_);
+    void moveTo(std::int64_t frame) REQUIRES(mutex_);
+    void cut() REQUIRES(mutex_);
+    void flow(bool flowing) REQUIRES(mutex_);
+    std::int64_t heardFrame() const REQUIRES(mutex_);
 
     Activity& activity_;
     const AtEnd atEnd_;
 
-    mutable std::mutex mutex_;
-    State state_ = State::idle;
-    std::shared_ptr<PcmSource> source_;
-    std::int64_t frames_ = 0;
-    std::int64_t from_ = 0;
-    std::uint64_t serial_ = 1;
-    std::uint64_t cuts_ = 0;
-    std::shared_ptr<Stream> stream_;
-    mutable std::int64_t shown_ = 0;   // the position never goes back but by a move
-    mutable bool owesPlaying_ = false; // nobody has been told yet that it plays
+    mutable Mutex mutex_;
+    State state_ GUARDED_BY(mutex_) = State::idle;
+    std::shared_ptr<PcmSource> source_ GUARDED_BY(mutex_);
+    std::int64_t frames_ GUARDED_BY(mutex_) = 0;
+    std::int64_t from_ GUARDED_BY(mutex_) = 0;
+    std::uint64_t serial_ GUARDED_BY(mutex_) = 1;
+    std::uint64_t cuts_ GUARDED_BY(mutex_) = 0;
+    std::shared_ptr<Stream> stream_ GUARDED_BY(mutex_);
+    mutable std::int64_t shown_ GUARDED_BY(mutex_) = 0;   // the position never goes back but by a move
+    mutable bool owesPlaying_ GUARDED_BY(mutex_) = false; // nobody has been told yet that it plays
 };
 
 }

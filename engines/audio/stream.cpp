@@ -41,7 +41,7 @@ Stream::Stream(std::shared_ptr<const Levels> levels, std::shared_ptr<Bell> bell,
 
 void Stream::attach(std::shared_ptr<Feed> feed)
 {
-    std::unique_lock lock(mutex_);
+    Lock lock(mutex_);
     given_ = given();
     owned_.swap(feed);
     feed_ = owned_.get();
@@ -54,25 +54,25 @@ std::int64_t Stream::given() const { return owned_ != nullptr ? owned_->position
 
 bool Stream::isSilent() const
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return written_ == 0 || (report_.isLast && report_.run.kind != Heard::sound);
 }
 
 bool Stream::hasEnded(std::uint64_t serial) const
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return report_.run.kind == Heard::end && report_.run.serial == serial;
 }
 
 std::chrono::duration<double> Stream::heardTime() const
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     return timeOf(report_.frames, rate_);
 }
 
 std::optional<std::int64_t> Stream::position(std::uint64_t serial, Clock::time_point now) const
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     const Run& run = report_.run;
     if (run.kind == Heard::nothing || run.serial != serial)
         return std::nullopt;
@@ -139,7 +139,7 @@ void Stream::heard(std::int64_t frames, Clock::time_point now)
     }
     const Run run = log_.runAt(frames);
 
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     const bool isNews = run.kind == Heard::end && report_.run.kind != Heard::end;
     report_ = {run, frames, log_.nextRun() == nullptr, now};
     if (isNews)
@@ -157,7 +157,7 @@ std::optional<std::int64_t> Stream::frameOfEnd() const
 
 Stream::Clock::time_point Stream::nextLook(Clock::time_point now) const
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     const auto next = now + (report_.run.kind == Heard::nothing ? lookForStart : lookEvery);
     const auto end = frameOfEnd();
     if (!end || *end <= report_.frames)

@@ -7,11 +7,11 @@
 #include "engines/audio/feed.h"
 #include "engines/audio/gain.h"
 #include "engines/audio/hearing_log.h"
+#include "platform/mutex.h"
 
 #include <atomic>
 #include <chrono>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 namespace audio
@@ -67,8 +67,8 @@ private:
     };
 
     Feed* claim();
-    std::int64_t given() const;
-    std::optional<std::int64_t> frameOfEnd() const;
+    std::int64_t given() const REQUIRES(mutex_);
+    std::optional<std::int64_t> frameOfEnd() const REQUIRES(mutex_);
     std::size_t writeSound(Feed* feed, std::int16_t* samples, std::size_t frames);
     bool runsAway();
 
@@ -85,10 +85,11 @@ private:
     std::atomic<std::int64_t> written_{0};
     std::atomic<Clock::time_point> lastSign_{began_};
 
-    mutable std::mutex mutex_; // never held by `write`
-    std::shared_ptr<Feed> owned_;
-    std::int64_t given_ = 0; // the source's frame up to which `owned_`, or the feed before, was given away
-    Report report_;
+    mutable Mutex mutex_; // never held by `write`
+    std::shared_ptr<Feed> owned_ GUARDED_BY(mutex_);
+    std::int64_t given_ GUARDED_BY(mutex_) =
+        0; // the source's frame up to which `owned_`, or the feed before, was given away
+    Report report_ GUARDED_BY(mutex_);
 };
 
 }

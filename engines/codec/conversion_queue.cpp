@@ -14,32 +14,11 @@ ConversionQueue::ConversionQueue(Post& post, Shell& shell, Text failed, Events e
 {
 }
 
-ConversionQueue::~ConversionQueue() = default;
-
-// The thread is made by the first conversion: most runs of the program convert nothing.
 void ConversionQueue::add(Conversion conversion)
 {
-    {
-        const std::lock_guard lock(mutex_);
-        waiting_.push_back(std::move(conversion));
-    }
-    if (!worker_.joinable())
-        worker_ = std::jthread([this](const std::stop_token& stop) { run(stop); });
-    changed_.notify_one();
-}
-
-void ConversionQueue::run(const std::stop_token& stop)
-{
-    std::unique_lock lock(mutex_);
-    while (changed_.wait(lock, stop, [this] { return !waiting_.empty(); })) {
-        if (stop.stop_requested())
-            return;
-        const Conversion next = std::move(waiting_.front());
-        waiting_.pop_front();
-        lock.unlock();
-        convert(next, stop);
-        lock.lock();
-    }
+    worker_.add([this, conversion = std::move(conversion)](const std::stop_token& stop) {
+        convert(conversion, stop);
+    });
 }
 
 void ConversionQueue::convert(const Conversion& conversion, const std::stop_token& stop)

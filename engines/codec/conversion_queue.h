@@ -6,14 +6,11 @@
 #include "platform/post.h"
 #include "platform/shell.h"
 #include "platform/text.h"
+#include "platform/worker.h"
 
-#include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
-#include <mutex>
-#include <thread>
 
 namespace codec
 {
@@ -35,15 +32,13 @@ public:
     };
 
     // `failed` heads what the desktop is told: "Encoding failed".
+    // It ends on the window thread: the running conversion is broken off, and nothing is delivered
+    // afterwards.
     ConversionQueue(Post& post, Shell& shell, Text failed, Events events);
-
-    // On the window thread. Breaks off the running conversion; nothing is delivered afterwards.
-    ~ConversionQueue();
 
     void add(Conversion conversion);
 
 private:
-    void run(const std::stop_token& stop);
     void convert(const Conversion& conversion, const std::stop_token& stop);
     void tell(const Text& input, const Text& reason);
     template <typename Call>
@@ -52,11 +47,8 @@ private:
     Post& post_;
     Shell& shell_;
     Text failed_;
-    std::shared_ptr<Events> events_; // calls under way hold it weakly: they end with this object
-    std::mutex mutex_;
-    std::condition_variable_any changed_;
-    std::deque<Conversion> waiting_;
-    std::jthread worker_; // the last member: it ends first
+    std::shared_ptr<Events> events_;      // calls under way hold it weakly: they end with this object
+    Worker worker_{Worker::AtEnd::joins}; // the last member: it ends first
 };
 
 }

@@ -2,9 +2,9 @@
 #include "engines/codec/lame_encoder.h"
 
 #include "platform/failure.h"
+#include "platform/mutex.h"
 
 #include <lame/lame.h>
-#include <mutex>
 
 namespace codec
 {
@@ -19,8 +19,8 @@ struct Closer {
 // The first `lame_init` of a process fills tables that all encoders share.
 lame_t newEncoder()
 {
-    static std::mutex mutex;
-    const std::lock_guard lock(mutex);
+    static Mutex mutex;
+    const Lock lock(mutex);
     return lame_init();
 }
 

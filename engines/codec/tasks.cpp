@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/tasks.h"
 
+#include "platform/mutex.h"
+
 #include <algorithm>
 #include <atomic>
 #include <exception>
@@ -38,8 +40,9 @@ public:
         }
     }
 
-    void throwFailure() const
+    void throwFailure()
     {
+        const Lock lock(mutex_);
         if (failure_)
             std::rethrow_exception(failure_);
     }
@@ -48,7 +51,7 @@ private:
     // What stopped tasks throw afterwards comes second and is dropped.
     void fail(std::exception_ptr failure)
     {
-        const std::lock_guard lock(mutex_);
+        const Lock lock(mutex_);
         if (!failure_)
             failure_ = std::move(failure);
         stop_.request_stop();
@@ -59,8 +62,8 @@ private:
     std::stop_source stop_;
     std::stop_callback<std::function<void()>> stopWithCaller_;
     std::atomic<std::size_t> next_ = 0;
-    std::mutex mutex_;
-    std::exception_ptr failure_;
+    Mutex mutex_;
+    std::exception_ptr failure_ GUARDED_BY(mutex_);
 };
 
 }
@@ -86,7 +89,7 @@ void runTasks(unsigned workers, std::size_t count, const std::stop_token& stop,
 
 void Progress::add(std::int64_t done)
 {
-    const std::lock_guard lock(mutex_);
+    const Lock lock(mutex_);
     done_ = std::min(done_ + done, total_);
     const auto thousandths = static_cast<std::int32_t>(done_ * 1000 / total_);
     if (thousandths <= reported_)

@@ -2,10 +2,11 @@
 // Work on several cores.
 #pragma once
 
+#include "platform/mutex.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <stop_token>
 
 namespace codec
@@ -43,9 +44,9 @@ public:
 private:
     std::int64_t total_;
     Report report_;
-    std::mutex mutex_;
-    std::int64_t done_ = 0;
-    std::int32_t reported_ = 0;
+    Mutex mutex_;
+    std::int64_t done_ GUARDED_BY(mutex_) = 0;
+    std::int32_t reported_ GUARDED_BY(mutex_) = 0;
 };
 
 }

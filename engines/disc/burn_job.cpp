@@ -4,14 +4,13 @@
 #include "engines/disc/burn_source.h"
 #include "engines/disc/disc_contents.h"
 #include "platform/failure.h"
+#include "platform/mutex.h"
 
 #include <libburn/libburn.h>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <utility>
 
 namespace disc
@@ -154,9 +153,10 @@ private:
 
     static void rest(const std::stop_token& stop)
     {
-        std::mutex mutex;
-        std::unique_lock lock(mutex);
-        std::condition_variable_any().wait_for(lock, stop, lookPeriod, [] { return false; });
+        Mutex mutex;
+        Lock lock(mutex);
+        Condition().wait(
+            lock, stop, [] { return false; }, std::chrono::steady_clock::now() + lookPeriod);
     }
 
     void tell(const WriteProgress& progress, const burn_progress& now)

@@ -8,14 +8,14 @@ BusyDevices::Claim::~Claim()
 {
     if (!devices_)
         return;
-    const std::lock_guard guard(devices_->mutex_);
+    const Lock guard(devices_->mutex_);
     devices_->inUse_.erase(device_);
-    devices_->freed_.notify_all();
+    devices_->freed_.notifyAll();
 }
 
 std::optional<BusyDevices::Claim> BusyDevices::claim(const Text& device, Use use)
 {
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     if (!inUse_.emplace(device, use).second)
         return std::nullopt;
     return Claim(shared_from_this(), device);
@@ -24,8 +24,8 @@ std::optional<BusyDevices::Claim> BusyDevices::claim(const Text& device, Use use
 std::optional<BusyDevices::Claim> BusyDevices::waitFor(const Text& device, Use use,
                                                        const std::stop_token& stop)
 {
-    std::unique_lock guard(mutex_);
-    if (!freed_.wait(guard, stop, [&] { return !inUse_.contains(device); }))
+    Lock guard(mutex_);
+    if (!freed_.wait(guard, stop, [&]() REQUIRES(mutex_) { return !inUse_.contains(device); }))
         return std::nullopt;
     inUse_.emplace(device, use);
     return Claim(shared_from_this(), device);
@@ -33,7 +33,7 @@ std::optional<BusyDevices::Claim> BusyDevices::waitFor(const Text& device, Use u
 
 bool BusyDevices::isWriting(const Text& device)
 {
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     const auto found = inUse_.find(device);
     return found != inUse_.end() && found->second == Use::writing;
 }

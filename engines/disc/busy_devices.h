@@ -2,12 +2,11 @@
 // Which devices are in use, so that no two jobs meet on one. From any thread.
 #pragma once
 
+#include "platform/mutex.h"
 #include "platform/text.h"
 
-#include <condition_variable>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <stop_token>
 
@@ -47,9 +46,9 @@ public:
     bool isWriting(const Text& device);
 
 private:
-    std::mutex mutex_;
-    std::condition_variable_any freed_;
-    std::map<Text, Use> inUse_;
+    Mutex mutex_;
+    Condition freed_;
+    std::map<Text, Use> inUse_ GUARDED_BY(mutex_);
 };
 
 }

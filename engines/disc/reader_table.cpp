@@ -33,13 +33,13 @@ ReaderTable::ReaderTable(std::vector<ListReaders> lists, std::shared_ptr<BusyDev
 void ReaderTable::scan()
 {
     auto lists = listed();
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     take(std::move(lists));
 }
 
 std::vector<ReaderTable::Drives> ReaderTable::listed()
 {
-    const std::lock_guard guard(listing_);
+    const Lock guard(listing_);
     std::vector<Drives> all;
     for (auto& [ask, last] : lists_) {
         const Text question = "drives " + std::to_string(reinterpret_cast<std::uintptr_t>(ask.get()));
@@ -70,7 +70,7 @@ void ReaderTable::take(std::vector<Drives> lists)
 void ReaderTable::addNew()
 {
     auto lists = listed();
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     const bool hasNone = drives_.empty() || drives_.front()->device().empty();
     if (hasNone)
         return take(std::move(lists));
@@ -94,12 +94,12 @@ bool ReaderTable::isKnown(const ReaderDrive& drive) const { return placeOf(drive
 std::vector<std::shared_ptr<ReaderDrive>> ReaderTable::drives()
 {
     {
-        const std::lock_guard guard(mutex_);
+        const Lock guard(mutex_);
         if (!drives_.empty())
             return drives_;
     }
     auto lists = listed();
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     if (drives_.empty())
         take(std::move(lists));
     return drives_;
@@ -107,7 +107,7 @@ std::vector<std::shared_ptr<ReaderDrive>> ReaderTable::drives()
 
 void ReaderTable::lookAnew()
 {
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     for (auto& [device, seen] : seen_)
         seen.isFresh = false;
 }
@@ -121,7 +121,7 @@ DiscContents ReaderTable::contents(ReaderDrive& drive)
     if (!claim)
         return last.value_or(Seen()).contents;
     const auto now = drive.contents();
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     seen_[drive.device()] = {now};
     return now;
 }
@@ -134,7 +134,7 @@ DiscContents ReaderTable::lastContents(ReaderDrive& drive)
 
 std::optional<ReaderTable::Seen> ReaderTable::seen(const ReaderDrive& drive)
 {
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     const auto found = seen_.find(drive.device());
     return found == seen_.end() ? std::nullopt : std::optional(found->second);
 }

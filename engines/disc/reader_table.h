@@ -5,10 +5,10 @@
 
 #include "engines/disc/busy_devices.h"
 #include "engines/disc/reader_drive.h"
+#include "platform/mutex.h"
 
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -45,10 +45,10 @@ private:
         Drives last;
     };
 
-    std::vector<Drives> listed();
-    void take(std::vector<Drives> lists);
-    std::size_t placeOf(const ReaderDrive& drive) const;
-    bool isKnown(const ReaderDrive& drive) const;
+    std::vector<Drives> listed() EXCLUDES(mutex_);
+    void take(std::vector<Drives> lists) REQUIRES(mutex_);
+    std::size_t placeOf(const ReaderDrive& drive) const REQUIRES(mutex_);
+    bool isKnown(const ReaderDrive& drive) const REQUIRES(mutex_);
 
     struct Seen {
         DiscContents contents;
@@ -56,12 +56,12 @@ private:
     };
     std::optional<Seen> seen(const ReaderDrive& drive);
 
-    std::mutex listing_; // before the other; held while the lists are asked
-    std::vector<List> lists_;
+    Mutex listing_; // before the other; held while the lists are asked
+    std::vector<List> lists_ GUARDED_BY(listing_);
     std::shared_ptr<BusyDevices> devices_;
-    std::mutex mutex_;
-    std::vector<std::shared_ptr<ReaderDrive>> drives_;
-    std::map<Text, Seen> seen_; // by device
+    Mutex mutex_;
+    std::vector<std::shared_ptr<ReaderDrive>> drives_ GUARDED_BY(mutex_);
+    std::map<Text, Seen> seen_ GUARDED_BY(mutex_); // by device
 };
 
 }

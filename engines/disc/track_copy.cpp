@@ -2,6 +2,7 @@
 #include "engines/disc/track_copy.h"
 
 #include "platform/failure.h"
+#include "platform/thread.h"
 
 #include <algorithm>
 #include <exception>
@@ -74,9 +75,9 @@ void TrackCopy::run()
 
 void TrackCopy::copy()
 {
-    std::thread([pipe = pipe_, devices = devices_, drive = job_.drive, track = job_.track, path = job_.path] {
+    Thread([pipe = pipe_, devices = devices_, drive = job_.drive, track = job_.track, path = job_.path] {
         readInto(pipe, devices, *drive, track, path);
-    }).detach();
+    });
     while (const auto samples = pipe_->next()) {
         if (givenUp_)
             return;

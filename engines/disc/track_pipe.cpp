@@ -14,41 +14,41 @@ constexpr std::size_t mostWaitingBytes = 1 << 20;
 // A thread that had to wait is woken for a good deal of work, not for each piece: waking takes its time, too.
 void TrackPipe::take(std::vector<std::byte> samples)
 {
-    std::unique_lock guard(mutex_);
+    Lock guard(mutex_);
     const auto token = stop_.get_token();
-    if (!changed_.wait(guard, token, [&] { return waitingBytes_ < mostWaitingBytes; }) ||
+    if (!changed_.wait(guard, token, [&]() REQUIRES(mutex_) { return waitingBytes_ < mostWaitingBytes; }) ||
         token.stop_requested())
         return;
     waitingBytes_ += samples.size();
     waiting_.push_back(std::move(samples));
     if (waiting_.size() == 1)
-        changed_.notify_all();
+        changed_.notifyAll();
 }
 
 void TrackPipe::end(Outcome outcome)
 {
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     outcome_ = std::move(outcome);
-    changed_.notify_all();
+    changed_.notifyAll();
 }
 
 std::optional<std::vector<std::byte>> TrackPipe::next()
 {
-    std::unique_lock guard(mutex_);
-    changed_.wait(guard, stop_.get_token(), [&] { return !waiting_.empty() || outcome_; });
+    Lock guard(mutex_);
+    changed_.wait(guard, stop_.get_token(), [&]() REQUIRES(mutex_) { return !waiting_.empty() || outcome_; });
     if (waiting_.empty())
         return std::nullopt;
     auto samples = std::move(waiting_.front());
     waiting_.pop_front();
     waitingBytes_ -= samples.size();
     if (waitingBytes_ < mostWaitingBytes / 2)
-        changed_.notify_all();
+        changed_.notifyAll();
     return samples;
 }
 
 TrackPipe::Outcome TrackPipe::outcome()
 {
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     return outcome_.value_or(Outcome());
 }
 

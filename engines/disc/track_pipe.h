@@ -4,10 +4,9 @@
 #pragma once
 
 #include "engines/disc/reader_drive.h"
+#include "platform/mutex.h"
 
-#include <condition_variable>
 #include <deque>
-#include <mutex>
 #include <optional>
 
 namespace disc
@@ -35,11 +34,11 @@ public:
 
 private:
     std::stop_source stop_;
-    std::mutex mutex_;
-    std::condition_variable_any changed_;
-    std::deque<std::vector<std::byte>> waiting_;
-    std::size_t waitingBytes_ = 0;
-    std::optional<Outcome> outcome_;
+    Mutex mutex_;
+    Condition changed_;
+    std::deque<std::vector<std::byte>> waiting_ GUARDED_BY(mutex_);
+    std::size_t waitingBytes_ GUARDED_BY(mutex_) = 0;
+    std::optional<Outcome> outcome_ GUARDED_BY(mutex_);
 };
 
 }

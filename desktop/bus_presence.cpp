@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/bus_presence.h"
+
+#include "files/errand.h"
+#include "platform/mutex.h"
+#include "platform/worker.h"
+#include "toolkit/qt_bridge.h"
+
+#include <QDBusVirtualObject>
+
+#include <utility>
+
+namespace desktop
+{
+
+// What the thread holds; any call to the bus may hang it.
+struct BusPresence::Meeting {
+    Meeting(const Text& busAddress, BusPlace where, QDBusVirtualObject& whose) :
+        address(shown(busAddress)), place(std::move(where)), object(&whose)
+    {
+    }
+
+    void run()
+    {
+        auto connection = QDBusConnection::connectToBus(address, place.connection);
+        if (!enter(connection))
+            return;
+        for (const QString& service : place.services)
+            if (connection.registerService(service))
+                break;
+        const Lock lock(mutex);
+        if (connection.isConnected())
+            bus = connection;
+    }
+
+    // False when nobody wants to be there any more.
+    bool enter(QDBusConnection& connection)
+    {
+        const Lock lock(mutex);
+        return object && connection.registerVirtualObject(place.path, object);
+    }
+
+    void leave()
+    {
+        const Lock lock(mutex);
+        object = nullptr;
+        bus = std::nullopt;
+    }
+
+    const QString address;
+    const BusPlace place;
+    Mutex mutex;
+    QDBusVirtualObject* object GUARDED_BY(mutex);
+    std::optional<QDBusConnection> bus GUARDED_BY(mutex);
+};
+
+BusPresence::BusPresence(const Text& busAddress, BusPlace place, QDBusVirtualObject& object) :
+    meeting_(std::make_shared<Meeting>(busAddress, std::move(place), object)),
+    thread_([meeting = meeting_] { meeting->run(); })
+{
+}
+
+// The library holds every caller while it meets a bus, whichever.
+BusPresence::~BusPresence()
+{
+    meeting_->leave();
+    files::Errand<bool> leaving([name = meeting_->place.connection] {
+        QDBusConnection::disconnectFromBus(name);
+        return true;
+    });
+    leaving.result(patienceAtEnd);
+}
+
+std::optional<QDBusConnection> BusPresence::bus() const
+{
+    const Lock lock(meeting_->mutex);
+    return meeting_->bus;
+}
+
+}
