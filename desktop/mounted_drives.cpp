@@ -2,7 +2,7 @@
 #include "desktop/mounted_drives.h"
 
 #include "desktop/mounts.h"
-#include "files/content.h"
+#include "files/descriptor.h"
 #include "files/errand.h"
 #include "files/folders.h"
 #include "platform/paths.h"

@@ -21,57 +21,19 @@ constexpr std::size_t pieceBytes = 1 << 16;
 
 [[noreturn]] void fail(int systemError) { throw fileFailure(systemError); }
 
-void writeAll(const Descriptor& file, std::string_view bytes)
-{
-    while (!bytes.empty()) {
-        const ssize_t written = write(file.number(), bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR)
-            fail(errno);
-        bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
-    }
-}
-
-// Some file systems know no flush, and say so; that is no failure.
-void flushToDisk(const Descriptor& file)
-{
-    if (fdatasync(file.number()) != 0 && errno != EINVAL && errno != ENOSYS)
-        fail(errno);
-}
-
-// The disk begins, nobody waits. A file system on the network reports a full disk only when a file is closed.
-void startFlush(const Descriptor& file)
-{
-    sync_file_range(file.number(), 0, 0, SYNC_FILE_RANGE_WRITE);
-    if (const int twin = dup(file.number()); twin >= 0 && close(twin) != 0)
-        fail(errno);
-}
-
-// A list that a person saves must outlast a power cut; the working copy is written with nearly every click,
-// and a wait for the disk would be felt.
-void settle(const Descriptor& file, std::uint64_t revision)
-{
-    if (revision == 0)
-        flushToDisk(file);
-    else
-        startFlush(file);
-    stampPrecisely(file);
-}
-
 // What a person saves must outlast a power cut, whoever wrote it. A file that may still change unnoticed is
 // compared anew the next time.
-void keepStanding(StandingText& standing, std::uint64_t revision, const FileLeft& left)
+void leaveStanding(StandingText& standing, std::uint64_t revision, const FileLeft& left)
 {
-    if (revision == 0)
-        flushToDisk(standing.file());
     const std::uint64_t provable = standing.hasSettled() ? revision : 0;
-    left(provable, standing.release());
+    left(provable, standing.release(), revision == 0 ? DiskNeeds::force : DiskNeeds::nothing);
 }
 
 // Once a write has failed rows are missing: the old file stays, though the disk may have room again.
 class OutputBeside final : public TextOutput
 {
 public:
-    OutputBeside(std::unique_ptr<PartFile> part, StandingText standing, FileLeft left) :
+    OutputBeside(std::unique_ptr<OutputFile> part, StandingText standing, FileLeft left) :
         part_(std::move(part)), standing_(std::move(standing)), left_(std::move(left))
     {
     }
@@ -89,7 +51,7 @@ public:
             throw *failed_;
         standing_.compare(pending_);
         if (standing_.isSame())
-            keepStanding(standing_, revision, left_);
+            leaveStanding(standing_, revision, left_);
         else
             replace(revision);
     }
@@ -106,7 +68,7 @@ private:
         if (failed_)
             throw *failed_;
         guarded([&](const Failure& failure) { failed_ = failure; },
-                [&] { writeAll(part_->file(), std::exchange(pending_, {})); });
+                [&] { part_->append(bytesOf(std::exchange(pending_, {}))); });
         if (failed_)
             throw *failed_;
     }
@@ -114,13 +76,13 @@ private:
     void replace(std::uint64_t revision)
     {
         putPending();
-        settle(part_->file(), revision);
-        if (!part_->takePlace())
-            fail(errno);
-        left_(revision, part_->release());
+        part_->startForce();
+        stampPrecisely(part_->file());
+        part_->takePlace();
+        left_(revision, part_->release(), DiskNeeds::force);
     }
 
-    std::unique_ptr<PartFile> part_;
+    std::unique_ptr<OutputFile> part_;
     StandingText standing_;
     FileLeft left_;
     Text pending_;
@@ -141,7 +103,7 @@ public:
     {
         standing_.compare(bytes_);
         if (standing_.isSame())
-            keepStanding(standing_, revision, left_);
+            leaveStanding(standing_, revision, left_);
         else
             writeOver(revision);
     }
@@ -151,11 +113,11 @@ private:
     {
         const auto size = static_cast<off_t>(bytes_.size());
         makeRoom(size);
-        writeAll(standing_.file(), bytes_);
-        if (ftruncate(standing_.file().number(), size) != 0)
+        const Descriptor& file = standing_.file();
+        if (!writeAt(file, bytesOf(bytes_), 0) || ftruncate(file.number(), size) != 0 || !startForce(file))
             fail(errno);
-        settle(standing_.file(), revision);
-        left_(revision, standing_.release());
+        stampPrecisely(file);
+        left_(revision, standing_.release(), DiskNeeds::force);
     }
 
     // Before the first old byte goes: a full disk then leaves the old file.
@@ -180,7 +142,15 @@ class DeviceOutput final : public TextOutput
 public:
     explicit DeviceOutput(Descriptor file) : file_(std::move(file)) {}
 
-    void write(std::string_view bytes) override { writeAll(file_, bytes); }
+    void write(std::string_view bytes) override
+    {
+        while (!bytes.empty()) {
+            const ssize_t written = ::write(file_.number(), bytes.data(), bytes.size());
+            if (written < 0 && errno != EINTR)
+                fail(errno);
+            bytes.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+        }
+    }
     void finish(std::uint64_t) override {}
 
 private:
@@ -189,7 +159,8 @@ private:
 
 }
 
-std::unique_ptr<TextOutput> outputBeside(std::unique_ptr<PartFile> part, StandingText standing, FileLeft left)
+std::unique_ptr<TextOutput> outputBeside(std::unique_ptr<OutputFile> part, StandingText standing,
+                                         FileLeft left)
 {
     return std::make_unique<OutputBeside>(std::move(part), std::move(standing), std::move(left));
 }

@@ -8,7 +8,6 @@
 
 #include <fcntl.h>
 
-#include <algorithm>
 #include <cerrno>
 
 namespace files
@@ -54,32 +53,18 @@ struct stat statusOf(const Descriptor& file)
     return status;
 }
 
-// A new file may not be made there, or none that is like the old one.
-bool folderRefuses(int error)
-{
-    return error == EACCES || error == EPERM || error == EROFS || error == ENAMETOOLONG;
-}
-
 std::unique_ptr<TextOutput> replaceExisting(const Text& target, Descriptor file, PartNotes& notes,
                                             FileLeft left)
 {
     const struct stat status = statusOf(file);
     if (!S_ISREG(status.st_mode))
         return outputInPlace(target, std::move(file), std::move(left));
-    auto part = std::make_unique<PartFile>(target, &status, notes);
-    if (part->error() == 0)
+    try {
+        auto part = std::make_unique<OutputFile>(target, status, notes);
         return outputBeside(std::move(part), {target, std::move(file)}, std::move(left));
-    if (folderRefuses(part->error()))
+    } catch (const FolderRefuses&) {
         return outputInPlace(target, std::move(file), std::move(left));
-    fail(part->error());
-}
-
-std::unique_ptr<TextOutput> makeNew(const Text& target, PartNotes& notes, FileLeft left)
-{
-    auto part = std::make_unique<PartFile>(target, nullptr, notes);
-    if (part->error() == 0)
-        return outputBeside(std::move(part), {}, std::move(left));
-    throw part->error() == ENOENT ? Failure(Trouble::pathNotFound) : fileFailure(part->error());
+    }
 }
 
 // A pipe or a device is no list.
@@ -99,13 +84,16 @@ Descriptor openForInput(const Text& path)
 std::unique_ptr<TextOutput> DiskTextFiles::openForOutput(const Text& path)
 {
     const Text target = outputTarget(path);
-    FileLeft left = [this, path](std::uint64_t revision, Descriptor file) {
+    FileLeft left = [this, path, target](std::uint64_t revision, Descriptor file, DiskNeeds needs) {
+        if (needs == DiskNeeds::force)
+            forces_.add(target, file);
         leave(path, revision, std::move(file));
     };
     Descriptor existing = openExisting(target);
     if (existing)
         return replaceExisting(target, std::move(existing), notes_, std::move(left));
-    return makeNew(target, notes_, std::move(left));
+    auto part = std::make_unique<OutputFile>(target, std::nullopt, notes_);
+    return outputBeside(std::move(part), {}, std::move(left));
 }
 
 void DiskTextFiles::leave(const Text& path, std::uint64_t revision, Descriptor file)
@@ -152,17 +140,10 @@ std::int64_t DiskTextFiles::length(const Text& path)
 Text DiskTextFiles::readWhole(const Text& path)
 {
     const Descriptor file = openForInput(path);
-    Text bytes(static_cast<std::size_t>(statusOf(file).st_size), '\0');
-    std::size_t have = 0;
-    while (have < bytes.size()) {
-        const ssize_t got = read(file.number(), bytes.data() + have, bytes.size() - have);
-        if (got < 0 && errno != EINTR)
-            fail(errno);
-        if (got == 0)
-            break;
-        have += static_cast<std::size_t>(std::max<ssize_t>(got, 0));
-    }
-    bytes.resize(have);
+    Text bytes;
+    bytes.reserve(static_cast<std::size_t>(statusOf(file).st_size));
+    if (!readRest(file, bytes))
+        fail(errno);
     return bytes;
 }
 

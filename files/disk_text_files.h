@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Text files on the disk. A file is replaced whole: a kill at any instant leaves the old one or the new one.
+// Nobody waits until the disk has it, too.
 #pragma once
 
+#include "files/forces.h"
 #include "files/left_file.h"
 #include "platform/part_notes.h"
 #include "platform/text_files.h"
@@ -36,6 +38,7 @@ private:
     void leave(const Text& path, std::uint64_t revision, Descriptor file);
 
     PartNotes& notes_;
+    Forces forces_;
     BackupKept earlierContentKept_;
     std::map<Text, LeftFile> left_; // those with a revision
 };

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/file_swap.h"
 
-#include "files/descriptor.h"
-#include "files/part_file.h"
+#include "files/output_file.h"
 #include "platform/failure.h"
 
 #include <fcntl.h>
@@ -13,6 +12,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <vector>
 
 namespace files
@@ -24,25 +24,21 @@ namespace
 constexpr std::size_t bufferSize = 1 << 20;
 constexpr std::uint64_t pieceSize = 4 << 20;
 
-struct stat statusOf(int descriptor)
+struct stat statusOf(const Descriptor& file)
 {
     struct stat status = {};
-    fstat(descriptor, &status);
+    fstat(file.number(), &status);
     return status;
 }
 
-// Writes all of `bytes` at `at`; false with the reason in errno.
-bool writeAt(int descriptor, const Text& bytes, off_t at)
+// A failure of what is attempted, with that in front of the reason.
+template <typename Attempt>
+void attempting(const char* words, Attempt attempt)
 {
-    std::size_t done = 0;
-    while (done < bytes.size()) {
-        const auto wrote =
-            pwrite(descriptor, bytes.data() + done, bytes.size() - done, at + static_cast<off_t>(done));
-        if (wrote < 0 && errno != EINTR)
-            return false;
-        done += wrote > 0 ? static_cast<std::size_t>(wrote) : 0;
-    }
-    return true;
+    const auto say = [&](const Failure& reason) {
+        throw Failure{reason.trouble(), Text(words) + ": " + reason.description + "."};
+    };
+    guarded(say, attempt);
 }
 
 void copyAttributes(int from, int to)
@@ -70,14 +66,6 @@ struct Stretch {
     }
 };
 
-// Room first: a full disk is found before anything is copied, and the copy lies in one piece. Where the file
-// system cannot promise it, the writing finds out.
-void makeRoom(int file, std::uint64_t bytes)
-{
-    if (fallocate(file, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(bytes)) != 0 && errno == ENOSPC)
-        failWith("The copy could not be written", errno);
-}
-
 // Inside the system, where the file system can; what it leaves is copied by `copyByHand`. The disk begins
 // with one piece while the next is copied.
 void copyInside(int from, int to, Stretch& stretch)
@@ -94,20 +82,14 @@ void copyInside(int from, int to, Stretch& stretch)
     }
 }
 
-void copyByHand(int from, int to, Stretch& stretch)
+void copyByHand(const Descriptor& from, OutputFile& to, Stretch& stretch)
 {
-    Text buffer;
     while (stretch.left > 0) {
-        buffer.resize(std::min<std::uint64_t>(stretch.left, bufferSize));
-        const auto got = pread(from, buffer.data(), buffer.size(), stretch.from);
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            failWith("The file could not be read", got < 0 ? errno : EIO);
-        buffer.resize(static_cast<std::size_t>(got));
-        if (!writeAt(to, buffer, stretch.to))
-            failWith("The copy could not be written", errno);
-        stretch.advance(buffer.size());
+        const Text bytes = bytesAt(from, std::min<std::uint64_t>(stretch.left, bufferSize), stretch.from);
+        if (bytes.empty())
+            failWith("The file could not be read", EIO);
+        to.write(bytesOf(bytes), stretch.to);
+        stretch.advance(bytes.size());
     }
 }
 
@@ -118,25 +100,23 @@ bool copyByReference(int from, int to, const NewEnds& ends)
            ftruncate(to, static_cast<off_t>(ends.end)) == 0;
 }
 
-void copyBetween(int from, int to, const NewEnds& ends)
+// Room first: a full disk is found before anything is copied, and the copy lies in one piece.
+void copyBetween(const Descriptor& from, OutputFile& to, const NewEnds& ends)
 {
     Stretch stretch{static_cast<off_t>(ends.begin), static_cast<off_t>(ends.head.size()),
                     ends.end - ends.begin};
-    makeRoom(to, stretch.left);
-    copyInside(from, to, stretch);
+    to.makeRoom(static_cast<std::int64_t>(stretch.left));
+    copyInside(from.number(), to.file().number(), stretch);
     copyByHand(from, to, stretch);
 }
 
-// Some file systems know no flush, and say so; that is no failure.
-bool force(int descriptor) { return fsync(descriptor) == 0 || errno == EINVAL || errno == ENOSYS; }
-
-void write(int from, int to, const NewEnds& ends)
+void write(const Descriptor& from, OutputFile& to, const NewEnds& ends)
 {
-    if (!copyByReference(from, to, ends))
+    if (!copyByReference(from.number(), to.file().number(), ends))
         copyBetween(from, to, ends);
-    const auto tailAt = static_cast<off_t>(ends.head.size() + ends.end - ends.begin);
-    if (!writeAt(to, ends.head, 0) || !writeAt(to, ends.tail, tailAt) || !force(to))
-        failWith("The copy could not be written", errno);
+    to.write(bytesOf(ends.head), 0);
+    to.write(bytesOf(ends.tail), static_cast<off_t>(ends.head.size() + ends.end - ends.begin));
+    to.force();
 }
 
 bool isSameTime(const timespec& one, const timespec& other)
@@ -169,14 +149,6 @@ Descriptor openForWriting(const StandingFile& file)
     return writable;
 }
 
-Text bytesFrom(int descriptor, std::uint64_t at, std::size_t count)
-{
-    Text bytes(count, '\0');
-    const auto got = pread(descriptor, bytes.data(), count, static_cast<off_t>(at));
-    bytes.resize(static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
-    return bytes;
-}
-
 }
 
 void requireWritable(const StandingFile& file) { openForWriting(file); }
@@ -185,27 +157,27 @@ void requireWritable(const StandingFile& file) { openForWriting(file); }
 void swapEnds(const StandingFile& file, const NewEnds& ends, PartNotes& notes,
               const std::function<void(const Text&)>& approve)
 {
-    PartFile copy(file.path, &file.status, notes);
-    if (copy.error() != 0)
-        failWith("A copy could not be made in the file's folder", copy.error());
-    copyAttributes(file.descriptor, copy.file().number());
-    write(file.descriptor, copy.file().number(), ends);
-    approve(copy.path());
+    std::optional<OutputFile> copy;
+    attempting("A copy could not be made in the file's folder",
+               [&] { copy.emplace(file.path, file.status, notes); });
+    copyAttributes(file.file.number(), copy->file().number());
+    attempting("The copy could not be written", [&] { write(file.file, *copy, ends); });
+    approve(copy->partPath());
     requireStanding(file);
-    if (!copy.takePlace())
-        failWith("The copy could not be put in the file's place", errno);
+    attempting("The copy could not be put in the file's place", [&] { copy->takePlace(); });
 }
 
 void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes)
 {
     const Descriptor writable = openForWriting(file);
-    requireUnchanged(file.status, statusOf(writable.number()));
-    const Text old = bytesFrom(writable.number(), at, bytes.size());
-    if (writeAt(writable.number(), bytes, static_cast<off_t>(at)) && force(writable.number()))
+    requireUnchanged(file.status, statusOf(writable));
+    const auto place = static_cast<std::int64_t>(at);
+    const Text old = bytesAt(writable, bytes.size(), place);
+    if (writeAt(writable, bytesOf(bytes), place) && force(writable))
         return;
     const int reason = errno;
-    const bool undone = writeAt(writable.number(), old, static_cast<off_t>(at)) &&
-                        ftruncate(writable.number(), file.status.st_size) == 0;
+    const bool undone =
+        writeAt(writable, bytesOf(old), place) && ftruncate(writable.number(), file.status.st_size) == 0;
     failWith(undone ? "The tag could not be written" : "The tag was written in part", reason);
 }
 

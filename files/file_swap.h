@@ -3,8 +3,8 @@
 // whole. Everything here fails with words for a person, and then the file is as it was.
 #pragma once
 
+#include "files/descriptor.h"
 #include "platform/part_notes.h"
-#include "platform/text.h"
 
 #include <sys/stat.h>
 
@@ -17,7 +17,7 @@ namespace files
 // A regular file that stands at `path`, which is no symbolic link, and is open for reading.
 struct StandingFile {
     Text path;
-    int descriptor;
+    const Descriptor& file;
     struct stat status; // when its bytes were looked at; a change since then makes everything here fail
 };
 

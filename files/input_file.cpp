@@ -6,50 +6,33 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace files
 {
 
 std::shared_ptr<const InputFile> InputFile::open(const Text& path)
 {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0)
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (!file)
         return nullptr;
-    std::shared_ptr<const InputFile> file(new InputFile(descriptor));
     struct stat status {
     };
-    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode))
-        return file;
-    file.reset();
+    if (fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode))
+        return std::shared_ptr<const InputFile>(new InputFile(std::move(file)));
     errno = EINVAL;
     return nullptr;
 }
 
-InputFile::~InputFile() { ::close(descriptor_); }
-
 std::ptrdiff_t InputFile::read(void* into, std::size_t size, std::int64_t offset) const
 {
-    std::size_t done = 0;
-    while (done < size) {
-        const auto got = pread(descriptor_, static_cast<char*>(into) + done, size - done,
-                               offset + static_cast<std::int64_t>(done));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            return -1;
-        if (got == 0)
-            break;
-        done += static_cast<std::size_t>(got);
-    }
-    return static_cast<std::ptrdiff_t>(done);
+    return readAt(file_, {static_cast<std::byte*>(into), size}, offset);
 }
 
 std::int64_t InputFile::size() const
 {
     struct stat status {
     };
-    return fstat(descriptor_, &status) == 0 ? status.st_size : 0;
+    return fstat(file_.number(), &status) == 0 ? status.st_size : 0;
 }
 
 bool FileWindow::covers(std::int64_t offset) const { return offset >= start_ && offset < start_ + filled_; }

@@ -2,7 +2,7 @@
 // A file opened for reading, from which several readers may read at places of their own.
 #pragma once
 
-#include "platform/text.h"
+#include "files/descriptor.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,20 +18,16 @@ public:
     // waited for.
     static std::shared_ptr<const InputFile> open(const Text& path);
 
-    ~InputFile();
-    InputFile(const InputFile&) = delete;
-    InputFile& operator=(const InputFile&) = delete;
-
     // Reads up to `size` bytes at `offset`, fewer only at the end of the file. -1 when reading failed.
     std::ptrdiff_t read(void* into, std::size_t size, std::int64_t offset) const;
 
     std::int64_t size() const; // bytes, as it is now
-    int descriptor() const { return descriptor_; }
+    const Descriptor& descriptor() const { return file_; }
 
 private:
-    explicit InputFile(int descriptor) : descriptor_(descriptor) {}
+    explicit InputFile(Descriptor file) : file_(std::move(file)) {}
 
-    int descriptor_;
+    Descriptor file_;
 };
 
 // Reads a file forwards through a window of its own, so that many small reads cost few calls.

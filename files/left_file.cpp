@@ -16,10 +16,7 @@ constexpr off_t comparedBytes = 64;
 
 Text lastBytes(const Descriptor& file, off_t size)
 {
-    char bytes[comparedBytes];
-    const off_t from = std::max<off_t>(size - comparedBytes, 0);
-    const ssize_t got = pread(file.number(), bytes, sizeof bytes, from);
-    return {bytes, static_cast<std::size_t>(std::max<ssize_t>(got, 0))};
+    return bytesAt(file, comparedBytes, std::max<off_t>(size - comparedBytes, 0));
 }
 
 bool same(const timespec& one, const timespec& other)

@@ -2,13 +2,13 @@
 #include "files/output_file.h"
 
 #include "files/folders.h"
-#include "platform/failure.h"
 #include "platform/paths.h"
 
 #include <fcntl.h>
 
-#include <algorithm>
 #include <cerrno>
+#include <cstdio>
+#include <utility>
 
 namespace files
 {
@@ -21,7 +21,28 @@ namespace
     throw systemError == ENOENT ? Failure(Trouble::pathNotFound) : fileFailure(systemError);
 }
 
-// A large block sets out for the disk at once, so that `flush` has little left to wait for.
+[[noreturn]] void failToMake(int systemError)
+{
+    for (const int refusal : {EACCES, EPERM, EROFS, ENAMETOOLONG})
+        if (systemError == refusal)
+            throw FolderRefuses(fileFailure(systemError).trouble());
+    fail(systemError);
+}
+
+// A long title is cut: the target's name may be as long as the file system allows, and this one is longer.
+Text partPathFor(const Text& target)
+{
+    const Text title(firstCharacters(fileTitle(target), 50));
+    return target.substr(0, target.rfind(pathSeparator) + 1) + title + '.' + randomName() + ".part";
+}
+
+// Asked before the note is made: a tick that is refused again and again would write notes for ever.
+bool takesFiles(const Text& folder)
+{
+    return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+// A large block sets out for the disk at once, so that `force` has little left to wait for.
 void sendOff(const Descriptor& file, std::int64_t at, std::size_t count)
 {
     constexpr std::size_t large = 1 << 18;
@@ -52,17 +73,48 @@ OutputFile::Target OutputFile::targetOf(const Text& path)
     return target;
 }
 
-OutputFile::OutputFile(const Target& target, PartNotes& notes) :
-    target_(target), part_(target_.path, target_.old ? &*target_.old : nullptr, notes)
+OutputFile::OutputFile(Text target, const std::optional<struct stat>& old, PartNotes& notes) :
+    target_(std::move(target)), path_(partPathFor(target_)), replacesFile_(old.has_value()), notes_(notes)
 {
-    if (part_.error() != 0)
-        fail(part_.error());
+    if (!takesFiles(folderOf(path_)))
+        failToMake(errno);
+    notes_.note(path_);
+    file_ = Descriptor(open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, old ? 0600 : 0666));
+    if (file_ && (!old || resembles(*old)))
+        return;
+    const int reason = errno;
+    if (file_)
+        unlink(path_.c_str());
+    forget();
+    failToMake(reason);
+}
+
+OutputFile::~OutputFile()
+{
+    if (path_.empty())
+        return;
+    unlink(path_.c_str());
+    forget();
+}
+
+void OutputFile::forget() { notes_.done(std::exchange(path_, {})); }
+
+// Owner first: changing it may clear bits of the mode.
+bool OutputFile::resembles(const struct stat& old) const
+{
+    struct stat own;
+    if (fstat(file_.number(), &own) != 0)
+        return false;
+    const bool sameOwner = own.st_uid == old.st_uid && own.st_gid == old.st_gid;
+    if (!sameOwner && fchown(file_.number(), old.st_uid, old.st_gid) != 0)
+        return false;
+    return fchmod(file_.number(), old.st_mode & 07777) == 0;
 }
 
 // Where the file system cannot promise the room, the writing finds out.
 void OutputFile::makeRoom(std::int64_t bytes)
 {
-    if (fallocate(part_.file().number(), FALLOC_FL_KEEP_SIZE, 0, bytes) != 0 && errno == ENOSPC)
+    if (fallocate(file_.number(), FALLOC_FL_KEEP_SIZE, 0, bytes) != 0 && errno == ENOSPC)
         fail(errno);
 }
 
@@ -74,52 +126,73 @@ void OutputFile::append(std::span<const std::byte> bytes)
 
 void OutputFile::write(std::span<const std::byte> bytes, std::int64_t at)
 {
-    while (!bytes.empty()) {
-        const ssize_t written = pwrite(part_.file().number(), bytes.data(), bytes.size(), at);
-        if (written < 0 && errno != EINTR)
-            fail(errno);
-        const auto done = static_cast<std::size_t>(std::max<ssize_t>(written, 0));
-        sendOff(part_.file(), at, done);
-        bytes = bytes.subspan(done);
-        at += static_cast<std::int64_t>(done);
-    }
+    if (!writeAt(file_, bytes, at))
+        fail(errno);
+    sendOff(file_, at, bytes.size());
 }
 
 Descriptor OutputFile::openPastCache() const
 {
-    const Text path = "/proc/self/fd/" + std::to_string(part_.file().number());
+    const Text path = "/proc/self/fd/" + std::to_string(file_.number());
     return Descriptor(open(path.c_str(), O_WRONLY | O_DIRECT | O_CLOEXEC));
 }
 
-void OutputFile::startFlush() { sync_file_range(part_.file().number(), 0, 0, SYNC_FILE_RANGE_WRITE); }
-
-// Some file systems know no flush, and say so; that is no failure.
-void OutputFile::flush()
+void OutputFile::startForce()
 {
-    if (fdatasync(part_.file().number()) != 0 && errno != EINVAL && errno != ENOSYS)
+    if (!files::startForce(file_))
+        fail(errno);
+}
+
+void OutputFile::force()
+{
+    if (!files::force(file_))
         fail(errno);
 }
 
 void OutputFile::takePlace()
 {
-    if (!part_.takePlace())
+    if (rename(path_.c_str(), target_.c_str()) != 0)
         fail(errno);
+    forget();
 }
 
 bool OutputFile::takeFreePlace(const Text& path)
 {
-    if (part_.takeFreePlace(path))
-        return true;
-    if (errno != EEXIST)
+    const bool hasTaken = renameWithoutReplacing(path_, path);
+    if (!hasTaken && errno != EEXIST)
         fail(errno);
-    return false;
+    if (hasTaken)
+        forget();
+    return hasTaken;
 }
 
 void OutputFile::finish()
 {
-    flush();
+    force();
     takePlace();
-    syncFolder(folderOf(target_.path));
+    syncFolder(folderOf(target_));
+}
+
+bool replaceFile(const Text& path, std::string_view bytes, PartNotes& notes)
+{
+    return makeFolders(folderOf(path)) && succeeds([&] {
+               OutputFile file(path, notes);
+               file.append(bytesOf(bytes));
+               file.takePlace();
+           });
+}
+
+// Some file systems, on the network above all, cannot do both in one step.
+bool renameWithoutReplacing(const Text& from, const Text& to)
+{
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    struct stat status;
+    if (lstat(to.c_str(), &status) == 0)
+        errno = EEXIST;
+    return errno == ENOENT && rename(from.c_str(), to.c_str()) == 0;
 }
 
 }

@@ -1,24 +1,38 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A file in the making that a person waits for. It stands beside its target until it is whole; without that
-// nothing is left behind, and what stood under the target's name stands there still.
+// The one way in which the program makes a file, or replaces one: written beside its place, forced to the
+// disk, renamed. Until then what stood under its name stands there still; without that nothing is left
+// behind, and what a killed program leaves is noted for the next start.
 #pragma once
 
-#include "files/part_file.h"
+#include "files/descriptor.h"
+#include "platform/failure.h"
 #include "platform/part_notes.h"
 
-#include <cstddef>
-#include <cstdint>
+#include <sys/stat.h>
+
 #include <optional>
-#include <span>
 
 namespace files
 {
 
+// The folder takes no new file, or none that is like the old one: number 70, or 75 for a name too long.
+struct FolderRefuses : Failure {
+    using Failure::Failure;
+};
+
 class OutputFile
 {
 public:
-    // All fail with 57, 61, 70, 75 or 76.
+    // Beside what `path` leads to, which is a plain file that may be written, or none. All fail with 57, 61,
+    // 70, 75 or 76.
     OutputFile(const Text& path, PartNotes& notes) : OutputFile(targetOf(path), notes) {}
+
+    // Beside `target`, which is no link, with mode and owner of `old` when there is one.
+    OutputFile(Text target, const std::optional<struct stat>& old, PartNotes& notes);
+
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
 
     void makeRoom(std::int64_t bytes); // now, rather than that the disk is found full later
     void append(std::span<const std::byte> bytes);
@@ -28,21 +42,23 @@ public:
     // where the file system has no such way.
     Descriptor openPastCache() const;
 
-    void startFlush(); // the disk begins with what was written, and nobody waits
-    void flush();      // waits until the disk has what was written
+    void startForce(); // the disk begins with what was written
+    void force();      // waits until the disk has it
 
     void takePlace(); // what was written is the target now
 
     // The same under another name in the folder. False when that name is taken.
     bool takeFreePlace(const Text& path);
-    bool takeFreePlace() { return takeFreePlace(target_.path); } // the target's own
+    bool takeFreePlace() { return takeFreePlace(target_); } // the target's own
 
-    // Everything written is on the disk, under the target's name.
+    // All three, and the name outlasts a power cut, too.
     void finish();
 
-    std::int64_t bytes() const { return bytes_; }         // appended so far
-    const Text& partPath() const { return part_.path(); } // where it stands until then
-    bool replacesFile() const { return target_.old.has_value(); }
+    std::int64_t bytes() const { return bytes_; }  // appended so far
+    const Text& partPath() const { return path_; } // where it stands until then
+    bool replacesFile() const { return replacesFile_; }
+    const Descriptor& file() const { return file_; }
+    Descriptor release() { return std::move(file_); }
 
 private:
     struct Target {
@@ -50,12 +66,24 @@ private:
         std::optional<struct stat> old;
     };
 
-    OutputFile(const Target& target, PartNotes& notes);
+    OutputFile(const Target& target, PartNotes& notes) : OutputFile(target.path, target.old, notes) {}
     static Target targetOf(const Text& path);
+    bool resembles(const struct stat& old) const;
+    void forget();
 
-    Target target_;
-    PartFile part_;
+    Text target_;
+    Text path_;
+    bool replacesFile_;
+    PartNotes& notes_;
+    Descriptor file_;
     std::int64_t bytes_ = 0;
 };
+
+// For what the program keeps for itself, and can do without: makes the folder, and waits for no disk.
+bool replaceFile(const Text& path, std::string_view bytes, PartNotes& notes);
+
+// Without a step between in which another program could make a file under that name; false with EEXIST where
+// something stands there.
+bool renameWithoutReplacing(const Text& from, const Text& to);
 
 }

@@ -21,9 +21,7 @@ std::chrono::nanoseconds sinceEpoch(const timespec& time)
 
 bool holdsAt(const Descriptor& file, off_t at, std::string_view piece)
 {
-    Text there(piece.size(), '\0');
-    const ssize_t got = pread(file.number(), there.data(), there.size(), at);
-    return got == static_cast<ssize_t>(piece.size()) && there == piece;
+    return bytesAt(file, piece.size(), at) == piece;
 }
 
 }

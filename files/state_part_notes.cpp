@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/state_part_notes.h"
 
-#include "files/content.h"
 #include "files/errand.h"
 #include "files/folders.h"
-#include "files/part_file.h"
+#include "files/output_file.h"
 #include "platform/paths.h"
 
 #include <fcntl.h>
@@ -14,7 +13,6 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
-#include <ranges>
 #include <tuple>
 
 namespace files
@@ -96,7 +94,9 @@ public:
         const Descriptor file(open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
         if (!isFile(path_) || !lock(file, LOCK_NB))
             return;
-        settle(recordsIn(contentOf(file)));
+        Text notes;
+        readRest(file, notes);
+        settle(recordsIn(notes));
         if (!isGivenUp_)
             unlink(path_.c_str());
     }
@@ -128,9 +128,9 @@ std::vector<Text> Settling::unplaced(const std::vector<WholePart>& parts) const
 void Settling::settle(std::vector<Text> records) const
 {
     const auto together = takenWhole(records);
-    for (const auto& parts : together | std::views::reverse)
-        if (areStillWhole(parts))
-            for (const Text& left : unplaced(parts))
+    for (auto parts = together.rbegin(); parts != together.rend(); ++parts)
+        if (areStillWhole(*parts))
+            for (const Text& left : unplaced(*parts))
                 std::erase(records, left);
     for (const Text& part : records)
         if (part.ends_with(partEnding) && isThere(part))
@@ -143,13 +143,14 @@ StatePartNotes::StatePartNotes(const Text& stateFolder) : folder_(notesFolder(st
 
 StatePartNotes::~StatePartNotes()
 {
+    const Lock guard(mutex_);
     if (file_)
         unlink(path_.c_str());
 }
 
 void StatePartNotes::note(const Text& partPath)
 {
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     if (!file_)
         begin();
     open_.insert(partPath);
@@ -160,7 +161,7 @@ void StatePartNotes::note(const Text& partPath)
 // Records are only added, and all go when the last one is done: no open part is ever without its record.
 void StatePartNotes::done(const Text& partPath)
 {
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     open_.erase(partPath);
     if (file_ && open_.empty())
         std::ignore = ftruncate(file_.number(), 0);
@@ -169,11 +170,11 @@ void StatePartNotes::done(const Text& partPath)
 // A power cut must find it, too: by then one of the parts may have its place.
 void StatePartNotes::whole(const std::vector<WholePart>& parts)
 {
-    const std::lock_guard guard(mutex_);
+    const Lock guard(mutex_);
     if (!file_)
         return;
     appendRecord(file_, recordOf(parts));
-    fdatasync(file_.number());
+    force(file_);
 }
 
 // Another process that starts at this moment may take the file for an abandoned one before it is locked here,

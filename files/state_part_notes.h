@@ -3,9 +3,9 @@
 #pragma once
 
 #include "files/descriptor.h"
+#include "platform/mutex.h"
 #include "platform/part_notes.h"
 
-#include <mutex>
 #include <set>
 
 namespace files
@@ -22,13 +22,13 @@ public:
     void whole(const std::vector<WholePart>& parts) override;
 
 private:
-    void begin();
+    void begin() REQUIRES(mutex_);
 
-    std::mutex mutex_;
-    Text folder_;
-    Text path_;
-    Descriptor file_;
-    std::set<Text> open_;
+    Mutex mutex_;
+    const Text folder_;
+    Text path_ GUARDED_BY(mutex_);
+    Descriptor file_ GUARDED_BY(mutex_);
+    std::set<Text> open_ GUARDED_BY(mutex_);
 };
 
 // For the program's start, over the part files that processes noted which ended without removing them: those

@@ -65,15 +65,18 @@ struct Desktop::Parts {
     desktop::OnlyCopy onlyCopy{environment};
     QApplication application{arguments.count(), arguments.values()};
     Toolkit toolkit{Toolkit::Timers::run};
-    files::StatePartNotes partNotes{desktop::stateFolder(environment)};
-    files::DiskTextFiles textFiles{partNotes, [this](const Text& backup) {
+    // A look-up of titles may outlive the rest.
+    std::shared_ptr<PartNotes> partNotes =
+        std::make_shared<files::StatePartNotes>(desktop::stateFolder(environment));
+    files::DiskTextFiles textFiles{*partNotes, [this](const Text& backup) {
                                        shell.notify("The list begins empty",
                                                     "Its last rows are in " + backup + ".");
                                    }};
     files::DiskProfileFile profileFile{textFiles};
     desktop::FolderScan directoryScan;
     desktop::SqliteStore store{joined(desktop::configFolder(environment), "settings.sqlite")};
-    audio::SoundOutput sound{joined(desktop::stateFolder(environment), "levels"), toolkit.activity()};
+    audio::SoundOutput sound{joined(desktop::stateFolder(environment), "levels"), toolkit.activity(),
+                             *partNotes};
     desktop::DesktopShell shell;
     audio::UnopenedFiles unopened{shell};
     desktop::SecondStarts secondStarts{desktop::sessionBusAddress(environment), toolkit.post()};
@@ -113,23 +116,23 @@ Toolkit& Desktop::toolkit() { return parts_->toolkit; }
 
 std::unique_ptr<Mp3Play> Desktop::makeMp3Play()
 {
-    return audio::makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell(), parts_->partNotes,
+    return audio::makeMpg123Play(parts_->sound, parts_->toolkit.post(), shell(), *parts_->partNotes,
                                  parts_->unopened, applicationFolder() + pathSeparator + "conf.mp3");
 }
 
 std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc()
 {
-    return makeLameEnc(parts_->toolkit.post(), shell(), parts_->partNotes);
+    return makeLameEnc(parts_->toolkit.post(), shell(), *parts_->partNotes);
 }
 
 std::unique_ptr<ACD> Desktop::makeACD()
 {
-    return parts_->discs.makeReader(parts_->toolkit.post(), shell(), parts_->partNotes, parts_->sleepLock);
+    return parts_->discs.makeReader(parts_->toolkit.post(), shell(), *parts_->partNotes, parts_->sleepLock);
 }
 
 std::unique_ptr<ACDWRITE> Desktop::makeACDWRITE()
 {
-    return parts_->discs.makeWriter(parts_->toolkit.post(), shell(), parts_->partNotes, parts_->sleepLock);
+    return parts_->discs.makeWriter(parts_->toolkit.post(), shell(), *parts_->partNotes, parts_->sleepLock);
 }
 
 std::unique_ptr<CdBase> Desktop::makeCdBase() { return parts_->discs.makeTitles(parts_->partNotes); }

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/level_file.h"
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
+#include "files/output_file.h"
+#include "platform/numbers.h"
+
+#include <sstream>
 
 namespace audio
 {
@@ -11,22 +12,15 @@ namespace audio
 Levels::Pair LevelFile::read() const
 {
     Levels::Pair pair;
-    std::ifstream file(path_);
-    if (file >> pair.left >> pair.right)
+    std::istringstream words(files::contentOf(path_));
+    if (words >> pair.left >> pair.right)
         return pair;
     return {};
 }
 
 void LevelFile::write(Levels::Pair levels) const
 {
-    std::error_code ignored;
-    std::filesystem::create_directories(std::filesystem::path(path_).parent_path(), ignored);
-    const Text part = path_ + ".part";
-    std::ofstream file(part, std::ios::trunc);
-    file << levels.left << ' ' << levels.right << '\n';
-    file.close();
-    if (!file || std::rename(part.c_str(), path_.c_str()) != 0)
-        std::remove(part.c_str());
+    files::replaceFile(path_, textOf(levels.left) + ' ' + textOf(levels.right) + '\n', notes_);
 }
 
 }

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "engines/audio/levels.h"
-#include "platform/text.h"
+#include "platform/part_notes.h"
 
 namespace audio
 {
@@ -12,13 +12,14 @@ namespace audio
 class LevelFile
 {
 public:
-    explicit LevelFile(Text path) : path_(std::move(path)) {}
+    LevelFile(Text path, PartNotes& notes) : path_(std::move(path)), notes_(notes) {}
 
     Levels::Pair read() const;
     void write(Levels::Pair levels) const; // replaces the file in one step; makes its folder
 
 private:
     Text path_;
+    PartNotes& notes_;
 };
 
 }

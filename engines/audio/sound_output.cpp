@@ -4,8 +4,8 @@
 namespace audio
 {
 
-SoundOutput::SoundOutput(Text levelFile, Activity& activity) :
-    file_(std::move(levelFile)), activity_(activity)
+SoundOutput::SoundOutput(Text levelFile, Activity& activity, PartNotes& notes) :
+    file_(std::move(levelFile), notes), activity_(activity)
 {
     levels_->set(file_.read());
 }

@@ -17,7 +17,7 @@ class SoundOutput
 {
 public:
     // `levelFile` keeps the levels between runs. `activity` counts the engines that sound.
-    SoundOutput(Text levelFile, Activity& activity);
+    SoundOutput(Text levelFile, Activity& activity, PartNotes& notes = NoPartNotes::instance());
 
     Levels::Pair levels() const { return levels_->get(); }
     void setLevels(Levels::Pair levels); // held to 0 and 100

@@ -7,6 +7,8 @@
 #include "engines/disc/title_cache.h"
 #include "files/account.h"
 #include "platform/failure.h"
+#include "platform/mutex.h"
+#include "platform/thread.h"
 #include "platform/version.h"
 
 #include <unistd.h>
@@ -14,10 +16,7 @@
 #include <algorithm>
 #include <atomic>
 #include <climits>
-#include <condition_variable>
-#include <mutex>
 #include <system_error>
-#include <thread>
 
 namespace disc
 {
@@ -62,37 +61,13 @@ class TitleSearch
 {
 public:
     TitleSearch(const CddbAccess& access, const Text& identity, Deadline deadline, bool isServiceSilent) :
-        disc_(access.disc), addresses_(access.addresses), cache_(access.cacheFolder, *access.notes),
+        disc_(access.disc), addresses_(access.addresses), cache_(access.cacheFolder, access.notes),
         silence_(access.silence), greeting_(greeting(identity)), deadline_(deadline),
         isServiceSilent_(isServiceSilent)
     {
     }
 
     void run()
-    {
-        find();
-        const std::lock_guard lock(mutex_);
-        isOver_ = true;
-        over_.notify_all();
-    }
-
-    bool isOverBy(Deadline time)
-    {
-        std::unique_lock lock(mutex_);
-        return over_.wait_until(lock, time, [this] { return isOver_; });
-    }
-
-    // The best that is known by now: kept ones until a server gives its word.
-    DiscTitles titles() const
-    {
-        const std::lock_guard lock(mutex_);
-        return titles_;
-    }
-
-    bool isServiceSilent() const { return isServiceSilent_; }
-
-private:
-    void find()
     {
         const auto disc = disc_();
         if (disc.tracks.empty())
@@ -105,6 +80,16 @@ private:
         isServiceSilent_ = !isHeard && (isServiceSilent_ || steady_clock::now() - begin >= silence_);
     }
 
+    // The best that is known by now: kept ones until a server gives its word.
+    DiscTitles titles() const
+    {
+        const Lock lock(mutex_);
+        return titles_;
+    }
+
+    bool isServiceSilent() const { return isServiceSilent_; }
+
+private:
     // A silent server takes no more than its share of the time from the next. Whether one gave its word.
     bool askServers(const DiscContents& disc, Deadline deadline)
     {
@@ -140,7 +125,7 @@ private:
 
     bool take(DiscTitles titles)
     {
-        const std::lock_guard lock(mutex_);
+        const Lock lock(mutex_);
         titles_ = std::move(titles);
         return true;
     }
@@ -160,10 +145,8 @@ private:
     const Deadline deadline_;
 
     std::atomic<bool> isServiceSilent_;
-    mutable std::mutex mutex_;
-    std::condition_variable over_;
-    DiscTitles titles_;
-    bool isOver_ = false;
+    mutable Mutex mutex_;
+    DiscTitles titles_ GUARDED_BY(mutex_);
 };
 
 class CurlCdBase final : public CdBase
@@ -189,9 +172,9 @@ public:
     {
         titles_ = {};
         const auto deadline = steady_clock::now() + limit_;
-        if (!isOverBy(deadline) || !begin(deadline))
+        if (!searching_.endsBy(deadline) || !begin(deadline))
             return;
-        isOverBy(deadline);
+        searching_.endsBy(deadline);
         titles_ = search_->titles();
     }
 
@@ -204,16 +187,13 @@ public:
     }
 
 private:
-    // A search that a drive holds up past its time is waited for: another would only be held up behind it.
-    bool isOverBy(Deadline deadline) { return !search_ || search_->isOverBy(deadline); }
-
     bool begin(Deadline deadline)
     {
         try {
             const bool wasSilent = search_ && search_->isServiceSilent();
             search_ = nullptr;
             const auto search = std::make_shared<TitleSearch>(access_, identity_, deadline, wasSilent);
-            std::thread([search] { search->run(); }).detach();
+            searching_ = Thread([search] { search->run(); });
             search_ = search;
         } catch (const std::system_error&) { // no thread to be had
         }
@@ -226,6 +206,7 @@ private:
     milliseconds limit_{0};
     DiscTitles titles_;
     std::shared_ptr<TitleSearch> search_;
+    Thread searching_; // held up past its time it is waited for: another would only be held up behind it
 };
 
 Text hostName()

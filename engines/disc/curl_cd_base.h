@@ -21,9 +21,7 @@ struct CddbAccess {
 
     // Where answers are kept, for the times when no server gives one.
     Text cacheFolder = {};
-
-    // Of the files in the making there. Used on that worker, which may outlive the control.
-    PartNotes* notes = &NoPartNotes::instance();
+    std::shared_ptr<PartNotes> notes = std::make_shared<NoPartNotes>(); // a look-up may outlive the control
 
     // A service that gave no word for so long is silent: until it speaks again, a disc with a kept answer
     // waits no longer for it.

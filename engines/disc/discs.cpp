@@ -33,11 +33,11 @@ std::unique_ptr<ACDWRITE> Discs::makeWriter(Post& post, Shell& shell, PartNotes&
                           sleepLock);
 }
 
-std::unique_ptr<CdBase> Discs::makeTitles(PartNotes& notes) const
+std::unique_ptr<CdBase> Discs::makeTitles(std::shared_ptr<PartNotes> notes) const
 {
     CddbAccess access;
     access.cacheFolder = titleFolder_;
-    access.notes = &notes;
+    access.notes = std::move(notes);
     access.firstDrive = [readers = readers_] { return readers->drives().front()->name(); };
     access.disc = [readers = readers_] { return readers->contents(*readers->drives().front()); };
     return makeCurlCdBase(std::move(access));

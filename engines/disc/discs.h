@@ -33,7 +33,7 @@ public:
                                          SleepLock& sleepLock) const;
 
     // The titles of the disc in the reader's first drive.
-    std::unique_ptr<CdBase> makeTitles(PartNotes& notes) const;
+    std::unique_ptr<CdBase> makeTitles(std::shared_ptr<PartNotes> notes) const;
 
 private:
     DiscFolders folders_;

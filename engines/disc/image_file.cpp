@@ -2,12 +2,9 @@
 #include "engines/disc/image_file.h"
 
 #include "engines/disc/cd_sound.h"
-#include "files/descriptor.h"
+#include "files/input_file.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
 
 namespace disc
 {
@@ -18,39 +15,24 @@ namespace
 class SectorFile final : public ImageFile
 {
 public:
-    SectorFile(files::Descriptor file, bool swapped) : file_(std::move(file)), swapped_(swapped) {}
-
-    std::int64_t bytes() const override
+    SectorFile(std::shared_ptr<const files::InputFile> file, bool swapped) :
+        file_(std::move(file)), swapped_(swapped)
     {
-        struct stat status;
-        return fstat(file_.number(), &status) == 0 ? status.st_size : 0;
     }
+
+    std::int64_t bytes() const override { return file_->size(); }
 
     std::size_t read(std::span<std::byte> into, std::int64_t offset) override
     {
-        const std::size_t filled = fill(into, offset);
+        const auto got = file_->read(into.data(), into.size(), offset);
+        const auto filled = static_cast<std::size_t>(std::max<std::ptrdiff_t>(got, 0));
         for (std::size_t i = 0; swapped_ && i + 1 < filled; i += 2)
             std::swap(into[i], into[i + 1]);
         return filled;
     }
 
 private:
-    std::size_t fill(std::span<std::byte> into, std::int64_t offset) const
-    {
-        std::size_t filled = 0;
-        while (filled < into.size()) {
-            const auto got = pread(file_.number(), into.data() + filled, into.size() - filled,
-                                   offset + static_cast<std::int64_t>(filled));
-            if (got < 0 && errno == EINTR)
-                continue;
-            if (got <= 0)
-                break;
-            filled += static_cast<std::size_t>(got);
-        }
-        return filled;
-    }
-
-    files::Descriptor file_;
+    std::shared_ptr<const files::InputFile> file_;
     bool swapped_;
 };
 
@@ -73,18 +55,14 @@ private:
 
 }
 
-// A pipe or a device is not waited for.
 std::unique_ptr<ImageFile> ImageFile::open(const Text& path, CueSheet::Kind kind)
 {
     if (kind == CueSheet::Kind::wave) {
         auto sound = CdSound::open(path);
         return sound ? std::make_unique<WaveFile>(std::move(*sound)) : nullptr;
     }
-    files::Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat status;
-    if (!file || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode))
-        return nullptr;
-    return std::make_unique<SectorFile>(std::move(file), kind == CueSheet::Kind::motorola);
+    auto file = files::InputFile::open(path);
+    return file ? std::make_unique<SectorFile>(std::move(file), kind == CueSheet::Kind::motorola) : nullptr;
 }
 
 }

@@ -81,7 +81,7 @@ public:
     void append(std::span<const std::byte> sectors)
     {
         sound_.append(sectors);
-        sound_.startFlush();
+        sound_.startForce();
     }
 
     void finish(const std::vector<CdSound>& tracks);
@@ -106,7 +106,7 @@ private:
 // Two discs of one second get names of different ones.
 void NewImage::finish(const std::vector<CdSound>& tracks)
 {
-    sound_.flush();
+    sound_.force();
     std::time_t time = begun_;
     while (!isFree(time) || !placed(tracks, time))
         ++time;
@@ -140,7 +140,7 @@ bool NewImage::placed(const std::vector<CdSound>& tracks, std::time_t time)
 void NewImage::writeSheet(const Text& text)
 {
     sheet_.write(std::as_bytes(std::span(text)), 0);
-    sheet_.flush();
+    sheet_.force();
 }
 
 void NewImage::placeSheet(std::time_t time)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/optical_devices.h"
 
-#include "files/content.h"
+#include "files/descriptor.h"
 
 #include <sys/stat.h>
 

@@ -2,10 +2,7 @@
 #include "engines/disc/title_cache.h"
 
 #include "engines/disc/disc_id.h"
-#include "files/content.h"
-#include "files/folders.h"
 #include "files/output_file.h"
-#include "platform/failure.h"
 #include "platform/paths.h"
 
 namespace disc
@@ -33,13 +30,7 @@ void TitleCache::keep(const DiscContents& disc, const Text& answer) const
 {
     if (this->answer(disc) == answer)
         return;
-    skipping([&] {
-        const Text bytes = firstLine(disc) + answer;
-        files::makeFolders(folder_);
-        files::OutputFile file(joined(folder_, discId(disc)), notes_);
-        file.append(std::as_bytes(std::span(bytes)));
-        file.takePlace();
-    });
+    files::replaceFile(joined(folder_, discId(disc)), firstLine(disc) + answer, *notes_);
 }
 
 }

@@ -4,8 +4,8 @@
 
 #include "engines/disc/disc_contents.h"
 #include "platform/part_notes.h"
-#include "platform/text.h"
 
+#include <memory>
 #include <optional>
 
 namespace disc
@@ -15,8 +15,8 @@ class TitleCache
 {
 public:
     // The folder is made when first needed.
-    explicit TitleCache(Text folder, PartNotes& notes = NoPartNotes::instance()) :
-        folder_(std::move(folder)), notes_(notes)
+    explicit TitleCache(Text folder, std::shared_ptr<PartNotes> notes = std::make_shared<NoPartNotes>()) :
+        folder_(std::move(folder)), notes_(std::move(notes))
     {
     }
 
@@ -28,7 +28,7 @@ public:
 
 private:
     Text folder_;
-    PartNotes& notes_;
+    std::shared_ptr<PartNotes> notes_;
 };
 
 }

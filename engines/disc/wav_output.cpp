@@ -38,7 +38,7 @@ void WavOutput::finish()
 {
     completeHeader();
     if (output_.replacesFile())
-        output_.flush();
+        output_.force();
     output_.takePlace();
 }
 
@@ -52,7 +52,7 @@ void WavOutput::completeHeader()
 {
     const auto header = headerOf(soundBytes());
     output_.write(std::as_bytes(std::span(header)), 0);
-    output_.startFlush();
+    output_.startForce();
 }
 
 }

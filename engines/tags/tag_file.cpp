@@ -151,7 +151,7 @@ void write(const Text& path, const Tag& wanted, PartNotes& notes)
     if (!file)
         files::failWith("The file could not be opened", files::isFile(target) ? errno : EISDIR);
     files::StandingFile standing{target, file->descriptor(), {}};
-    fstat(file->descriptor(), &standing.status);
+    fstat(file->descriptor().number(), &standing.status);
     files::FileBytes bytes(file);
     TagParts parts = tagPartsOf(bytes);
     const Tag shown = tagOf(bytes, parts);

@@ -98,7 +98,7 @@ TEST_CASE("Without any drive the controls answer at once, and images are made an
     const disc::Discs discs(desk.folders, desk.folder / "titles");
     const auto reader = discs.makeReader(desk.window, desk.shell, desk.parts, desk.sleepLock);
     const auto writer = discs.makeWriter(desk.window, desk.shell, desk.parts, desk.sleepLock);
-    const auto titles = discs.makeTitles(desk.parts);
+    const auto titles = discs.makeTitles(std::make_shared<NoPartNotes>());
     const auto begin = Clock::now();
     CHECK(reader->Init() == 0);
     CHECK(reader->DriveCount() == 1);
@@ -313,7 +313,7 @@ TEST_CASE("Titles are looked up for the disc in the first drive")
                                 : "210 rock x\r\nDTITLE=A / B\r\nTTITLE1=Two\r\n.\r\n");
     });
     const AllProxy proxy(server.address());
-    const auto titles = d.discs.makeTitles(d.desk.parts);
+    const auto titles = d.discs.makeTitles(std::make_shared<NoPartNotes>());
     CHECK(titles->DefaultDevice() == d.reader->DriveName(1));
     titles->setDevice(titles->DefaultDevice());
     titles->setTimeLimit(20000);

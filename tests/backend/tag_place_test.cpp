@@ -122,6 +122,12 @@ extern "C" int fsync(int file)
     return static_cast<int>(syscall(SYS_fsync, file));
 }
 
+extern "C" int fdatasync(int file)
+{
+    ++forces;
+    return static_cast<int>(syscall(SYS_fdatasync, file));
+}
+
 extern "C" int ioctl(int file, unsigned long request, ...) noexcept
 {
     va_list more;
@@ -370,7 +376,7 @@ TEST_CASE("A copy is noted before it is made, until it stands in the file's plac
         throw Failure(Trouble::pathOrFileAccess);
     };
     CHECK(failureOf([&] {
-              files::swapEnds({path, file.number(), statusOf(path)}, {"", 0, 100, ""}, book, refuse);
+              files::swapEnds({path, file, statusOf(path)}, {"", 0, 100, ""}, book, refuse);
           }) == 75);
     CHECK(book.noted == 2);
     CHECK(book.open.empty());
@@ -398,7 +404,7 @@ TEST_CASE("Where the file system can, the copy shares the file's bytes, also whe
     for (const Text tail : {"", "longer than what was cut off"}) {
         const files::Descriptor file(open(path.c_str(), O_RDONLY));
         const Cloning system;
-        files::swapEnds({path, file.number(), statusOf(path)}, {"head", 4, bytes.size() - 10, tail}, noNotes,
+        files::swapEnds({path, file, statusOf(path)}, {"head", 4, bytes.size() - 10, tail}, noNotes,
                         approved);
         CHECK(clones == 1);
         CHECK(fileBytes(path) == "head" + bytes.substr(4, bytes.size() - 14) + tail);
@@ -406,7 +412,7 @@ TEST_CASE("Where the file system can, the copy shares the file's bytes, also whe
     }
     const files::Descriptor file(open(path.c_str(), O_RDONLY));
     const Cloning system;
-    files::swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size(), ""}, noNotes, approved);
+    files::swapEnds({path, file, statusOf(path)}, {"head", 10, bytes.size(), ""}, noNotes, approved);
     CHECK(clones == 0); // the bytes have another place in the copy
     CHECK(fileBytes(path) == "head" + bytes.substr(10));
 }
@@ -432,7 +438,7 @@ TEST_CASE("What another program writes meanwhile is not undone")
     const TemporaryFolder folder;
     const Text path = putSong(folder, withV2);
     const files::Descriptor file(open(path.c_str(), O_RDONLY));
-    const files::StandingFile standing{path, file.number(), statusOf(path)};
+    const files::StandingFile standing{path, file, statusOf(path)};
     putSong(folder, withV2 + "more");
     CHECK(failureOf([&] { files::swapEnds(standing, {"", 0, 100, ""}, noNotes, approved); }) == 75);
     CHECK(failureOf([&] { files::overwriteEnd(standing, 0, "TAG"); }) == 75);
@@ -451,7 +457,7 @@ TEST_CASE("A copy that is not approved does not take the file's place")
         throw Failure(Trouble::pathOrFileAccess);
     };
     CHECK(failureOf([&] {
-              files::swapEnds({path, file.number(), statusOf(path)}, {"new ", 0, 3, ""}, noNotes, refuse);
+              files::swapEnds({path, file, statusOf(path)}, {"new ", 0, 3, ""}, noNotes, refuse);
           }) == 75);
     CHECK(seen == "new old");
     CHECK(fileBytes(path) == "old");
@@ -464,8 +470,7 @@ TEST_CASE("The new ends stand around exactly the bytes that were asked for")
     const Text bytes = mp3Frames(5000);
     const Text path = putSong(folder, bytes);
     const files::Descriptor file(open(path.c_str(), O_RDONLY));
-    files::swapEnds({path, file.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, noNotes,
-                    approved);
+    files::swapEnds({path, file, statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, noNotes, approved);
     CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
 }
 
@@ -476,8 +481,8 @@ TEST_CASE("Bytes that the system does not copy by itself, as between two file sy
     const files::Descriptor elsewhere(memfd_create("song", MFD_CLOEXEC));
     const Text bytes = mp3Frames(5000);
     REQUIRE(write(elsewhere.number(), bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()));
-    files::swapEnds({path, elsewhere.number(), statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"},
-                    noNotes, approved);
+    files::swapEnds({path, elsewhere, statusOf(path)}, {"head", 10, bytes.size() - 10, "tail"}, noNotes,
+                    approved);
     CHECK(fileBytes(path) == "head" + bytes.substr(10, bytes.size() - 20) + "tail");
 }
 
@@ -487,8 +492,7 @@ TEST_CASE("A file whose end cannot be read is not replaced by a shorter one")
     const Text path = putSong(folder, audio);
     const files::Descriptor file(open(path.c_str(), O_RDONLY));
     CHECK(failureOf([&] {
-              files::swapEnds({path, file.number(), statusOf(path)}, {"", 0, audio.size() + 1, ""}, noNotes,
-                              approved);
+              files::swapEnds({path, file, statusOf(path)}, {"", 0, audio.size() + 1, ""}, noNotes, approved);
           }) == 57);
     CHECK(fileBytes(path) == audio);
     CHECK(holdsOnlyTheSong(folder));

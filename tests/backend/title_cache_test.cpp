@@ -25,7 +25,7 @@ const DiscContents inserted{{{true, 0, 28465}, {true, 28465, 22412}}, 50877};
 // Never ends by itself.
 [[noreturn]] void keepForEver(const Text& folder, const Text& stateFolder)
 {
-    files::StatePartNotes notes(stateFolder);
+    const auto notes = std::make_shared<files::StatePartNotes>(stateFolder);
     for (char letter = 'a';; letter = letter == 'z' ? 'a' : static_cast<char>(letter + 1))
         TitleCache(folder, notes).keep(inserted, Text(3000000, letter));
 }
