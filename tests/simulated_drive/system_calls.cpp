@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Stands before the C library: the devices /dev/sr0, /dev/sr1 ... are the simulated drives, and no real one
 // is ever reached.
+#include "tests/support/system_calls.h"
 #include "tests/simulated_drive/device_requests.h"
 #include "tests/simulated_drive/system_files.h"
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -18,16 +18,12 @@
 #include <cstddef>
 #include <ctime>
 
+using systemCalls::next;
+
 namespace
 {
 
 constexpr unsigned opticalMajor = 11;
-
-template <typename Function>
-Function* next(const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
 
 int nextOpen(const char* path, int flags, mode_t mode = 0)
 {

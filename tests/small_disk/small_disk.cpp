@@ -2,12 +2,11 @@
 #include "tests/small_disk/small_disk.h"
 
 #include "tests/support/small_disk.h"
+#include "tests/support/system_calls.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <climits>
 #include <filesystem>
 
 namespace smallDisk
@@ -19,21 +18,9 @@ Disk& disk()
     return only;
 }
 
-bool holds(const char* path)
-{
-    const std::string& folder = disk().folder;
-    return !folder.empty() && path != nullptr &&
-           (path == folder || std::string(path).starts_with(folder + '/'));
-}
+bool holds(const char* path) { return systemCalls::liesBelow(path, disk().folder.c_str()); }
 
-bool holds(int file)
-{
-    if (disk().folder.empty())
-        return false;
-    char name[PATH_MAX] = {};
-    const std::string link = "/proc/self/fd/" + std::to_string(file);
-    return readlink(link.c_str(), name, sizeof name - 1) > 0 && holds(name);
-}
+bool holds(int file) { return !disk().folder.empty() && holds(systemCalls::PathOfOpen(file).get()); }
 
 off_t room()
 {

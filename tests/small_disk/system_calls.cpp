@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Stands before the C library: what happens on the small disk happens as on a full one, or on one that may
 // only be read.
+#include "tests/support/system_calls.h"
 #include "tests/small_disk/small_disk.h"
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,14 +16,10 @@
 #include <mutex>
 #include <optional>
 
+using systemCalls::next;
+
 namespace
 {
-
-template <typename Function>
-Function* next(const char* name)
-{
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
 
 // Two that write at one time must not share the last bytes.
 std::mutex& writing()
@@ -91,10 +87,7 @@ int reserve(const char* name, int file, int mode, off_t from, off_t size)
 
 int opened(const char* name, const char* path, int flags, va_list rest)
 {
-    if (refusesOpen(path, flags))
-        return -1;
-    const bool hasMode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-    return next<int(const char*, int, ...)>(name)(path, flags, hasMode ? va_arg(rest, mode_t) : 0);
+    return refusesOpen(path, flags) ? -1 : systemCalls::openNext(name, flags, rest, path);
 }
 
 }

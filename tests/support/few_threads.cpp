@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Preloaded into a program: a system that makes VELMORA_THREADS threads for it at one time, and no more.
-#include <dlfcn.h>
+#include "tests/support/system_calls.h"
+
 #include <pthread.h>
 
 #include <atomic>
@@ -43,7 +44,7 @@ void* run(void* given)
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, Work work, void* argument)
 {
     using Create = int(pthread_t*, const pthread_attr_t*, Work, void*);
-    static auto* const create = reinterpret_cast<Create*>(dlsym(RTLD_NEXT, "pthread_create"));
+    static auto* const create = systemCalls::next<Create>("pthread_create");
     if (++living > allowed()) {
         --living;
         return EAGAIN;

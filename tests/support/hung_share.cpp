@@ -1,28 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/hung_share.h"
 
+#include "tests/support/system_calls.h"
+
 #include <dirent.h>
-#include <dlfcn.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
 #include <time.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <cstdarg>
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <type_traits>
+
+using systemCalls::next;
+using systemCalls::PathOfOpen;
 
 namespace
 {
 
 constexpr int mostSteps = 6000; // of ten milliseconds
 
-char folder[4096];
+char folder[PATH_MAX];
+const char* sign = nullptr; // a file without which nothing hangs yet
 std::atomic<bool> hangs{false};
-std::atomic<bool> onlyContents{false};
+std::atomic<HungShare::Holds> holds{HungShare::Holds::everything};
+std::atomic<int> readsLeft{0};
 std::atomic<int> held{0};
 
 void hangBelow(const char* name)
@@ -33,20 +35,15 @@ void hangBelow(const char* name)
 
 [[gnu::constructor]] void readEnvironment()
 {
+    sign = std::getenv("VELMORA_HUNG_SHARE_WHEN");
     if (const char* name = std::getenv("VELMORA_HUNG_SHARE"))
         hangBelow(name);
 }
 
-bool isHeldUp(const char* path)
-{
-    const std::size_t length = std::strlen(folder);
-    return hangs && std::strncmp(path, folder, length) == 0 && (path[length] == '/' || path[length] == '\0');
-}
+bool hasBegun() { return sign == nullptr || next<int(const char*, int)>("access")(sign, F_OK) == 0; }
 
-void hold(const char* path)
+void wait()
 {
-    if (!path || !isHeldUp(path))
-        return;
     ++held;
     for (int step = 0; step < mostSteps && hangs; ++step) {
         const timespec pause{0, 10'000'000};
@@ -55,67 +52,54 @@ void hold(const char* path)
     --held;
 }
 
-void ask(const char* path)
+void hold(const char* path)
 {
-    if (!onlyContents)
+    if (hangs && systemCalls::liesBelow(path, folder) && hasBegun())
+        wait();
+}
+
+void holdOpening(const char* path)
+{
+    if (holds != HungShare::Holds::secondReads)
         hold(path);
 }
 
-// Also of a name in a folder that is open.
-void ask(int at, const char* path)
+void holdQuestion(const char* path)
 {
-    if (!path || path[0] == '/' || at == AT_FDCWD)
-        return ask(path);
-    char link[64];
-    std::snprintf(link, sizeof link, "/proc/self/fd/%d", at);
-    char whole[2 * sizeof folder];
-    const ssize_t length = readlink(link, whole, sizeof folder);
-    if (length <= 0)
+    if (holds == HungShare::Holds::everything)
+        hold(path);
+}
+
+// Of a name in a folder that is open, too.
+template <typename Hold>
+void holdAt(int at, const char* path, Hold&& holdPath)
+{
+    if (!hangs)
         return;
-    std::snprintf(whole + length, sizeof whole - static_cast<std::size_t>(length), "/%s", path);
-    ask(whole);
+    PathOfOpen place(at == AT_FDCWD ? -1 : at);
+    holdPath(at == AT_FDCWD ? path : place.with(path));
 }
 
-template <typename Function>
-Function* next(const char* name)
+void holdReading(int file)
 {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+    if (!hangs || !systemCalls::liesBelow(PathOfOpen(file).get(), folder))
+        return;
+    if (holds != HungShare::Holds::secondReads || readsLeft-- <= 0)
+        hold(folder);
 }
 
-int openNext(const char* function, const char* path, int flags, va_list rest)
+void holdWriting(int file)
 {
-    hold(path);
-    const bool hasMode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-    return next<int(const char*, int, ...)>(function)(path, flags, hasMode ? va_arg(rest, mode_t) : 0);
-}
-
-int openNext(const char* function, int at, const char* path, int flags, va_list rest)
-{
-    onlyContents ? hold(path) : ask(at, path);
-    const bool hasMode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-    return next<int(int, const char*, int, ...)>(function)(at, path, flags,
-                                                           hasMode ? va_arg(rest, mode_t) : 0);
-}
-
-template <typename Status>
-int statusOf(const char* function, const char* path, Status* status)
-{
-    ask(path);
-    return next<int(const char*, Status*)>(function)(path, status);
-}
-
-template <typename Entry>
-Entry* entryOf(const char* function, DIR* entries)
-{
-    ask(dirfd(entries), ".");
-    return next<Entry*(DIR*)>(function)(entries);
+    if (hangs && holds == HungShare::Holds::everything)
+        hold(PathOfOpen(file).get());
 }
 
 }
 
 HungShare::HungShare(const char* name, Holds what)
 {
-    onlyContents = what == Holds::contents;
+    holds = what;
+    readsLeft = 1;
     hangBelow(name);
 }
 
@@ -131,13 +115,22 @@ HungShare::~HungShare()
 
 int HungShare::waiting() const { return held; }
 
+// A call as it stands in the C library, behind the hold.
+#define HELD(hold, result, name, parameters, how, ...)                                                       \
+    result name parameters how                                                                               \
+    {                                                                                                        \
+        hold;                                                                                                \
+        return next<result parameters>(#name)(__VA_ARGS__);                                                  \
+    }
+
 extern "C" {
 
 int open(const char* path, int flags, ...)
 {
     va_list rest;
     va_start(rest, flags);
-    const int file = openNext("open", path, flags, rest);
+    holdOpening(path);
+    const int file = systemCalls::openNext("open", flags, rest, path);
     va_end(rest);
     return file;
 }
@@ -146,7 +139,8 @@ int open64(const char* path, int flags, ...)
 {
     va_list rest;
     va_start(rest, flags);
-    const int file = openNext("open64", path, flags, rest);
+    holdOpening(path);
+    const int file = systemCalls::openNext("open64", flags, rest, path);
     va_end(rest);
     return file;
 }
@@ -155,7 +149,8 @@ int openat(int at, const char* path, int flags, ...)
 {
     va_list rest;
     va_start(rest, flags);
-    const int file = openNext("openat", at, path, flags, rest);
+    holdAt(at, path, holdOpening);
+    const int file = systemCalls::openNext("openat", flags, rest, at, path);
     va_end(rest);
     return file;
 }
@@ -164,57 +159,39 @@ int openat64(int at, const char* path, int flags, ...)
 {
     va_list rest;
     va_start(rest, flags);
-    const int file = openNext("openat64", at, path, flags, rest);
+    holdAt(at, path, holdOpening);
+    const int file = systemCalls::openNext("openat64", flags, rest, at, path);
     va_end(rest);
     return file;
 }
 
-int stat(const char* path, struct stat* status) noexcept { return statusOf("stat", path, status); }
-int stat64(const char* path, struct stat64* status) noexcept { return statusOf("stat64", path, status); }
-int lstat(const char* path, struct stat* status) noexcept { return statusOf("lstat", path, status); }
-int lstat64(const char* path, struct stat64* status) noexcept { return statusOf("lstat64", path, status); }
-int statfs(const char* path, struct statfs* status) noexcept { return statusOf("statfs", path, status); }
-int statfs64(const char* path, struct statfs64* status) noexcept
-{
-    return statusOf("statfs64", path, status);
-}
+// clang-format off
+HELD(holdQuestion(path), int, stat, (const char* path, struct stat* status), noexcept, path, status)
+HELD(holdQuestion(path), int, stat64, (const char* path, struct stat64* status), noexcept, path, status)
+HELD(holdQuestion(path), int, lstat, (const char* path, struct stat* status), noexcept, path, status)
+HELD(holdQuestion(path), int, lstat64, (const char* path, struct stat64* status), noexcept, path, status)
+HELD(holdQuestion(path), int, statfs, (const char* path, struct statfs* status), noexcept, path, status)
+HELD(holdQuestion(path), int, statfs64, (const char* path, struct statfs64* status), noexcept, path, status)
+HELD(holdQuestion(path), int, access, (const char* path, int mode), noexcept, path, mode)
+HELD(holdQuestion(path), ssize_t, readlink, (const char* path, char* into, std::size_t size), noexcept, path, into, size)
+HELD(holdQuestion(path), int, unlink, (const char* path), noexcept, path)
+HELD(holdQuestion(path), int, mkdir, (const char* path, mode_t mode), noexcept, path, mode)
+HELD(holdQuestion(to), int, rename, (const char* from, const char* to), noexcept, from, to)
+HELD(holdQuestion(path), DIR*, opendir, (const char* path), , path)
 
-int fstatat(int at, const char* path, struct stat* status, int flags) noexcept
-{
-    ask(at, path);
-    return next<int(int, const char*, struct stat*, int)>("fstatat")(at, path, status, flags);
-}
+HELD(holdAt(at, path, holdQuestion), int, fstatat, (int at, const char* path, struct stat* status, int flags), noexcept, at, path, status, flags)
+HELD(holdAt(at, path, holdQuestion), int, fstatat64, (int at, const char* path, struct stat64* status, int flags), noexcept, at, path, status, flags)
+HELD(holdAt(at, path, holdQuestion), int, faccessat, (int at, const char* path, int mode, int flags), noexcept, at, path, mode, flags)
+HELD(holdAt(at, path, holdQuestion), int, statx, (int at, const char* path, int flags, unsigned mask, struct statx* status), noexcept, at, path, flags, mask, status)
 
-int fstatat64(int at, const char* path, struct stat64* status, int flags) noexcept
-{
-    ask(at, path);
-    return next<int(int, const char*, struct stat64*, int)>("fstatat64")(at, path, status, flags);
-}
-
-int statx(int at, const char* path, int flags, unsigned mask, struct statx* status) noexcept
-{
-    ask(at, path);
-    return next<int(int, const char*, int, unsigned, struct statx*)>("statx")(at, path, flags, mask, status);
-}
-
-int access(const char* path, int mode) noexcept
-{
-    ask(path);
-    return next<int(const char*, int)>("access")(path, mode);
-}
-
-int faccessat(int at, const char* path, int mode, int flags) noexcept
-{
-    ask(at, path);
-    return next<int(int, const char*, int, int)>("faccessat")(at, path, mode, flags);
-}
-
-DIR* opendir(const char* path)
-{
-    ask(path);
-    return next<DIR*(const char*)>("opendir")(path);
-}
-
-dirent* readdir(DIR* entries) { return entryOf<dirent>("readdir", entries); }
-dirent64* readdir64(DIR* entries) { return entryOf<dirent64>("readdir64", entries); }
+HELD(holdReading(file), ssize_t, read, (int file, void* into, std::size_t size), , file, into, size)
+HELD(holdReading(file), ssize_t, pread, (int file, void* into, std::size_t size, off_t at), , file, into, size, at)
+HELD(holdReading(file), ssize_t, pread64, (int file, void* into, std::size_t size, off64_t at), , file, into, size, at)
+HELD(holdReading(dirfd(entries)), dirent*, readdir, (DIR* entries), , entries)
+HELD(holdReading(dirfd(entries)), dirent64*, readdir64, (DIR* entries), , entries)
+HELD(holdWriting(file), ssize_t, write, (int file, const void* bytes, std::size_t size), , file, bytes, size)
+HELD(holdWriting(file), ssize_t, pwrite, (int file, const void* bytes, std::size_t size, off_t at), , file, bytes, size, at)
+HELD(holdWriting(file), ssize_t, pwrite64, (int file, const void* bytes, std::size_t size, off64_t at), , file, bytes, size, at)
+HELD(holdWriting(file), int, fdatasync, (int file), , file)
+// clang-format on
 }

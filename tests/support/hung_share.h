@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A share whose server is down: whatever is asked of the file system below one folder waits for a minute.
 // Stands before the C library, linked or preloaded; a preloaded one hangs below the folder
-// VELMORA_HUNG_SHARE.
+// VELMORA_HUNG_SHARE, from when the file VELMORA_HUNG_SHARE_WHEN exists where that is named.
 #pragma once
 
 class HungShare
 {
 public:
-    enum class Holds { everything, contents };
+    enum class Holds {
+        everything,
+        contents,    // openings, and what is read
+        secondReads, // what is read, but for the first piece of it
+    };
 
     explicit HungShare(const char* folder, Holds what = Holds::everything); // absolute; one at a time
     ~HungShare();                                                           // the server answers again
