@@ -74,6 +74,33 @@ TEST_CASE("Drives out of range have no name and change nothing")
     }
 }
 
+TEST_CASE("A track whose name is written in other letters is the file that is there")
+{
+    Writing w;
+    w.writer->SelectDrive(1);
+    CHECK(w.writer->AddTrack(w.desk.output + "/A.WAV", 0) == 0);
+    CHECK(w.writer->AddTrack(w.desk.output + "/b.wav", 0) != 0);
+    REQUIRE(w.writer->Write() == 0);
+    REQUIRE(w.heard->end());
+    const auto names = namesInFolder(w.desk.discs);
+    REQUIRE(names.size() == 2);
+    CHECK(fileBytes(w.desk.discs + "/" + *names.begin()).starts_with(noise(4 * bytesOfSecond)));
+}
+
+TEST_CASE("Of two tracks in other letters each is its own")
+{
+    Writing w;
+    w.writer->SelectDrive(1);
+    const Text other = noise(4 * bytesOfSecond, 2);
+    putFile(w.desk.output + "/A.WAV", wavFile(other));
+    REQUIRE(w.writer->AddTrack(w.desk.output + "/A.WAV", 0) == 0);
+    REQUIRE(w.writer->Write() == 0);
+    REQUIRE(w.heard->end());
+    const auto names = namesInFolder(w.desk.discs);
+    REQUIRE(names.size() == 2);
+    CHECK(fileBytes(w.desk.discs + "/" + *names.begin()).starts_with(other));
+}
+
 TEST_CASE("A type is known for each drive, and one that was set is read back")
 {
     Writing w;
