@@ -5,6 +5,7 @@
 #include "desktop/file_pictures.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
+#include "toolkit/folder_listing.h"
 #include "toolkit/qt_bridge.h"
 
 #include <QAbstractItemView>
@@ -12,7 +13,9 @@
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QLineEdit>
+#include <QSettings>
 #include <QStandardPaths>
+#include <QUrl>
 #include <algorithm>
 
 namespace desktop
@@ -53,12 +56,44 @@ std::int16_t chosenFilter(const std::vector<DialogFilter>& filters, const QStrin
     return static_cast<std::int16_t>(found == filters.end() ? 1 : found - filters.begin() + 1);
 }
 
-// Where the first dialog begins.
+// Where the first dialog begins, and where the one begins whose last folder does not answer.
 QString firstFolder()
 {
     const QString music = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
-    return QDir(music).exists() ? music : QDir::homePath();
+    return listing::isFolder(bytesOf(music)) ? music : QDir::homePath();
 }
+
+QString firstFolder(const Text& last)
+{
+    return !last.empty() && listing::isFolder(last) ? shown(last) : firstFolder();
+}
+
+// A dialog of the library first looks at the folder where the last one of any program ended, wherever it is
+// told to begin. One that is made while that folder does not answer does without what the library kept.
+class KeptByLibrary
+{
+public:
+    KeptByLibrary()
+    {
+        const QSettings settings(scope, "QtProject");
+        const QUrl last = settings.value("FileDialog/lastVisited").toUrl();
+        if (!last.isLocalFile() || listing::isFolder(bytesOf(last.toLocalFile())))
+            return;
+        folder_ = QFileInfo(settings.fileName()).path();
+        QSettings::setPath(QSettings::NativeFormat, scope, "/dev/null");
+    }
+    ~KeptByLibrary()
+    {
+        if (!folder_.isEmpty())
+            QSettings::setPath(QSettings::NativeFormat, scope, folder_);
+    }
+    KeptByLibrary(const KeptByLibrary&) = delete;
+    KeptByLibrary& operator=(const KeptByLibrary&) = delete;
+
+private:
+    static constexpr auto scope = QSettings::UserScope;
+    QString folder_;
+};
 
 // With its separator.
 std::string_view folderOf(std::string_view path)
@@ -75,7 +110,8 @@ bool holdsLineEnd(const QStringList& paths)
 
 bool isFolder(const QModelIndex& row)
 {
-    return QFileInfo(row.data(QFileSystemModel::FilePathRole).toString()).isDir();
+    const auto* files = qobject_cast<const QFileSystemModel*>(row.model());
+    return files != nullptr && files->isDir(row); // as it was listed: the disk may not answer any more
 }
 
 // What the dialog writes into the name's field when these rows are selected.
@@ -89,10 +125,10 @@ QString nameOf(const QModelIndexList& rows)
 
 // The answer is the selection while the name's field tells it, and otherwise what is typed there. Qt 6.4
 // alone would take every selection, and while a path is typed, it selects the folders on the way.
-class FileDialog final : public QFileDialog
+class FileDialog final : KeptByLibrary, public QFileDialog
 {
 public:
-    FileDialog() : QFileDialog(QApplication::activeWindow())
+    explicit FileDialog(const QString& folder) : QFileDialog(QApplication::activeWindow(), {}, folder)
     {
         setIconProvider(&filePictures());
         setOption(DontUseCustomDirectoryIcons);
@@ -124,7 +160,7 @@ private:
 
 void QtOpenSaveDialog::ShowOpen()
 {
-    FileDialog dialog;
+    FileDialog dialog(firstFolder(folder_));
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     if (flags_ & severalFiles)
         dialog.setFileMode(QFileDialog::ExistingFiles);
@@ -135,7 +171,7 @@ void QtOpenSaveDialog::ShowOpen()
 
 void QtOpenSaveDialog::ShowSave()
 {
-    FileDialog dialog;
+    FileDialog dialog(firstFolder(folder_));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite, (flags_ & askBeforeOverwriting) == 0);
@@ -150,7 +186,6 @@ void QtOpenSaveDialog::show(QFileDialog& dialog)
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     if (filterIndex_ >= 1 && filterIndex_ <= names.size())
         dialog.selectNameFilter(names[filterIndex_ - 1]);
-    dialog.setDirectory(folder_.empty() ? firstFolder() : shown(folder_));
     if (!initialName_.empty())
         dialog.selectFile(shown(initialName_));
     dialog.setWindowModality(Qt::ApplicationModal);

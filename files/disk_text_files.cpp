@@ -79,6 +79,14 @@ Descriptor openForInput(const Text& path)
     return file;
 }
 
+// What cannot be read has no length for the caller either: it would go on to read it.
+void touch(const Descriptor& file)
+{
+    char first = 0;
+    if (pread(file.number(), &first, 1, 0) < 0)
+        fail(errno);
+}
+
 }
 
 std::unique_ptr<TextOutput> DiskTextFiles::openForOutput(const Text& path)
@@ -98,13 +106,21 @@ std::unique_ptr<TextOutput> DiskTextFiles::openForOutput(const Text& path)
 
 void DiskTextFiles::leave(const Text& path, std::uint64_t revision, Descriptor file)
 {
+    const Lock lock(mutex_);
     left_.erase(path);
     if (revision != 0)
         left_.emplace(path, LeftFile(revision, std::move(file)));
 }
 
+bool DiskTextFiles::isOwn(const Text& path)
+{
+    const Lock lock(mutex_);
+    return left_.contains(path);
+}
+
 bool DiskTextFiles::stillHolds(const Text& path, std::uint64_t revision)
 {
+    const Lock lock(mutex_);
     const auto found = left_.find(path);
     return found != left_.end() && found->second.holds(path, revision);
 }
@@ -117,7 +133,7 @@ void DiskTextFiles::keepBackup(const Text& path, std::string_view bytes)
         output->write(bytes);
         output->finish();
     });
-    if (kept && !left_.contains(path))
+    if (kept && !isOwn(path))
         earlierContentKept_(backup);
 }
 
@@ -128,11 +144,7 @@ std::int64_t DiskTextFiles::length(const Text& path)
         throw Failure(errno == EACCES ? Trouble::permissionDenied : Trouble::fileNotFound);
     if (!S_ISREG(status.st_mode))
         throw Failure(Trouble::fileNotFound);
-    // What cannot be read has no length for the caller either: it would go on to read it.
-    if (eaccess(path.c_str(), R_OK) != 0)
-        throw Failure(Trouble::permissionDenied);
-    if (status.st_size > largestText)
-        throw Failure(Trouble::pathOrFileAccess);
+    touch(openForInput(path));
     return status.st_size;
 }
 

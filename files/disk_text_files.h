@@ -5,6 +5,7 @@
 
 #include "files/forces.h"
 #include "files/left_file.h"
+#include "platform/mutex.h"
 #include "platform/part_notes.h"
 #include "platform/text_files.h"
 
@@ -14,7 +15,7 @@
 namespace files
 {
 
-// For one thread. Outlives the outputs that it opened.
+// From any thread; no output by two at a time. Outlives the outputs that it opened.
 class DiskTextFiles final : public TextFiles
 {
 public:
@@ -35,12 +36,14 @@ public:
     Text readWhole(const Text& path) override;
 
 private:
+    bool isOwn(const Text& path);
     void leave(const Text& path, std::uint64_t revision, Descriptor file);
 
     PartNotes& notes_;
     Forces forces_;
     BackupKept earlierContentKept_;
-    std::map<Text, LeftFile> left_; // those with a revision
+    Mutex mutex_;
+    std::map<Text, LeftFile> left_ GUARDED_BY(mutex_); // those with a revision
 };
 
 }

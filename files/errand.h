@@ -3,6 +3,7 @@
 // drive, another program) has a thread of its own, and who has waited long enough leaves it behind.
 #pragma once
 
+#include "platform/failure.h"
 #include "platform/text.h"
 #include "platform/thread.h"
 
@@ -17,6 +18,9 @@ namespace files
 
 inline constexpr std::chrono::milliseconds patienceForLists{200};
 inline constexpr std::chrono::milliseconds patienceForFiles{2000};
+
+// Why there is no answer, as a person should read it.
+inline constexpr const char* noAnswer = "The disk or the network that it is on does not answer.";
 
 // What an errand is without its result. Copies are one thread.
 class ErrandThread
@@ -81,6 +85,27 @@ std::optional<Answer> answerWithin(
     if (!answer)
         keepUnanswered(question, errand.thread());
     return answer;
+}
+
+// The same for what can fail: its Failure comes to the caller, and 68 where there is no answer.
+template <typename Answer>
+Answer answerOrFailure(std::chrono::milliseconds limit, const Text& question,
+                       const std::function<Answer()>& ask)
+{
+    struct Outcome {
+        std::optional<Answer> answer;
+        Failure failure;
+    };
+    auto outcome = answerWithin<Outcome>(limit, question, [ask] {
+        Outcome each;
+        guarded([&](const Failure& failure) { each.failure = failure; }, [&] { each.answer = ask(); });
+        return each;
+    });
+    if (!outcome)
+        throw Failure{Trouble::deviceUnavailable, noAnswer};
+    if (!outcome->answer)
+        throw std::move(outcome->failure);
+    return *std::move(outcome->answer);
 }
 
 }

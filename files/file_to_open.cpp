@@ -2,12 +2,12 @@
 #include "files/file_to_open.h"
 
 #include "files/descriptor.h"
-#include "files/errand.h"
 #include "files/folders.h"
 #include "platform/paths.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -44,20 +44,28 @@ void touch(const Text& path)
         (void)!pread(file.number(), &first, 1, 0);
 }
 
-Text found(const Text& path)
-{
-    const Text file = isMissing(path) ? inOtherLetters(path) : path;
-    touch(file);
-    return file;
 }
 
-}
+Text fileMeantBy(const Text& path) { return !path.empty() && isMissing(path) ? inOtherLetters(path) : path; }
 
 std::optional<Text> fileToOpen(const Text& path)
 {
     if (path.empty())
         return path;
-    return answerWithin<Text>(patienceForFiles, "file " + path, [path] { return found(path); });
+    return answerOfFile<Text>(path, [](const Text& file) {
+        touch(file);
+        return file;
+    });
+}
+
+// A folder's attributes may come from memory, how much room it has does not.
+bool folderAnswers(const Text& folder)
+{
+    const auto ask = [folder] {
+        struct statfs status;
+        return isFolder(folder) ? statfs(folder.c_str(), &status) == 0 : true;
+    };
+    return answerWithin<bool>(patienceForFiles, "room in " + folder, ask).has_value();
 }
 
 }

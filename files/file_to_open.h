@@ -2,16 +2,36 @@
 // Which file a path means.
 #pragma once
 
+#include "files/errand.h"
 #include "platform/text.h"
 
+#include <functional>
 #include <optional>
 
 namespace files
 {
 
-// `path` where that exists; else the first entry of its folder, in the order of a scan, whose name differs
-// from the path's last one in letters A to Z alone; else `path` again. Nothing when the file system does not
-// answer within two seconds.
+// Which file that is, for whoever may wait: `path` where that exists; else the first entry of its folder, in
+// the order of a scan, whose name differs from the path's last one in letters A to Z alone; else `path`
+// again.
+Text fileMeantBy(const Text& path);
+
+// What is to be known of the file that `path` means, found and asked on a thread of its own. Nothing when
+// that takes longer than two seconds, and at once while it has not answered an earlier question. `late` gets
+// an answer that nobody waits for any more, on the thread that made it.
+template <typename Answer>
+std::optional<Answer> answerOfFile(
+    const Text& path, const std::function<Answer(const Text& file)>& ask,
+    const std::function<void(Answer)>& late = [](Answer) {})
+{
+    return answerWithin<Answer>(
+        patienceForFiles, "file " + path, [path, ask] { return ask(fileMeantBy(path)); }, late);
+}
+
+// That file, which has answered; nothing when it does not.
 std::optional<Text> fileToOpen(const Text& path);
+
+// False when the folder, or what is to hold it, does not answer within two seconds; nothing needs to exist.
+bool folderAnswers(const Text& folder);
 
 }

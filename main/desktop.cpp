@@ -25,6 +25,7 @@
 #include "engines/disc/discs.h"
 #include "files/disk_profile_file.h"
 #include "files/disk_text_files.h"
+#include "files/patient_text_files.h"
 #include "files/state_part_notes.h"
 #include "platform/acd.h"
 #include "platform/acd_write.h"
@@ -68,11 +69,12 @@ struct Desktop::Parts {
     // A look-up of titles may outlive the rest.
     std::shared_ptr<PartNotes> partNotes =
         std::make_shared<files::StatePartNotes>(desktop::stateFolder(environment));
-    files::DiskTextFiles textFiles{*partNotes, [this](const Text& backup) {
-                                       shell.notify("The list begins empty",
-                                                    "Its last rows are in " + backup + ".");
-                                   }};
-    files::DiskProfileFile profileFile{textFiles};
+    std::shared_ptr<files::DiskTextFiles> ownFiles =
+        std::make_shared<files::DiskTextFiles>(*partNotes, [this](const Text& backup) {
+            shell.notify("The list begins empty", "Its last rows are in " + backup + ".");
+        });
+    files::PatientTextFiles textFiles{ownFiles};
+    files::DiskProfileFile profileFile{*ownFiles};
     desktop::FolderScan directoryScan;
     desktop::SqliteStore store{joined(desktop::configFolder(environment), "settings.sqlite")};
     audio::SoundOutput sound{joined(desktop::stateFolder(environment), "levels"), toolkit.activity(),
@@ -96,7 +98,7 @@ Desktop::Desktop(char* program, const rlimit& stackLimit)
     parts_->secondStarts.Asked.calls([this] { SecondStart.raise(); });
     desktop::dressApplication();
     files::removeNotedParts(desktop::stateFolder(parts_->environment));
-    desktop::fillApplicationFolder(parts_->environment, parts_->textFiles);
+    desktop::fillApplicationFolder(parts_->environment, *parts_->ownFiles);
     parts_->toolkit.unhandled = [this](const Failure& failure) {
         messageBoxes().show("Run-time error '" + textOf(failure.number) + "':\n\n" + failure.description,
                             "Velmora", MessageBoxes::Icon::critical, MessageBoxes::Buttons::ok);

@@ -10,12 +10,15 @@
 #include "engines/tags/edited_tag.h"
 #include "engines/tags/genre.h"
 #include "files/file_to_open.h"
+#include "platform/mutex.h"
 #include "platform/post.h"
 #include "platform/shell.h"
 
 #include <algorithm>
 #include <limits>
+#include <memory>
 #include <optional>
+#include <utility>
 
 namespace audio
 {
@@ -29,6 +32,45 @@ constexpr std::int16_t notOpened = 1;
 constexpr float usualFrameDuration = 26.122F; // of the usual rate, where there is no file to ask
 
 constexpr std::int64_t mostSteps = std::numeric_limits<std::int16_t>::max();
+
+// What opening a file came to.
+struct OpenedFile {
+    Text path;
+    bool isMp3 = false;
+    std::optional<OpenedSound> sound;
+};
+
+OpenedFile openedFile(const Text& path)
+{
+    if (auto sound = openMp3Sound(path))
+        return {path, true, playable(*std::move(sound))};
+    if (auto sound = openWavSound(path))
+        return {path, false, playable(*std::move(sound))};
+    return {path, false, std::nullopt};
+}
+
+// A file that took longer to open than its caller waits: the next try finds it here. From any thread.
+class LateFile
+{
+public:
+    void keep(const Text& asked, OpenedFile file)
+    {
+        const Lock lock(mutex_);
+        late_.emplace(asked, std::move(file));
+    }
+
+    // Once, and only for who asks for the same.
+    std::optional<OpenedFile> take(const Text& asked)
+    {
+        const Lock lock(mutex_);
+        const auto late = std::exchange(late_, std::nullopt);
+        return late && late->first == asked ? std::optional(late->second) : std::nullopt;
+    }
+
+private:
+    Mutex mutex_;
+    std::optional<std::pair<Text, OpenedFile>> late_ GUARDED_BY(mutex_);
+};
 
 class Mpg123Play final : public Mp3Play
 {
@@ -87,6 +129,7 @@ private:
     PartNotes& notes_;
     UnopenedFiles& unopened_;
     std::optional<OpenedSound> sound_;
+    std::shared_ptr<LateFile> late_ = std::make_shared<LateFile>();
     Voice voice_;
     std::optional<DecodeJobs> jobs_; // from the first decoding on
     bool isDecoding_ = false;
@@ -132,15 +175,14 @@ std::int16_t Mpg123Play::openDecoding(const Text& path, const Text& output)
 
 bool Mpg123Play::openSound(const Text& path)
 {
-    const auto file = files::fileToOpen(path);
-    if (file)
-        sound_ = openMp3Sound(*file);
-    keepTagOf(sound_ ? *file : "");
-    if (file && !sound_)
-        sound_ = openWavSound(*file);
-    if (!sound_)
+    auto file = late_->take(path);
+    if (!file && !path.empty())
+        file = files::answerOfFile<OpenedFile>(
+            path, openedFile, [path, late = late_](OpenedFile each) { late->keep(path, std::move(each)); });
+    keepTagOf(file && file->isMp3 ? file->path : "");
+    if (!file || !file->sound)
         return false;
-    sound_ = playable(std::move(*sound_));
+    sound_ = std::move(file->sound);
     voice_.load(sound_->source, sound_->timeline.frames());
     return true;
 }
@@ -154,6 +196,7 @@ void Mpg123Play::unload()
 void Mpg123Play::Close()
 {
     unload();
+    late_->take("");
     tag_.close();
     isDecoding_ = false;
     if (jobs_)

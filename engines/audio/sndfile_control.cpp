@@ -80,8 +80,8 @@ Hearing::State SndfileControl::state() const
 void SndfileControl::open()
 {
     close();
-    const auto file = files::fileToOpen(path_);
-    const auto sound = file ? openWavSound(*file) : std::nullopt;
+    const auto sound =
+        files::answerOfFile<std::optional<OpenedSound>>(path_, openWavSound).value_or(std::nullopt);
     if (!sound) {
         unopened_.failed(path_, "WAV");
         return;

@@ -28,7 +28,7 @@ constexpr Reason reasons[] = {
     {EACCES,    "It may not be read."},
     {EPERM,     "It may not be read."},
     {EINVAL,    "It is no file with sound in it."},
-    {ETIMEDOUT, "The disk or the network that it is on does not answer."},
+    {ETIMEDOUT, files::noAnswer},
     {EIO,       "The disk that it is on cannot be read."},
 };
 // clang-format on
@@ -43,11 +43,10 @@ const char* wordsFor(int error)
 
 Text reasonFor(const Text& path, const char* kinds)
 {
-    const auto file = files::fileToOpen(path);
-    if (!file)
-        return wordsFor(ETIMEDOUT);
-    if (files::InputFile::open(*file) == nullptr)
-        return wordsFor(errno);
+    const auto error = files::answerOfFile<int>(
+        path, [](const Text& file) { return files::InputFile::open(file) ? 0 : errno; });
+    if (error != 0)
+        return wordsFor(error.value_or(ETIMEDOUT));
     return Text("It is no ") + kinds + " file, or a damaged one.";
 }
 

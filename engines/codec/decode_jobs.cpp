@@ -67,10 +67,12 @@ DecodeJobs::~DecodeJobs() = default;
 
 std::int16_t DecodeJobs::open(const Text& input, const Text& output)
 {
-    const auto file = files::fileToOpen(input);
-    const bool isOpen = file && isMp3(*file) && !files::isSameFile(*file, output);
-    parts_->job = {++parts_->opened, file.value_or(input), output, isOpen};
-    return isOpen ? 0 : 1;
+    auto job = files::answerOfFile<Parts::Job>(input, [output](const Text& path) {
+        return Parts::Job{0, path, output, isMp3(path) && !files::isSameFile(path, output)};
+    });
+    parts_->job = std::move(job).value_or(Parts::Job{0, input, output, false});
+    parts_->job.number = ++parts_->opened;
+    return parts_->job.isOpen ? 0 : 1;
 }
 
 // Also what could not be opened is tried: the reason may have passed, and `done` must come.

@@ -12,6 +12,17 @@
 namespace
 {
 
+struct Judged {
+    Text path;
+    bool isFit = false;
+};
+
+Judged judged(const Text& path, const Text& output)
+{
+    const bool isWav = succeeds([&] { formats::WavSource(formats::SourceFile(path)); });
+    return {path, isWav && !files::isSameFile(path, output)};
+}
+
 class LameEnc final : public Mp3Enc
 {
 public:
@@ -29,11 +40,11 @@ public:
 
     std::int16_t Open(const Text& input, const Text& output) override
     {
-        const auto file = files::fileToOpen(input);
-        input_ = file.value_or(input);
+        const auto file =
+            files::answerOfFile<Judged>(input, [output](const Text& path) { return judged(path, output); });
+        input_ = file ? file->path : input;
         output_ = output;
-        isOpen_ = file && succeeds([&] { formats::WavSource(formats::SourceFile(*file)); }) &&
-                  !files::isSameFile(*file, output);
+        isOpen_ = file && file->isFit;
         return isOpen_ ? 0 : 1;
     }
 

@@ -5,6 +5,8 @@
 #include "engines/disc/track_copy.h"
 #include "engines/disc/track_path.h"
 #include "engines/disc/window_calls.h"
+#include "files/file_to_open.h"
+#include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
 
@@ -167,6 +169,8 @@ void DiscReader::startCopy(std::int16_t number, const Text& path)
                       "There is no sound in track " + textOf(std::int32_t{number}) + "."};
     if (devices_->isWriting(drive->device()))
         throw Failure{Trouble::permissionDenied, drive->name() + " is in use."};
+    if (!files::folderAnswers(files::folderOf(path)))
+        throw Failure{Trouble::deviceUnavailable, files::noAnswer};
     auto output = std::make_unique<WavOutput>(path, notes_);
     copy_ = std::make_unique<TrackCopy>(
         TrackCopy::Job{drive, number, track->sectors, path, std::move(output)}, devices_, shell_, sleepLock_,

@@ -120,10 +120,10 @@ std::int16_t DiscWriter::WriterType() const
 
 std::int16_t DiscWriter::AddTrack(const Text& path, std::int32_t)
 {
-    const auto file = files::fileToOpen(path);
-    if (!file || !CdSound::open(*file))
+    const auto track = files::answerOfFile<std::optional<CdSound>>(path, CdSound::open);
+    if (!track || !*track)
         return refused;
-    tracks_.push_back(*file);
+    tracks_.push_back((*track)->path());
     return ok;
 }
 
@@ -175,10 +175,10 @@ std::vector<CdSound> DiscWriter::openTracks() const
 {
     std::vector<CdSound> sounds;
     for (const Text& path : tracks_) {
-        auto sound = CdSound::open(path);
-        if (!sound)
+        auto sound = files::answerOfFile<std::optional<CdSound>>(path, CdSound::open);
+        if (!sound || !*sound)
             throw Failure{Trouble::fileNotFound, path + " cannot be read."};
-        sounds.push_back(std::move(*sound));
+        sounds.push_back(std::move(**sound));
     }
     return sounds;
 }

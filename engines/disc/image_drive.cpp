@@ -3,6 +3,7 @@
 
 #include "engines/disc/image_file.h"
 #include "engines/disc/image_layout.h"
+#include "files/errand.h"
 #include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
@@ -12,6 +13,7 @@
 #include <filesystem>
 #include <optional>
 #include <sys/stat.h>
+#include <utility>
 
 namespace disc
 {
@@ -112,6 +114,83 @@ Text filePath(const Text& folder, const Text& name)
     return beside.empty() ? joined(folder, name) : beside;
 }
 
+// What the files of an image say, as they were looked at.
+struct Image {
+    CueSheet sheet;
+    std::vector<Text> files; // of the sheet
+    ImageLayout layout;
+    std::vector<Stamp> stamps;
+};
+
+// A file that was missing may appear under any of the names that it is looked for by: the folder tells.
+std::vector<Stamp> stampsOf(const Text& sheetPath, const std::vector<Text>& files)
+{
+    std::vector<Stamp> all{stampOf(sheetPath), stampOf(files::folderOf(sheetPath))};
+    for (const Text& file : files)
+        all.push_back(stampOf(file));
+    return all;
+}
+
+std::vector<std::int64_t> bytesOf(const Image& image)
+{
+    std::vector<std::int64_t> all;
+    for (std::size_t i = 0; i < image.files.size(); ++i) {
+        const auto file = ImageFile::open(image.files[i], image.sheet.files[i].kind);
+        all.push_back(file ? file->bytes() : 0);
+    }
+    return all;
+}
+
+// Finds the files that the sheet names. Returns why they are none of this disc.
+Text findFiles(Image& image, const Text& sheetPath)
+{
+    const Text folder = files::folderOf(sheetPath);
+    Text trouble;
+    for (const auto& file : image.sheet.files) {
+        image.files.push_back(leadsAway(file.name) ? Text() : filePath(folder, file.name));
+        if (image.files.back().empty() || !liesIn(folder, image.files.back()))
+            trouble = "Its sheet names " + file.name + ", which does not lie in the sheet's folder.";
+    }
+    return trouble;
+}
+
+// Why the files are no disc.
+Text lay(Image& image)
+{
+    auto layout = layoutOf(image.sheet, bytesOf(image));
+    if (!layout)
+        return "It is longer than any disc.";
+    image.layout = std::move(*layout);
+    return {};
+}
+
+Image imageOf(const Text& sheetPath)
+{
+    Image image;
+    const auto text = sheetText(sheetPath);
+    const auto sheet = cueSheetIn(text.value_or(""));
+    image.sheet = sheet.value_or(CueSheet());
+    Text trouble = text ? "It is no sheet of a disc that can be followed." : "Its sheet cannot be read.";
+    if (sheet)
+        trouble = findFiles(image, sheetPath);
+    image.stamps = stampsOf(sheetPath, image.files);
+    if (sheet && trouble.empty())
+        trouble = lay(image);
+    if (files::isFile(sheetPath))
+        image.layout.contents.trouble = trouble;
+    return image;
+}
+
+using SeenImage = std::shared_ptr<const Image>;
+
+// The same again while no file has changed.
+SeenImage lookedAt(const Text& sheetPath, const SeenImage& last)
+{
+    if (last && stampsOf(sheetPath, last->files) == last->stamps)
+        return last;
+    return std::make_shared<const Image>(imageOf(sheetPath));
+}
+
 class ImageDrive final : public ReaderDrive
 {
 public:
@@ -119,30 +198,15 @@ public:
 
     Text name() const override { return "Disc image: " + withoutEnding(fileTitle(path_)); }
     Text device() const override { return path_; }
-
-    DiscContents contents() override
-    {
-        refresh();
-        return layout_.contents;
-    }
-
+    DiscContents contents() override;
     std::int32_t readTrack(std::int16_t track, TrackSink& sink, const std::stop_token& stop) override;
     bool readsFrom(const Text& path) const override;
 
 private:
-    void refresh();
-    void load();
-    Text find(const CueSheet& sheet);
-    Text lay();
-    std::vector<Stamp> stamps() const;
-    std::vector<std::int64_t> fileBytes() const;
     void readExtent(const SectorExtent& extent, TrackSink& sink, const std::stop_token& stop) const;
 
     Text path_;
-    CueSheet sheet_;
-    std::vector<Text> files_; // of the sheet
-    ImageLayout layout_;
-    std::vector<Stamp> stamps_;
+    SeenImage image_ = std::make_shared<const Image>();
 };
 
 // The part of `extent` that lies from sector `from` up to `to` of the disc.
@@ -182,79 +246,24 @@ std::vector<std::byte> soundOf(const SectorExtent& extent, ImageFile& file)
     return sectors;
 }
 
-void ImageDrive::refresh()
+// The window waits for it.
+DiscContents ImageDrive::contents()
 {
-    if (stamps_.empty() || stamps() != stamps_)
-        load();
-}
-
-void ImageDrive::load()
-{
-    layout_ = {};
-    files_.clear();
-    const auto text = sheetText(path_);
-    const auto sheet = cueSheetIn(text.value_or(""));
-    sheet_ = sheet.value_or(CueSheet());
-    Text trouble = text ? "It is no sheet of a disc that can be followed." : "Its sheet cannot be read.";
-    if (sheet)
-        trouble = find(*sheet);
-    stamps_ = stamps();
-    if (sheet && trouble.empty())
-        trouble = lay();
-    if (files::isFile(path_))
-        layout_.contents.trouble = trouble;
-}
-
-// The files that the sheet names, or why they are none of this disc.
-Text ImageDrive::find(const CueSheet& sheet)
-{
-    const Text folder = files::folderOf(path_);
-    Text trouble;
-    for (const auto& file : sheet.files) {
-        files_.push_back(leadsAway(file.name) ? Text() : filePath(folder, file.name));
-        if (files_.back().empty() || !liesIn(folder, files_.back()))
-            trouble = "Its sheet names " + file.name + ", which does not lie in the sheet's folder.";
-    }
-    return trouble;
-}
-
-// Why the files are no disc.
-Text ImageDrive::lay()
-{
-    auto layout = layoutOf(sheet_, fileBytes());
-    if (!layout)
-        return "It is longer than any disc.";
-    layout_ = std::move(*layout);
-    return {};
-}
-
-// A file that was missing may appear under any of the names that it is looked for by: the folder tells.
-std::vector<Stamp> ImageDrive::stamps() const
-{
-    std::vector<Stamp> all{stampOf(path_), stampOf(files::folderOf(path_))};
-    for (const Text& file : files_)
-        all.push_back(stampOf(file));
-    return all;
-}
-
-std::vector<std::int64_t> ImageDrive::fileBytes() const
-{
-    std::vector<std::int64_t> all;
-    for (std::size_t i = 0; i < files_.size(); ++i) {
-        const auto file = ImageFile::open(files_[i], sheet_.files[i].kind);
-        all.push_back(file ? file->bytes() : 0);
-    }
-    return all;
+    const auto look = [path = path_, last = image_] { return lookedAt(path, last); };
+    const auto now = files::answerWithin<SeenImage>(files::patienceForFiles, "disc " + path_, look);
+    if (!now)
+        return {{}, 0, files::noAnswer};
+    image_ = *now;
+    return image_->layout.contents;
 }
 
 std::int32_t ImageDrive::readTrack(std::int16_t track, TrackSink& sink, const std::stop_token& stop)
 {
-    const ImageLayout listed = layout_;
-    refresh();
-    if (layout_ != listed)
+    const SeenImage listed = std::exchange(image_, lookedAt(path_, image_));
+    if (image_->layout != listed->layout)
         throw Failure{Trouble::deviceUnavailable, "The disc image has changed."};
-    const DiscTrack& whole = layout_.contents.tracks.at(static_cast<std::size_t>(track - 1));
-    for (const SectorExtent& extent : layout_.extents) {
+    const DiscTrack& whole = image_->layout.contents.tracks.at(static_cast<std::size_t>(track - 1));
+    for (const SectorExtent& extent : image_->layout.extents) {
         const SectorExtent part = cutTo(extent, whole.start, whole.start + whole.sectors);
         if (part.sectors > 0)
             readExtent(part, sink, stop);
@@ -267,9 +276,10 @@ void ImageDrive::readExtent(const SectorExtent& extent, TrackSink& sink, const s
 {
     const bool isSound = extent.file && extent.isAudio;
     const auto file =
-        isSound ? ImageFile::open(files_[*extent.file], sheet_.files[*extent.file].kind) : nullptr;
+        isSound ? ImageFile::open(image_->files[*extent.file], image_->sheet.files[*extent.file].kind)
+                : nullptr;
     if (isSound && !file)
-        throw Failure{Trouble::fileNotFound, files_[*extent.file] + " cannot be read."};
+        throw Failure{Trouble::fileNotFound, image_->files[*extent.file] + " cannot be read."};
     for (std::int32_t at = extent.start; at < extent.end() && !stop.stop_requested(); at += pieceSectors) {
         const SectorExtent piece = cutTo(extent, at, at + pieceSectors);
         sink.take(file ? soundOf(piece, *file) : silenceOf(piece));
@@ -280,7 +290,7 @@ bool ImageDrive::readsFrom(const Text& path) const
 {
     const Stamp stamp = stampOf(path);
     const auto isIt = [&](const Text& file) { return stampOf(file).isSameFile(stamp); };
-    return isIt(path_) || std::ranges::any_of(files_, isIt);
+    return isIt(path_) || std::ranges::any_of(image_->files, isIt);
 }
 
 struct FoundSheet {

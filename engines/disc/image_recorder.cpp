@@ -2,6 +2,7 @@
 #include "engines/disc/image_recorder.h"
 
 #include "engines/disc/disc_contents.h"
+#include "files/errand.h"
 #include "files/folders.h"
 #include "files/output_file.h"
 #include "platform/failure.h"
@@ -226,8 +227,12 @@ public:
 private:
     std::unique_ptr<NewImage> newImage(std::int64_t bytes)
     {
-        const Text folder = folders_.toWrite();
-        requireFolder(folder);
+        const auto folder =
+            files::answerOrFailure<Text>(files::patienceForFiles, "discs", [folders = folders_] {
+                const Text each = folders.toWrite();
+                requireFolder(each);
+                return each;
+            });
         return std::make_unique<NewImage>(folder, bytes, notes_);
     }
 

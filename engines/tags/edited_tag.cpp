@@ -2,6 +2,7 @@
 #include "engines/tags/edited_tag.h"
 
 #include "engines/tags/tag_file.h"
+#include "files/file_to_open.h"
 
 #include <utility>
 
@@ -20,6 +21,7 @@ void EditedTag::take(const Text& path, bool takesTag)
     takesTag_ = takesTag;
     isSet_ = false;
     isWritten_ = false;
+    isUnread_ = false;
     tag_.reset();
 }
 
@@ -31,8 +33,11 @@ void EditedTag::close()
 
 const Tag& EditedTag::fields() const
 {
-    if (!tag_)
-        tag_ = path_.empty() ? Tag() : readTag(path_);
+    if (!tag_) {
+        const auto read = path_.empty() ? Tag() : files::answerOfFile<Tag>(path_, readTag);
+        isUnread_ = !read;
+        tag_ = read.value_or(Tag());
+    }
     return *tag_;
 }
 
@@ -46,12 +51,15 @@ Tag& EditedTag::change()
 Text EditedTag::write()
 {
     const Tag wanted = fields();
+    const bool wasRead = !isUnread_;
     take(path_, takesTag_);
     if (path_.empty())
         return "No MP3 file is open.";
     if (!takesTag_)
         return "The file is one of Velmora's own.";
     isWritten_ = true;
+    if (!wasRead || !files::fileToOpen(path_))
+        return files::noAnswer;
     return writeTag(path_, wanted, notes_);
 }
 

@@ -43,6 +43,7 @@ private:
     bool takesTag_ = false;
     bool isSet_ = false;
     bool isWritten_ = false;
+    mutable bool isUnread_ = false; // the file did not answer: its fields are not known
     mutable std::optional<Tag> tag_;
 };
 

@@ -5,8 +5,13 @@
 
 #include "desktop/folder_scan.h"
 #include "desktop/mounted_drives.h"
+#include "engines/codec/lame_enc.h"
 #include "files/account.h"
+#include "files/disk_text_files.h"
 #include "files/errand.h"
+#include "files/patient_text_files.h"
+#include "tests/support/failures.h"
+#include "tests/support/files.h"
 #include "tests/support/recordings.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
@@ -140,6 +145,182 @@ TEST_CASE("An answer that comes late is told of, and the question may then be as
     answers = true;
     REQUIRE(waitUntil([&] { return late == 7; }, 30s));
     CHECK(files::answerWithin<int>(30s, "test", ask) == 7);
+}
+
+TEST_CASE("A file whose share falls silent after its first bytes is not open, soon, and another is")
+{
+    Shares s;
+    const Text song = s.share + "/song.mp3";
+    {
+        const HungShare hung(s.share.c_str(), HungShare::Holds::secondReads);
+        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < bound);
+        CHECK(hung.waiting() == 1);
+        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < atOnce);
+        CHECK(s.parts.mp3->Open(s.parts.folder / "song.mp3", "") == 0);
+    }
+    CHECK(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }, 30s));
+}
+
+TEST_CASE("A song that opened late plays at the next try")
+{
+    Shares s;
+    const Text song = s.share + "/song.mp3";
+    {
+        const HungShare hung(s.share.c_str(), HungShare::Holds::secondReads);
+        CHECK(s.parts.mp3->Open(song, "") != 0);
+    }
+    REQUIRE(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }, 30s));
+    CHECK(s.parts.mp3->Length() > 400);
+    s.parts.mp3->setTitle("late");
+    s.parts.mp3->Close();
+    s.parts.mp3->WriteTag();
+    CHECK(s.parts.mp3->Open(song, "") == 0);
+    CHECK(s.parts.mp3->Title() == "late");
+}
+
+TEST_CASE("Fields that a share no longer tells are empty, and are not written over the file's own")
+{
+    Shares s;
+    const Text song = s.share + "/song.mp3";
+    const Text before = fileBytes(song);
+    REQUIRE(s.parts.mp3->Open(song, "") == 0);
+    {
+        const HungShare hung(s.share.c_str());
+        CHECK(timeOf([&] { CHECK(s.parts.mp3->Title() == ""); }) < bound);
+        CHECK(timeOf([&] {
+                  CHECK(s.parts.mp3->Artist() == "");
+                  s.parts.mp3->setTitle("new");
+                  s.parts.mp3->WriteTag();
+              }) < atOnce);
+    }
+    CHECK(fileBytes(song) == before);
+    CHECK(s.parts.shell.notes == std::vector<Text>{"The tag was not saved|" + song + ": " + files::noAnswer});
+}
+
+TEST_CASE("A tag is not saved on a share that fell silent after its fields were read, and it is told soon")
+{
+    Shares s;
+    const Text song = s.share + "/song.mp3";
+    const Text before = fileBytes(song);
+    REQUIRE(s.parts.mp3->Open(song, "") == 0);
+    s.parts.mp3->setTitle("new");
+    {
+        const HungShare hung(s.share.c_str());
+        CHECK(timeOf([&] { s.parts.mp3->WriteTag(); }) < bound);
+    }
+    CHECK(fileBytes(song) == before);
+    CHECK(s.parts.shell.notes == std::vector<Text>{"The tag was not saved|" + song + ": " + files::noAnswer});
+}
+
+TEST_CASE("A conversion from or to a share that does not answer is refused, soon")
+{
+    Shares s;
+    const Text wav = putWav(s.parts.folder / "near.wav", noise(22050));
+    const Text farWav = putWav(s.share + "/far.wav", noise(22050));
+    const Text song = s.parts.folder / "song.mp3";
+    const auto encoder = makeLameEnc(s.parts.post, s.parts.shell, NoPartNotes::instance());
+    {
+        const HungShare hung(s.share.c_str());
+        const Text to = s.share + "/out";
+        CHECK(timeOf([&] { CHECK(encoder->Open(wav, to) != 0); }) < bound);
+        CHECK(timeOf([&] { CHECK(encoder->Open(farWav, s.parts.folder / "out.mp3") != 0); }) < bound);
+        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, to) != 0); }) < bound);
+        CHECK(hung.waiting() == 3);
+    }
+    CHECK(waitUntil([&] { return encoder->Open(wav, s.share + "/out") == 0; }, 30s));
+}
+
+namespace
+{
+
+// Lists as the windows open and save them.
+struct Lists {
+    TemporaryFolder folder;
+    Text share = folder / "share";
+    Text list = share + "/list.vlp";
+    std::shared_ptr<files::DiskTextFiles> disk =
+        std::make_shared<files::DiskTextFiles>(NoPartNotes::instance());
+    files::PatientTextFiles files{disk, 300ms};
+
+    Lists()
+    {
+        std::filesystem::create_directory(share);
+        putFile(list, "/old.mp3\r\n");
+    }
+
+    void save(const Text& path)
+    {
+        const auto output = files.openForOutput(path);
+        output->write("/new.mp3\r\n");
+        output->finish();
+    }
+};
+
+}
+
+TEST_CASE("A list on a share that does not answer is neither read nor written, soon")
+{
+    Lists l;
+    {
+        const HungShare hung(l.share.c_str());
+        CHECK(timeOf([&] { CHECK(failureOf([&] { l.files.length(l.list); }) == 68); }) < bound);
+        CHECK(timeOf([&] {
+                  CHECK(failureOf([&] { l.files.readWhole(l.list); }) == 68);
+                  CHECK(failureOf([&] { l.files.openForOutput(l.list); }) == 68);
+              }) < atOnce);
+        CHECK(timeOf([&] { CHECK(failureOf([&] { l.save(l.share + "/new.vlp"); }) == 68); }) < bound);
+        CHECK(hung.waiting() == 2);
+        l.save(l.folder / "near.vlp");
+        CHECK(l.files.readWhole(l.folder / "near.vlp") == "/new.mp3\r\n");
+    }
+    CHECK(waitUntil([&] { return failureOf([&] { l.files.length(l.list); }) == 0; }, 30s));
+    CHECK(l.files.readWhole(l.list) == "/old.mp3\r\n");
+    CHECK(waitUntil([&] { return namesInFolder(l.share) == std::set<Text>{"list.vlp"}; }, 30s));
+}
+
+TEST_CASE("A list whose share falls silent while it is saved is given up, and stays whole")
+{
+    Lists l;
+    const auto output = l.files.openForOutput(l.list);
+    output->write("/new.mp3\r\n");
+    {
+        const HungShare hung(l.share.c_str());
+        CHECK(timeOf([&] { CHECK(failureOf([&] { output->finish(); }) == 68); }) < bound);
+        CHECK(hung.waiting() == 1);
+        CHECK(timeOf([&] { CHECK(failureOf([&] { l.save(l.list); }) == 68); }) < atOnce);
+    }
+    CHECK(waitUntil([&] { return failureOf([&] { l.save(l.list); }) == 0; }, 30s));
+    CHECK(fileBytes(l.list) == "/new.mp3\r\n");
+    CHECK(namesInFolder(l.share) == std::set<Text>{"list.vlp"});
+}
+
+TEST_CASE("A list that is given up on a share that fell silent holds nobody up")
+{
+    Lists l;
+    auto output = l.files.openForOutput(l.list);
+    {
+        const HungShare hung(l.share.c_str());
+        CHECK(timeOf([&] { output.reset(); }) < bound);
+    }
+    CHECK(waitUntil([&] { return namesInFolder(l.share) == std::set<Text>{"list.vlp"}; }, 30s));
+    CHECK(fileBytes(l.list) == "/old.mp3\r\n");
+}
+
+TEST_CASE("A patient output says what the disk says")
+{
+    Lists l;
+    CHECK(failureOf([&] { l.files.readWhole(l.share + "/missing.vlp"); }) == 53);
+    CHECK(failureOf([&] { l.files.length(l.share + "/missing.vlp"); }) == 53);
+    CHECK(failureOf([&] { l.files.openForOutput(l.share + "/missing/list.vlp"); }) == 76);
+    CHECK(l.files.length(l.list) == 10);
+    l.save(l.list);
+    CHECK(fileBytes(l.list) == "/new.mp3\r\n");
+    l.files.keepBackup(l.list, "rows");
+    CHECK(fileBytes(l.list + ".bak") == "rows");
+    CHECK_FALSE(l.files.stillHolds(l.list, 1));
+    const auto output = l.files.openForOutput(l.list);
+    output->finish(1);
+    CHECK(l.files.stillHolds(l.list, 1));
 }
 
 TEST_CASE("The user database tells who runs the program")

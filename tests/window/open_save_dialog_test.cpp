@@ -12,7 +12,11 @@
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QLineEdit>
+#include <QSettings>
+#include <QStandardPaths>
 #include <QTimer>
+#include <QUrl>
+#include <chrono>
 #include <doctest/doctest.h>
 #include <malloc.h>
 
@@ -196,4 +200,36 @@ TEST_CASE("The dialog shows and takes a file whose contents nobody can read")
     CHECK(result == 0);
     CHECK(dialog.control.FileName() == mute);
     CHECK(hung.waiting() == 0);
+}
+
+TEST_CASE("A dialog whose last folder does not answer begins elsewhere, soon")
+{
+    Dialog dialog;
+    REQUIRE(dialog.choose("Mp3 Files") == 0);
+    const HungShare hung(dialog.folder.path().c_str());
+    const auto then = std::chrono::steady_clock::now();
+    QString begins;
+    const int result = dialog.open("Mp3 Files", [&](QFileDialog& window) {
+        begins = window.directory().absolutePath();
+        window.reject();
+    });
+    CHECK(result == cancelled);
+    CHECK(begins != "");
+    CHECK(begins != QString::fromStdString(dialog.folder.path()));
+    CHECK(std::chrono::steady_clock::now() - then < std::chrono::seconds(30));
+}
+
+TEST_CASE("A folder for music that does not answer, where another program's dialog ended, holds no dialog up")
+{
+    Dialog dialog;
+    const QString music = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
+    QSettings settings(QSettings::UserScope, "QtProject");
+    const QVariant before = settings.value("FileDialog/lastVisited");
+    settings.setValue("FileDialog/lastVisited", QUrl::fromLocalFile(music).toString());
+    settings.sync();
+    const HungShare hung(music.toStdString().c_str());
+    const auto then = std::chrono::steady_clock::now();
+    CHECK(dialog.cancel("Mp3 Files") == cancelled);
+    CHECK(std::chrono::steady_clock::now() - then < std::chrono::seconds(30));
+    settings.setValue("FileDialog/lastVisited", before);
 }

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Text files on disks that may not answer: each question has a thread of its own, and what has no answer in
+// time fails with 68.
+#pragma once
+
+#include "platform/text_files.h"
+
+#include <chrono>
+
+namespace files
+{
+
+// A disk may have to wake up, and what is given up here may be a person's only list: longer than for files
+// that are merely played.
+inline constexpr std::chrono::milliseconds patienceForTexts{10'000};
+
+// `files` is asked from several threads.
+class PatientTextFiles final : public TextFiles
+{
+public:
+    explicit PatientTextFiles(std::shared_ptr<TextFiles> files,
+                              std::chrono::milliseconds patience = patienceForTexts) :
+        files_(std::move(files)),
+        patience_(patience)
+    {
+    }
+
+    // Nothing is written, and no lack of room is found, before the output is finished. What was given up then
+    // may still take its place when the disk comes back; until it has, the file is not written again.
+    std::unique_ptr<TextOutput> openForOutput(const Text& path) override;
+
+    // Asked many times a second of one file of the program's own, and not worth a thread.
+    bool stillHolds(const Text& path, std::uint64_t revision) override
+    {
+        return files_->stillHolds(path, revision);
+    }
+
+    void keepBackup(const Text& path, std::string_view bytes) override;
+    std::int64_t length(const Text& path) override;
+    Text readWhole(const Text& path) override;
+
+private:
+    std::shared_ptr<TextFiles> files_;
+    std::chrono::milliseconds patience_;
+};
+
+}
