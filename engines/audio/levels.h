@@ -12,8 +12,8 @@ namespace audio
 class Levels
 {
 public:
-    struct Pair {
-        std::int16_t left = 100; // 0 to 100
+    struct alignas(std::int32_t) Pair { // so that no lock stands behind reading it
+        std::int16_t left = 100;        // 0 to 100
         std::int16_t right = 100;
 
         bool operator==(const Pair&) const = default;

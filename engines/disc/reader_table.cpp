@@ -57,7 +57,8 @@ void ReaderTable::take(std::vector<Drives> lists)
 {
     Drives found;
     for (auto& listed : lists) {
-        std::ranges::stable_sort(listed, {}, [this](const auto& each) { return placeOf(*each); });
+        std::ranges::stable_sort(listed, {},
+                                 [this](const auto& each) REQUIRES(mutex_) { return placeOf(*each); });
         for (const auto& drive : listed)
             found.push_back(isKnown(*drive) ? drives_[placeOf(*drive)] : drive);
     }

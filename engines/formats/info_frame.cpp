@@ -24,8 +24,8 @@ public:
     {
         if (!has(4))
             return std::nullopt;
-        const auto value =
-            static_cast<std::uint32_t>(bytes_[0]) << 24 | bytes_[1] << 16 | bytes_[2] << 8 | bytes_[3];
+        const auto value = std::uint32_t{bytes_[0]} << 24 | std::uint32_t{bytes_[1]} << 16 |
+                           std::uint32_t{bytes_[2]} << 8 | bytes_[3];
         skip(4);
         return value;
     }

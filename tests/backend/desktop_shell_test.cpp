@@ -8,6 +8,7 @@
 #include "tests/support/private_bus.h"
 #include "tests/support/spawned.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/timing.h"
 
 #include <doctest/doctest.h>
 
@@ -417,4 +418,25 @@ TEST_CASE("A bus that comes back is found again")
     REQUIRE(desktop.line() == "ready");
     shell.notify("two", "second bus");
     CHECK(desktop.line() == "Velmora|two|second bus");
+}
+
+TEST_CASE("A service that hangs does not hold up the end, and what it was to show is said")
+{
+    const CapturedErrors errors;
+    const double best = atBest(100, [] {
+        PrivateBus bus;
+        REQUIRE(bus.runs());
+        Spawned desktop = service(bus);
+        REQUIRE(desktop.line() == "ready");
+        auto shell = std::make_unique<desktop::DesktopShell>(desktop::Environment{.busAddress = bus.address});
+        shell->notify("Not encoded", "/music/a.wav");
+        CHECK(desktop.line() == "Velmora|Not encoded|/music/a.wav");
+        desktop.hang();
+        shell->notify("Not encoded", "/music/b.wav");
+        const auto then = Clock::now();
+        shell.reset();
+        return millisecondsSince(then);
+    });
+    CHECK(best < 100);
+    CHECK(errors.soFar().ends_with("Velmora: Not encoded: /music/b.wav\n"));
 }

@@ -83,3 +83,21 @@ TEST_CASE("Nothing is asked for before something begins")
     CHECK(login.line() == "sleep|Velmora|The first to ask|block");
     other.end();
 }
+
+TEST_CASE("A login manager that hangs does not hold up the end")
+{
+    PrivateBus bus;
+    REQUIRE(bus.runs());
+    Spawned login({SLEEP_SERVICE, bus.address, "login"});
+    REQUIRE(login.line() == "ready");
+    login.hang();
+    const double best = atBest(100, [&] {
+        auto lock = std::make_unique<desktop::DesktopSleepLock>(bus.address, "");
+        lock->begin("Reading a disc");
+        const auto then = std::chrono::steady_clock::now();
+        lock.reset();
+        return millisecondsSince(then);
+    });
+    login.wakeUp();
+    CHECK(best < 100);
+}

@@ -215,17 +215,21 @@ TEST_CASE("While the server hangs every call returns at once, the file plays on,
 
 TEST_CASE("A program can end while the server hangs")
 {
-    SoundServer server;
-    const auto then = [&] {
-        SoundParts parts;
-        parts.openWav(putWav(parts.folder / "a.wav", noise(second * 60)));
-        parts.wav->setCommand("Play");
-        REQUIRE(waitUntil([&] { return parts.wav->Position() > 100; }));
-        server.hang();
-        return Clock::now();
-    }();
-    CHECK(millisecondsSince(then) < 2000);
-    server.wakeUp();
+    const double best = atBest(100, [] {
+        SoundServer server;
+        const auto then = [&] {
+            SoundParts parts;
+            parts.openWav(putWav(parts.folder / "a.wav", noise(second * 60)));
+            parts.wav->setCommand("Play");
+            REQUIRE(waitUntil([&] { return parts.wav->Position() > 100; }));
+            server.hang();
+            return Clock::now();
+        }();
+        const double milliseconds = millisecondsSince(then);
+        server.wakeUp();
+        return milliseconds;
+    });
+    CHECK(best < 100);
 }
 
 TEST_CASE("Pausing, while the server hangs or dies, loses nothing of the place")

@@ -7,6 +7,7 @@
 #include "tests/support/answer_of_child.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
+#include "tests/support/forced_disk.h"
 #include "tests/support/mp3_files.h"
 #include "tests/support/skip.h"
 #include "tests/support/small_disk.h"
@@ -61,7 +62,6 @@ void giveToNobody(const Text& path)
 const auto approved = [](const Text&) {};
 PartNotes& noNotes = NoPartNotes::instance();
 
-std::atomic<int> forces = 0;
 std::atomic<int> clones = 0;
 std::atomic<bool> isCloning = false;
 
@@ -116,18 +116,6 @@ Outcome writtenInClosedFolder(const Text& bytes, const Tag& tag)
 }
 
 // In the place of the system's own.
-extern "C" int fsync(int file)
-{
-    ++forces;
-    return static_cast<int>(syscall(SYS_fsync, file));
-}
-
-extern "C" int fdatasync(int file)
-{
-    ++forces;
-    return static_cast<int>(syscall(SYS_fdatasync, file));
-}
-
 extern "C" int ioctl(int file, unsigned long request, ...) noexcept
 {
     va_list more;
@@ -389,9 +377,9 @@ TEST_CASE("A writing costs one force to the disk")
     const Text roomy = v2Tag(3, v2Frame(3, "TIT2", latin1Text("Old")), 500) + mp3Frames(5000);
     for (const Text& bytes : {roomy, v1Alone, audio}) {
         const Text path = putSong(folder, bytes);
-        forces = 0;
+        ForcedDisk::forces = 0;
         CHECK(writeTag(path, wanted) == "");
-        CHECK(forces == 1);
+        CHECK(ForcedDisk::forces == 1);
     }
 }
 

@@ -6,6 +6,7 @@
 #include "tests/support/child.h"
 #include "tests/support/files.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wait_until.h"
 
 #include <doctest/doctest.h>
 
@@ -74,7 +75,8 @@ TEST_CASE("A killed program leaves a whole answer, and the next start removes th
     int unfinished = 0;
     for (int time = 0; time < 200 && (unfinished < 3 || time < 10); ++time) {
         Child keeper([&] { keepForEver(folder.path(), state.path()); });
-        std::this_thread::sleep_for(std::chrono::microseconds(2000 + random() % 20000));
+        REQUIRE(waitUntil([&] { return partsIn(folder.path()) > 0; })); // a busy machine begins late
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 2000));
         kill(keeper.id(), SIGKILL);
         CHECK(keeper.wait() == 128 + SIGKILL);
         unfinished += partsIn(folder.path());

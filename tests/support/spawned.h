@@ -30,6 +30,8 @@ public:
     ~Spawned() { close(ends_[0]); }
 
     void kill() { child_.kill(); }
+    void hang() { ::kill(child_.id(), SIGSTOP); }
+    void wakeUp() { ::kill(child_.id(), SIGCONT); }
 
     // The next line that it prints, waited for; "" when it ends, or says nothing for ten seconds.
     Text line()
