@@ -17,7 +17,7 @@ public:
     virtual void write(std::string_view bytes) = 0; // fails with 57 or 61
 
     // The file now holds what was written. Fails with 57, 61, 70 or 75; the old file stands then.
-    // A `revision` other than 0 names the content for `stillHolds`, and does not wait for the disk.
+    // A `revision` other than 0 names the content for `stillHolds`. Until the disk has it nobody waits.
     virtual void finish(std::uint64_t revision = 0) = 0;
 };
 
