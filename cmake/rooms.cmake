@@ -31,3 +31,37 @@ function(velmora_room name)
   list(TRANSFORM arg_SEES PREPEND velmora_)
   target_link_libraries(velmora_${name} PUBLIC velmora_code ${arg_SEES} PRIVATE velmora_careful ${arg_LINKS})
 endfunction()
+
+# A room in a file of its own, build/modules/velmora-NAME.so, which the program binds when it is first needed. What the
+# room sees, it finds in the program. Programs that link `velmora_modules` have all of them inside.
+set(modules ${CMAKE_INSTALL_LIBDIR}/velmora)
+add_library(velmora_modules INTERFACE)
+target_link_options(velmora_modules INTERFACE LINKER:--export-dynamic-symbol=velmora_*)
+add_library(velmora_ground INTERFACE) # what modules see, whole: the program itself may use less of it
+function(velmora_module name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SEES;LINKS")
+  velmora_room(${name} SEES ${arg_SEES} LINKS ${arg_LINKS})
+  set_target_properties(velmora_${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  add_library(${name}_module MODULE $<TARGET_OBJECTS:velmora_${name}>)
+  set_target_properties(${name}_module PROPERTIES PREFIX "" OUTPUT_NAME velmora-${name}
+                        LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/modules)
+  target_link_libraries(${name}_module PRIVATE velmora_code ${arg_LINKS})
+  install(TARGETS ${name}_module DESTINATION ${modules})
+  target_link_libraries(velmora_modules INTERFACE $<LINK_LIBRARY:WHOLE_ARCHIVE,velmora_${name}>)
+  list(TRANSFORM arg_SEES PREPEND velmora_)
+  set_property(TARGET velmora_ground APPEND PROPERTY rooms ${arg_SEES})
+endfunction()
+
+# Which build this is: the same for the program and its modules, another one when any of their sources is another.
+file(GLOB_RECURSE sources CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} *.h *.cpp)
+list(FILTER sources EXCLUDE REGEX "^(tests|bench|packaging|build)/")
+list(JOIN sources "\n" list)
+file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/sources.txt CONTENT "${list}\n")
+set(build_id ${PROJECT_BINARY_DIR}/generated/build_id.h)
+add_custom_command(OUTPUT ${build_id}.stamp BYPRODUCTS ${build_id}
+  COMMAND ${CMAKE_COMMAND} -D OUTPUT=${build_id} -D VERSION=${PROJECT_VERSION} -D LIST=${PROJECT_BINARY_DIR}/sources.txt
+          -P ${PROJECT_SOURCE_DIR}/cmake/build_id.cmake
+  COMMAND ${CMAKE_COMMAND} -E touch ${build_id}.stamp
+  DEPENDS ${sources} cmake/build_id.cmake ${PROJECT_BINARY_DIR}/sources.txt
+  WORKING_DIRECTORY ${PROJECT_SOURCE_DIR} VERBATIM)
+add_custom_target(build_id DEPENDS ${build_id}.stamp)

@@ -25,6 +25,7 @@
 #include "engines/disc/discs.h"
 #include "files/disk_profile_file.h"
 #include "files/disk_text_files.h"
+#include "files/module.h"
 #include "files/patient_text_files.h"
 #include "files/state_part_notes.h"
 #include "platform/acd.h"
@@ -33,6 +34,7 @@
 #include "platform/numbers.h"
 #include "platform/paths.h"
 #include "toolkit/qt_bridge.h"
+#include "toolkit/skin.h"
 #include "toolkit/toolkit.h"
 
 #include <QApplication>
@@ -96,6 +98,11 @@ Desktop::Desktop(char* program, const rlimit& stackLimit)
 {
     parts_ = std::make_unique<Parts>(program, stackLimit.rlim_cur);
     parts_->secondStarts.Asked.calls([this] { SecondStart.raise(); });
+    files::tellTroubleOfModules([this](const Text& words) {
+        parts_->toolkit.post().post([this, words] { shell().notify("A part of Velmora is missing", words); });
+    });
+    parts_->toolkit.skin().keepIn(desktop::cacheFolder(parts_->environment), files::buildName(),
+                                  parts_->partNotes);
     desktop::dressApplication();
     files::removeNotedParts(desktop::stateFolder(parts_->environment));
     desktop::fillApplicationFolder(parts_->environment, *parts_->ownFiles);

@@ -27,9 +27,6 @@ PLUGINS = ["platforms/libqxcb.so", "platforms/libqoffscreen.so", "iconengines/li
            "imageformats/libqsvg.so", "platforminputcontexts/libcomposeplatforminputcontextplugin.so",
            "platforminputcontexts/libibusplatforminputcontextplugin.so"]
 
-# The program loads it when CD titles are wanted.
-LOADED_LATER = "libcurl.so.4"
-
 QT_CONF = "[Paths]\nPrefix = .\nPlugins = plugins\n"
 
 
@@ -42,14 +39,10 @@ def libraries_of(path):
     return dict(re.findall(r"^\s*(\S+) => (/\S+)", said("ldd", str(path)), re.M))
 
 
-def place_of(name):
-    return re.search(rf"^\s*{re.escape(name)} .* => (/\S+)$", said("/sbin/ldconfig", "-p"), re.M)[1]
-
-
 def bundled(objects):
     """The libraries to take along: of the objects, and of one another."""
-    found = {LOADED_LATER: place_of(LOADED_LATER)}
-    for path in [*objects, found[LOADED_LATER]]:
+    found = {}
+    for path in objects:
         found.update(libraries_of(path))
     return {name: place for name, place in found.items() if re.split(r"\.so|\.\d", name)[0] not in OF_THE_DESKTOP}
 
@@ -88,8 +81,12 @@ def program_files(installed, folder):
 def fill(installed, folder):
     own = pathlib.Path(said("qtpaths6", "--plugin-dir").strip())
     plugins = [own / name for name in PLUGINS]
-    libraries = bundled([installed / "bin/velmora", *plugins])
+    modules = sorted(installed.glob("lib/**/velmora/velmora-*.so"))
+    libraries = bundled([installed / "bin/velmora", *modules, *plugins])
     program_files(installed, folder)
+    (folder / "modules").mkdir()
+    for module in modules:
+        shutil.copy(module, folder / "modules")
     (folder / "lib").mkdir()
     for name, place in libraries.items():
         shutil.copy(place, folder / "lib" / name)
@@ -98,6 +95,8 @@ def fill(installed, folder):
         shutil.copy(plugin, folder / "plugins" / name)
     # The old kind of path: it counts for the libraries' own libraries and for plugins, too.
     said("patchelf", "--force-rpath", "--set-rpath", "$ORIGIN/lib", str(folder / "velmora"))
+    for module in (folder / "modules").iterdir():
+        said("patchelf", "--force-rpath", "--set-rpath", "$ORIGIN/../lib", str(module))
     copy_licences(folder / "licences", [*libraries.values(), *map(str, plugins)])
 
 

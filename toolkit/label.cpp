@@ -18,11 +18,8 @@ namespace
 constexpr int narrowest = 85; // per cent
 constexpr int air = 2;        // pixels between a caption and what stands beside it
 
-QFont narrowed(const QFont& font, const QString& text, int width)
+QFont narrowed(const QFont& font, int wanted, int width)
 {
-    const int wanted = QFontMetrics(font).horizontalAdvance(text);
-    if (wanted <= width)
-        return font;
     QFont narrow = font;
     narrow.setStretch(std::max(narrowest, width * 100 / wanted));
     return narrow;
@@ -43,8 +40,11 @@ protected:
         QPainter painter(this);
         if (wordWrap())
             return paintLines(painter);
+        const int wanted = QFontMetrics(font()).horizontalAdvance(text());
         painter.setPen(palette().color(foregroundRole()));
-        painter.setFont(narrowed(font(), text(), width() - air));
+        if (wanted <= width() - air)
+            return painter.drawText(rect(), static_cast<int>(alignment()), text());
+        painter.setFont(narrowed(font(), wanted, width() - air));
         painter.drawText(rect(), static_cast<int>(alignment()),
                          painter.fontMetrics().elidedText(text(), Qt::ElideRight, width()));
     }

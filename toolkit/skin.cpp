@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/skin.h"
 
+#include "platform/paths.h"
+
 #include <QFile>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -8,6 +10,8 @@
 
 namespace
 {
+
+constexpr std::chrono::seconds whileToSettle{2};
 
 constexpr std::array groups{"normal", "hover", "pressed", "disabled"};
 
@@ -21,8 +25,21 @@ QString groupOf(const QSvgRenderer& art, Skin::State state)
 
 }
 
-Skin::Skin() = default;
+Skin::Skin()
+{
+    settled_.setSingleShot(true);
+    settled_.setInterval(whileToSettle);
+    QObject::connect(&settled_, &QTimer::timeout, [this] { write(); });
+}
+
 Skin::~Skin() = default;
+
+void Skin::keepIn(const Text& folder, const Text& build, std::shared_ptr<PartNotes> notes)
+{
+    folder_ = folder;
+    build_ = build;
+    notes_ = std::move(notes);
+}
 
 bool Skin::has(const char* name) const { return QFile::exists(fileOf(name)); }
 
@@ -50,18 +67,56 @@ QSvgRenderer& Skin::renderer(const QString& name)
     return *art;
 }
 
+Skin::Kept& Skin::kept(qreal scale)
+{
+    const auto known = kept_.find(scale);
+    if (known != kept_.end())
+        return known->second;
+    const QString name = QString("skin-%1").arg(scale);
+    Kept kept{{folder_.empty() ? "" : joined(folder_, name.toStdString()), build_}, {}};
+    if (!folder_.empty())
+        kept.pictures = kept.file.read();
+    return kept_.emplace(scale, std::move(kept)).first->second;
+}
+
+void Skin::write()
+{
+    if (writing_ && !writing_->hasEnded())
+        return settled_.start();
+    for (auto& [scale, kept] : kept_)
+        if (!std::exchange(kept.isWritten, true)) {
+            writing_.emplace([kept, notes = notes_] { kept.file.write(kept.pictures, *notes); }, [] {});
+            return settled_.start(); // for the next scale, if there is one
+        }
+}
+
 QPixmap Skin::picture(const QString& name, State state, QSize size, qreal scale)
 {
     const QString key =
         QString("%1/%2/%3x%4@%5").arg(name).arg(int(state)).arg(size.width()).arg(size.height()).arg(scale);
-    QPixmap& cached = pictures_[key];
-    if (!cached.isNull())
-        return cached;
-    cached = QPixmap(size * scale);
-    cached.setDevicePixelRatio(scale);
-    cached.fill(Qt::transparent);
-    QPainter painter(&cached);
+    QPixmap& shown = pictures_[key];
+    if (!shown.isNull())
+        return shown;
+    Kept& all = kept(scale);
+    QImage& picture = all.pictures[key];
+    if (picture.isNull()) {
+        picture = painted(name, state, size, scale);
+        all.isWritten = folder_.empty();
+        if (!all.isWritten)
+            settled_.start();
+    }
+    shown = QPixmap::fromImage(picture, Qt::NoFormatConversion);
+    shown.setDevicePixelRatio(scale);
+    return shown;
+}
+
+QImage Skin::painted(const QString& name, State state, QSize size, qreal scale)
+{
+    QImage picture(size * scale, QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(scale);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
     auto& art = renderer(name);
     art.render(&painter, groupOf(art, state), QRectF(QPointF(), QSizeF(size)));
-    return cached;
+    return picture;
 }

@@ -3,10 +3,14 @@
 // alone.
 #pragma once
 
-#include <QHash>
+#include "files/errand.h"
+#include "toolkit/kept_pictures.h"
+
 #include <QPixmap>
-#include <QString>
+#include <QTimer>
+#include <map>
 #include <memory>
+#include <optional>
 
 class QPainter;
 class QRect;
@@ -20,6 +24,10 @@ public:
     Skin();
     ~Skin();
 
+    // From now on what was painted is kept in `folder`, and what an earlier run of the same `build` kept
+    // there is not painted again.
+    void keepIn(const Text& folder, const Text& build, std::shared_ptr<PartNotes> notes);
+
     bool has(const char* name) const;
 
     // Draws nothing for a name without artwork. A state that the artwork lacks looks as the normal one.
@@ -29,9 +37,25 @@ public:
     void drawFrame(QPainter& painter, const QRect& rect) const;
 
 private:
+    struct Kept {
+        KeptPictures file;
+        Pictures pictures;
+        bool isWritten = true;
+    };
+
     QSvgRenderer& renderer(const QString& name);
     QPixmap picture(const QString& name, State state, QSize size, qreal scale);
+    QImage painted(const QString& name, State state, QSize size, qreal scale);
+    Kept& kept(qreal scale);
+    void write();
 
     QHash<QString, QPixmap> pictures_;
     QHash<QString, std::shared_ptr<QSvgRenderer>> renderers_;
+
+    Text folder_; // "" without one
+    Text build_;
+    std::shared_ptr<PartNotes> notes_;
+    std::map<qreal, Kept> kept_;
+    QTimer settled_; // a while after the last picture that is not on the disk yet
+    std::optional<files::ErrandThread> writing_;
 };

@@ -11,7 +11,7 @@
 namespace audio
 {
 
-class CubebClient;
+class SoundClient;
 
 class CubebDevice
 {
@@ -25,11 +25,11 @@ public:
     void close(std::shared_ptr<Stream> stream);
 
 private:
-    explicit CubebDevice(std::shared_ptr<CubebClient> client);
+    explicit CubebDevice(std::shared_ptr<SoundClient> client);
 
-    void ask(std::function<void(CubebClient&)> question);
+    void ask(std::function<void(SoundClient&)> question);
 
-    std::weak_ptr<CubebClient>
+    std::weak_ptr<SoundClient>
         client_; // the worker's own: it ends on that thread, also while the server hangs
     Worker worker_;
 };

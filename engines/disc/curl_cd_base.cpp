@@ -3,9 +3,10 @@
 
 #include "engines/disc/cddb_answer.h"
 #include "engines/disc/disc_id.h"
-#include "engines/disc/download.h"
 #include "engines/disc/title_cache.h"
+#include "engines/disc/web.h"
 #include "files/account.h"
+#include "files/module.h"
 #include "platform/failure.h"
 #include "platform/mutex.h"
 #include "platform/thread.h"
@@ -132,9 +133,12 @@ private:
 
     std::optional<Text> ask(const Text& address, const Text& command, Deadline deadline) const
     {
+        const Web* const web = files::bound<Web>();
+        if (web == nullptr)
+            return std::nullopt;
         const Text url =
-            withFields(address, {{"cmd", command}, {"hello", greeting_}, {"proto", protocolLevel}});
-        return downloaded(url, deadline);
+            web->withFields(address, {{"cmd", command}, {"hello", greeting_}, {"proto", protocolLevel}});
+        return web->downloaded(url, deadline);
     }
 
     const std::function<DiscContents()> disc_;

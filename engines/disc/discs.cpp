@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/discs.h"
 
-#include "engines/disc/burn_writer.h"
-#include "engines/disc/cdio_reader.h"
 #include "engines/disc/curl_cd_base.h"
 #include "engines/disc/disc_reader.h"
 #include "engines/disc/disc_writer.h"
 #include "engines/disc/image_drive.h"
 #include "engines/disc/image_recorder.h"
 #include "engines/disc/reader_table.h"
+#include "engines/disc/real_drives.h"
 
 namespace disc
 {
@@ -16,7 +15,7 @@ namespace disc
 Discs::Discs(DiscFolders folders, Text titleFolder) :
     folders_(std::move(folders)), titleFolder_(std::move(titleFolder)),
     devices_(std::make_shared<BusyDevices>()),
-    readers_(std::make_shared<ReaderTable>(std::vector<ListReaders>{listCdioReaders, imagesIn(folders_)},
+    readers_(std::make_shared<ReaderTable>(std::vector<ListReaders>{listRealReaders, imagesIn(folders_)},
                                            devices_))
 {
 }
@@ -29,7 +28,7 @@ std::unique_ptr<ACD> Discs::makeReader(Post& post, Shell& shell, PartNotes& note
 std::unique_ptr<ACDWRITE> Discs::makeWriter(Post& post, Shell& shell, PartNotes& notes,
                                             SleepLock& sleepLock) const
 {
-    return makeDiscWriter(listBurnWriters, makeImageRecorder(folders_, notes), devices_, post, shell,
+    return makeDiscWriter(listRealWriters, makeImageRecorder(folders_, notes), devices_, post, shell,
                           sleepLock);
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/burn_writer.h"
+#include "engines/disc/real_drives.h"
 
-#include "engines/disc/cdio_reader.h"
 #include "files/descriptor.h"
+#include "files/module.h"
 #include "platform/failure.h"
 #include "tests/support/disc_sounds.h"
 #include "tests/support/simulated_drive.h"
@@ -24,7 +24,7 @@ constexpr std::uint8_t testUnitReady = 0x00, write10 = 0x2A;
 struct Recording {
     TemporaryFolder folder;
     SimulatedDrive drive;
-    std::shared_ptr<disc::WriterDrive> writer = disc::listBurnWriters().at(0);
+    std::shared_ptr<disc::WriterDrive> writer = disc::listRealWriters().at(0);
     disc::WriteSettings settings{.speed = 4, .closeDisc = true, .simulate = false, .autoEject = false};
     std::vector<disc::CdSound> tracks;
     std::vector<std::int16_t> told;
@@ -94,7 +94,7 @@ TEST_CASE("Drives that record are writers, others are not, and none is touched f
     SimulatedDrive first(0, "ACME", "CD-RW 4224");
     SimulatedDrive third(2, "OTHER", "Writer");
     second.change([](simulated::Drive& drive) { drive.canWrite = false; });
-    const auto writers = disc::listBurnWriters();
+    const auto writers = disc::listRealWriters();
     REQUIRE(writers.size() == 2);
     CHECK(writers[0]->name() == "ACME CD-RW 4224 (/dev/sr0)");
     CHECK(writers[0]->device() == "/dev/sr0");
@@ -160,7 +160,7 @@ TEST_CASE("Tracks come onto the disc bit for bit, and back")
             sound.append(reinterpret_cast<const char*>(samples.data()), samples.size());
         }
     } kept;
-    const auto reader = disc::listCdioReaders().at(0);
+    const auto reader = disc::listRealReaders().at(0);
     REQUIRE(reader->contents().tracks.size() == 2);
     CHECK(reader->readTrack(2, kept, {}) == 0);
     CHECK((kept.sound == second));
@@ -277,7 +277,7 @@ TEST_CASE("A disc that is left open takes more tracks, until one closes it")
     CHECK(disc.isClosed);
     CHECK_FALSE(r.writer->hasWritableDisc());
     const Text sounds[] = {first, second, third, fourth};
-    const auto listed = disc::listCdioReaders().at(0)->contents();
+    const auto listed = disc::listRealReaders().at(0)->contents();
     REQUIRE(listed.tracks.size() == 4);
     for (int i = 0; i < 4; ++i) {
         CAPTURE(i);
@@ -391,13 +391,13 @@ TEST_CASE("A recorder that is gone is refused")
     std::shared_ptr<disc::WriterDrive> writer;
     {
         SimulatedDrive drive;
-        writer = disc::listBurnWriters().at(0);
+        writer = disc::listRealWriters().at(0);
     }
     std::vector<disc::CdSound> tracks;
     tracks.push_back(disc::CdSound::open(folder / "a.wav").value());
     CHECK_FALSE(writer->hasWritableDisc());
     CHECK_FALSE(succeeds([&] { writer->prepare(std::move(tracks), {}); }));
-    CHECK(disc::listBurnWriters().empty());
+    CHECK(disc::listRealWriters().empty());
 }
 
 TEST_CASE("A failing write is told in the recorder's words, and the disc is not to be written again")
@@ -425,7 +425,7 @@ TEST_CASE("A failing write to an unfinished disc keeps its earlier tracks")
     r.add(400 * bytesOfSector, 2);
     CHECK(r.failureOfWriting() != "");
     CHECK((r.drive.track(1) == first));
-    CHECK(disc::listCdioReaders().at(0)->contents().tracks.at(0) == disc::DiscTrack{true, 0, 400});
+    CHECK(disc::listRealReaders().at(0)->contents().tracks.at(0) == disc::DiscTrack{true, 0, 400});
 }
 
 TEST_CASE("A stop breaks the writing off, and the disc is not to be written again")
@@ -470,7 +470,8 @@ TEST_CASE("A recorder that hangs holds nobody up for long, and is let go when it
 {
     Recording r;
     r.add(4);
-    const auto writer = disc::makeBurnWriter({"/dev/sr0", "Recorder", true}, std::chrono::milliseconds(100));
+    const auto writer = files::bound<disc::RealDrives>()->makeWriter({"/dev/sr0", "Recorder", true},
+                                                                     std::chrono::milliseconds(100));
     r.drive.hangOn(testUnitReady);
     Text reason;
     guarded([&](const Failure& failure) { reason = failure.description; },
@@ -495,7 +496,7 @@ TEST_CASE("Two recorders write at the same time")
     Recording one;
     SimulatedDrive second(1);
     second.insertBlank();
-    const auto other = disc::listBurnWriters().at(1);
+    const auto other = disc::listRealWriters().at(1);
     const Text sound = one.add(500 * bytesOfSector, 1);
     const Text path = one.folder / "other.wav", otherSound = noise(400 * bytesOfSector, 2);
     putFile(path, wavFile(otherSound));

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/cdio_reader.h"
+#include "engines/disc/real_drives.h"
 
 #include "files/descriptor.h"
+#include "files/module.h"
 #include "platform/failure.h"
 #include "tests/support/disc_desk.h"
 #include "tests/support/simulated_drive.h"
@@ -49,7 +50,7 @@ Text sectorsOfNoise(std::int32_t sectors, std::uint64_t seed = 1)
 // A drive and its reader.
 struct Reading {
     SimulatedDrive drive;
-    std::shared_ptr<disc::ReaderDrive> reader = disc::listCdioReaders().at(0);
+    std::shared_ptr<disc::ReaderDrive> reader = disc::listRealReaders().at(0);
     KeptSound kept;
     std::stop_source stop;
 
@@ -78,7 +79,7 @@ TEST_CASE("Every drive reads, under its own name and device")
 {
     SimulatedDrive second(1, "MAKER", "DVD-ROM");
     SimulatedDrive first(0, "ACME", "CD-RW 4224");
-    const auto readers = disc::listCdioReaders();
+    const auto readers = disc::listRealReaders();
     REQUIRE(readers.size() == 2);
     CHECK(readers[0]->name() == "ACME CD-RW 4224 (/dev/sr0)");
     CHECK(readers[0]->device() == "/dev/sr0");
@@ -403,7 +404,8 @@ TEST_CASE("A drive that hangs has no disc, and holds nobody up for long")
     for (const auto command : {testUnitReady, readContents, readCd}) {
         CAPTURE(int(command));
         SimulatedDrive drive;
-        const auto reader = disc::makeCdioReader({drive.device(), "Drive"}, std::chrono::milliseconds(100));
+        const auto reader = files::bound<disc::RealDrives>()->makeReader({drive.device(), "Drive"},
+                                                                         std::chrono::milliseconds(100));
         drive.insert({{sectorsOfNoise(300)}});
         drive.hangOn(command);
         const auto begin = std::chrono::steady_clock::now();
@@ -423,14 +425,14 @@ TEST_CASE("A drive that is gone has no disc and reads nothing")
 {
     auto drive = std::make_unique<SimulatedDrive>();
     drive->insert({{sectorsOfNoise(300)}});
-    const auto reader = disc::listCdioReaders().at(0);
+    const auto reader = disc::listRealReaders().at(0);
     CHECK(reader->contents().tracks.size() == 1);
     drive.reset();
     KeptSound kept;
     CHECK(succeeds([&] { reader->readTrack(1, kept, {}); }) == false);
     CHECK(reader->contents().tracks.empty());
     CHECK(reader->contents().trouble.starts_with("The drive cannot be opened"));
-    CHECK(disc::listCdioReaders().empty());
+    CHECK(disc::listRealReaders().empty());
 }
 
 TEST_CASE("Two drives are read at the same time")
@@ -440,7 +442,7 @@ TEST_CASE("Two drives are read at the same time")
     first.insert({{one}});
     second.insert({{other}});
     second.damage(350);
-    const auto readers = disc::listCdioReaders();
+    const auto readers = disc::listRealReaders();
     KeptSound keptOne, keptOther;
     std::int32_t lost = 0;
     readers[0]->contents();
@@ -460,7 +462,7 @@ TEST_CASE("A drive that another program writes with is listed all the same")
     drive.insert({{sectorsOfNoise(300)}});
     const files::Descriptor exclusive(open("/dev/sr0", O_RDWR | O_EXCL | O_NONBLOCK));
     REQUIRE(exclusive);
-    CHECK(disc::listCdioReaders().size() == 1);
+    CHECK(disc::listRealReaders().size() == 1);
 }
 
 TEST_CASE("A listing opens its drive once, and so does a look for another disc")
@@ -469,7 +471,7 @@ TEST_CASE("A listing opens its drive once, and so does a look for another disc")
     drive.insert({{sectorsOfNoise(300, 1)}, {sectorsOfNoise(310, 2)}, {sectorsOfNoise(320, 3)}});
     DiscDesk desk;
     const auto table = std::make_shared<disc::ReaderTable>(
-        std::vector<disc::ListReaders>{disc::listCdioReaders}, desk.devices);
+        std::vector<disc::ListReaders>{disc::listRealReaders}, desk.devices);
     const auto reader =
         disc::makeDiscReader(table, desk.devices, desk.window, desk.shell, desk.parts, desk.sleepLock);
     reader->DriveCount();

@@ -24,9 +24,10 @@ class Room:
 
 
 def rooms():
-    for build in [*root.glob("*/CMakeLists.txt"), *root.glob("engines/*/CMakeLists.txt")]:
+    for build in [*root.glob("*/CMakeLists.txt"), *root.glob("engines/*/CMakeLists.txt"),
+                  *root.glob("modules/*/CMakeLists.txt")]:
         text = re.sub(r"#.*", "", build.read_text())
-        call = re.search(r"velmora_room\((\w+)([^)]*)\)(.*)", text, re.S)
+        call = re.search(r"velmora_(?:room|module)\((\w+)([^)]*)\)(.*)", text, re.S)
         if call:
             sees, _, links = call[2].partition("LINKS")
             folder = build.parent.relative_to(root).as_posix()

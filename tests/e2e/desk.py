@@ -233,6 +233,9 @@ class Velmora:
             self.folder.mkdir()
             for name in ("velmora", "conf.mp3", "updates.txt"):
                 shutil.copy2(pathlib.Path(build) / name, self.folder / name)
+            (self.folder / "modules").mkdir()
+            for module in (pathlib.Path(build) / "modules").glob("*.so"):
+                shutil.copy2(module, self.folder / "modules")
         self.process = None
         self.environment = {}  # beyond the desk's
 

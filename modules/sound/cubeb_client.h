@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The sound server's client, for one thread. Any call may block.
+// The sound server's client over cubeb.
 #pragma once
 
-#include "engines/audio/stream.h"
+#include "engines/audio/sound_client.h"
 
 #include <memory>
 #include <vector>
@@ -13,19 +13,19 @@ struct cubeb_stream;
 namespace audio
 {
 
-class CubebClient
+class CubebClient final : public SoundClient
 {
 public:
     CubebClient() = default;
-    ~CubebClient();
+    ~CubebClient() override;
     CubebClient(const CubebClient&) = delete;
     CubebClient& operator=(const CubebClient&) = delete;
 
-    void open(std::shared_ptr<Stream> stream); // starts it, or lets it fail
-    void close(const std::shared_ptr<Stream>& stream);
-    void look(); // tells the streams how much of them was heard
+    void open(std::shared_ptr<Stream> stream) override;
+    void close(const std::shared_ptr<Stream>& stream) override;
+    void look() override;
 
-    Stream::Clock::time_point nextLook() const;
+    Stream::Clock::time_point nextLook() const override;
 
 private:
     struct Playing {

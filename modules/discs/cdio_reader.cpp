@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/cdio_reader.h"
+#include "modules/discs/cdio_reader.h"
 
-#include "engines/disc/cdio_disc.h"
 #include "files/errand.h"
+#include "modules/discs/cdio_disc.h"
 #include "platform/failure.h"
 
 #include <fcntl.h>
@@ -22,7 +22,6 @@ namespace
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr auto usualPatience = milliseconds(12000); // more than a disc takes that was just put in
 constexpr auto longestPiece = milliseconds(250);
 constexpr std::size_t largestPiece = 16 * CdioDisc::mostSectors * sectorBytes;
 
@@ -195,14 +194,6 @@ private:
 std::shared_ptr<ReaderDrive> makeCdioReader(const OpticalDevice& device, milliseconds patience)
 {
     return std::make_shared<CdioReader>(device, patience);
-}
-
-std::vector<std::shared_ptr<ReaderDrive>> listCdioReaders()
-{
-    std::vector<std::shared_ptr<ReaderDrive>> drives;
-    for (const OpticalDevice& device : opticalDevices())
-        drives.push_back(makeCdioReader(device, usualPatience));
-    return drives;
 }
 
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/audio/cubeb_client.h"
+#include "modules/sound/cubeb_client.h"
 
 #include "engines/audio/thread_priority.h"
 

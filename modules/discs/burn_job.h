@@ -2,8 +2,8 @@
 // A session of tracks on its way onto a disc.
 #pragma once
 
-#include "engines/disc/burn_recorder.h"
 #include "engines/disc/writer_drive.h"
+#include "modules/discs/burn_recorder.h"
 
 #include <memory>
 #include <vector>

@@ -6,15 +6,11 @@
 #include "engines/disc/reader_drive.h"
 
 #include <chrono>
+#include <memory>
 
 namespace disc
 {
 
-// `contents` waits as long as `patience` for a drive that hangs, once; it has no disc then until it answers
-// again.
+// See `RealDrives::makeReader`.
 std::shared_ptr<ReaderDrive> makeCdioReader(const OpticalDevice& device, std::chrono::milliseconds patience);
-
-// Those that there are now.
-std::vector<std::shared_ptr<ReaderDrive>> listCdioReaders();
-
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/burn_recorder.h"
+#include "modules/discs/burn_recorder.h"
 
 #include "platform/failure.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/burn_writer.h"
+#include "modules/discs/burn_writer.h"
 
-#include "engines/disc/burn_job.h"
 #include "files/errand.h"
+#include "modules/discs/burn_job.h"
 #include "platform/failure.h"
 
 namespace disc
@@ -11,8 +11,6 @@ namespace disc
 namespace
 {
 
-constexpr auto usualPatience =
-    std::chrono::milliseconds(20000); // a tray to close, a disc to spin up, a retry
 constexpr std::int16_t recorderType = 1;
 
 // The run, or why there is none.
@@ -84,15 +82,6 @@ private:
 std::shared_ptr<WriterDrive> makeBurnWriter(const OpticalDevice& device, std::chrono::milliseconds patience)
 {
     return std::make_shared<BurnWriter>(device, patience);
-}
-
-std::vector<std::shared_ptr<WriterDrive>> listBurnWriters()
-{
-    std::vector<std::shared_ptr<WriterDrive>> drives;
-    for (const OpticalDevice& device : opticalDevices())
-        if (device.records)
-            drives.push_back(makeBurnWriter(device, usualPatience));
-    return drives;
 }
 
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/cdio_disc.h"
+#include "modules/discs/cdio_disc.h"
 
-#include "engines/disc/sector_rescue.h"
+#include "modules/discs/sector_rescue.h"
 
 #include <cdio/cdio.h>
 #include <cdio/logging.h>

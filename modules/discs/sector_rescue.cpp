@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/sector_rescue.h"
+#include "modules/discs/sector_rescue.h"
 
 #include "engines/disc/disc_contents.h"
 

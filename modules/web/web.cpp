@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/download.h"
+#include "engines/disc/web.h"
+#include "files/module_head.h"
 #include "platform/version.h"
 
 #include <curl/curl.h>
-#include <dlfcn.h>
-
 #include <memory>
 
 namespace disc
@@ -17,43 +16,11 @@ constexpr std::size_t mostBytes = 1024 * 1024;
 constexpr long mostRedirections = 5;
 constexpr const char* userAgent = "Velmora/" VELMORA_VERSION;
 
-template <typename Function>
-void find(void* library, Function*& function, const char* name)
+// Begun with the first page, and never ended: a search that was left behind may still be at work.
+bool isReady()
 {
-    function = library ? reinterpret_cast<Function*>(dlsym(library, name)) : nullptr;
-}
-
-// The library, and the thirty that it brings, come when the first page is wanted: the program's start shall
-// not pay for them.
-struct Curl {
-    Curl()
-    {
-        void* const library = dlopen("libcurl.so.4", RTLD_NOW | RTLD_LOCAL);
-        decltype(curl_global_init)* start = nullptr;
-        find(library, start, "curl_global_init");
-        find(library, begin, "curl_easy_init");
-        find(library, end, "curl_easy_cleanup");
-        find(library, set, "curl_easy_setopt");
-        find(library, perform, "curl_easy_perform");
-        find(library, escape, "curl_easy_escape");
-        find(library, release, "curl_free");
-        isThere = start && begin && end && set && perform && escape && release &&
-                  start(CURL_GLOBAL_DEFAULT) == CURLE_OK;
-    }
-
-    decltype(curl_easy_init)* begin = nullptr;
-    decltype(curl_easy_cleanup)* end = nullptr;
-    decltype(curl_easy_setopt)* set = nullptr;
-    decltype(curl_easy_perform)* perform = nullptr;
-    decltype(curl_easy_escape)* escape = nullptr;
-    decltype(curl_free)* release = nullptr;
-    bool isThere = false;
-};
-
-const Curl& curl()
-{
-    static const Curl library;
-    return library;
+    static const bool isBegun = curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+    return isBegun;
 }
 
 std::size_t keep(const char* bytes, std::size_t, std::size_t count, void* page)
@@ -73,13 +40,9 @@ long millisecondsUntil(Deadline deadline)
 
 Text escaped(std::string_view value)
 {
-    if (!curl().isThere)
-        return {};
-    const std::unique_ptr<char, decltype(curl_free)*> text(
-        curl().escape(nullptr, value.data(), static_cast<int>(value.size())), curl().release);
+    const std::unique_ptr<char, decltype(&curl_free)> text(
+        curl_easy_escape(nullptr, value.data(), static_cast<int>(value.size())), curl_free);
     return text ? text.get() : "";
-}
-
 }
 
 Text withFields(const Text& address,
@@ -97,13 +60,13 @@ Text withFields(const Text& address,
 std::optional<Text> downloaded(const Text& url, Deadline deadline)
 {
     const long limit = millisecondsUntil(deadline);
-    if (limit <= 0 || !curl().isThere)
+    if (limit <= 0 || !isReady())
         return std::nullopt;
-    const std::unique_ptr<CURL, decltype(curl_easy_cleanup)*> transfer(curl().begin(), curl().end);
+    const std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> transfer(curl_easy_init(), curl_easy_cleanup);
     if (!transfer)
         return std::nullopt;
     Text page;
-    const auto set = [&](CURLoption option, auto value) { curl().set(transfer.get(), option, value); };
+    const auto set = [&](CURLoption option, auto value) { curl_easy_setopt(transfer.get(), option, value); };
     set(CURLOPT_URL, url.c_str());
     set(CURLOPT_USERAGENT, userAgent);
     set(CURLOPT_PROTOCOLS_STR, "http,https");
@@ -116,9 +79,15 @@ std::optional<Text> downloaded(const Text& url, Deadline deadline)
     set(CURLOPT_QUICK_EXIT, 1L);
     set(CURLOPT_WRITEFUNCTION, &keep);
     set(CURLOPT_WRITEDATA, &page);
-    if (curl().perform(transfer.get()) != CURLE_OK)
+    if (curl_easy_perform(transfer.get()) != CURLE_OK)
         return std::nullopt;
     return page;
 }
 
+constexpr Web web{withFields, downloaded};
+
 }
+
+}
+
+VELMORA_MODULE(web, disc::web);

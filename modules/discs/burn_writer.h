@@ -6,15 +6,11 @@
 #include "engines/disc/writer_drive.h"
 
 #include <chrono>
+#include <memory>
 
 namespace disc
 {
 
-// `patience` is how long a recorder may take to say what disc it has, or to get ready.
+// See `RealDrives::makeWriter`.
 std::shared_ptr<WriterDrive> makeBurnWriter(const OpticalDevice& device, std::chrono::milliseconds patience);
-
-// Those that there are now. Nothing is asked of a recorder before its disc is wanted: one that is in use, or
-// hangs, is listed like any other.
-std::vector<std::shared_ptr<WriterDrive>> listBurnWriters();
-
 }

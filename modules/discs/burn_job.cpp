@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/burn_job.h"
+#include "modules/discs/burn_job.h"
 
-#include "engines/disc/burn_source.h"
 #include "engines/disc/disc_contents.h"
+#include "modules/discs/burn_source.h"
 #include "platform/failure.h"
 #include "platform/mutex.h"
 

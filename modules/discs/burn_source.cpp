@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/disc/burn_source.h"
+#include "modules/discs/burn_source.h"
 
 #include "engines/disc/disc_contents.h"
 

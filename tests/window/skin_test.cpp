@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "toolkit/skin.h"
+
+#include "platform/part_notes.h"
+#include "tests/support/files.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/waiting.h"
+#include "toolkit/toolkit.h"
+
+#include <doctest/doctest.h>
+
+#include <QPainter>
+#include <filesystem>
+
+namespace
+{
+
+const QSize size(24, 22);
+const QString key = "Image1/0/24x22@1";
+
+// What a skin with pictures kept in `folder` shows.
+QImage drawn(Skin& skin)
+{
+    const Toolkit bringsArtwork(Toolkit::Timers::byHand);
+    QImage canvas(size, QImage::Format_ARGB32_Premultiplied);
+    canvas.fill(Qt::transparent);
+    QPainter painter(&canvas);
+    skin.draw(painter, "Image1", Skin::State::normal, QRect(QPoint(), size));
+    return canvas;
+}
+
+QImage drawnWith(const Text& folder, const Text& build)
+{
+    Skin skin;
+    skin.keepIn(folder, build, std::make_shared<NoPartNotes>());
+    return drawn(skin);
+}
+
+QImage red()
+{
+    QImage picture(size, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::red);
+    return picture;
+}
+
+}
+
+TEST_CASE("A picture that an earlier run painted is shown as it painted it")
+{
+    const TemporaryFolder folder;
+    Skin skin;
+    const QImage painted = drawn(skin);
+    REQUIRE(skin.has("Image1"));
+    CHECK(painted != QImage(size, painted.format()));
+    KeptPictures(folder / "skin-1", "a build").write({{key, red()}}, NoPartNotes::instance());
+    CHECK(drawnWith(folder.path(), "a build") == red());
+    CHECK(drawnWith(folder.path(), "another build") == painted);
+}
+
+TEST_CASE("What was painted lies on the disk a while later, and what it shows is the same")
+{
+    const TemporaryFolder folder;
+    Skin skin;
+    skin.keepIn(folder.path(), "a build", std::make_shared<NoPartNotes>());
+    const QImage painted = drawn(skin);
+    const KeptPictures kept(folder / "skin-1", "a build");
+    REQUIRE(waitFor([&] { return !kept.read().isEmpty(); }));
+    CHECK(kept.read().value(key) == painted);
+}
+
+TEST_CASE("A damaged file of pictures counts for nothing, wherever the damage is")
+{
+    const TemporaryFolder folder;
+    Skin skin;
+    const QImage painted = drawn(skin);
+    const Text path = folder / "skin-1";
+    const KeptPictures kept(path, "a build");
+    kept.write({{key, red()}}, NoPartNotes::instance());
+    const Text whole = fileBytes(path);
+    const auto check = [&](const Text& bytes) {
+        putFile(path, bytes);
+        CHECK(kept.read().isEmpty());
+        CHECK(drawnWith(folder.path(), "a build") == painted);
+    };
+    for (const std::size_t length :
+         {std::size_t{0}, std::size_t{1}, std::size_t{8}, whole.size() / 2, whole.size() - 1})
+        check(whole.substr(0, length));
+    for (const std::size_t place : {std::size_t{0}, std::size_t{9}, std::size_t{40}, whole.size() - 1}) {
+        Text damaged = whole;
+        damaged[place] = static_cast<char>(damaged[place] ^ 1);
+        check(damaged);
+    }
+    check("what another program left");
+    check(whole + "more");
+}
+
+TEST_CASE("Without a folder that can be made nothing is kept, and everything is shown")
+{
+    const TemporaryFolder folder;
+    putFile(folder / "file", "");
+    Skin skin;
+    CHECK(drawnWith(folder / "file/skin", "a build") == drawn(skin));
+}
