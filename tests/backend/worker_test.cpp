@@ -103,6 +103,7 @@ TEST_CASE("A turn comes behind calls and at the time that it gave, and on the sa
     std::thread::id lastOwner;
     std::thread::id caller;
     struct Owned {
+        explicit Owned(std::thread::id& whose) : owner(whose) {}
         ~Owned() { owner = std::this_thread::get_id(); }
         std::thread::id& owner;
     };
