@@ -11,8 +11,6 @@ namespace files
 namespace
 {
 
-constexpr std::size_t pieceSize = 16 * 1024;
-
 // The part of `count` that lies before the end.
 std::size_t within(const ByteSource& source, std::uint64_t at, std::size_t count)
 {
@@ -31,29 +29,12 @@ Text ByteSource::readAll(std::uint64_t at, std::size_t count)
     return bytes;
 }
 
-FileBytes::FileBytes(std::shared_ptr<const InputFile> file) :
-    file_(std::move(file)), size_(static_cast<std::uint64_t>(file_->size()))
-{
-}
-
-Text FileBytes::freshly(std::uint64_t at, std::size_t count) const
-{
-    Text bytes(count, '\0');
-    const auto got = file_->read(bytes.data(), count, static_cast<std::int64_t>(at));
-    bytes.resize(static_cast<std::size_t>(std::max<std::ptrdiff_t>(got, 0)));
-    return bytes;
-}
-
 Text FileBytes::read(std::uint64_t at, std::size_t count)
 {
-    count = within(*this, at, count);
-    if (count > pieceSize)
-        return freshly(at, count);
-    if (at < pieceAt_ || at + count > pieceAt_ + piece_.size()) {
-        piece_ = freshly(at, within(*this, at, pieceSize));
-        pieceAt_ = at;
-    }
-    return piece_.substr(static_cast<std::size_t>(at - pieceAt_), count);
+    Text bytes(within(*this, at, count), '\0');
+    const auto got = window_.read(bytes.data(), bytes.size(), static_cast<std::int64_t>(at));
+    bytes.resize(static_cast<std::size_t>(got));
+    return bytes;
 }
 
 Text StretchOfBytes::read(std::uint64_t at, std::size_t count)

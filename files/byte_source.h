@@ -26,22 +26,20 @@ public:
     Text readAll(std::uint64_t at, std::size_t count);
 };
 
-// A file, read in pieces of 16 KB, of which the last is kept.
 class FileBytes final : public ByteSource
 {
 public:
-    explicit FileBytes(std::shared_ptr<const InputFile> file);
+    explicit FileBytes(std::shared_ptr<const InputFile> file) :
+        size_(static_cast<std::uint64_t>(file->size())), window_(std::move(file))
+    {
+    }
 
     std::uint64_t size() const override { return size_; }
     Text read(std::uint64_t at, std::size_t count) override;
 
 private:
-    Text freshly(std::uint64_t at, std::size_t count) const;
-
-    std::shared_ptr<const InputFile> file_;
     std::uint64_t size_;
-    Text piece_;
-    std::uint64_t pieceAt_ = 0;
+    FileWindow window_;
 };
 
 // A stretch of another source, counted from its own beginning.

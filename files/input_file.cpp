@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/input_file.h"
 
+#include "platform/failure.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -18,21 +20,21 @@ std::shared_ptr<const InputFile> InputFile::open(const Text& path)
     struct stat status {
     };
     if (fstat(file.number(), &status) == 0 && S_ISREG(status.st_mode))
-        return std::shared_ptr<const InputFile>(new InputFile(std::move(file)));
+        return std::shared_ptr<const InputFile>(new InputFile(std::move(file), status.st_size));
     errno = EINVAL;
     return nullptr;
+}
+
+std::shared_ptr<const InputFile> InputFile::openOrFail(const Text& path)
+{
+    if (auto file = open(path))
+        return file;
+    throw fileFailure(errno);
 }
 
 std::ptrdiff_t InputFile::read(void* into, std::size_t size, std::int64_t offset) const
 {
     return readAt(file_, {static_cast<std::byte*>(into), size}, offset);
-}
-
-std::int64_t InputFile::size() const
-{
-    struct stat status {
-    };
-    return fstat(file_.number(), &status) == 0 ? status.st_size : 0;
 }
 
 bool FileWindow::covers(std::int64_t offset) const { return offset >= start_ && offset < start_ + filled_; }
@@ -41,6 +43,8 @@ void FileWindow::moveTo(std::int64_t offset)
 {
     start_ = offset;
     filled_ = std::max<std::ptrdiff_t>(file_->read(bytes_.get(), windowBytes, offset), 0);
+    const auto promised = std::min(start_ + static_cast<std::int64_t>(windowBytes), file_->size());
+    failed_ = failed_ || start_ + filled_ < promised;
 }
 
 const unsigned char* FileWindow::view(std::int64_t offset, std::size_t size)

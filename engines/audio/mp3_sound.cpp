@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/audio/opened_sound.h"
 
-#include "engines/formats/mpg123_file.h"
+#include "engines/formats/mp3_probe.h"
+#include "engines/formats/mpg123_decoder.h"
 
 #include <algorithm>
 #include <vector>
@@ -12,11 +13,17 @@ namespace audio
 namespace
 {
 
+formats::FrameInput inputOf(const std::shared_ptr<const files::InputFile>& file,
+                            const formats::Mp3Facts& facts)
+{
+    return {file, facts.place.begin, facts.place.end};
+}
+
 class Mp3Source final : public PcmSource
 {
 public:
     Mp3Source(const std::shared_ptr<const files::InputFile>& file, const formats::Mp3Facts& facts) :
-        facts_(facts), decoder_(file, facts, {.forceStereo = true, .gapless = isEven()})
+        facts_(facts), decoder_(inputOf(file, facts), {.gapless = isEven(), .isShort = facts.place.isShort})
     {
     }
 
@@ -31,7 +38,7 @@ private:
     void skip(std::int64_t frames);
 
     formats::Mp3Facts facts_;
-    formats::Mpg123File decoder_;
+    formats::Mpg123Decoder decoder_;
 };
 
 // The decoder counts samples as if every frame were like the present one. Where that is not so, whole frames
@@ -82,7 +89,7 @@ Timeline timelineOf(const formats::Mp3Facts& facts)
 // In a damaged file the decoder finds more or fewer frames than the headers promise: its count holds.
 void recount(formats::Mp3Facts& facts, const std::shared_ptr<const files::InputFile>& file)
 {
-    formats::Mpg123File counter(file, facts, {.forceStereo = true, .gapless = false});
+    formats::Mpg123Decoder counter(inputOf(file, facts), {.gapless = false, .isShort = facts.place.isShort});
     const std::int64_t samples = counter.isOpen() ? counter.countSamples() : 0;
     auto& stretch = facts.stretches.front();
     stretch.frames = std::max(samples / stretch.samples, std::int64_t{1});

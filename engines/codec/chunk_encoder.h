@@ -12,7 +12,7 @@ namespace codec
 
 // What the chunks of one file share.
 struct EncodeJob {
-    const formats::SourceFile& file;
+    std::shared_ptr<const files::InputFile> file;
     Mp3Settings settings;
     EncodeClock clock;
     std::int64_t tagBytes; // room for the info tag at the front; 0: the file has none

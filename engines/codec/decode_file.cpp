@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdio>
 
 namespace codec
 {
@@ -24,88 +23,44 @@ constexpr std::int64_t largestPiece = 4096;
 
 constexpr std::int64_t framesInReport = 128;
 
-void writeHeader(files::OutputFile& part, const SoundFormat& format, std::int64_t end)
+using Input = std::shared_ptr<const files::InputFile>;
+
+void writeHeader(files::OutputFile& part, int rate, int channels, std::int64_t end)
 {
-    const auto header = formats::wavHeader(format.rate, format.channels,
-                                           end - static_cast<std::int64_t>(sizeof(formats::WavHeader)));
+    const auto header = formats::wavHeader(rate, channels, end - std::int64_t{sizeof(formats::WavHeader)});
     part.write(std::as_bytes(std::span(header)), 0);
 }
 
-// The sound from its beginning, read in blocks.
-class WholeSound final : public DecoderInput
+// Everything that `decoder` has. Gives the place in the file behind it.
+std::int64_t decodeAll(formats::Mpg123Decoder& decoder, files::OutputFile& part, Progress& progress,
+                       const std::stop_token& stop)
 {
-public:
-    WholeSound(const formats::SourceFile& file, const formats::Mp3Place& place) :
-        file_(file), place_(place), block_(1 << 16)
-    {
-    }
-
-    std::int64_t position() const { return at_; }
-    bool failed() const { return failed_; }
-
-    std::int64_t read(void* bytes, std::size_t count) override
-    {
-        try {
-            if (at_ < begin_ || at_ >= begin_ + filled_)
-                fill();
-        } catch (const Failure&) {
-            failed_ = true;
-            return -1;
-        }
-        const auto given = std::min(static_cast<std::int64_t>(count), begin_ + filled_ - at_);
-        std::copy_n(block_.begin() + (at_ - begin_), given, static_cast<std::uint8_t*>(bytes));
-        at_ += given;
-        return given;
-    }
-
-    std::int64_t seek(std::int64_t offset, int whence) override
-    {
-        const std::int64_t base = whence == SEEK_SET ? place_.start : whence == SEEK_CUR ? at_ : place_.end;
-        if (base + offset < place_.start)
-            return -1;
-        at_ = base + offset;
-        return at_ - place_.start;
-    }
-
-private:
-    void fill()
-    {
-        begin_ = at_;
-        const auto left = std::clamp<std::int64_t>(place_.end - at_, 0, std::ssize(block_));
-        filled_ = static_cast<std::int64_t>(file_.read(block_.data(), static_cast<std::size_t>(left), at_));
-    }
-
-    const formats::SourceFile& file_;
-    formats::Mp3Place place_;
-    std::vector<std::uint8_t> block_;
-    std::int64_t begin_ = 0;
-    std::int64_t filled_ = 0;
-    std::int64_t at_ = place_.start;
-    bool failed_ = false;
-};
-
-void decodeFromStart(const formats::SourceFile& file, const formats::Mp3Place& place, files::OutputFile& part,
-                     Progress& progress, const std::stop_token& stop)
-{
-    WholeSound source(file, place);
-    FrameDecoder decoder(source, place.isShort ? FrameDecoder::Kind::ShortFile : FrameDecoder::Kind::File);
     files::BlockWriter blocks(part, 1);
     files::BlockWriter::Run run(blocks, sizeof(formats::WavHeader));
     std::span<const std::int16_t> samples;
-    std::int64_t known = 0;
-    while (decoder.next(samples)) {
+    for (std::int64_t known = 0; decoder.next(samples); known = decoder.position()) {
         throwIfStopped(stop);
         run.write(std::as_bytes(samples));
-        progress.add(source.position() - known);
-        known = source.position();
+        progress.add(decoder.position() - known);
     }
-    if (source.failed())
+    if (decoder.hasFailed())
         throw Failure(Trouble::deviceInputOutput);
-    if (decoder.format().rate == 0)
-        throw Failure{Trouble::deviceInputOutput, "There is no sound in this file."};
     const auto end = run.finish();
     blocks.finish();
-    writeHeader(part, decoder.format(), end);
+    return end;
+}
+
+// From behind the tags on: where the first frame is, the decoder finds out by its own rule.
+void decodeFromStart(const Input& file, const formats::Mp3Place& place, files::OutputFile& part,
+                     Progress& progress, const std::stop_token& stop)
+{
+    const int channels = formats::channelsAt(place, file);
+    formats::Mpg123Decoder decoder({file, place.start, place.end},
+                                   {.channels = channels, .keepsRate = true, .isShort = place.isShort});
+    if (!decoder.isOpen())
+        throw Failure{Trouble::deviceInputOutput, "There is no sound in this file."};
+    const auto end = decodeAll(decoder, part, progress, stop);
+    writeHeader(part, decoder.rate(), channels, end);
 }
 
 // Where the pieces of a file begin and the last one ends. Large ones first, for the frames before each are
@@ -115,8 +70,8 @@ std::vector<std::int64_t> pieceBorders(std::int64_t frames, unsigned workers)
     std::vector<std::int64_t> borders{0};
     while (borders.back() < frames) {
         const auto share = (frames - borders.back()) / (2 * std::max(1u, workers));
-        const auto piece = std::clamp(share, smallestPiece, largestPiece) / FrameCut::windowTurn;
-        borders.push_back(std::min(frames, borders.back() + piece * FrameCut::windowTurn));
+        const auto piece = std::clamp(share, smallestPiece, largestPiece) / windowTurn;
+        borders.push_back(std::min(frames, borders.back() + piece * windowTurn));
     }
     return borders;
 }
@@ -125,7 +80,7 @@ std::vector<std::int64_t> pieceBorders(std::int64_t frames, unsigned workers)
 class PiecewiseDecoding
 {
 public:
-    PiecewiseDecoding(const formats::SourceFile& file, const formats::FrameTable& table,
+    PiecewiseDecoding(const Input& file, const formats::FrameTable& table,
                       files::OutputFile& part, Progress& progress) :
         file_(file),
         table_(table), part_(part), progress_(progress)
@@ -146,7 +101,7 @@ public:
         if (isSpoilt_)
             return false;
         blocks.finish();
-        writeHeader(part_, {table_.first.rate, table_.first.channels}, end);
+        writeHeader(part_, table_.first.rate, table_.first.channels, end);
         return true;
     }
 
@@ -190,7 +145,7 @@ private:
                (sample - table_.trim.begin) * frameBytes;
     }
 
-    const formats::SourceFile& file_;
+    const Input& file_;
     const formats::FrameTable& table_;
     files::OutputFile& part_;
     Progress& progress_;
@@ -198,7 +153,7 @@ private:
 };
 
 // False when the file must be decoded from its start; nothing is left then.
-bool decodeInPieces(const formats::SourceFile& file, const Text& output, unsigned workers, Progress& progress,
+bool decodeInPieces(const Input& file, const Text& output, unsigned workers, Progress& progress,
                     const std::stop_token& stop, PartNotes& notes)
 {
     const auto table = formats::scanFrames(file);
@@ -218,11 +173,11 @@ void decodeFile(const Text& input, const Text& output, unsigned workers, const R
 {
     if (files::isSameFile(input, output))
         throw Failure{Trouble::pathOrFileAccess, "The output would replace its own source."};
-    const formats::SourceFile file(input);
-    const auto place = formats::findMp3(file.file());
+    const auto file = files::InputFile::openOrFail(input);
+    const auto place = formats::findMp3(file);
     if (!place)
         throw Failure{Trouble::deviceInputOutput, "This is not an MP3 file."};
-    Progress progress(file.size(), report);
+    Progress progress(file->size(), report);
     if (decodeInPieces(file, output, workers, progress, stop, notes))
         return;
     files::OutputFile part(output, notes);

@@ -26,7 +26,7 @@ std::int64_t infoTagBytes(LameEncoder& fresh)
 class Encoding
 {
 public:
-    Encoding(const formats::SourceFile& file, const Mp3Settings& settings, files::OutputFile& part,
+    Encoding(const std::shared_ptr<const files::InputFile>& file, const Mp3Settings& settings, files::OutputFile& part,
              const Report& report) :
         source_(file),
         progress_(std::max<std::int64_t>(1, source_.frames()), report), job_{file, settings, {},
@@ -108,7 +108,7 @@ void encodeFile(const Text& input, const Text& output, const Mp3Settings& settin
 {
     if (files::isSameFile(input, output))
         throw Failure{Trouble::pathOrFileAccess, "The output would replace its own source."};
-    const formats::SourceFile file(input);
+    const auto file = files::InputFile::openOrFail(input);
     files::OutputFile part(output, notes);
     Encoding(file, settings, part, report).run(workers, stop);
     part.finish();

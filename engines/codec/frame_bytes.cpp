@@ -9,12 +9,12 @@
 namespace codec
 {
 
-FrameBytes::FrameBytes(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t start,
+FrameBytes::FrameBytes(const files::InputFile& file, const formats::FrameTable& table, std::int64_t start,
                        std::int64_t end) :
     table_(table),
     start_(start), bytes_(static_cast<std::size_t>(table.placeOf(end) - table.placeOf(start)))
 {
-    if (file.read(bytes_.data(), bytes_.size(), table.placeOf(start)) != bytes_.size())
+    if (file.read(bytes_.data(), bytes_.size(), table.placeOf(start)) != std::ssize(bytes_))
         throw Failure(Trouble::deviceInputOutput);
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engines/formats/frame_scan.h"
+#include "files/input_file.h"
 
 #include <cstdint>
 #include <vector>
@@ -14,7 +15,7 @@ class FrameBytes
 {
 public:
     // Frames `start` to `end`. Fails with 57.
-    FrameBytes(const formats::SourceFile& file, const formats::FrameTable& table, std::int64_t start,
+    FrameBytes(const files::InputFile& file, const formats::FrameTable& table, std::int64_t start,
                std::int64_t end);
 
     std::uint8_t* at(std::int64_t frame) { return bytes_.data() + placeOf(frame); }

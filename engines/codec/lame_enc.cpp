@@ -19,7 +19,7 @@ struct Judged {
 
 Judged judged(const Text& path, const Text& output)
 {
-    const bool isWav = succeeds([&] { formats::WavSource(formats::SourceFile(path)); });
+    const bool isWav = succeeds([&] { formats::WavSource(files::InputFile::openOrFail(path)); });
     return {path, isWav && !files::isSameFile(path, output)};
 }
 

@@ -74,12 +74,12 @@ bool collect(FrameWalk& walk, std::int64_t position, std::int64_t end, FrameTabl
 
 }
 
-std::optional<FrameTable> scanFrames(const SourceFile& file)
+std::optional<FrameTable> scanFrames(const std::shared_ptr<const files::InputFile>& file)
 {
-    const auto place = findMp3(file.file());
+    const auto place = findMp3(file);
     if (!place || place->begin != place->start)
         return std::nullopt;
-    FrameWalk walk(file.file(), place->end);
+    FrameWalk walk(file, place->end);
     const auto first = walk.headerAt(place->begin);
     if (!first || first->isFreeFormat())
         return std::nullopt;

@@ -3,9 +3,10 @@
 #pragma once
 
 #include "engines/formats/mpeg_header.h"
-#include "engines/formats/source_file.h"
+#include "files/input_file.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -30,6 +31,6 @@ struct FrameTable {
 };
 
 // nullopt for any other file, and when the encoder's note at the front contradicts the frames.
-std::optional<FrameTable> scanFrames(const SourceFile& file);
+std::optional<FrameTable> scanFrames(const std::shared_ptr<const files::InputFile>& file);
 
 }

@@ -56,6 +56,13 @@ public:
         walk_(file, place.end)
     {
         facts_.place = place;
+        sound_ = place.begin;
+    }
+
+    int channels()
+    {
+        countFrames();
+        return channels_;
     }
 
     std::optional<Mp3Facts> facts()
@@ -91,6 +98,7 @@ private:
     std::int64_t sound_ = 0;           // byte of the first frame that holds sound
     std::optional<std::int32_t> rate_; // bits per second of the frames so far
     bool isConstant_ = true;
+    int channels_ = 1; // of the widest frame so far
 };
 
 void Prober::readInfoFrame()
@@ -149,6 +157,7 @@ void Prober::count(const MpegHeader& header)
     ++stretches.back().frames;
     isConstant_ = isConstant_ && header.bitsPerSecond == rate_.value_or(header.bitsPerSecond);
     rate_ = header.bitsPerSecond;
+    channels_ = std::max(channels_, header.channels);
 }
 
 // The decoder's own gapless rule: what it leaves out, frame by frame, as long as the frames are there.
@@ -193,6 +202,11 @@ std::optional<Mp3Place> findMp3(const std::shared_ptr<const files::InputFile>& f
     place->isShort = isFilled && !walk.headerAt(place->start)->isFreeFormat();
     place->begin = first.value_or(0);
     return first ? place : std::nullopt;
+}
+
+int channelsAt(const Mp3Place& place, const std::shared_ptr<const files::InputFile>& file)
+{
+    return Prober(file, place).channels();
 }
 
 std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const files::InputFile>& file)

@@ -48,6 +48,9 @@ struct Mp3Facts {
     std::int64_t samples() const; // that are left to hear
 };
 
+// 2 where any of the frames there is stereo: those in mono are its two channels alike. All are looked at.
+int channelsAt(const Mp3Place& place, const std::shared_ptr<const files::InputFile>& file);
+
 // Nothing for a file that is no MP3 file. The length comes from an Info frame whose byte count agrees
 // with the file; without one, every frame header is read.
 std::optional<Mp3Facts> probeMp3(const std::shared_ptr<const files::InputFile>& file);

@@ -34,7 +34,6 @@ struct WavFile::Parts {
     std::int64_t size; // bytes, when it was opened
     files::FileWindow window;
     std::int64_t at = 0; // byte
-    bool failed = false;
     SF_INFO info{};
     std::unique_ptr<SNDFILE, Closer> sound;
     std::int64_t frame = 0; // that is read next
@@ -43,6 +42,8 @@ struct WavFile::Parts {
     void open();
     void passTo(std::int64_t frame);
     void fillSize(char* bytes, std::int64_t count) const;
+    template <typename Sample>
+    std::size_t read(std::span<Sample> samples, sf_count_t (*readFrames)(SNDFILE*, Sample*, sf_count_t));
     int coding() const { return info.format & SF_FORMAT_SUBMASK; }
 
     static sf_count_t length(void* self) { return static_cast<Parts*>(self)->size; }
@@ -77,7 +78,6 @@ sf_count_t WavFile::Parts::readBytes(void* into, sf_count_t count, void* self)
 {
     auto& parts = *static_cast<Parts*>(self);
     const auto got = parts.window.read(into, static_cast<std::size_t>(count), parts.at);
-    parts.failed = parts.failed || (got < count && parts.at + got < parts.size);
     parts.fillSize(static_cast<char*>(into), got);
     parts.at += got;
     return got;
@@ -90,6 +90,18 @@ void WavFile::Parts::fillSize(char* bytes, std::int64_t count) const
     for (int i = 0; i < layout->sizeBytes; ++i)
         if (const auto to = layout->sizeAt + i; to >= at && to < at + count)
             bytes[to - at] = static_cast<char>(layout->sizeByte(i));
+}
+
+template <typename Sample>
+std::size_t WavFile::Parts::read(std::span<Sample> samples,
+                                 sf_count_t (*readFrames)(SNDFILE*, Sample*, sf_count_t))
+{
+    if (!sound)
+        return 0;
+    const auto wanted = std::ssize(samples) / info.channels;
+    const auto got = std::max<sf_count_t>(readFrames(sound.get(), samples.data(), wanted), 0);
+    frame += got;
+    return static_cast<std::size_t>(got);
 }
 
 void WavFile::Parts::passTo(std::int64_t target)
@@ -153,26 +165,10 @@ bool WavFile::seek(std::int64_t frame)
     return isOpen() && parts_->frame == frame;
 }
 
-std::size_t WavFile::read(std::span<std::int16_t> samples)
-{
-    if (!isOpen())
-        return 0;
-    const auto wanted = static_cast<sf_count_t>(samples.size()) / channels();
-    const auto got = std::max<sf_count_t>(sf_readf_short(parts_->sound.get(), samples.data(), wanted), 0);
-    parts_->frame += got;
-    return static_cast<std::size_t>(got);
-}
+std::size_t WavFile::read(std::span<std::int16_t> samples) { return parts_->read(samples, sf_readf_short); }
 
-std::size_t WavFile::read(std::span<float> samples)
-{
-    if (!isOpen())
-        return 0;
-    const auto wanted = static_cast<sf_count_t>(samples.size()) / channels();
-    const auto got = std::max<sf_count_t>(sf_readf_float(parts_->sound.get(), samples.data(), wanted), 0);
-    parts_->frame += got;
-    return static_cast<std::size_t>(got);
-}
+std::size_t WavFile::read(std::span<float> samples) { return parts_->read(samples, sf_readf_float); }
 
-bool WavFile::hasFailed() const { return parts_->failed; }
+bool WavFile::hasFailed() const { return parts_->window.hasFailed(); }
 
 }

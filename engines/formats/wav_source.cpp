@@ -66,17 +66,17 @@ struct WavSource::Parts {
     std::size_t channels() const { return static_cast<std::size_t>(wav.channels()); }
 };
 
-WavSource::WavSource(const SourceFile& file) : parts_(new Parts(file.file()))
+WavSource::WavSource(const std::shared_ptr<const files::InputFile>& file) : parts_(new Parts(file))
 {
     const auto& wav = parts_->wav;
-    if (wav.hasFailed() || file.file()->size() < file.size())
+    if (wav.hasFailed())
         throw Failure(Trouble::deviceInputOutput);
     if (!wav.isOpen())
         throw notWav(wav.reason());
     if (wav.channels() > maxChannels || wav.rate() < minRate || wav.rate() > maxRate)
         throw notWav("This number of channels or samples a second cannot be encoded.");
     parts_->mix = wav.stereoMix();
-    parts_->frames = std::min(wav.frames(), file.size() * maxFramesInByte);
+    parts_->frames = std::min(wav.frames(), file->size() * maxFramesInByte);
 }
 
 WavSource::~WavSource() = default;

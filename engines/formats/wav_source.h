@@ -2,7 +2,7 @@
 // The sound of a WAV file, as the encoder takes it.
 #pragma once
 
-#include "engines/formats/source_file.h"
+#include "files/input_file.h"
 
 #include <cstdint>
 #include <memory>
@@ -23,7 +23,7 @@ class WavSource
 {
 public:
     // Any WAV, extensible WAV or RF64 that libsndfile reads. Fails with 57 and the reason.
-    explicit WavSource(const SourceFile& file);
+    explicit WavSource(const std::shared_ptr<const files::InputFile>& file);
     ~WavSource();
 
     int rate() const;     // hertz

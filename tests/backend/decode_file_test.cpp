@@ -39,12 +39,12 @@ Text decoded(const Mp3Zoo& zoo, const Text& mp3, unsigned workers)
     return fileBytes(zoo / "made.wav");
 }
 
-bool isInPieces(const Text& mp3) { return scanFrames(SourceFile(mp3)).has_value(); }
+bool isInPieces(const Text& mp3) { return scanFrames(files::InputFile::openOrFail(mp3)).has_value(); }
 
 // The frame at which decoding in pieces gives up; -1 when it does not.
 std::int64_t brokenFrame(const Text& mp3)
 {
-    const SourceFile file(mp3);
+    const auto file = files::InputFile::openOrFail(mp3);
     const auto table = scanFrames(file);
     PieceDecoder decoder(file, *table, 0, table->frames());
     std::span<const std::int16_t> samples;
@@ -118,7 +118,7 @@ TEST_CASE("Files that only a search can decode are decoded from the start")
     zoo.put("joined files of one format", plain + other);
     zoo.put("joined with tags in between", plain + Text("TAG") + Text(125, ' ') + other);
     zoo.put("junk before", Text(5000, 'x') + plain);
-    const auto places = scanFrames(SourceFile(zoo / "plain.mp3"))->positions;
+    const auto places = scanFrames(files::InputFile::openOrFail(zoo / "plain.mp3"))->positions;
     const auto hole = static_cast<std::size_t>(places[150] - places[100]);
     zoo.put("a hole of zeros", Text(plain).replace(static_cast<std::size_t>(places[100]), hole, hole, '\0'));
     zoo.put("the last frame cut", plain.substr(0, plain.size() - 100));
@@ -177,7 +177,7 @@ TEST_CASE("A frame that breaks off in the decoder spoils no other byte")
 {
     Mp3Zoo zoo;
     const Text plain = fileBytes(lameFile(zoo, "plain", music(44100 * 60), "-b", "128"));
-    const auto table = scanFrames(SourceFile(zoo / "plain.mp3"));
+    const auto table = scanFrames(files::InputFile::openOrFail(zoo / "plain.mp3"));
     REQUIRE(table);
     for (const std::int64_t frame : {200, 1030, 2000}) {
         CAPTURE(frame);
@@ -198,7 +198,7 @@ TEST_CASE("A frame that asks for more of the reservoir than is kept is decoded t
     const Text plain =
         fileBytes(zoo.made("plain", music(22050 * 60, 22050, 1),
                            {"lame", "--quiet", "--resample", "22.05", "-b", "8", "IN", "OUT"}));
-    const auto table = scanFrames(SourceFile(zoo / "plain.mp3"));
+    const auto table = scanFrames(files::InputFile::openOrFail(zoo / "plain.mp3"));
     REQUIRE(table);
     for (const std::int64_t frame : {200, 1030, 2000}) {
         CAPTURE(frame);
@@ -229,7 +229,7 @@ TEST_CASE("A file that begins in the middle of a longer one is decoded to the by
         CAPTURE(c.what);
         const Text plain =
             fileBytes(lameFile(zoo, "plain", music(c.rate * 60, c.rate, c.channels), "-b", c.kilobits));
-        const auto table = scanFrames(SourceFile(zoo / "plain.mp3"));
+        const auto table = scanFrames(files::InputFile::openOrFail(zoo / "plain.mp3"));
         REQUIRE(table);
         bool breaks = false;
         for (std::size_t first = 100; first < 116; ++first) {
@@ -242,7 +242,7 @@ TEST_CASE("A file that begins in the middle of a longer one is decoded to the by
     }
 }
 
-TEST_CASE("Files of different formats joined become one sound in the format of the first")
+TEST_CASE("Files of different formats joined become one sound at the rate of the first")
 {
     Mp3Zoo zoo;
     const Text stereo = fileBytes(lameFile(zoo, "stereo", music(44100 * 4), "-b", "128"));
@@ -257,7 +257,8 @@ TEST_CASE("Files of different formats joined become one sound in the format of t
     };
     const Case cases[] = {
         {"half rate mono behind", stereo + mono, 44100, 2, 10},
-        {"full rate stereo behind", mono + stereo, 22050, 1, 10},
+        {"full rate stereo behind", mono + stereo, 22050, 2, 10},
+        {"more mono behind", mono + mono, 22050, 1, 12},
         {"48 kHz behind", stereo + high, 44100, 2, 9},
         {"three", high + mono + stereo, 48000, 2, 15},
     };
@@ -268,6 +269,34 @@ TEST_CASE("Files of different formats joined become one sound in the format of t
         CHECK(pcm.rate == c.rate);
         CHECK(pcm.channels == c.channels);
         CHECK(static_cast<double>(pcm.frames()) / pcm.rate == doctest::Approx(c.seconds).epsilon(0.03));
+    }
+}
+
+TEST_CASE("Mono and stereo in one file are one stereo sound, to the bytes of mpg123")
+{
+    Mp3Zoo zoo;
+    const Text stereo = fileBytes(lameFile(zoo, "stereo", music(44100 * 20), "-b", "128"));
+    const Text mono = fileBytes(lameFile(zoo, "mono", music(44100 * 20, 44100, 1), "-b", "64"));
+    struct Case {
+        Text what;
+        Text bytes;
+    };
+    const Case cases[] = {
+        {"stereo behind", mono + stereo},
+        {"mono behind", stereo + mono},
+        {"mono between", stereo + mono + stereo},
+        {"stereo between", mono + stereo + mono},
+        {"damage where they meet", mono.substr(0, mono.size() - 100) + Text(3000, 'x') + stereo.substr(50)},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        const Text mp3 = zoo.put(c.what, c.bytes);
+        std::filesystem::remove(zoo / "witness.wav");
+        runTool({"mpg123", "-q", "--stereo", "--resync-limit", "65536", "-w", zoo / "witness.wav", mp3});
+        const Text witness = fileBytes(zoo / "witness.wav");
+        CHECK(witness.size() > 44100 * 39 * 4);
+        for (const unsigned workers : {1u, 2u, 3u, 8u})
+            CHECK(decoded(zoo, mp3, workers) == witness);
     }
 }
 

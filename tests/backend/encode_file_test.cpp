@@ -37,7 +37,7 @@ struct Workplace {
     // The chunks after the first, as the encoder plans them.
     std::vector<EncodeChunk> joins(const Mp3Settings& settings)
     {
-        const SourceFile file(folder / "source.wav");
+        const auto file = files::InputFile::openOrFail(folder / "source.wav");
         WavSource source(file);
         const auto clock = LameEncoder(settings, source.rate(), source.channels()).clock();
         auto chunks = planChunks(clock.outputSamples(source.frames()) / clock.frameSamples, clock);

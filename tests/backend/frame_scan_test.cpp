@@ -2,7 +2,7 @@
 #include "engines/formats/frame_scan.h"
 #include "engines/formats/mp3_probe.h"
 
-#include "engines/codec/frame_cut.h"
+#include "engines/codec/piece_decoder.h"
 #include "tests/support/lame_alone.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wav_files.h"
@@ -38,7 +38,7 @@ struct Disk {
     std::optional<FrameTable> scan(const Text& bytes)
     {
         putFile(folder / "a", bytes);
-        return scanFrames(SourceFile(folder / "a"));
+        return scanFrames(files::InputFile::openOrFail(folder / "a"));
     }
 
     bool knows(const Text& bytes)
@@ -190,30 +190,26 @@ TEST_CASE("Frames cut out of a file come with silenced ones that fill the reserv
     for (const int kilobits : {32, 128, 320}) {
         CAPTURE(kilobits);
         putFile(folder / "a.mp3", lameAlone(music(44100 * 10), kilobits, 44100));
-        const SourceFile file(folder / "a.mp3");
+        const auto file = files::InputFile::openOrFail(folder / "a.mp3");
         const auto table = scanFrames(file);
         REQUIRE(table);
-        CHECK(FrameCut(file, *table, 0, 8).leadIn() == 0);
-        CHECK(FrameCut(file, *table, 8, 16).leadIn() == 8);
-        FrameCut cut(file, *table, 160, 168);
-        CHECK(cut.leadIn() % 8 == 0);
-        CHECK(cut.leadIn() >= 16);
-        CHECK(cut.leadIn() <= 40);
+        CHECK(cutFrames(file, *table, 0, 8).leadIn == 0);
+        CHECK(cutFrames(file, *table, 8, 16).leadIn == 8);
+        const auto cut = cutFrames(file, *table, 160, 168);
+        CHECK(cut.leadIn % 8 == 0);
+        CHECK(cut.leadIn >= 16);
+        CHECK(cut.leadIn <= 40);
 
         // The first frame points nowhere back; those behind it, as far as there is something, to 511 bytes at
         // most.
-        std::vector<std::uint8_t> bytes(200000);
-        std::size_t got = 0;
-        while (const auto more = cut.source().read(bytes.data() + got, bytes.size() - got))
-            got += static_cast<std::size_t>(more);
-        bytes.resize(got);
+        const auto& bytes = cut.input.front;
         std::size_t at = 0;
         int reservoir = 0;
-        for (std::int64_t i = 0; i < cut.leadIn() - 8; ++i) {
+        for (std::int64_t i = 0; i < cut.leadIn - 8; ++i) {
             const auto head = mpegHeader(bytes.data() + at);
             REQUIRE(head);
             CHECK((bytes[at + 4] << 1 | bytes[at + 5] >> 7) == reservoir);
-            CHECK(std::all_of(&bytes[at + 6], &bytes[at] + head->sideInfo,
+            CHECK(std::all_of(&bytes[at + 6], bytes.data() + at + head->sideInfo,
                               [](auto byte) { return byte == 0; }));
             reservoir = std::min(511, reservoir + head->mainData());
             at += static_cast<std::size_t>(head->bytes);
@@ -224,7 +220,8 @@ TEST_CASE("Frames cut out of a file come with silenced ones that fill the reserv
         const Text original = fileBytes(folder / "a.mp3");
         const Text rest(bytes.begin() + static_cast<std::ptrdiff_t>(at), bytes.end());
         const auto begin = static_cast<std::size_t>(table->positions[152]);
-        CHECK(rest == original.substr(begin, static_cast<std::size_t>(table->positions[168]) - begin));
-        CHECK(cut.source().read(bytes.data(), 1) == 0);
+        CHECK(rest == original.substr(begin, static_cast<std::size_t>(table->positions[160]) - begin));
+        CHECK(cut.input.begin == table->positions[160]);
+        CHECK(cut.input.end == table->positions[168]);
     }
 }

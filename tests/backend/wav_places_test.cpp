@@ -53,7 +53,7 @@ std::vector<Sides> played(const Text& path)
 std::vector<Sides> encoderInput(const Text& path)
 {
     Turns turns;
-    const SourceFile file(path);
+    const auto file = files::InputFile::openOrFail(path);
     WavSource source(file);
     SoundBlock block;
     for (source.read(block, 1000); block.frames() > 0; source.read(block, 1000))
@@ -167,8 +167,8 @@ TEST_CASE("A coding that cannot be entered in the middle is encoded like any oth
         codec::encodeFile(plain, folder / "plain.mp3", {}, workers);
         CHECK(fileBytes(folder / "gsm.mp3") == fileBytes(folder / "plain.mp3"));
     }
-    const SourceFile gsmFile(gsm);
-    const SourceFile plainFile(plain);
+    const auto gsmFile = files::InputFile::openOrFail(gsm);
+    const auto plainFile = files::InputFile::openOrFail(plain);
     WavSource source(gsmFile);
     WavSource witness(plainFile);
     SoundBlock one;
@@ -199,7 +199,7 @@ TEST_CASE("A size that was never filled in plays, encodes and is burnt to the fi
             unfilled.replace(bytes.find("data") + 4, 4, size, 4);
             putFile(path, unfilled);
             CHECK(samplesOf(path) == samplesOf(whole));
-            CHECK(WavSource(SourceFile(path)).frames() == 30000);
+            CHECK(WavSource(files::InputFile::openOrFail(path)).frames() == 30000);
             const auto cd = disc::CdSound::open(path);
             REQUIRE(cd);
             CHECK(cd->frames() == 30000);

@@ -28,7 +28,7 @@ struct Sound {
 
 Sound readAll(const Text& path)
 {
-    const SourceFile file(path);
+    const auto file = files::InputFile::openOrFail(path);
     WavSource source(file);
     Sound sound{source.rate(), source.channels(), source.frames(), {}, {}};
     SoundBlock block;
@@ -112,7 +112,7 @@ TEST_CASE("A sound can be taken up at any place")
                              SF_FORMAT_IMA_ADPCM, SF_FORMAT_ULAW}) {
         CAPTURE(format);
         const auto whole = readAll(putWavAs(folder / "a.wav", pcm, SF_FORMAT_WAV | format));
-        const SourceFile file(folder / "a.wav");
+        const auto file = files::InputFile::openOrFail(folder / "a.wav");
         WavSource source(file);
         SoundBlock block;
         for (const std::size_t at : {20011u, 3u, 29990u, 0u, 12288u}) {
@@ -197,11 +197,11 @@ TEST_CASE("What is no WAV is refused with a reason")
         CAPTURE(name);
         Text reason;
         guarded([&](const Failure& failure) { reason = failure.description; },
-                [&] { WavSource(SourceFile(folder / name)); });
+                [&] { WavSource(files::InputFile::openOrFail(folder / name)); });
         CHECK(reason.size() > 5);
     }
-    CHECK(failureOf([&] { SourceFile(folder / "missing.wav"); }) == 53);
-    CHECK(failureOf([&] { SourceFile(folder.path()); }) == 75);
+    CHECK(failureOf([&] { files::InputFile::openOrFail(folder / "missing.wav"); }) == 53);
+    CHECK(failureOf([&] { files::InputFile::openOrFail(folder.path()); }) == 75);
 }
 
 TEST_CASE("Numbers that are none, and sounds past full scale, stay within it")

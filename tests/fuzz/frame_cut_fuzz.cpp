@@ -6,7 +6,6 @@
 #include "tests/fuzz/input.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
@@ -16,10 +15,11 @@ using namespace formats;
 namespace
 {
 
+using Input = std::shared_ptr<const files::InputFile>;
 using Samples = std::vector<std::int16_t>;
 
 // nullopt when a frame may have broken off.
-std::optional<Samples> decoded(const SourceFile& file, const FrameTable& table, std::int64_t begin,
+std::optional<Samples> decoded(const Input& file, const FrameTable& table, std::int64_t begin,
                                std::int64_t end)
 {
     PieceDecoder decoder(file, table, begin, end);
@@ -33,33 +33,9 @@ std::optional<Samples> decoded(const SourceFile& file, const FrameTable& table, 
     return all;
 }
 
-class WholeFile final : public DecoderInput
+Samples decodedFromStart(const Input& file, int channels)
 {
-public:
-    explicit WholeFile(const SourceFile& file) : file_(file) {}
-
-    std::int64_t read(void* bytes, std::size_t count) override
-    {
-        const auto got = static_cast<std::int64_t>(file_.read(bytes, count, at_));
-        at_ += got;
-        return got;
-    }
-
-    std::int64_t seek(std::int64_t offset, int whence) override
-    {
-        const std::int64_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? at_ : file_.size();
-        return base + offset < 0 ? -1 : at_ = base + offset;
-    }
-
-private:
-    const SourceFile& file_;
-    std::int64_t at_ = 0;
-};
-
-Samples decodedFromStart(const SourceFile& file)
-{
-    WholeFile source(file);
-    FrameDecoder decoder(source, FrameDecoder::Kind::File);
+    Mpg123Decoder decoder({file, 0, file->size()}, {.channels = channels, .keepsRate = true});
     Samples all;
     for (std::span<const std::int16_t> samples; decoder.next(samples);)
         all.insert(all.end(), samples.begin(), samples.end());
@@ -72,14 +48,14 @@ void abortUnless(bool holds)
         std::abort();
 }
 
-void compare(const SourceFile& file, const FrameTable& table)
+void compare(const Input& file, const FrameTable& table)
 {
     const auto all = decoded(file, table, 0, table.frames());
     if (!all)
         return;
     const auto channels = table.first.channels;
     abortUnless(Samples(all->begin() + table.trim.begin * channels,
-                        all->begin() + table.trim.end * channels) == decodedFromStart(file));
+                        all->begin() + table.trim.end * channels) == decodedFromStart(file, channels));
     for (std::int64_t begin = 8; begin < table.frames(); begin += 8) {
         const std::int64_t end = std::min(begin + 8, table.frames());
         const auto cut = decoded(file, table, begin, end);
@@ -94,7 +70,7 @@ void compare(const SourceFile& file, const FrameTable& table)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
     const FuzzedFile fuzzed(bytes, size);
-    const SourceFile file(fuzzed.path());
+    const auto file = files::InputFile::openOrFail(fuzzed.path());
     const auto table = scanFrames(file);
     if (table && table->frames() > 1)
         succeeds([&] { compare(file, *table); });

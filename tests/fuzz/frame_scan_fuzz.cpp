@@ -10,13 +10,13 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
     const FuzzedFile fuzzed(bytes, size);
-    const formats::SourceFile file(fuzzed.path());
-    formats::probeMp3(file.file());
+    const auto file = files::InputFile::openOrFail(fuzzed.path());
+    formats::probeMp3(file);
     const auto table = formats::scanFrames(file);
     if (!table)
         return 0;
     const auto& places = table->positions;
-    if (places.empty() || places.front() < 0 || places.back() > file.size() ||
+    if (places.empty() || places.front() < 0 || places.back() > file->size() ||
         std::adjacent_find(places.begin(), places.end(), std::greater_equal<>()) != places.end())
         std::abort();
     if (table->trim.begin < 0 || table->trim.end > table->frames() * table->first.samples)

@@ -2,7 +2,7 @@
 // A fuzzer's bytes as a file without a disk.
 #pragma once
 
-#include "engines/formats/source_file.h"
+#include "files/input_file.h"
 
 #include <cstdint>
 #include <sys/mman.h>

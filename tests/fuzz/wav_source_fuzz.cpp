@@ -26,7 +26,7 @@ void readSome(formats::WavSource& source)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
     const FuzzedFile fuzzed(bytes, size);
-    const formats::SourceFile file(fuzzed.path());
+    const auto file = files::InputFile::openOrFail(fuzzed.path());
     succeeds([&] {
         formats::WavSource source(file);
         if (source.channels() < 1 || source.channels() > 2 || source.frames() < 0)
