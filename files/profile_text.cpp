@@ -12,14 +12,7 @@ namespace
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr auto npos = std::string_view::npos;
 
-std::string_view trimmed(std::string_view text)
-{
-    constexpr std::string_view blanks = " \t\r\v\f";
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
+std::string_view trimmed(std::string_view text) { return withoutBlanks(text, " \t\r\v\f"); }
 
 std::string_view withoutQuotes(std::string_view value)
 {

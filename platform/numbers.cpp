@@ -24,14 +24,6 @@ Text plainDecimal(Number number)
     return text == "-0" ? "0" : text;
 }
 
-std::string_view withoutBlanks(std::string_view text)
-{
-    const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 bool startsANumber(std::string_view text)
 {
     if (!text.empty() && text.front() == '-')

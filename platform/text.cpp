@@ -83,6 +83,12 @@ std::string_view withoutLastCharacter(std::string_view text)
     return text.substr(0, text.empty() ? 0 : text.size() - 1);
 }
 
+std::string_view withoutBlanks(std::string_view text, std::string_view blanks)
+{
+    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
+    return text.substr(0, text.find_last_not_of(blanks) + 1);
+}
+
 std::string_view firstCharacters(std::string_view text, std::size_t count)
 {
     std::size_t at = 0;

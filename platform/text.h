@@ -19,6 +19,9 @@ std::size_t characterCount(std::string_view text);
 // `text` without its last character; an empty text stays empty.
 std::string_view withoutLastCharacter(std::string_view text);
 
+// Without any of `blanks` at its beginning and its end.
+std::string_view withoutBlanks(std::string_view text, std::string_view blanks = " \t");
+
 // The first `count` characters.
 std::string_view firstCharacters(std::string_view text, std::size_t count);
 

@@ -11,60 +11,86 @@ namespace
 
 constexpr std::size_t bufferedBytes = 1 << 16;
 
-void append(Mp3Bytes& to, std::span<const std::uint8_t> bytes)
-{
-    to.insert(to.end(), bytes.begin(), bytes.end());
-}
+using Bytes = std::span<const std::uint8_t>;
 
-}
+void append(Mp3Bytes& to, Bytes bytes) { to.insert(to.end(), bytes.begin(), bytes.end()); }
 
-ChunkEncoder::ChunkEncoder(const EncodeJob& job, const EncodeChunk& chunk) :
-    job_(job), chunk_(chunk), source_(job.file), encoder_(job.settings, source_.rate(), source_.channels()),
-    tagInOut_(static_cast<std::size_t>(job.tagBytes)), at_(job.placeOf(chunk.first)),
-    bodyAt_(job.placeOf(chunk.bodyFirst())),
-    tailAt_(chunk.isLast() ? INT64_MAX : job.placeOf(chunk.bodyEnd()))
+class ChunkEncoder
 {
-    source_.seek(job.clock.inputSamples(chunk.start));
-}
+public:
+    ChunkEncoder(const EncodeJob& job, const EncodeChunk& chunk, const std::stop_token& stop) :
+        job_(job), chunk_(chunk), stop_(stop)
+    {
+        source_.seek(job.clock.inputSamples(chunk.start));
+    }
 
-EncodedChunk ChunkEncoder::run(const std::stop_token& stop)
-{
-    leadIn(stop);
-    if (chunk_.isLast())
-        encodeToTheEnd(stop);
-    else
-        encodeUntil(chunk_.end, stop);
-    write();
-    result_.frames = frame() - chunk_.first;
-    return std::move(result_);
-}
+    EncodedChunk run()
+    {
+        leadIn();
+        if (chunk_.isLast())
+            encodeToTheEnd();
+        else
+            encodeUntil(chunk_.end);
+        write();
+        result_.frames = frame() - chunk_.first;
+        return std::move(result_);
+    }
+
+private:
+    // Bytes by where they belong: to the chunk before as well, to this one alone, to the one behind as well.
+    struct Split {
+        Bytes head;
+        Bytes body;
+        Bytes tail;
+    };
+
+    void leadIn();
+    void encodeUntil(std::int64_t target);
+    void encodeToTheEnd();
+    bool encodeBlock(std::size_t samples);
+    void advance();
+    std::size_t blockBefore(std::int64_t target) const;
+    std::int64_t frame() const { return chunk_.start + encoder_.frames(); }
+    Split split(Bytes music, std::int64_t at) const;
+    void write();
+
+    const EncodeJob& job_;
+    const EncodeChunk& chunk_;
+    const std::stop_token& stop_;
+    formats::WavSource source_{job_.file};
+    LameEncoder encoder_{job_.settings, source_.rate(), source_.channels()};
+    formats::SoundBlock block_;
+    Mp3Bytes out_;
+    std::size_t tagInOut_ = static_cast<std::size_t>(job_.tagBytes); // at the front of `out_`, its room
+    EncodedChunk result_;
+};
 
 // The frames before the chunk's own teach the encoder the sound; the chunk before this one has them. With the
 // flush the own ones begin without a reservoir, which the shared ones then fill as any encoder would.
-void ChunkEncoder::leadIn(const std::stop_token& stop)
+void ChunkEncoder::leadIn()
 {
     if (chunk_.isFirst())
         return;
-    while (frame() < chunk_.first && encodeBlock(blockBefore(chunk_.first), stop))
+    while (frame() < chunk_.first && encodeBlock(blockBefore(chunk_.first)))
         ;
     encoder_.flushAtFrame(out_);
     out_.clear();
     tagInOut_ = 0;
 }
 
-void ChunkEncoder::encodeUntil(std::int64_t target, const std::stop_token& stop)
+void ChunkEncoder::encodeUntil(std::int64_t target)
 {
-    while (frame() < target && encodeBlock(blockBefore(target), stop))
+    while (frame() < target && encodeBlock(blockBefore(target)))
         advance();
     encoder_.flushAtFrame(out_);
 }
 
-void ChunkEncoder::encodeToTheEnd(const std::stop_token& stop)
+void ChunkEncoder::encodeToTheEnd()
 {
     // A single frame is too little for some players to know an MP3 file; the tag tells the true length.
     if (source_.frames() == 0)
         encoder_.encode({{0}, {0}}, out_);
-    while (encodeBlock(static_cast<std::size_t>(job_.clock.frameSamples), stop))
+    while (encodeBlock(static_cast<std::size_t>(job_.clock.frameSamples)))
         advance();
     encoder_.finish(out_);
     result_.tag = encoder_.infoTag();
@@ -79,9 +105,9 @@ std::size_t ChunkEncoder::blockBefore(std::int64_t target) const
     return static_cast<std::size_t>(std::max<std::int64_t>(1, clock.inputSamples(1) / 2));
 }
 
-bool ChunkEncoder::encodeBlock(std::size_t samples, const std::stop_token& stop)
+bool ChunkEncoder::encodeBlock(std::size_t samples)
 {
-    throwIfStopped(stop);
+    throwIfStopped(stop_);
     source_.read(block_, samples);
     if (block_.frames() == 0)
         return false;
@@ -97,33 +123,37 @@ void ChunkEncoder::advance()
         write();
 }
 
+// `music` lies at `at` in the file.
+ChunkEncoder::Split ChunkEncoder::split(Bytes music, std::int64_t at) const
+{
+    const auto bytesBeforeFrame = [&](std::int64_t frame) {
+        const auto bytes = std::clamp<std::int64_t>(job_.placeOf(frame) - at, 0, std::ssize(music));
+        return static_cast<std::size_t>(bytes);
+    };
+    const auto body = bytesBeforeFrame(chunk_.bodyFirst());
+    const auto tail = chunk_.isLast() ? music.size() : bytesBeforeFrame(chunk_.bodyEnd());
+    return {music.first(body), music.subspan(body, tail - body), music.subspan(tail)};
+}
+
 void ChunkEncoder::write()
 {
-    std::span<const std::uint8_t> music = std::span(out_).subspan(tagInOut_);
-    result_.bytes += static_cast<std::int64_t>(music.size());
-
-    append(result_.head, takeUntil(bodyAt_, music));
-    const auto bodyPlace = at_;
-    const auto body = takeUntil(tailAt_, music);
-    job_.part.write(std::as_bytes(body), bodyPlace);
+    const auto music = Bytes(out_).subspan(tagInOut_);
+    const auto at = job_.placeOf(chunk_.first) + result_.bytes;
+    const auto [head, body, tail] = split(music, at);
+    append(result_.head, head);
+    job_.part.write(std::as_bytes(body), at + std::ssize(head));
     result_.checksum.add(body);
-    append(result_.tail, music);
-    at_ += static_cast<std::int64_t>(music.size());
-
+    append(result_.tail, tail);
+    result_.bytes += std::ssize(music);
     out_.clear();
     tagInOut_ = 0;
 }
 
-// Takes from the front of `music`, which belongs at `at_`, what comes before `place`.
-std::span<const std::uint8_t> ChunkEncoder::takeUntil(std::int64_t place,
-                                                      std::span<const std::uint8_t>& music)
+}
+
+EncodedChunk encodeChunk(const EncodeJob& job, const EncodeChunk& chunk, const std::stop_token& stop)
 {
-    const auto left = static_cast<std::int64_t>(music.size());
-    const auto count = std::clamp<std::int64_t>(place - at_, 0, left);
-    const auto taken = music.first(static_cast<std::size_t>(count));
-    music = music.subspan(taken.size());
-    at_ += count;
-    return taken;
+    return ChunkEncoder(job, chunk, stop).run();
 }
 
 }

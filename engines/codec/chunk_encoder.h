@@ -35,36 +35,7 @@ struct EncodedChunk {
     Mp3Bytes tag;      // of the last chunk: as its encoder fills it
 };
 
-class ChunkEncoder
-{
-public:
-    ChunkEncoder(const EncodeJob& job, const EncodeChunk& chunk);
-
-    // Fails with the reason. Throws `Stopped` when asked to stop.
-    EncodedChunk run(const std::stop_token& stop);
-
-private:
-    void leadIn(const std::stop_token& stop);
-    void encodeUntil(std::int64_t frame, const std::stop_token& stop);
-    void encodeToTheEnd(const std::stop_token& stop);
-    bool encodeBlock(std::size_t samples, const std::stop_token& stop);
-    void advance();
-    std::size_t blockBefore(std::int64_t frame) const;
-    std::int64_t frame() const { return chunk_.start + encoder_.frames(); }
-    void write();
-    std::span<const std::uint8_t> takeUntil(std::int64_t place, std::span<const std::uint8_t>& music);
-
-    const EncodeJob& job_;
-    EncodeChunk chunk_;
-    formats::WavSource source_;
-    LameEncoder encoder_;
-    formats::SoundBlock block_;
-    Mp3Bytes out_;
-    std::size_t tagInOut_; // bytes at the front of `out_` that are the room for the tag
-    std::int64_t at_;      // in the file, of what is written next
-    std::int64_t bodyAt_;
-    std::int64_t tailAt_;
-    EncodedChunk result_;
-};
+// Fails with the reason. Throws `Stopped` when asked to stop.
+EncodedChunk encodeChunk(const EncodeJob& job, const EncodeChunk& chunk, const std::stop_token& stop);
 
 }

@@ -80,8 +80,8 @@ std::vector<std::int64_t> pieceBorders(std::int64_t frames, unsigned workers)
 class PiecewiseDecoding
 {
 public:
-    PiecewiseDecoding(const Input& file, const formats::FrameTable& table,
-                      files::OutputFile& part, Progress& progress) :
+    PiecewiseDecoding(const Input& file, const formats::FrameTable& table, files::OutputFile& part,
+                      Progress& progress) :
         file_(file),
         table_(table), part_(part), progress_(progress)
     {

@@ -26,8 +26,8 @@ std::int64_t infoTagBytes(LameEncoder& fresh)
 class Encoding
 {
 public:
-    Encoding(const std::shared_ptr<const files::InputFile>& file, const Mp3Settings& settings, files::OutputFile& part,
-             const Report& report) :
+    Encoding(const std::shared_ptr<const files::InputFile>& file, const Mp3Settings& settings,
+             files::OutputFile& part, const Report& report) :
         source_(file),
         progress_(std::max<std::int64_t>(1, source_.frames()), report), job_{file, settings, {},
                                                                              0,    part,     progress_}
@@ -53,7 +53,7 @@ private:
     {
         std::vector<EncodedChunk> chunks(plan.size());
         runTasks(workers, plan.size(), stop, [&](std::size_t i, const std::stop_token& stopChunk) {
-            chunks[i] = ChunkEncoder(job_, plan[i]).run(stopChunk);
+            chunks[i] = encodeChunk(job_, plan[i], stopChunk);
         });
         return chunks;
     }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/info_tag.h"
 
-#include "engines/formats/frame_scan.h"
+#include "engines/formats/mpeg_header.h"
+#include "platform/byte_order.h"
 
 #include <algorithm>
 #include <array>
@@ -34,11 +35,10 @@ std::uint16_t updated(std::uint16_t value, std::uint8_t byte)
     return static_cast<std::uint16_t>(value >> 8 ^ table[(value ^ byte) & 0xFF]);
 }
 
-void put(std::uint8_t* at, std::int64_t value, int bytes)
+void put(std::uint8_t* at, std::int64_t value, std::size_t bytes)
 {
     const auto held = static_cast<std::uint32_t>(std::min<std::int64_t>(value, UINT32_MAX));
-    for (int i = 0; i < bytes; ++i)
-        at[i] = static_cast<std::uint8_t>(held >> 8 * (bytes - 1 - i));
+    std::ranges::copy(toBigEndian(held, bytes), at);
 }
 
 // Fields, counted from the word "Info".

@@ -38,8 +38,7 @@ std::vector<std::uint8_t> emptyFrameBehind(FrameBytes& bytes, std::int64_t frame
 
 bool isHeard(std::vector<std::uint8_t> frames, int channels)
 {
-    formats::Mpg123Decoder decoder({nullptr, 0, 0, std::move(frames)},
-                                   {.channels = channels, .isCut = true});
+    formats::Mpg123Decoder decoder({nullptr, 0, 0, std::move(frames)}, {.channels = channels, .isCut = true});
     for (std::span<const std::int16_t> samples; decoder.next(samples);)
         if (!std::ranges::all_of(samples, isZero))
             return true;

@@ -21,12 +21,7 @@ std::string_view untilFirst(std::string_view text, std::string_view end)
     return text.substr(0, text.find(end));
 }
 
-std::string_view trimmed(std::string_view text)
-{
-    constexpr std::string_view blanks = " \t\r\n";
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
-}
+std::string_view trimmed(std::string_view text) { return withoutBlanks(text, " \t\r\n"); }
 
 std::string_view takeLine(std::string_view& text)
 {

@@ -57,12 +57,6 @@ const Row* rowNamed(const Row (&rows)[size], std::string_view name)
     return found == std::end(rows) ? nullptr : found;
 }
 
-std::string_view trimmed(std::string_view text)
-{
-    text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-    return text.substr(0, text.find_last_not_of(blanks) + 1);
-}
-
 // The text up to one of `ends`, which goes too, and what follows it.
 std::string_view takenTo(std::string_view ends, std::string_view& rest)
 {
@@ -75,7 +69,7 @@ std::string_view takenTo(std::string_view ends, std::string_view& rest)
 std::string_view takenWord(std::string_view& rest)
 {
     const auto word = takenTo(blanks, rest);
-    rest = trimmed(rest);
+    rest = withoutBlanks(rest, blanks);
     return word;
 }
 
@@ -111,12 +105,13 @@ NameAndKind nameAndKindIn(std::string_view text)
 {
     if (text.starts_with('"')) {
         const std::size_t end = text.rfind('"');
-        return {text.substr(1, std::max<std::size_t>(end, 1) - 1), trimmed(text.substr(end + 1))};
+        return {text.substr(1, std::max<std::size_t>(end, 1) - 1),
+                withoutBlanks(text.substr(end + 1), blanks)};
     }
     const std::size_t end = text.find_last_of(blanks);
     if (end == text.npos)
         return {};
-    return {trimmed(text.substr(0, end)), text.substr(end + 1)};
+    return {withoutBlanks(text.substr(0, end), blanks), text.substr(end + 1)};
 }
 
 // Follows a sheet line by line. Each line of a word that it knows must be one that it can follow.
@@ -151,7 +146,7 @@ bool SheetReader::take(std::string_view line)
         {"PREGAP", &SheetReader::takePregap},   {"INDEX", &SheetReader::takeIndex},
         {"POSTGAP", &SheetReader::takePostgap},
     };
-    std::string_view rest = trimmed(line);
+    std::string_view rest = withoutBlanks(line, blanks);
     const Command* const command = rowNamed(commands, takenWord(rest));
     return command == nullptr || (this->*command->take)(rest);
 }

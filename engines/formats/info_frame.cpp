@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/formats/info_frame.h"
 
+#include "platform/byte_order.h"
+
 #include <algorithm>
 #include <string_view>
 
@@ -24,10 +26,9 @@ public:
     {
         if (!has(4))
             return std::nullopt;
-        const auto value = std::uint32_t{bytes_[0]} << 24 | std::uint32_t{bytes_[1]} << 16 |
-                           std::uint32_t{bytes_[2]} << 8 | bytes_[3];
+        const auto value = fromBigEndian(bytesFrom(bytes_.data(), 4));
         skip(4);
-        return value;
+        return static_cast<std::uint32_t>(value);
     }
 
 private:

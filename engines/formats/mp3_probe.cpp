@@ -6,7 +6,6 @@
 #include "engines/formats/wav_layout.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <string_view>
 
@@ -28,25 +27,22 @@ constexpr std::string_view containers[] = {
 };
 // clang-format on
 
-bool isForeign(files::FileWindow& window, std::int64_t at)
+bool isForeign(const Text& start)
 {
-    std::array<char, 8> bytes{};
-    window.read(bytes.data(), bytes.size(), at);
-    const std::string_view start(bytes.data(), bytes.size());
-    return start.substr(4) == "ftyp" ||
+    return start.substr(std::min<std::size_t>(start.size(), 4)) == "ftyp" ||
            std::ranges::any_of(containers, [&](std::string_view mark) { return start.starts_with(mark); });
 }
 
 // The bytes among which the frames are looked for.
 std::optional<Mp3Place> soundOf(const std::shared_ptr<const files::InputFile>& file)
 {
-    files::FileWindow window(file);
+    files::FileBytes bytes(file);
     if (const auto wav = wavLayout(file); wav && wav->coding == WavLayout::mpegLayerThree)
-        return Mp3Place{endOfLeadingTags(window, wav->begin), 0, wav->end, true, false};
-    const std::int64_t start = endOfLeadingTags(window);
-    if (isForeign(window, 0) || isForeign(window, start))
+        return Mp3Place{endOfLeadingTags(bytes, wav->begin), 0, wav->end, true, false};
+    const std::int64_t start = endOfLeadingTags(bytes);
+    if (isForeign(bytes.read(0, 8)) || isForeign(bytes.read(static_cast<std::uint64_t>(start), 8)))
         return std::nullopt;
-    return Mp3Place{start, 0, startOfTrailingTags(*file, file->size()), false, false};
+    return Mp3Place{start, 0, startOfTrailingTags(bytes, file->size()), false, false};
 }
 
 class Prober

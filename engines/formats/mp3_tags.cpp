@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/formats/mp3_tags.h"
 
-#include <array>
+#include "platform/byte_order.h"
+
 #include <charconv>
-#include <string_view>
 
 namespace formats
 {
@@ -11,75 +11,62 @@ namespace formats
 namespace
 {
 
-std::string_view textAt(const unsigned char* bytes, std::size_t size)
-{
-    return {reinterpret_cast<const char*>(bytes), size};
-}
-
-// ID3v2, section 3.1: ten bytes, four of them the size in seven bits each; a footer repeats the ten. 0 where
-// there is none.
-std::int64_t id3v2Bytes(const unsigned char* head)
-{
-    const bool isNumber = ((head[6] | head[7] | head[8] | head[9]) & 0x80) == 0;
-    if (textAt(head, 3) != "ID3" || head[3] == 0xFF || head[4] == 0xFF || !isNumber)
-        return 0;
-    const std::int64_t size = head[6] << 21 | head[7] << 14 | head[8] << 7 | head[9];
-    return 10 + size + (head[5] & 0x10 ? 10 : 0);
-}
-
-std::int64_t littleEndian(const unsigned char* bytes)
-{
-    return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<std::int64_t>(bytes[3]) << 24;
-}
-
+constexpr std::int64_t id3v2HeadBytes = 10; // a footer repeats them
 constexpr std::int64_t id3v1Bytes = 128;
 constexpr std::int64_t apeFooterBytes = 32;
 constexpr std::int64_t lyricsFooterBytes = 15;
 
+Text readAt(files::ByteSource& file, std::int64_t at, std::int64_t count)
+{
+    return at < 0 ? Text() : file.read(static_cast<std::uint64_t>(at), static_cast<std::size_t>(count));
+}
+
 // Each of these: how many bytes before `end` the tag takes; 0 when there is none.
 
-std::int64_t id3v1Before(const files::InputFile& file, std::int64_t end)
+std::int64_t id3v1Before(files::ByteSource& file, std::int64_t end)
 {
-    std::array<unsigned char, 3> mark{};
-    const bool present = end >= id3v1Bytes && file.read(mark.data(), mark.size(), end - id3v1Bytes) == 3 &&
-                         textAt(mark.data(), mark.size()) == "TAG";
-    return present ? id3v1Bytes : 0;
+    return readAt(file, end - id3v1Bytes, id3v1Bytes).starts_with("TAG") ? id3v1Bytes : 0;
 }
 
-std::int64_t apeBefore(const files::InputFile& file, std::int64_t end)
+std::int64_t apeBefore(files::ByteSource& file, std::int64_t end)
 {
-    std::array<unsigned char, apeFooterBytes> footer{};
-    if (end < apeFooterBytes ||
-        file.read(footer.data(), footer.size(), end - apeFooterBytes) != apeFooterBytes ||
-        textAt(footer.data(), 8) != "APETAGEX")
+    const Text footer = readAt(file, end - apeFooterBytes, apeFooterBytes);
+    if (!footer.starts_with("APETAGEX"))
         return 0;
-    const bool hasHeader = (footer[23] & 0x80) != 0;
-    return littleEndian(&footer[12]) + (hasHeader ? apeFooterBytes : 0);
+    const bool hasHeader = (valueOf(footer[23]) & 0x80) != 0;
+    return static_cast<std::int64_t>(fromLittleEndian(footer.substr(12, 4))) +
+           (hasHeader ? apeFooterBytes : 0);
 }
 
-std::int64_t lyricsBefore(const files::InputFile& file, std::int64_t end)
+std::int64_t lyricsBefore(files::ByteSource& file, std::int64_t end)
 {
-    std::array<unsigned char, lyricsFooterBytes> footer{};
-    if (end < lyricsFooterBytes ||
-        file.read(footer.data(), footer.size(), end - lyricsFooterBytes) != lyricsFooterBytes ||
-        textAt(&footer[6], 9) != "LYRICS200")
+    const Text footer = readAt(file, end - lyricsFooterBytes, lyricsFooterBytes);
+    if (!footer.ends_with("LYRICS200"))
         return 0;
     std::int64_t size = 0;
-    const auto digits = textAt(footer.data(), 6);
-    std::from_chars(digits.data(), digits.data() + digits.size(), size);
+    std::from_chars(footer.data(), footer.data() + 6, size);
     return size + lyricsFooterBytes;
 }
 
 }
 
-std::int64_t endOfLeadingTags(files::FileWindow& window, std::int64_t at)
+std::int64_t id3v2Bytes(std::string_view head)
 {
-    for (const auto* head = window.view(at, 10); head && id3v2Bytes(head) > 0; head = window.view(at, 10))
-        at += id3v2Bytes(head);
+    if (head.size() < id3v2HeadBytes || !head.starts_with("ID3") || head[3] == '\xFF' || head[4] == '\xFF' ||
+        !isSyncSafe(head.substr(6, 4)))
+        return 0;
+    const bool hasFooter = head[3] == 4 && (valueOf(head[5]) & 0x10) != 0;
+    return id3v2HeadBytes + fromSyncSafe(head.substr(6, 4)) + (hasFooter ? id3v2HeadBytes : 0);
+}
+
+std::int64_t endOfLeadingTags(files::ByteSource& file, std::int64_t at)
+{
+    while (const auto bytes = id3v2Bytes(readAt(file, at, id3v2HeadBytes)))
+        at += bytes;
     return at;
 }
 
-std::int64_t startOfTrailingTags(const files::InputFile& file, std::int64_t end)
+std::int64_t startOfTrailingTags(files::ByteSource& file, std::int64_t end)
 {
     for (const auto bytesBefore : {id3v1Before, lyricsBefore, apeBefore, lyricsBefore}) {
         const std::int64_t bytes = bytesBefore(file, end);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/formats/mpeg_header.h"
 
+#include "platform/byte_order.h"
+
 namespace formats
 {
 
@@ -42,8 +44,7 @@ int sideInfoOf(const MpegHeader& header)
 std::optional<MpegHeader> mpegHeader(const std::uint8_t* fourBytes)
 {
     MpegHeader header;
-    for (int i = 0; i < 4; ++i)
-        header.bits = header.bits << 8 | fourBytes[i];
+    header.bits = static_cast<std::uint32_t>(fromBigEndian(bytesFrom(fourBytes, 4)));
     const unsigned version = header.bits >> 19 & 3;
     const unsigned layer = header.bits >> 17 & 3;
     const unsigned bitrate = header.bits >> 12 & 15;

@@ -40,7 +40,7 @@ public:
     Mpg123Decoder& operator=(const Mpg123Decoder&) = delete;
 
     bool isOpen() const { return isOpen_; }
-    bool hasFailed() const;         // the file could not be read to its end
+    bool hasFailed() const;        // the file could not be read to its end
     std::int64_t position() const; // the byte of the file that is read next
 
     // The next frame's samples, channels interleaved, valid until the next call. False at the end.

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/formats/wav_layout.h"
 
+#include "platform/byte_order.h"
+
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 namespace formats
@@ -54,7 +55,7 @@ private:
     std::string_view name(std::int64_t at)
     {
         const auto* bytes = window_.view(at, 4);
-        return bytes ? std::string_view(reinterpret_cast<const char*>(bytes), 4) : std::string_view();
+        return bytes ? bytesFrom(bytes, 4) : std::string_view();
     }
 
     // Names are printable ASCII.
@@ -65,13 +66,12 @@ private:
     }
 
     // 0 past the end of the file.
-    std::int64_t number(std::int64_t at, int bytes)
+    std::int64_t number(std::int64_t at, std::size_t bytes)
     {
-        const auto* from = window_.view(at, static_cast<std::size_t>(bytes));
-        std::uint64_t value = 0;
-        for (int i = 0; from && i < bytes; ++i)
-            value = value << 8 | from[layout_.isBigEndian ? i : bytes - 1 - i];
-        return static_cast<std::int64_t>(value);
+        const auto* from = window_.view(at, bytes);
+        const auto stored = from ? bytesFrom(from, bytes) : std::string_view();
+        return static_cast<std::int64_t>(layout_.isBigEndian ? fromBigEndian(stored)
+                                                             : fromLittleEndian(stored));
     }
 
     void readFormat(std::int64_t at, std::int64_t size)

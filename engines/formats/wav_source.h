@@ -2,8 +2,9 @@
 // The sound of a WAV file, as the encoder takes it.
 #pragma once
 
-#include "files/input_file.h"
+#include "engines/formats/wav_file.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -24,11 +25,10 @@ class WavSource
 public:
     // Any WAV, extensible WAV or RF64 that libsndfile reads. Fails with 57 and the reason.
     explicit WavSource(const std::shared_ptr<const files::InputFile>& file);
-    ~WavSource();
 
-    int rate() const;     // hertz
-    int channels() const; // 1 or 2: more are mixed down
-    std::int64_t frames() const;
+    int rate() const { return wav_.rate(); }                      // hertz
+    int channels() const { return std::min(wav_.channels(), 2); } // more are mixed down
+    std::int64_t frames() const { return frames_; }
 
     void seek(std::int64_t frame); // fails with 57
 
@@ -37,8 +37,15 @@ public:
     void read(SoundBlock& block, std::size_t frames);
 
 private:
-    struct Parts;
-    std::unique_ptr<Parts> parts_;
+    void fill(std::size_t count);
+    void split(SoundBlock& block) const;
+    std::size_t width() const { return static_cast<std::size_t>(wav_.channels()); }
+
+    WavFile wav_;
+    StereoMix mix_{2};
+    std::int64_t frames_ = 0;
+    std::int64_t at_ = 0;
+    std::vector<float> interleaved_;
 };
 
 }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/ape_tag.h"
 
-#include "engines/tags/byte_order.h"
 #include "engines/tags/tag_text.h"
+#include "platform/byte_order.h"
 
 #include <algorithm>
 #include <utility>
@@ -28,26 +28,14 @@ constexpr std::uint32_t mostItems = 10'000;
 constexpr std::size_t longestKey = 255;
 constexpr std::uint64_t longestText = 64 * 1024;
 
-struct Name {
-    Field field;
-    const char* key;
-};
+// In the order of `Field`.
+constexpr const char* keys[] = {"Title", "Artist", "Album", "Year", "Genre", "Comment"};
 
-constexpr Name names[] = {
-    {Field::Title, "Title"}, {Field::Artist, "Artist"}, {Field::Album, "Album"},
-    {Field::Year, "Year"},   {Field::Genre, "Genre"},   {Field::Comment, "Comment"},
-};
-
-Text keyOf(Field field)
-{
-    return std::find_if(std::begin(names), std::end(names),
-                        [&](const Name& name) { return name.field == field; })
-        ->key;
-}
+Text keyOf(Field field) { return keys[static_cast<std::size_t>(field)]; }
 
 std::uint32_t numberAt(std::string_view bytes, std::size_t at)
 {
-    return fromLittleEndian(bytes.substr(at, 4));
+    return static_cast<std::uint32_t>(fromLittleEndian(bytes.substr(at, 4)));
 }
 
 std::optional<ApeItem> itemAt(files::ByteSource& tag, std::uint64_t at, std::uint64_t end)
@@ -98,7 +86,7 @@ std::vector<Text> valuesOf(ApeTag& tag, Field field)
 
 Text makeItem(const Text& key, const Text& value)
 {
-    return toLittleEndian(static_cast<std::uint32_t>(value.size())) + Text(4, '\0') + key + '\0' + value;
+    return toLittleEndian(value.size()) + Text(4, '\0') + key + '\0' + value;
 }
 
 const FieldChange* changeOf(const ApeItem& item, const std::vector<FieldChange>& changes)
@@ -113,8 +101,8 @@ const FieldChange* changeOf(const ApeItem& item, const std::vector<FieldChange>&
 // A header or footer for items of that many bytes.
 Text renewed(Text end, std::size_t bytes, std::size_t count)
 {
-    end.replace(sizeAt, 4, toLittleEndian(static_cast<std::uint32_t>(bytes + endSize)));
-    end.replace(countAt, 4, toLittleEndian(static_cast<std::uint32_t>(count)));
+    end.replace(sizeAt, 4, toLittleEndian(bytes + endSize));
+    end.replace(countAt, 4, toLittleEndian(count));
     return end;
 }
 

@@ -60,16 +60,17 @@ bool genreStays(const Tag& wanted, const HeldTag& held, const Tag& shown)
 
 HeldTag heldTag(const std::function<std::vector<Text>(Field)>& valuesOf)
 {
-    HeldTag held;
-    for (const auto& [field, text] : textFields)
-        held.tag.*text = oneLine(joined(valuesOf(field)));
+    const auto lineOf = [&](Field field) { return oneLine(joined(valuesOf(field))); };
     const auto genres = valuesOf(Field::Genre);
-    held.tag.year = yearOf(joined(valuesOf(Field::Year)));
-    held.tag.genreIndex = genreOf(genres);
-    if (held.tag.genreIndex < 0)
-        held.tag.genreName = nameOf(genres);
-    held.genre = joined(genres);
-    return held;
+    const std::int16_t genre = genreOf(genres);
+    const Tag tag{.title = lineOf(Field::Title),
+                  .artist = lineOf(Field::Artist),
+                  .album = lineOf(Field::Album),
+                  .comment = lineOf(Field::Comment),
+                  .year = yearOf(joined(valuesOf(Field::Year))),
+                  .genreIndex = genre,
+                  .genreName = genre < 0 ? nameOf(genres) : ""};
+    return {tag, joined(genres)};
 }
 
 std::vector<FieldChange> changesTo(const Tag& wanted, const HeldTag& held, const Tag& shown)

@@ -73,39 +73,36 @@ std::int16_t numberOfName(std::string_view name)
     return -1;
 }
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+// "17", "(17)" and "(17)Hard" begin with a number; any other text is a name alone.
+struct GenreText {
+    std::string_view number;
+    std::string_view name;
+};
 
-std::size_t digitsIn(std::string_view text)
+std::string_view digitsIn(std::string_view text)
 {
-    std::size_t count = 0;
-    while (count < text.size() && isDigit(text[count]))
-        ++count;
-    return count;
+    return text.substr(0, text.find_first_not_of("0123456789"));
 }
 
-// The length of a number in brackets that `text` begins with, brackets included; 0 without one.
-std::size_t bracketsIn(std::string_view text)
+GenreText parted(std::string_view text)
 {
+    text = withoutBlanks(text);
+    if (digitsIn(text) == text)
+        return {text, {}};
     if (!text.starts_with('('))
-        return 0;
-    const std::size_t digits = digitsIn(text.substr(1));
-    const bool isClosed = digits > 0 && text.substr(1 + digits).starts_with(')');
-    return isClosed ? digits + 2 : 0;
+        return {{}, text};
+    const auto number = digitsIn(text.substr(1));
+    const auto rest = text.substr(1 + number.size());
+    const bool isClosed = !number.empty() && rest.starts_with(')');
+    return isClosed ? GenreText{number, withoutBlanks(rest.substr(1))} : GenreText{{}, text};
 }
 
-std::int16_t leadingNumber(std::string_view text)
+// -1 for 255, the standards' own "none", and for what is no genre's number.
+std::int16_t genreOf(std::string_view digits)
 {
-    std::int16_t genre = -1;
-    std::from_chars(text.data(), text.data() + digitsIn(text), genre);
-    return genre < 255 ? genre : -1;
-}
-
-std::string_view withoutBlanks(std::string_view text)
-{
-    const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+    int number = -1; // and so it stays where the digits are too many
+    std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return number < 255 ? static_cast<std::int16_t>(number) : std::int16_t{-1};
 }
 
 }
@@ -117,19 +114,14 @@ Text genreName(std::int16_t genre)
 
 std::int16_t genreNumber(std::string_view text)
 {
-    text = withoutBlanks(text);
-    if (!text.empty() && digitsIn(text) == text.size())
-        return leadingNumber(text);
-    return bracketsIn(text) > 0 ? leadingNumber(text.substr(1)) : numberOfName(text);
+    const auto [number, name] = parted(text);
+    return number.empty() ? numberOfName(name) : genreOf(number);
 }
 
 Text genreWithoutNumber(std::string_view text)
 {
-    if (genreNumber(text) >= 0)
-        return {};
-    text = withoutBlanks(text);
-    text = withoutBlanks(text.substr(bracketsIn(text)));
-    return digitsIn(text) == text.size() ? Text() : Text(text);
+    const auto name = parted(text).name;
+    return genreNumber(text) >= 0 || digitsIn(name) == name ? Text() : Text(name);
 }
 
 }

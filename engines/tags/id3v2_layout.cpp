@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/id3v2_layout.h"
 
-#include "engines/tags/byte_order.h"
+#include "engines/formats/mp3_tags.h"
+#include "platform/byte_order.h"
 #include "platform/failure.h"
 
 #include <algorithm>
@@ -13,7 +14,6 @@ namespace
 {
 
 constexpr std::size_t headerSize = 10;
-constexpr int mostTags = 16;
 constexpr std::size_t mostFrames = 10'000;
 constexpr std::uint64_t longestText = 64 * 1024;
 constexpr std::uint32_t longestScrambled = 64 << 20;
@@ -56,8 +56,6 @@ std::size_t idSize(int version) { return version == 2 ? 3 : 4; }
 
 std::size_t frameHeaderSize(int version) { return version == 2 ? 6 : headerSize; }
 
-unsigned value(char byte) { return static_cast<unsigned char>(byte); }
-
 bool isId(std::string_view id, int version)
 {
     const auto fits = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); };
@@ -93,7 +91,7 @@ std::uint64_t contentSize(files::ByteSource& body, std::uint64_t at, int version
 // might.
 bool isReadable(int version, std::string_view header, std::uint64_t size)
 {
-    const unsigned flags = version == 2 ? 0 : value(header[9]);
+    const unsigned flags = version == 2 ? 0 : valueOf(header[9]);
     return (flags & (version == 4 ? 0x4Cu : 0xE0u)) == 0 && size <= longestText;
 }
 
@@ -107,8 +105,6 @@ std::optional<Id3v2Frame> frameAt(files::ByteSource& body, std::uint64_t at, int
         return {};
     return Id3v2Frame{nameOf(header.substr(0, idSize(version))), at, size, isReadable(version, header, size)};
 }
-
-[[noreturn]] void refuse(const char* reason) { throw Failure{Trouble::pathOrFileAccess, reason}; }
 
 // 2.3 does not count the four bytes that say its size, 2.4 does.
 std::uint64_t extendedHeaderSize(const Id3v2Layout& layout)
@@ -134,7 +130,7 @@ bool beginsWithFrames(const Id3v2Layout& layout)
 void takeExtendedHeader(Id3v2Layout& layout)
 {
     if (beginsWithFrames(layout))
-        layout.header.bytes[5] = static_cast<char>(value(layout.header.bytes[5]) & ~extendedHeaderFlag);
+        layout.header.bytes[5] = static_cast<char>(valueOf(layout.header.bytes[5]) & ~extendedHeaderFlag);
     else
         layout.framesBegin = extendedHeaderSize(layout);
 }
@@ -144,7 +140,7 @@ Text resynchronised(std::string_view stored)
     Text body;
     for (std::size_t at = 0; at < stored.size(); ++at) {
         body += stored[at];
-        if (value(stored[at]) == 0xFF && at + 1 < stored.size() && stored[at + 1] == '\0')
+        if (valueOf(stored[at]) == 0xFF && at + 1 < stored.size() && stored[at + 1] == '\0')
             ++at;
     }
     return body;
@@ -182,47 +178,36 @@ void checkForm(files::ByteSource& file, const Id3v2Header& header)
 {
     if (header.end > file.size())
         refuse("Its ID3v2 tag is longer than the file.");
-    const bool packed = header.version == 2 && (value(header.bytes[5]) & 0x40) != 0;
+    const bool packed = header.version == 2 && (valueOf(header.bytes[5]) & 0x40) != 0;
     if (header.version < 2 || header.version > 4 || packed)
         refuse("Its ID3v2 tag has a form that Velmora does not know.");
 }
 
 }
 
-bool Id3v2Header::saysScrambled() const { return (value(bytes[5]) & 0x80) != 0; }
+void refuse(const Text& reason) { throw Failure{Trouble::pathOrFileAccess, reason}; }
+
+bool Id3v2Header::saysScrambled() const { return (valueOf(bytes[5]) & 0x80) != 0; }
 
 bool Id3v2Header::isScrambled() const { return version < 4 && saysScrambled(); }
 
 bool Id3v2Header::hasExtendedHeader() const
 {
-    return version > 2 && (value(bytes[5]) & extendedHeaderFlag) != 0;
+    return version > 2 && (valueOf(bytes[5]) & extendedHeaderFlag) != 0;
 }
 
-bool Id3v2Header::hasFooter() const { return version == 4 && (value(bytes[5]) & 0x10) != 0; }
+bool Id3v2Header::hasFooter() const { return version == 4 && (valueOf(bytes[5]) & 0x10) != 0; }
 
 std::optional<Id3v2Header> id3v2HeaderAt(files::ByteSource& file, std::uint64_t at)
 {
     Id3v2Header header{file.read(at, headerSize)};
-    const Text& bytes = header.bytes;
-    if (bytes.size() < headerSize || bytes.substr(0, 3) != "ID3" || value(bytes[3]) == 0xFF ||
-        value(bytes[4]) == 0xFF || !isSyncSafe(bytes.substr(6)))
+    const auto bytes = formats::id3v2Bytes(header.bytes);
+    if (bytes == 0)
         return {};
-    header.version = static_cast<int>(value(bytes[3]));
-    header.size = fromSyncSafe(bytes.substr(6));
-    header.end = at + headerSize + header.size + (header.hasFooter() ? headerSize : 0);
+    header.version = static_cast<int>(valueOf(header.bytes[3]));
+    header.size = fromSyncSafe(header.bytes.substr(6));
+    header.end = at + static_cast<std::uint64_t>(bytes);
     return header;
-}
-
-std::uint64_t endOfId3v2(files::ByteSource& file)
-{
-    std::uint64_t end = 0;
-    for (int tags = 0; tags < mostTags; ++tags) {
-        const auto header = id3v2HeaderAt(file, end);
-        if (!header)
-            break;
-        end = header->end;
-    }
-    return end;
 }
 
 Id3v2Layout id3v2Layout(files::ByteSource& file, const Id3v2Header& header)
@@ -243,7 +228,7 @@ Text frameContent(Id3v2Layout& layout, const Id3v2Frame& frame)
     Text bytes = layout.body->read(frame.at, frame.size);
     if (bytes.size() < frame.size)
         return {};
-    const unsigned flags = tag.version == 4 ? value(bytes[9]) : 0;
+    const unsigned flags = tag.version == 4 ? valueOf(bytes[9]) : 0;
     bytes.erase(0, frameHeaderSize(tag.version) + ((flags & hasLength) != 0 ? lengthSize : 0));
     const bool isScrambled = tag.version == 4 && ((flags & unsynchronisedFrame) != 0 || tag.saysScrambled());
     return isScrambled ? resynchronised(bytes) : bytes;
@@ -256,7 +241,7 @@ Text makeFrame(int version, const Text& id, const Text& content)
     const auto size = static_cast<std::uint32_t>(content.size());
     if (version == 2)
         return nameIn(version, id) + toBigEndian(size, 3) + content;
-    return id + (version == 4 ? toSyncSafe(size) : toBigEndian(size, 4)) + Text(2, '\0') + content;
+    return id + (version == 4 ? toSyncSafe(size) : toBigEndian(size)) + Text(2, '\0') + content;
 }
 
 Text unsynchronised(std::string_view body)
@@ -264,8 +249,8 @@ Text unsynchronised(std::string_view body)
     Text result;
     for (std::size_t at = 0; at < body.size(); ++at) {
         result += body[at];
-        const unsigned next = at + 1 < body.size() ? value(body[at + 1]) : 0;
-        if (value(body[at]) == 0xFF && (next >= 0xE0 || next == 0))
+        const unsigned next = at + 1 < body.size() ? valueOf(body[at + 1]) : 0;
+        if (valueOf(body[at]) == 0xFF && (next >= 0xE0 || next == 0))
             result += '\0';
     }
     return result;

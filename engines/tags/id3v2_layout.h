@@ -11,6 +11,9 @@
 namespace tags
 {
 
+// A tag stays as it is, for this reason.
+[[noreturn]] void refuse(const Text& reason);
+
 struct Id3v2Header {
     Text bytes; // the ten bytes of it
     int version = 0;
@@ -25,10 +28,6 @@ struct Id3v2Header {
 
 // The header at `at`; none where no tag begins there.
 std::optional<Id3v2Header> id3v2HeaderAt(files::ByteSource& file, std::uint64_t at);
-
-// Where the ID3v2 tags at the head of the file end; 0 without one, past the end of a file that is cut within
-// one.
-std::uint64_t endOfId3v2(files::ByteSource& file);
 
 struct Id3v2Frame {
     Text id;                // as ID3v2.3 names it, also in an ID3v2.2 tag

@@ -4,7 +4,6 @@
 
 #include "engines/tags/field_changes.h"
 #include "engines/tags/id3v2_layout.h"
-#include "engines/tags/id3v2_text.h"
 
 namespace tags
 {
@@ -12,8 +11,12 @@ namespace tags
 // The first readable frame of each kind answers; of the comments, the first without a description.
 HeldTag readId3v2(Id3v2Layout& layout);
 
-struct Id3v2Comment : CommentText {
-    std::size_t frame; // its place among the layout's frames
+// All empty but its frame when that is too short to hold one.
+struct Id3v2Comment {
+    std::size_t frame = 0; // its place among the layout's frames
+    Text language = {};    // three letters
+    Text description = {};
+    Text text = {};
 };
 
 // The readable comments in their order; the first hundred, for a file that was made to keep its reader busy.

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/tags/id3v2_write.h"
 
-#include "engines/tags/byte_order.h"
 #include "engines/tags/id3v2_read.h"
 #include "engines/tags/tag_text.h"
-#include "platform/failure.h"
+#include "platform/byte_order.h"
 
 #include <algorithm>
 #include <map>
@@ -26,11 +25,7 @@ struct Rewriting {
     Text added;
 };
 
-struct Encoding {
-    char byte;
-    std::size_t zeroes; // that end a text
-};
-
+constexpr char latin1 = 0;
 constexpr char utf16 = 1;
 constexpr char utf8 = 3;
 
@@ -38,36 +33,32 @@ constexpr unsigned checksumSize4 = 5;
 
 // Not Latin-1, which many readers take for their own code page. UTF-8 since 2.4: it has no byte that
 // unsynchronisation would change.
-Encoding encodingFor(std::string_view text, int version)
+char encodingFor(std::string_view text, int version)
 {
     if (isAscii(text))
-        return {0, 1};
-    return version == 4 ? Encoding{utf8, 1} : Encoding{utf16, 2};
+        return latin1;
+    return version == 4 ? utf8 : utf16;
 }
 
-Text encoded(std::string_view text, Encoding encoding)
-{
-    return encoding.byte == utf16 ? toUtf16(text) : Text(text);
-}
+Text encoded(std::string_view text, char encoding) { return encoding == utf16 ? toUtf16(text) : Text(text); }
 
 Text textContent(const Text& text, int version)
 {
-    const Encoding encoding = encodingFor(text, version);
-    return encoding.byte + encoded(text, encoding);
+    const char encoding = encodingFor(text, version);
+    return encoding + encoded(text, encoding);
 }
 
 Text commentContent(const Text& text, const Text& language, int version)
 {
-    const Encoding encoding = encodingFor(text, version);
-    const Text noDescription = encoded("", encoding) + Text(encoding.zeroes, '\0');
-    return encoding.byte + language + noDescription + encoded(text, encoding);
+    const char encoding = encodingFor(text, version);
+    const Text noDescription = encoded("", encoding) + Text(encoding == utf16 ? 2 : 1, '\0');
+    return encoding + language + noDescription + encoded(text, encoding);
 }
 
 void requireReadable(const Id3v2Frame& frame)
 {
     if (!frame.readable)
-        throw Failure{Trouble::pathOrFileAccess,
-                      "Its ID3v2 tag has an encrypted, compressed or overlong " + frame.id + " frame."};
+        refuse("Its ID3v2 tag has an encrypted, compressed or overlong " + frame.id + " frame.");
 }
 
 // One frame of a kind remains: readers differ in which of several they take.
@@ -153,8 +144,6 @@ std::size_t paddingFor(const Id3v2Header& header, std::size_t size, const Text& 
     return size <= header.size ? header.size - size : roomForMore;
 }
 
-unsigned value(char byte) { return static_cast<unsigned char>(byte); }
-
 std::uint32_t checksumOf(std::string_view frames, std::size_t padding)
 {
     const auto sum = [](uLong before, std::string_view bytes) {
@@ -163,34 +152,32 @@ std::uint32_t checksumOf(std::string_view frames, std::size_t padding)
     return static_cast<std::uint32_t>(sum(sum(crc32_z(0, nullptr, 0), frames), Text(padding, '\0')));
 }
 
-[[noreturn]] void refuseDamage() { throw Failure{Trouble::pathOrFileAccess, "Its ID3v2 tag is damaged."}; }
-
 void renew(Text& header, std::size_t at, const Text& bytes)
 {
     if (at + bytes.size() > header.size())
-        refuseDamage();
+        refuse("Its ID3v2 tag is damaged.");
     header.replace(at, bytes.size(), bytes);
 }
 
 // 2.3 counts the padding, and its checksum covers the frames alone.
 void renewExtendedHeader3(Text& header, std::string_view frames, std::size_t padding)
 {
-    renew(header, 6, toBigEndian(static_cast<std::uint32_t>(padding), 4));
-    if ((value(header[4]) & 0x80) != 0)
-        renew(header, 10, toBigEndian(checksumOf(frames, 0), 4));
+    renew(header, 6, toBigEndian(padding));
+    if ((valueOf(header[4]) & 0x80) != 0)
+        renew(header, 10, toBigEndian(checksumOf(frames, 0)));
 }
 
 // The checksum of 2.4 covers the padding, too. It takes five bytes, behind one that counts them; before it
 // stands what says that the tag is an update, a zero.
 void renewExtendedHeader4(Text& header, std::string_view frames, std::size_t padding)
 {
-    const unsigned flags = value(header[5]);
+    const unsigned flags = valueOf(header[5]);
     if ((flags & 0x20) == 0)
         return;
     const std::uint32_t sum = checksumOf(frames, padding);
     const std::size_t at = (flags & 0x40) != 0 ? 7 : 6;
-    if (header.size() <= at || value(header[at]) != checksumSize4)
-        refuseDamage();
+    if (header.size() <= at || valueOf(header[at]) != checksumSize4)
+        refuse("Its ID3v2 tag is damaged.");
     renew(header, at + 1, Text(1, static_cast<char>(sum >> 28)) + toSyncSafe(sum));
 }
 
@@ -207,7 +194,7 @@ void renewExtendedHeader(Text& body, const Id3v2Layout& layout, std::size_t padd
 Text wholeTag(const Id3v2Header& header, const Text& body)
 {
     if (body.size() >= syncSafeLimit)
-        throw Failure{Trouble::pathOrFileAccess, "Its ID3v2 tag would become too long."};
+        refuse("Its ID3v2 tag would become too long.");
     Text bytes = header.bytes;
     bytes.replace(6, 4, toSyncSafe(static_cast<std::uint32_t>(body.size())));
     return bytes + body + (header.hasFooter() ? "3DI" + bytes.substr(3) : "");
@@ -219,7 +206,7 @@ Text id3v2With(Id3v2Layout& layout, const std::vector<FieldChange>& changes)
 {
     const Id3v2Header& header = layout.header;
     if (!layout.isFaithful)
-        throw Failure{Trouble::pathOrFileAccess, "Its ID3v2 tag is not stored in the way it says."};
+        refuse("Its ID3v2 tag is not stored in the way it says.");
     const Text remains = remainsOf(layout);
     Text body = framesWith(layout, rewritingFor(layout, changes)) + remains;
     const std::size_t size = header.isScrambled() ? unsynchronised(body).size() : body.size();
