@@ -3,13 +3,13 @@
 
 #include "build_id.h"
 #include "files/folders.h"
+#include "platform/mutex.h"
 #include "platform/paths.h"
 
 #include <cstdio>
 #include <dlfcn.h>
 #include <filesystem>
 #include <map>
-#include <mutex>
 #include <string_view>
 #include <system_error>
 
@@ -23,9 +23,9 @@ namespace
 constexpr const char* places[] = {"modules", VELMORA_MODULE_FOLDER};
 
 struct Modules {
-    std::mutex mutex;
-    std::map<std::string_view, const void*> bound;
-    std::function<void(const Text&)> tell = [](const Text& words) {
+    Mutex mutex;
+    std::map<std::string_view, const void*> bound GUARDED_BY(mutex);
+    std::function<void(const Text&)> tell GUARDED_BY(mutex) = [](const Text& words) {
         std::fprintf(stderr, "velmora: %s\n", words.c_str());
     };
 };
@@ -81,7 +81,7 @@ const char* buildName() { return VELMORA_BUILD; }
 const void* partsOf(const char* module)
 {
     Modules& all = modules();
-    const std::lock_guard lock(all.mutex);
+    const Lock lock(all.mutex);
     const auto [known, isNew] = all.bound.try_emplace(module, nullptr);
     if (!isNew)
         return known->second;
@@ -96,8 +96,9 @@ const void* partsOf(const char* module)
 
 void tellTroubleOfModules(std::function<void(const Text&)> tell)
 {
-    const std::lock_guard lock(modules().mutex);
-    modules().tell = std::move(tell);
+    Modules& all = modules();
+    const Lock lock(all.mutex);
+    all.tell = std::move(tell);
 }
 
 }
