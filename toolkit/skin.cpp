@@ -85,7 +85,8 @@ void Skin::write()
         return settled_.start();
     for (auto& [scale, kept] : kept_)
         if (!std::exchange(kept.isWritten, true)) {
-            writing_.emplace([kept, notes = notes_] { kept.file.write(kept.pictures, *notes); }, [] {});
+            writing_.emplace([copy = kept, notes = notes_] { copy.file.write(copy.pictures, *notes); },
+                             [] {});
             return settled_.start(); // for the next scale, if there is one
         }
 }

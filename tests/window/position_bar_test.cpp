@@ -50,13 +50,13 @@ TEST_CASE("On each tick the thumb stands at its share of the track")
         std::int32_t value;
         Twips stands;
     };
-    for (const auto& [value, stands] :
+    for (const Row& row :
          {Row{0, 1920}, Row{1, 1960.2F}, Row{50, 3930}, Row{99, 5899.8F}, Row{100, 5940}, Row{33, 3246.6F}}) {
-        CAPTURE(value);
+        CAPTURE(row.value);
         Bar p;
-        p.window.pbar.setValue(value);
+        p.window.pbar.setValue(row.value);
         p.window.posbar_tim1.Timer.raise();
-        CHECK(p.window.posbar_img2.Left() == stands);
+        CHECK(p.window.posbar_img2.Left() == row.stands);
         CHECK(p.calls().empty());
     }
 }
