@@ -20,7 +20,7 @@
 #include "engines/audio/sndfile_control.h"
 #include "engines/audio/sound_output.h"
 #include "engines/audio/unopened_files.h"
-#include "engines/codec/lame_enc.h"
+#include "engines/codec/encode_jobs.h"
 #include "engines/disc/curl_cd_base.h"
 #include "engines/disc/discs.h"
 #include "files/disk_profile_file.h"
@@ -131,7 +131,7 @@ std::unique_ptr<Mp3Play> Desktop::makeMp3Play()
 
 std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc()
 {
-    return makeLameEnc(parts_->toolkit.post(), shell(), *parts_->partNotes);
+    return makeEncodeJobs(parts_->toolkit.post(), shell(), *parts_->partNotes);
 }
 
 std::unique_ptr<ACD> Desktop::makeACD()

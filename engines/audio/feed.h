@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Decoded sound from one place of a source on, on its way from the thread that decodes it to the one that
-// plays it. One thread writes, one reads, and neither ever waits for the other.
+// A lock-free ring buffer of decoded sound from one place of a source on. The thread that decodes it writes,
+// the one that plays it reads, and neither ever waits for the other.
 #pragma once
 
 #include <atomic>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a stream was given, so that a place in the stream tells what is heard there. The thread that fills the
-// stream notes, another asks; neither waits for the other.
+// A lock-free queue of what a stream was given, so that a place in the stream tells what is heard there. The
+// thread that fills the stream notes, another asks; neither waits for the other.
 #pragma once
 
 #include <array>

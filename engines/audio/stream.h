@@ -81,7 +81,7 @@ private:
     std::atomic<bool> flowing_{false};
     std::atomic<bool> failed_{false};
     std::atomic<Feed*> feed_{nullptr};
-    std::atomic<Feed*> inUse_{nullptr}; // by `write`, right now
+    std::atomic<Feed*> inUse_{nullptr}; // by `write`, right now: a hazard pointer
     std::atomic<std::int64_t> written_{0};
     std::atomic<Clock::time_point> lastSign_{began_};
 

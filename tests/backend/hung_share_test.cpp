@@ -5,7 +5,7 @@
 
 #include "desktop/folder_scan.h"
 #include "desktop/mounted_drives.h"
-#include "engines/codec/lame_enc.h"
+#include "engines/codec/encode_jobs.h"
 #include "files/account.h"
 #include "files/disk_text_files.h"
 #include "files/errand.h"
@@ -218,7 +218,7 @@ TEST_CASE("A conversion from or to a share that does not answer is refused, soon
     const Text wav = putWav(s.parts.folder / "near.wav", noise(22050));
     const Text farWav = putWav(s.share + "/far.wav", noise(22050));
     const Text song = s.parts.folder / "song.mp3";
-    const auto encoder = makeLameEnc(s.parts.post, s.parts.shell, NoPartNotes::instance());
+    const auto encoder = makeEncodeJobs(s.parts.post, s.parts.shell, NoPartNotes::instance());
     {
         const HungShare hung(s.share.c_str());
         const Text to = s.share + "/out";

@@ -3,7 +3,7 @@
 #include "engines/audio/mpg123_play.h"
 #include "engines/audio/sound_output.h"
 #include "engines/audio/unopened_files.h"
-#include "engines/codec/lame_enc.h"
+#include "engines/codec/encode_jobs.h"
 #include "info/error.h"
 #include "platform/part_notes.h"
 #include "support/files.h"
@@ -64,7 +64,7 @@ public:
 
     std::unique_ptr<Mp3Enc> makeMp3Enc() override
     {
-        return makeLameEnc(toolkit().post(), desktop, NoPartNotes::instance());
+        return makeEncodeJobs(toolkit().post(), desktop, NoPartNotes::instance());
     }
     std::unique_ptr<Mp3Play> makeMp3Play() override
     {

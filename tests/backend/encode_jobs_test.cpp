@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/codec/lame_enc.h"
+#include "engines/codec/encode_jobs.h"
 
 #include "tests/support/child.h"
 #include "tests/support/failures.h"
@@ -20,7 +20,7 @@ struct Bench {
     TemporaryFolder folder;
     WindowThread window;
     ToldDesktop desktop;
-    std::unique_ptr<Mp3Enc> encoder = makeLameEnc(window, desktop, NoPartNotes::instance());
+    std::unique_ptr<Mp3Enc> encoder = makeEncodeJobs(window, desktop, NoPartNotes::instance());
     std::vector<Text> told;
     int done = 0;
 
@@ -230,7 +230,7 @@ TEST_CASE(
         WindowThread window;
         ToldDesktop desktop;
         PartList notes(folder / "noted");
-        const auto encoder = makeLameEnc(window, desktop, notes);
+        const auto encoder = makeEncodeJobs(window, desktop, notes);
         int told = 0;
         encoder->Progress.calls([&](std::int32_t) { ++told; });
         encoder->Open(folder / "long.wav", folder / "long.mp3");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/codec/lame_enc.h"
+#include "engines/codec/encode_jobs.h"
 
 #include "engines/codec/conversion_queue.h"
 #include "engines/codec/encode_file.h"
@@ -23,10 +23,10 @@ Judged judged(const Text& path, const Text& output)
     return {path, isWav && !files::isSameFile(path, output)};
 }
 
-class LameEnc final : public Mp3Enc
+class EncodeJobs final : public Mp3Enc
 {
 public:
-    LameEnc(Post& post, Shell& shell, PartNotes& notes) :
+    EncodeJobs(Post& post, Shell& shell, PartNotes& notes) :
         notes_(notes), queue_(post, shell, "Encoding failed",
                               {[this](std::int32_t position) { Progress.raise(position); },
                                [this](std::uint64_t) { finish(); }})
@@ -79,7 +79,7 @@ private:
 
 }
 
-std::unique_ptr<Mp3Enc> makeLameEnc(Post& post, Shell& shell, PartNotes& notes)
+std::unique_ptr<Mp3Enc> makeEncodeJobs(Post& post, Shell& shell, PartNotes& notes)
 {
-    return std::make_unique<LameEnc>(post, shell, notes);
+    return std::make_unique<EncodeJobs>(post, shell, notes);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The encoder on libmp3lame.
+// Encodes WAV files to MP3 files, one job at a time, each with the paths and settings it was opened with.
 #pragma once
 
 #include "platform/mp3_enc.h"
@@ -11,4 +11,4 @@
 
 // The events come through `post`; a failed conversion is told to the desktop through `shell`. Both, and
 // `notes`, outlive the encoder.
-std::unique_ptr<Mp3Enc> makeLameEnc(Post& post, Shell& shell, PartNotes& notes);
+std::unique_ptr<Mp3Enc> makeEncodeJobs(Post& post, Shell& shell, PartNotes& notes);
