@@ -1,11 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/appearance.h"
 
+#include "toolkit/skin_style.h"
+#include "toolkit/tone.h"
+#include "toolkit/type_size.h"
+
 #include <QApplication>
 #include <QFont>
 #include <QIcon>
 #include <QPalette>
 #include <QPixmapCache>
+#include <QWidget>
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <unistd.h>
@@ -19,30 +26,36 @@ namespace
 struct Colour {
     QPalette::ColorRole role;
     QRgb colour;
+    QRgb highContrast;
 };
 
 // A dark face with one accent.
 // clang-format off
 constexpr Colour colours[] = {
-    {QPalette::Window,          0xff24272c}, {QPalette::WindowText,      0xffe4e7ea},
-    {QPalette::Base,            0xff17191c}, {QPalette::AlternateBase,   0xff1e2125},
-    {QPalette::Text,            0xffe4e7ea}, {QPalette::PlaceholderText, 0xff9aa1a9},
-    {QPalette::Button,          0xff2c3036}, {QPalette::ButtonText,      0xffe4e7ea},
-    {QPalette::BrightText,      0xffffffff}, {QPalette::Highlight,       0xffc97b14},
-    {QPalette::HighlightedText, 0xffffffff}, {QPalette::Link,            0xffffab40},
-    {QPalette::ToolTipBase,     0xff33383e}, {QPalette::ToolTipText,     0xffe4e7ea},
+    {QPalette::Window,          0xff24272c, 0xff0a0b0c}, {QPalette::WindowText,      0xffe4e7ea, 0xffffffff},
+    {QPalette::Base,            0xff17191c, 0xff000000}, {QPalette::AlternateBase,   0xff1e2125, 0xff101112},
+    {QPalette::Text,            0xffe4e7ea, 0xffffffff}, {QPalette::PlaceholderText, 0xff9aa1a9, 0xffe8ebee},
+    {QPalette::Button,          0xff2c3036, 0xff1c1e21}, {QPalette::ButtonText,      0xffe4e7ea, 0xffffffff},
+    {QPalette::BrightText,      0xffffffff, 0xffffffff}, {QPalette::Highlight,       0xffc97b14, 0xffffb74d},
+    {QPalette::HighlightedText, 0xffffffff, 0xff000000}, {QPalette::Link,            0xffffab40, 0xffffc670},
+    {QPalette::ToolTipBase,     0xff33383e, 0xff000000}, {QPalette::ToolTipText,     0xffe4e7ea, 0xffffffff},
 };
 // clang-format on
 
-constexpr QRgb disabledText = 0xff7d848c;
+constexpr Colour disabledText{QPalette::Text, 0xff7d848c, 0xffa4abb2};
 
-QPalette darkPalette()
+QColor colourIn(Tone tone, const Colour& colour)
+{
+    return QColor::fromRgb(tone == Tone::usual ? colour.colour : colour.highContrast);
+}
+
+QPalette darkPalette(Tone tone)
 {
     QPalette palette;
     for (const auto& row : colours)
-        palette.setColor(row.role, QColor::fromRgb(row.colour));
+        palette.setColor(row.role, colourIn(tone, row));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
-        palette.setColor(QPalette::Disabled, role, QColor::fromRgb(disabledText));
+        palette.setColor(QPalette::Disabled, role, colourIn(tone, disabledText));
     return palette;
 }
 
@@ -55,6 +68,16 @@ constexpr const char* unseen = "offscreen";
 // The last one only tells that no other answers.
 char platformOption[] = "-platform";
 char platforms[] = "xcb;wayland;offscreen";
+
+// None that would draw the captions' "=>" as one arrow.
+QFont typeOf(double factor)
+{
+    QFont font({"Roboto", "Noto Sans", "Cantarell", "DejaVu Sans"});
+    const double wanted =
+        std::clamp(ownTypePixels * factor, double(ownTypePixels), double(largestTypePixels));
+    font.setPixelSize(static_cast<int>(std::lround(wanted)));
+    return font;
+}
 
 bool isChosenByUser() { return std::getenv("QT_QPA_PLATFORM") != nullptr; }
 
@@ -81,14 +104,19 @@ void dressApplication()
     QApplication::setApplicationName("Velmora");
     QApplication::setDesktopFileName(applicationId);
     QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setStyle("Fusion");
-    QApplication::setPalette(darkPalette());
-    // None that would draw the captions' "=>" as one arrow.
-    QFont font({"Roboto", "Noto Sans", "Cantarell", "DejaVu Sans"});
-    font.setPixelSize(11);
-    QApplication::setFont(font);
+    QApplication::setStyle(new SkinStyle);
+    dressFor({});
     QPixmapCache::setCacheLimit(keptPicturesKb);
     QApplication::setWindowIcon(QIcon(":/skin/picIcon.svg"));
+}
+
+void dressFor(const DesktopWishes& wishes)
+{
+    setTone(wishes.highContrast ? Tone::highContrast : Tone::usual);
+    QApplication::setPalette(darkPalette(tone()));
+    QApplication::setFont(typeOf(wishes.typeFactor));
+    for (auto* widget : QApplication::allWidgets())
+        widget->update();
 }
 
 }

@@ -30,4 +30,13 @@ inline constexpr const char* applicationId = "org.velmora.Velmora";
 // Name, icon, colours and type.
 void dressApplication();
 
+// What a desktop asks of all programs' looks. What it does not say is as usual.
+struct DesktopWishes {
+    bool highContrast = false;
+    double typeFactor = 1;
+};
+
+// The colours and the type by those wishes, in windows that show as well.
+void dressFor(const DesktopWishes& wishes);
+
 }

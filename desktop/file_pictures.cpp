@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/file_pictures.h"
 
+#include <QDir>
 #include <QFileIconProvider>
+#include <QHash>
 #include <QMimeDatabase>
+#include <QStandardPaths>
 
 namespace desktop
 {
@@ -10,18 +13,54 @@ namespace desktop
 namespace
 {
 
+QIcon pictureOf(const char* name) { return QIcon(QString(":/skin/%1.svg").arg(name)); }
+
+struct Kind {
+    const char* ending;
+    const char* picture;
+};
+
+// clang-format off
+constexpr Kind kinds[] = {
+    {"mp3", "file_music"}, {"wav", "file_music"}, {"vlp", "file_list"}, {"m3u", "file_list"}, {"m3u8", "file_list"},
+};
+// clang-format on
+
+const char* pictureNameOf(const QFileInfo& file)
+{
+    const QString ending = file.suffix().toLower();
+    for (const auto& kind : kinds)
+        if (ending == QLatin1String(kind.ending))
+            return kind.picture;
+    return "file";
+}
+
+// In the skin's line, as the buttons around them are.
 class FilePictures final : public QFileIconProvider
 {
 public:
-    using QFileIconProvider::icon;
+    FilePictures()
+    {
+        for (const char* name :
+             {"file", "file_music", "file_list", "folder", "folder_music", "home", "computer", "drive"})
+            pictures_[name] = pictureOf(name);
+    }
+
+    QIcon icon(IconType type) const override
+    {
+        if (type == Folder)
+            return pictures_["folder"];
+        return pictures_[type == File ? "file" : type == Drive || type == Network ? "drive" : "computer"];
+    }
 
     QIcon icon(const QFileInfo& file) const override
     {
-        if (file.isDir())
-            return icon(QFileIconProvider::Folder);
-        const QMimeType kind = kindOf(file);
-        const QIcon usual = icon(QFileIconProvider::File);
-        return QIcon::fromTheme(kind.iconName(), QIcon::fromTheme(kind.genericIconName(), usual));
+        if (!file.isDir())
+            return pictures_[pictureNameOf(file)];
+        if (file.isRoot())
+            return pictures_["drive"];
+        const QString path = file.absoluteFilePath();
+        return pictures_[path == home_ ? "home" : path == music_ ? "folder_music" : "folder"];
     }
 
     QString type(const QFileInfo& file) const override
@@ -35,6 +74,10 @@ private:
     {
         return QMimeDatabase().mimeTypeForFile(file.fileName(), QMimeDatabase::MatchExtension);
     }
+
+    QHash<QString, QIcon> pictures_; // made once: threads that look at folders ask for them
+    const QString home_ = QDir::homePath();
+    const QString music_ = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
 };
 
 }

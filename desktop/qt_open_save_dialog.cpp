@@ -2,6 +2,7 @@
 #include "desktop/qt_open_save_dialog.h"
 
 #include "desktop/dialog_filter.h"
+#include "desktop/file_dialog_look.h"
 #include "desktop/file_pictures.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
@@ -13,8 +14,8 @@
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QLineEdit>
+#include <QScreen>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QUrl>
 #include <algorithm>
 
@@ -56,16 +57,13 @@ std::int16_t chosenFilter(const std::vector<DialogFilter>& filters, const QStrin
     return static_cast<std::int16_t>(found == filters.end() ? 1 : found - filters.begin() + 1);
 }
 
-// Where the first dialog begins, and where the one begins whose last folder does not answer.
-QString firstFolder()
-{
-    const QString music = QStandardPaths::writableLocation(QStandardPaths::MusicLocation);
-    return listing::isFolder(bytesOf(music)) ? music : QDir::homePath();
-}
+constexpr QSize firstSize(720, 460); // logical pixels: the columns and a name beside them
 
-QString firstFolder(const Text& last)
+// No larger than the screen: it may have been another one.
+QSize sizeOf(const RememberedDialog& dialog, const QWidget& window)
 {
-    return !last.empty() && listing::isFolder(last) ? shown(last) : firstFolder();
+    const QSize wanted = dialog.width > 0 ? QSize(dialog.width, dialog.height) : firstSize;
+    return wanted.boundedTo(window.screen()->availableSize());
 }
 
 // A dialog of the library first looks at the folder where the last one of any program ended, wherever it is
@@ -160,7 +158,7 @@ private:
 
 void QtOpenSaveDialog::ShowOpen()
 {
-    FileDialog dialog(firstFolder(folder_));
+    FileDialog dialog(shown(beginningFolder()));
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     if (flags_ & severalFiles)
         dialog.setFileMode(QFileDialog::ExistingFiles);
@@ -171,7 +169,7 @@ void QtOpenSaveDialog::ShowOpen()
 
 void QtOpenSaveDialog::ShowSave()
 {
-    FileDialog dialog(firstFolder(folder_));
+    FileDialog dialog(shown(beginningFolder()));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setOption(QFileDialog::DontConfirmOverwrite, (flags_ & askBeforeOverwriting) == 0);
@@ -186,6 +184,9 @@ void QtOpenSaveDialog::show(QFileDialog& dialog)
     dialog.setOption(QFileDialog::HideNameFilterDetails);
     if (filterIndex_ >= 1 && filterIndex_ <= names.size())
         dialog.selectNameFilter(names[filterIndex_ - 1]);
+    const RememberedDialog remembered = memory_.read();
+    const FileDialogLook look(dialog, remembered.folder);
+    dialog.resize(sizeOf(remembered, dialog));
     if (!initialName_.empty())
         dialog.selectFile(shown(initialName_));
     dialog.setWindowModality(Qt::ApplicationModal);
@@ -196,8 +197,18 @@ void QtOpenSaveDialog::show(QFileDialog& dialog)
         accepted = dialog.exec() == QDialog::Accepted;
     if (accepted)
         take(dialog);
-    else if (cancelError_)
+    memory_.write({dialog.width(), dialog.height(), accepted ? folder_ : remembered.folder});
+    if (!accepted && cancelError_)
         throw Failure(Trouble::cancelled);
+}
+
+// The last one of this control, of any before it, or the first; each only while it answers.
+Text QtOpenSaveDialog::beginningFolder() const
+{
+    for (const Text& folder : {folder_, memory_.read().folder})
+        if (!folder.empty() && listing::isFolder(folder))
+            return folder;
+    return firstFolder();
 }
 
 void QtOpenSaveDialog::take(QFileDialog& dialog)

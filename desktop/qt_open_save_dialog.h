@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "desktop/dialog_memory.h"
 #include "platform/open_save_dialog.h"
 
 class QFileDialog;
@@ -11,6 +12,8 @@ namespace desktop
 class QtOpenSaveDialog final : public OpenSaveDialog
 {
 public:
+    explicit QtOpenSaveDialog(DialogMemory memory = DialogMemory("")) : memory_(std::move(memory)) {}
+
     void setDialogTitle(const Text& title) override { title_ = title; }
     void setCancelError(bool fails) override { cancelError_ = fails; }
     void setFilter(const Text& filter) override { filter_ = filter; }
@@ -27,7 +30,9 @@ public:
 private:
     void show(QFileDialog& dialog);
     void take(QFileDialog& dialog);
+    Text beginningFolder() const;
 
+    DialogMemory memory_;
     Text title_;
     Text filter_;
     Text initialName_;

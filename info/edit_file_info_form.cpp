@@ -14,6 +14,7 @@ editfileinfoform::editfileinfoform(Program& program) :
     setCaption("Edit File Information");
     filelocation.setLocked(true);
     filelocation.setGrey();
+    Label1.setAtRight();
     for (auto* box : {&txtTitle, &txtArtist, &txtAlbum, &txtComment})
         box->setMaxLength(30);
     txtYear.setMaxLength(4);

@@ -16,6 +16,7 @@
 #include "desktop/second_start.h"
 #include "desktop/sqlite_store.h"
 #include "desktop/tool_registry.h"
+#include "desktop/wishes_reader.h"
 #include "engines/audio/mpg123_play.h"
 #include "engines/audio/sndfile_control.h"
 #include "engines/audio/sound_output.h"
@@ -40,6 +41,7 @@
 #include <QApplication>
 #include <clocale>
 #include <cstdlib>
+#include <optional>
 #include <unistd.h>
 
 namespace
@@ -84,6 +86,7 @@ struct Desktop::Parts {
     desktop::DesktopShell shell;
     audio::UnopenedFiles unopened{shell};
     desktop::SecondStarts secondStarts{desktop::sessionBusAddress(environment), toolkit.post()};
+    std::optional<desktop::WishesReader> wishes; // once there is something to dress
     desktop::DesktopSleepLock sleepLock{desktop::systemBusAddress(environment),
                                         desktop::sessionBusAddress(environment)};
     disc::Discs discs{{.music = desktop::musicFolder(environment), .home = desktop::homeFolder(environment)},
@@ -104,6 +107,8 @@ Desktop::Desktop(char* program, const rlimit& stackLimit)
     parts_->toolkit.skin().keepIn(desktop::cacheFolder(parts_->environment), files::buildName(),
                                   parts_->partNotes);
     desktop::dressApplication();
+    parts_->wishes.emplace(desktop::sessionBusAddress(parts_->environment), parts_->toolkit.post(),
+                           desktop::dressFor);
     files::removeNotedParts(desktop::stateFolder(parts_->environment));
     desktop::fillApplicationFolder(parts_->environment, *parts_->ownFiles);
     parts_->toolkit.unhandled = [this](const Failure& failure) {
@@ -153,7 +158,8 @@ std::unique_ptr<MMControl> Desktop::makeMMControl()
 
 std::unique_ptr<OpenSaveDialog> Desktop::makeOpenSaveDialog()
 {
-    return std::make_unique<desktop::QtOpenSaveDialog>();
+    return std::make_unique<desktop::QtOpenSaveDialog>(
+        desktop::DialogMemory(joined(desktop::stateFolder(parts_->environment), "dialogs")));
 }
 
 std::unique_ptr<PopupMenu> Desktop::makePopupMenu()

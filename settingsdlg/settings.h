@@ -31,27 +31,27 @@ public:
                                 {"Mp3 Encoder", "Mp3 Decoder", "CD => WAV", "WAV => CD"}};
 
     ctl::Container& tab0 = SettingsTab.page(0);
-    ctl::Frame        frmSetEncBitr {tab0, "frmSetEncBitr", { 120_tw,   90_tw, 2370_tw, 2340_tw}, "Bitrate (kbits/sec)"};
-    ctl::OptionButton SetEncBitr1   {frmSetEncBitr, "SetEncBitr1",  {  90_tw,  300_tw, 750_tw, 300_tw}, "320"};
-    ctl::OptionButton SetEncBitr2   {frmSetEncBitr, "SetEncBitr2",  {  90_tw,  690_tw, 750_tw, 300_tw}, "256"};
-    ctl::OptionButton SetEncBitr3   {frmSetEncBitr, "SetEncBitr3",  {  90_tw, 1080_tw, 750_tw, 300_tw}, "224"};
-    ctl::OptionButton SetEncBitr4   {frmSetEncBitr, "SetEncBitr4",  {  90_tw, 1470_tw, 750_tw, 300_tw}, "192"};
-    ctl::OptionButton SetEncBitr5   {frmSetEncBitr, "SetEncBitr5",  {  90_tw, 1860_tw, 750_tw, 300_tw}, "160"};
-    ctl::OptionButton SetEncBitr6   {frmSetEncBitr, "SetEncBitr6",  { 840_tw,  300_tw, 750_tw, 300_tw}, "128"};
-    ctl::OptionButton SetEncBitr7   {frmSetEncBitr, "SetEncBitr7",  { 840_tw,  690_tw, 750_tw, 300_tw}, "112"};
-    ctl::OptionButton SetEncBitr8   {frmSetEncBitr, "SetEncBitr8",  { 840_tw, 1080_tw, 750_tw, 300_tw}, "96"};
-    ctl::OptionButton SetEncBitr9   {frmSetEncBitr, "SetEncBitr9",  { 840_tw, 1470_tw, 750_tw, 300_tw}, "80"};
-    ctl::OptionButton SetEncBitr10  {frmSetEncBitr, "SetEncBitr10", { 840_tw, 1860_tw, 750_tw, 300_tw}, "64"};
-    ctl::OptionButton SetEncBitr11  {frmSetEncBitr, "SetEncBitr11", {1590_tw,  300_tw, 750_tw, 300_tw}, "56"};
-    ctl::OptionButton SetEncBitr12  {frmSetEncBitr, "SetEncBitr12", {1590_tw,  690_tw, 750_tw, 300_tw}, "48"};
-    ctl::OptionButton SetEncBitr13  {frmSetEncBitr, "SetEncBitr13", {1590_tw, 1080_tw, 750_tw, 300_tw}, "40"};
-    ctl::OptionButton SetEncBitr14  {frmSetEncBitr, "SetEncBitr14", {1590_tw, 1470_tw, 750_tw, 300_tw}, "32"};
-    ctl::Frame        frmSetEncSF   {tab0, "frmSetEncSF",   { 120_tw, 2550_tw, 2370_tw,  780_tw}, "Sample Frequency (kHz)"};
-    ctl::OptionButton SetEncSF1     {frmSetEncSF, "SetEncSF1", {  90_tw, 330_tw, 750_tw, 300_tw}, "44"};
-    ctl::OptionButton SetEncSF2     {frmSetEncSF, "SetEncSF2", { 840_tw, 330_tw, 750_tw, 300_tw}, "22"};
-    ctl::Frame        SetEncSaveDir {tab0, "SetEncSaveDir", {2550_tw,   90_tw, 3990_tw, 3240_tw}, "Where do you want the mp3s to be saved?"};
+    ctl::Frame        frmSetEncBitr {tab0, "frmSetEncBitr", { 120_tw,   90_tw, 2370_tw, 2610_tw}, "Bitrate (kbits/sec)"};
+    ctl::OptionButton SetEncBitr1   {frmSetEncBitr, "SetEncBitr1",  {  90_tw,  315_tw, 750_tw, 300_tw}, "320"};
+    ctl::OptionButton SetEncBitr2   {frmSetEncBitr, "SetEncBitr2",  {  90_tw,  750_tw, 750_tw, 300_tw}, "256"};
+    ctl::OptionButton SetEncBitr3   {frmSetEncBitr, "SetEncBitr3",  {  90_tw, 1185_tw, 750_tw, 300_tw}, "224"};
+    ctl::OptionButton SetEncBitr4   {frmSetEncBitr, "SetEncBitr4",  {  90_tw, 1620_tw, 750_tw, 300_tw}, "192"};
+    ctl::OptionButton SetEncBitr5   {frmSetEncBitr, "SetEncBitr5",  {  90_tw, 2055_tw, 750_tw, 300_tw}, "160"};
+    ctl::OptionButton SetEncBitr6   {frmSetEncBitr, "SetEncBitr6",  { 840_tw,  315_tw, 750_tw, 300_tw}, "128"};
+    ctl::OptionButton SetEncBitr7   {frmSetEncBitr, "SetEncBitr7",  { 840_tw,  750_tw, 750_tw, 300_tw}, "112"};
+    ctl::OptionButton SetEncBitr8   {frmSetEncBitr, "SetEncBitr8",  { 840_tw, 1185_tw, 750_tw, 300_tw}, "96"};
+    ctl::OptionButton SetEncBitr9   {frmSetEncBitr, "SetEncBitr9",  { 840_tw, 1620_tw, 750_tw, 300_tw}, "80"};
+    ctl::OptionButton SetEncBitr10  {frmSetEncBitr, "SetEncBitr10", { 840_tw, 2055_tw, 750_tw, 300_tw}, "64"};
+    ctl::OptionButton SetEncBitr11  {frmSetEncBitr, "SetEncBitr11", {1590_tw,  315_tw, 750_tw, 300_tw}, "56"};
+    ctl::OptionButton SetEncBitr12  {frmSetEncBitr, "SetEncBitr12", {1590_tw,  750_tw, 750_tw, 300_tw}, "48"};
+    ctl::OptionButton SetEncBitr13  {frmSetEncBitr, "SetEncBitr13", {1590_tw, 1185_tw, 750_tw, 300_tw}, "40"};
+    ctl::OptionButton SetEncBitr14  {frmSetEncBitr, "SetEncBitr14", {1590_tw, 1620_tw, 750_tw, 300_tw}, "32"};
+    ctl::Frame        frmSetEncSF   {tab0, "frmSetEncSF",   { 120_tw, 2820_tw, 2370_tw,  870_tw}, "Sample Frequency (kHz)"};
+    ctl::OptionButton SetEncSF1     {frmSetEncSF, "SetEncSF1", {  90_tw, 375_tw, 750_tw, 300_tw}, "44"};
+    ctl::OptionButton SetEncSF2     {frmSetEncSF, "SetEncSF2", { 840_tw, 375_tw, 750_tw, 300_tw}, "22"};
+    ctl::Frame        SetEncSaveDir {tab0, "SetEncSaveDir", {2550_tw,   90_tw, 3990_tw, 3600_tw}, "Where do you want the mp3s to be saved?"};
     ctl::DriveListBox Drive1        {SetEncSaveDir, "Drive1", {120_tw, 330_tw, 3750_tw,  345_tw}, drives_};
-    ctl::DirListBox   Dir1          {SetEncSaveDir, "Dir1",   {120_tw, 750_tw, 3750_tw, 2370_tw}};
+    ctl::DirListBox   Dir1          {SetEncSaveDir, "Dir1",   {120_tw, 750_tw, 3750_tw, 2730_tw}};
     ctl::CommandButton SetEncOK     {tab0, "SetEncOK",      {2130_tw, 3900_tw, 1380_tw,  390_tw}, "&OK"};
     ctl::CommandButton SetEncApp    {tab0, "SetEncApp",     {3645_tw, 3900_tw, 1380_tw,  390_tw}, "&Apply"};
     ctl::CommandButton SetEncCan    {tab0, "SetEncCan",     {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel", escape};
@@ -65,16 +65,16 @@ public:
     ctl::CommandButton SetDecCan    {tab1, "SetDecCan",     {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel", escape};
 
     ctl::Container& tab2 = SettingsTab.page(2);
-    ctl::Frame        frmCDDrive    {tab2, "frmCDDrive",    { 120_tw,   90_tw, 6420_tw, 1170_tw}, "Select Your CD Drive"};
+    ctl::Frame        frmCDDrive    {tab2, "frmCDDrive",    { 120_tw,   90_tw, 6420_tw, 1140_tw}, "Select Your CD Drive"};
     ctl::ListBox      CDDrives      {frmCDDrive, "CDDrives",{ 120_tw,  330_tw, 6180_tw,  720_tw}};
-    ctl::Frame        SetCDtoWAVFNB {tab2, "SetCDtoWAVFNB", { 120_tw, 1290_tw, 6420_tw,  780_tw}, "With what should the filenames begin?"};
+    ctl::Frame        SetCDtoWAVFNB {tab2, "SetCDtoWAVFNB", { 120_tw, 1320_tw, 6420_tw,  780_tw}, "With what should the filenames begin?"};
     ctl::TextBox      SetCDtoWavTB  {SetCDtoWAVFNB, "SetCDtoWavTB", {120_tw, 330_tw, 2970_tw, 330_tw}, "Track"};
     ctl::CheckBox     chkCDDB       {SetCDtoWAVFNB, "chkCDDB", {3210_tw, 330_tw, 3090_tw, 330_tw}, "Get track titles from CDDB",
                                      "Access CDDB to get the song titles.  This requires an active internet connection and only "
                                      "works with your default CD-Drive!"};
-    ctl::Frame        SetCDtoWAVSaveDir{tab2, "SetCDtoWAVSaveDir", {120_tw, 2100_tw, 6420_tw, 1710_tw}, "Where do you want the .wav files to be saved?"};
+    ctl::Frame        SetCDtoWAVSaveDir{tab2, "SetCDtoWAVSaveDir", {120_tw, 2190_tw, 6420_tw, 1500_tw}, "Where do you want the .wav files to be saved?"};
     ctl::DriveListBox Drive3        {SetCDtoWAVSaveDir, "Drive3", { 120_tw, 330_tw, 2970_tw,  345_tw}, drives_};
-    ctl::DirListBox   Dir3          {SetCDtoWAVSaveDir, "Dir3",   {3210_tw, 330_tw, 3090_tw, 1260_tw}};
+    ctl::DirListBox   Dir3          {SetCDtoWAVSaveDir, "Dir3",   {3210_tw, 330_tw, 3090_tw, 1050_tw}};
     ctl::CommandButton SetCDtoWAVOK {tab2, "SetCDtoWAVOK",  {2130_tw, 3900_tw, 1380_tw,  390_tw}, "&OK"};
     ctl::CommandButton SetCDtoWAVApp{tab2, "SetCDtoWAVApp", {3645_tw, 3900_tw, 1380_tw,  390_tw}, "&Apply"};
     ctl::CommandButton SetCDtoWAVCan{tab2, "SetCDtoWAVCan", {5160_tw, 3900_tw, 1380_tw,  390_tw}, "&Cancel", escape};

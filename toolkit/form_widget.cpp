@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/form_widget.h"
 
+#include "toolkit/flush_windows.h"
 #include "toolkit/focus_mark.h"
 #include "toolkit/image_widget.h"
 #include "toolkit/reach.h"
@@ -114,6 +115,8 @@ void FormWidget::carryOut()
     moving_ = true;
     move(place_);
     moving_ = false;
+    if (!isFramed())
+        standFlush(*this);
 }
 
 void FormWidget::setState(Form::State state)

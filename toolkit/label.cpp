@@ -4,11 +4,14 @@
 #include "toolkit/label_text.h"
 #include "toolkit/qt_bridge.h"
 #include "toolkit/tip.h"
+#include "toolkit/type_size.h"
 
 #include <QFontMetrics>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QStyle>
+#include <QToolTip>
 #include <algorithm>
 
 namespace
@@ -25,35 +28,82 @@ QFont narrowed(const QFont& font, int wanted, int width)
     return narrow;
 }
 
-// A caption that does not fit is narrowed a little, and then ends in an ellipsis; one that wraps is shortened
-// elsewhere.
+// Where the desktop asks for larger type, a caption takes as much of it as fits its place. One that does not
+// fit then is narrowed a little, and ends in an ellipsis, with the whole in its tip; one that wraps is
+// shortened elsewhere.
 class LabelWidget final : public QLabel
 {
 public:
     LabelWidget() { setTextFormat(Qt::PlainText); }
 
-    bool isWhole() const { return !wordWrap() || fitted(text(), fontMetrics(), size()).isWhole; }
+    // One of a single line finds out when it is asked for its tip.
+    bool isWhole() const { return !wordWrap() || fitted(text(), QFontMetrics(linesFont()), size()).isWhole; }
 
 protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || wordWrap() || isWholeLine())
+            return QLabel::event(event);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), wholeTip(text()), this);
+        return true;
+    }
+
     void paintEvent(QPaintEvent*) override
     {
         QPainter painter(this);
         if (wordWrap())
             return paintLines(painter);
-        const int wanted = QFontMetrics(font()).horizontalAdvance(text());
         painter.setPen(palette().color(foregroundRole()));
-        if (wanted <= width() - air)
-            return painter.drawText(rect(), static_cast<int>(alignment()), text());
-        painter.setFont(narrowed(font(), wanted, width() - air));
-        painter.drawText(rect(), static_cast<int>(alignment()),
-                         painter.fontMetrics().elidedText(text(), Qt::ElideRight, width()));
+        const QFont type = lineFont();
+        const int wanted = QFontMetrics(type).horizontalAdvance(text());
+        painter.setFont(type);
+        if (wanted <= room())
+            return painter.drawText(place(), static_cast<int>(alignment()), text());
+        painter.setFont(narrowed(type, wanted, room()));
+        painter.drawText(place(), static_cast<int>(alignment()),
+                         painter.fontMetrics().elidedText(text(), Qt::ElideRight, place().width()));
     }
 
 private:
+    // A caption does not touch what stands at its right.
+    QRect place() const
+    {
+        return alignment().testFlag(Qt::AlignRight) ? rect().adjusted(0, 0, -air - 1, 0) : rect();
+    }
+
+    int room() const { return place().width() - air; }
+
+    bool isWholeLine() const
+    {
+        const int wanted = QFontMetrics(lineFont()).horizontalAdvance(text());
+        return wanted <= room() ||
+               QFontMetrics(narrowed(lineFont(), wanted, room())).horizontalAdvance(text()) <=
+                   place().width();
+    }
+
+    QFont lineFont() const
+    {
+        return typeThatFits(font(), [this](const QFontMetrics& metrics) {
+            return metrics.horizontalAdvance(text()) * narrowest <= room() * 100 &&
+                   metrics.height() <= height();
+        });
+    }
+
+    QFont linesFont() const
+    {
+        return typeThatFits(font(), [this](const QFontMetrics& metrics) {
+            const auto lines = fitted(text(), metrics, size());
+            return lines.isWhole &&
+                   metrics.boundingRect(rect(), Qt::TextWordWrap, lines.lines).height() <= height();
+        });
+    }
+
     void paintLines(QPainter& painter)
     {
+        painter.setFont(linesFont());
         style()->drawItemText(&painter, rect(), static_cast<int>(alignment()) | Qt::TextWordWrap, palette(),
-                              isEnabled(), fitted(text(), fontMetrics(), size()).lines, foregroundRole());
+                              isEnabled(), fitted(text(), painter.fontMetrics(), size()).lines,
+                              foregroundRole());
     }
 };
 
@@ -103,6 +153,8 @@ void Label::setTone(Tone tone)
 }
 
 void Label::setCentered() { static_cast<QLabel*>(widget_)->setAlignment(Qt::AlignCenter); }
+
+void Label::setAtRight() { static_cast<QLabel*>(widget_)->setAlignment(Qt::AlignRight | Qt::AlignVCenter); }
 
 void Label::setFontSize(int points)
 {

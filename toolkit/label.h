@@ -22,6 +22,7 @@ public:
     enum class Tone { plain, quiet, lit };
     void setTone(Tone tone);
     void setCentered();
+    void setAtRight(); // against what stands at its right
 
     void setFontSize(int points);
     void setFontBold(bool bold);

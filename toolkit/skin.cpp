@@ -2,6 +2,7 @@
 #include "toolkit/skin.h"
 
 #include "platform/paths.h"
+#include "toolkit/tone.h"
 
 #include <QFile>
 #include <QPainter>
@@ -53,7 +54,7 @@ void Skin::drawFrame(QPainter& painter, const QRect& rect) const
 {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(QColor(255, 255, 255, 26), 1));
+    painter.setPen(QPen(QColor(255, 255, 255, lineStrength()), 1));
     painter.setBrush(QColor(0, 0, 0, 90));
     painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
     painter.restore();
@@ -93,8 +94,13 @@ void Skin::write()
 
 QPixmap Skin::picture(const QString& name, State state, QSize size, qreal scale)
 {
-    const QString key =
-        QString("%1/%2/%3x%4@%5").arg(name).arg(int(state)).arg(size.width()).arg(size.height()).arg(scale);
+    const QString key = QString("%1/%2%6/%3x%4@%5")
+                            .arg(name)
+                            .arg(int(state))
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(scale)
+                            .arg(tone() == Tone::usual ? "" : "+");
     QPixmap& shown = pictures_[key];
     if (!shown.isNull())
         return shown;
@@ -119,5 +125,7 @@ QImage Skin::painted(const QString& name, State state, QSize size, qreal scale)
     QPainter painter(&picture);
     auto& art = renderer(name);
     art.render(&painter, groupOf(art, state), QRectF(QPointF(), QSizeF(size)));
+    painter.end();
+    bringIntoTone(picture);
     return picture;
 }

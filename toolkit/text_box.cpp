@@ -2,9 +2,12 @@
 #include "toolkit/text_box.h"
 
 #include "toolkit/qt_bridge.h"
+#include "toolkit/tip.h"
 
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QToolTip>
 #include <QValidator>
 #include <algorithm>
 
@@ -79,10 +82,30 @@ std::size_t byteOf(std::string_view text, std::size_t character)
     return firstCharacters(text, character).size();
 }
 
+// A text that is longer than its box is its own tip, unless the box has another.
+class Line final : public QLineEdit
+{
+protected:
+    bool event(QEvent* event) override
+    {
+        if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || isWhole())
+            return QLineEdit::event(event);
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), wholeTip(text()), this);
+        return true;
+    }
+
+private:
+    bool isWhole() const
+    {
+        constexpr int beside = 8; // pixels that the frame and its margins take
+        return fontMetrics().horizontalAdvance(text()) <= width() - beside;
+    }
+};
+
 QWidget* boxOf(ctl::TextBox::Lines lines)
 {
     if (lines == ctl::TextBox::Lines::one)
-        return new QLineEdit;
+        return new Line;
     auto* page = new QPlainTextEdit;
     page->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     return page;

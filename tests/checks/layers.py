@@ -15,7 +15,7 @@ windows = ("player", "sliders", "config", "settingsdlg", "playlist", "workbench"
 libraries = {  # headers of each library from outside: what a room has to link to include them
     r"Q[A-Z]\w+$": "Qt6::", r"mpg123": "libmpg123", r"lame/": "LAME", r"sndfile": "sndfile", r"cubeb/": "CUBEB",
     r"cdio/": "libcdio", r"libburn/": "libburn", r"curl/": "libcurl", r"sqlite3": "sqlite3",
-    r"zlib\.h": "zlib"}
+    r"zlib\.h": "zlib", r"xcb/": "xcb"}
 
 
 class Room:

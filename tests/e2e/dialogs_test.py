@@ -1,10 +1,12 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The file dialogs of the real program: what they cost."""
+"""The file dialogs of the real program: what they cost, and what they remember."""
 import pathlib
 
 import case
 import places
+import sounds
+from desk import wait_for
 
 TITLE = "Select a file to open"
 
@@ -32,6 +34,31 @@ class Dialogs(case.Case):
         cost = self.own_memory() - before
         print(f"forty openings cost {cost} KB", flush=True)
         self.assertLess(cost, 1024)
+
+    def test_size_and_folder_of_the_last_dialog_outlive_the_program(self):
+        album = self.desk.home / "An album"
+        album.mkdir()
+        song = sounds.write_wav(album / "song.wav", sounds.counter(sounds.RATE, 1))
+        memory = self.desk.home / ".local/state/Velmora/dialogs"
+        self.app.click(self.main, places.PLAY)
+        dialog = self.app.window(TITLE)
+        self.desk.run("xdotool", "windowsize", "--sync", dialog, "640", "430")
+        self.app.choose_file(TITLE, song, 0)
+        self.wait_label(places.LENGTH, "0:01")
+        wait_for(lambda: memory.exists() and memory.read_text() == f"640 430\n{album}/\n", "it is kept")
+        for content, size in ((memory.read_bytes(), (640, 430)), (b"\xff damaged", (720, 460))):
+            self.app.kill()
+            memory.write_bytes(content)
+            self.start()
+            self.app.click(self.main, places.PLAY)
+            dialog = self.app.window(TITLE)
+            wait_for(lambda: self.app.geometry(dialog)[2:] == size, f"the dialog is {size} large")
+            self.desk.run("xdotool", "windowfocus", "--sync", dialog)
+            if size == (640, 430):  # the name alone is enough where it begins
+                self.app.type("song.wav")
+                self.app.key("Return")
+                self.app.gone(TITLE)
+                self.wait_label(places.LENGTH, "0:01")
 
 
 if __name__ == "__main__":

@@ -5,8 +5,10 @@ import os
 import random
 import signal
 import time
+import unittest.mock
 
 import case
+import desk
 import places
 import sounds
 from desk import Impatient, wait_for
@@ -17,7 +19,7 @@ KILLS = 200 if LONG else 5
 TICK = 0.06 if LONG else 0.5  # seconds; a busy machine ticks late
 
 
-class Windows(case.Case):
+class WindowsCase(case.Case):
     def settled(self, window, geometry):
         try:
             wait_for(lambda: self.app.geometry(window)[:2] == geometry, f"the window stands at {geometry}")
@@ -35,6 +37,8 @@ class Windows(case.Case):
         left, top = self.app.geometry(self.list)[:2]
         self.app.drag(self.list, TITLE, (place[0] - left, place[1] - top))
 
+
+class Windows(WindowsCase):
     def test_the_list_snaps_at_thirteen_pixels_and_not_at_fourteen(self):
         self.list = self.show_list()
         for side in ("bottom", "top", "right", "left"):
@@ -177,6 +181,34 @@ class Windows(case.Case):
         self.app.click(self.main, places.CLOSE)
         wait_for(lambda: not self.app.alive(), "the program ends")
         self.assertEqual(self.app.process.returncode, 0)
+
+
+class BetweenPixels(WindowsCase):
+    """On a screen whose pixels are two thirds of the windows' own."""
+
+    def setUp(self):
+        self.enterContext(unittest.mock.patch.object(desk, "TWIPS", 10))
+        self.desk = self.enterContext(desk.Desk(size="1800x1300", scale=1.5))
+        self.app = self.program(self.desk, self.build)
+        self.start()
+
+    def drag_main_to(self, place):
+        left, top = self.app.geometry(self.main)[:2]
+        self.app.drag(self.main, TITLE, (place[0] - left, place[1] - top))
+
+    def test_docked_windows_meet_to_the_pixel_wherever_they_stand(self):
+        self.list = self.show_list()
+        for side in ("bottom", "top", "right", "left"):
+            for place in ((750, 450), (751, 451), (752, 452), (753, 454)):
+                with self.subTest(f"{side} {place}"):
+                    self.drag_list_to(self.beside(side, 90))
+                    self.drag_main_to(place)
+                    wait_for(lambda: all(abs(here - there) < 3 for here, there in zip(self.app.geometry(self.main), place)),
+                             "the main window is there")
+                    self.drag_list_to(self.beside(side, 9))
+                    wait_for(lambda: self.app.geometry(self.list)[:2] == self.beside(side, 0), "they meet")
+                    self.app.drag(self.main, TITLE, (7, 5))
+                    wait_for(lambda: self.app.geometry(self.list)[:2] == self.beside(side, 0), "they meet after a move, too")
 
 
 if __name__ == "__main__":

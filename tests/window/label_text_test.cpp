@@ -6,8 +6,10 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QHelpEvent>
 #include <QImage>
 #include <QPixmap>
+#include <QToolTip>
 #include <doctest/doctest.h>
 
 namespace
@@ -105,4 +107,23 @@ TEST_CASE("What a label cannot show stands whole in its tip and for those who he
     face.caption.setCaption("Short");
     CHECK(label.toolTip().isEmpty());
     CHECK(heard->text(QAccessible::Description).isEmpty());
+}
+
+TEST_CASE("A caption of one line that is cut is its own tip, and one that fits has none")
+{
+    Toolkit toolkit{Toolkit::Timers::byHand};
+    Face face(toolkit);
+    face.Show();
+    QWidget& label = *face.widgetOf(face.caption);
+    const auto tip = [&] {
+        QToolTip::hideText();
+        QHelpEvent asked(QEvent::ToolTip, {5, 5}, label.mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(&label, &asked);
+        return QToolTip::isVisible() ? QToolTip::text() : QString();
+    };
+    face.caption.setCaption(Text(100, 'x') + " & more");
+    CHECK(tip().contains(QString(100, 'x') + " &amp; more"));
+    face.caption.setCaption("Short");
+    CHECK(tip().isEmpty());
+    QToolTip::hideText();
 }

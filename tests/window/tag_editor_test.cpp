@@ -6,6 +6,7 @@
 #include "support/widgets.h"
 
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <doctest/doctest.h>
@@ -88,6 +89,8 @@ TEST_CASE("The editor says what its fields are")
     };
     for (const auto& [label, caption] : captions)
         CHECK(label.Caption() == caption);
+    const auto* comment = widgetOf<QLabel>(e.form, "Label1");
+    CHECK(comment->alignment().testFlag(Qt::AlignRight)); // it has no room but up to its box
     CHECK(widgetOf<QPushButton>(e.form, "butSave")->text() == "&SAVE");
     CHECK(widgetOf<QPushButton>(e.form, "butCancel")->text() == "&CANCEL");
     CHECK(e.contents() == "|||||-1");
