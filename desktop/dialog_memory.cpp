@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/dialog_memory.h"
 
-#include "files/content.h"
-#include "files/folders.h"
+#include "files/output_file.h"
+#include "platform/numbers.h"
 #include "platform/paths.h"
 
-#include <cstdio>
-#include <fstream>
 #include <sstream>
 
 namespace desktop
@@ -45,13 +43,8 @@ void DialogMemory::write(const RememberedDialog& dialog) const
 {
     if (path_.empty() || dialog.folder.find('\n') != Text::npos)
         return;
-    files::makeFolders(files::folderOf(path_));
-    const Text part = path_ + ".part";
-    std::ofstream file(part, std::ios::trunc);
-    file << dialog.width << ' ' << dialog.height << '\n' << dialog.folder << '\n';
-    file.close();
-    if (!file || std::rename(part.c_str(), path_.c_str()) != 0)
-        std::remove(part.c_str());
+    const Text size = textOf(dialog.width) + ' ' + textOf(dialog.height);
+    files::replaceFile(path_, size + '\n' + dialog.folder + '\n', notes_);
 }
 
 }

@@ -4,6 +4,7 @@
 // cannot be written is lost with the process.
 #pragma once
 
+#include "platform/part_notes.h"
 #include "platform/text.h"
 
 namespace desktop
@@ -18,13 +19,18 @@ struct RememberedDialog {
 class DialogMemory
 {
 public:
-    explicit DialogMemory(Text path) : path_(std::move(path)) {} // "": nothing is kept
+    // "": nothing is kept. `notes` outlive it.
+    explicit DialogMemory(Text path, PartNotes& notes = NoPartNotes::instance()) :
+        path_(std::move(path)), notes_(notes)
+    {
+    }
 
     RememberedDialog read() const;
     void write(const RememberedDialog& dialog) const; // replaces the file in one step; makes its folder
 
 private:
     Text path_;
+    PartNotes& notes_;
 };
 
 }

@@ -158,8 +158,8 @@ std::unique_ptr<MMControl> Desktop::makeMMControl()
 
 std::unique_ptr<OpenSaveDialog> Desktop::makeOpenSaveDialog()
 {
-    return std::make_unique<desktop::QtOpenSaveDialog>(
-        desktop::DialogMemory(joined(desktop::stateFolder(parts_->environment), "dialogs")));
+    return std::make_unique<desktop::QtOpenSaveDialog>(desktop::DialogMemory(
+        joined(desktop::stateFolder(parts_->environment), "dialogs"), *parts_->partNotes));
 }
 
 std::unique_ptr<PopupMenu> Desktop::makePopupMenu()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What boxes, dialogs and framed windows look like: the window library's style, in the skin's line.
+// What boxes, dialogs and framed windows look like: the window library's style, in the skin's line. For the
+// toolkit's own sources and for who dresses the application.
 #pragma once
 
 #include <QProxyStyle>
