@@ -4,6 +4,7 @@
 #include "toolkit/tone.h"
 #include "toolkit/type_size.h"
 
+#include <QFrame>
 #include <QIcon>
 #include <QPainter>
 #include <QStyleOption>
@@ -101,6 +102,13 @@ void drawTabState(const QStyleOption& tab, QPainter& painter)
     painter.fillRect(mark, QColor(accent.red(), accent.green(), accent.blue(), isInFront ? 255 : 110));
 }
 
+// A line between parts of a window is no louder than a frame.
+bool isRule(const QStyleOption* option)
+{
+    const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option);
+    return frame && frame->frameShape == QFrame::HLine;
+}
+
 void outline(QPainter& painter, const QRect& rect, bool isRound)
 {
     painter.save();
@@ -183,6 +191,9 @@ void SkinStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
 void SkinStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
                             const QWidget* widget) const
 {
+    if (element == CE_ShapedFrame && isRule(option))
+        return painter->fillRect(
+            QRect(option->rect.left(), option->rect.center().y(), option->rect.width(), 1), lineColour());
     QProxyStyle::drawControl(element, option, painter, widget);
     if (element == CE_TabBarTabShape)
         drawTabState(*option, *painter);

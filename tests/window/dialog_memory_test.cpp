@@ -35,7 +35,8 @@ void show(const Text& memory, const std::function<void(QFileDialog&)>& act)
         auto& dialog = dynamic_cast<QFileDialog&>(*QApplication::activeModalWidget());
         act(dialog);
         acted = true;
-        dialog.reject();
+        if (dialog.isVisible())
+            dialog.reject();
     });
     control.ShowOpen();
     CHECK(acted);
