@@ -116,14 +116,13 @@ TEST_CASE("A caption of one line that is cut is its own tip, and one that fits h
     face.Show();
     QWidget& label = *face.widgetOf(face.caption);
     const auto tip = [&] {
-        QToolTip::hideText();
         QHelpEvent asked(QEvent::ToolTip, {5, 5}, label.mapToGlobal(QPoint(5, 5)));
         QApplication::sendEvent(&label, &asked);
         return QToolTip::isVisible() ? QToolTip::text() : QString();
     };
-    face.caption.setCaption(Text(100, 'x') + " & more");
-    CHECK(tip().contains(QString(100, 'x') + " &amp; more"));
     face.caption.setCaption("Short");
     CHECK(tip().isEmpty());
+    face.caption.setCaption(Text(100, 'x') + " & more");
+    CHECK(tip().contains(QString(100, 'x') + " &amp; more"));
     QToolTip::hideText();
 }
