@@ -2,6 +2,7 @@
 #include "main/desktop.h"
 
 #include "desktop/appearance.h"
+#include "desktop/crash_trace.h"
 #include "desktop/desktop_shell.h"
 #include "desktop/desktop_sleep_lock.h"
 #include "desktop/folder_scan.h"
@@ -110,6 +111,7 @@ Desktop::Desktop(char* program, const rlimit& stackLimit)
     parts_->wishes.emplace(desktop::sessionBusAddress(parts_->environment), parts_->toolkit.post(),
                            desktop::dressFor);
     files::removeNotedParts(desktop::stateFolder(parts_->environment));
+    desktop::tellOfCrash(desktop::stateFolder(parts_->environment), shell());
     desktop::fillApplicationFolder(parts_->environment, *parts_->ownFiles);
     parts_->toolkit.unhandled = [this](const Failure& failure) {
         messageBoxes().show("Run-time error '" + textOf(failure.number) + "':\n\n" + failure.description,
@@ -196,6 +198,6 @@ Text Desktop::defaultOutputDirectory() const { return desktop::musicFolder(parts
 
 Text Desktop::decimalSign() const { return std::localeconv()->decimal_point; }
 
-Text Desktop::contactIdentity() const { return disc::contactIdentityOfUser(); }
+Text Desktop::contactIdentity() const { return Text(disc::nobody); }
 
 void Desktop::endProgram() { endProcess(0); }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/crash_trace.h"
 #include "desktop/ground.h"
+#include "desktop/places.h"
 #include "desktop/stack_limit.h"
+#include "files/module.h"
 #include "main/desktop.h"
 #include "program.h"
 
@@ -24,6 +27,7 @@ int run(char* program, const rlimit& stackLimit)
 int main(int, char** argv)
 {
     desktop::openStandardStreams();
+    desktop::traceCrashes(desktop::stateFolder(desktop::environmentOfProcess()), files::buildName());
     desktop::requireThreads();
     std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is a failed write, not the end
     _exit(run(argv[0], desktop::raiseStackLimit()));

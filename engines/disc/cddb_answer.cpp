@@ -119,11 +119,32 @@ Text oneLine(std::string_view text)
     return line;
 }
 
+// Controls beyond ASCII, line separators, and what turns the direction of writing: a name that reads
+// backwards would pass for another.
+bool isUnseen(std::string_view character)
+{
+    constexpr std::string_view separatorsAndTurns[] = {"\u2028", "\u2029", "\u202A", "\u202B",
+                                                       "\u202C", "\u202D", "\u202E", "\u2066",
+                                                       "\u2067", "\u2068", "\u2069"};
+    const bool isControl = character.size() == 2 && character[0] == '\xC2' && character[1] < '\xA0';
+    return isControl || std::ranges::find(separatorsAndTurns, character) != std::end(separatorsAndTurns);
+}
+
+Text withoutUnseen(std::string_view text)
+{
+    Text seen;
+    for (std::size_t at = 0, bytes = 0; (bytes = characterBytes(text, at)) != 0; at += bytes) {
+        const auto character = text.substr(at, bytes);
+        seen += isUnseen(character) ? " " : character;
+    }
+    return seen;
+}
+
 // Older entries are in Latin-1, some in both.
 Text title(std::string_view value)
 {
-    const Text line(trimmed(oneLine(value)));
-    return isValidUtf8(line) ? line : fromLatin1(line);
+    const Text line = oneLine(value);
+    return Text(trimmed(withoutUnseen(isValidUtf8(line) ? line : fromLatin1(line))));
 }
 
 // KEY=value lines; a key's value goes on where its next line begins.

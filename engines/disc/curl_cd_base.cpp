@@ -5,18 +5,14 @@
 #include "engines/disc/disc_id.h"
 #include "engines/disc/title_cache.h"
 #include "engines/disc/web.h"
-#include "files/account.h"
 #include "files/module.h"
 #include "platform/failure.h"
 #include "platform/mutex.h"
 #include "platform/thread.h"
 #include "platform/version.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <atomic>
-#include <climits>
 #include <system_error>
 
 namespace disc
@@ -213,19 +209,11 @@ private:
     Thread searching_; // held up past its time it is waited for: another would only be held up behind it
 };
 
-Text hostName()
-{
-    char name[HOST_NAME_MAX + 1] = {};
-    return gethostname(name, HOST_NAME_MAX) == 0 ? name : "";
-}
-
 }
 
 std::unique_ptr<CdBase> makeCurlCdBase(CddbAccess access)
 {
     return std::make_unique<CurlCdBase>(std::move(access));
 }
-
-Text contactIdentityOfUser() { return files::accountOfUser().name + '@' + hostName(); }
 
 }

@@ -15,9 +15,9 @@ namespace disc
 {
 
 struct CddbAccess {
-    // The CDDB's servers, asked in turn until one answers.
-    std::vector<Text> addresses = {"https://gnudb.gnudb.org/~cddb/cddb.cgi",
-                                   "http://gnudb.gnudb.org/~cddb/cddb.cgi"};
+    // The CDDB's servers, asked in turn until one answers. Plain HTTP where an address says so, and only
+    // there: anyone on the way reads along, and may answer in the server's place.
+    std::vector<Text> addresses = {"https://gnudb.gnudb.org/~cddb/cddb.cgi"};
 
     // Where answers are kept, for the times when no server gives one.
     Text cacheFolder = {};
@@ -36,7 +36,8 @@ struct CddbAccess {
 
 std::unique_ptr<CdBase> makeCurlCdBase(CddbAccess access);
 
-// The user in the form of an e-mail address: login and host.
-Text contactIdentityOfUser();
+// Who asks, in the form of an e-mail address: the service wants one, and it shall tell nobody's login and no
+// computer's name.
+inline constexpr std::string_view nobody = "anonymous@localhost";
 
 }

@@ -22,7 +22,8 @@ struct Web {
                        std::initializer_list<std::pair<std::string_view, std::string_view>> fields);
 
     // The page's bytes. Nothing when it cannot be had whole before `deadline`, name resolution included, or
-    // is larger than a page of text ever is. Redirections are followed. For worker threads: it waits.
+    // is larger than a page of text ever is. Redirections are followed on the same host, never from HTTPS to
+    // plain HTTP. For worker threads: it waits.
     std::optional<Text> (*downloaded)(const Text& url, Deadline deadline);
 };
 

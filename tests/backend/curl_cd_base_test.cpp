@@ -203,12 +203,21 @@ TEST_CASE("The greeting keeps its four words whatever the identity")
     }
 }
 
-TEST_CASE("The user's identity is login and host")
+TEST_CASE("The identity tells nobody's login and no computer's name")
 {
-    const Text identity = disc::contactIdentityOfUser();
-    CHECK(identity.find('@') != Text::npos);
-    CHECK(identity.find('@') > 0);
-    CHECK_FALSE(identity.ends_with('@'));
+    LoopbackServer server(pages(exact, entry));
+    Titles titles({server.address()});
+    titles.control->setContactIdentity(Text(disc::nobody));
+    titles.lookedUp();
+    REQUIRE(server.requests().size() == 2);
+    for (const Text& request : server.requests())
+        CHECK(fieldOf(request, "hello") == "anonymous localhost Velmora 2.0.3");
+}
+
+TEST_CASE("Nobody is asked over plain HTTP whose address does not say so")
+{
+    for (const Text& address : disc::CddbAccess().addresses)
+        CHECK(address.starts_with("https://"));
 }
 
 TEST_CASE("Of several matches the first is read")
@@ -421,6 +430,38 @@ TEST_CASE("Redirections are followed")
     CHECK(good.requests().size() == 2);
 }
 
+TEST_CASE("A server reaches no other computer through this one")
+{
+    LoopbackServer other(pages(exact, entry));
+    const Text elsewhere = Text(other.address()).replace(7, 9, "127.0.0.2");
+    for (const Text& address : {elsewhere, Text(other.address()).replace(7, 9, "localhost"),
+                                Text(elsewhere).insert(7, "127.0.0.1@"), Text("ftp://127.0.0.1/"),
+                                Text("gopher://127.0.0.1:70/"), Text("file://127.0.0.1/etc/passwd")}) {
+        CAPTURE(address);
+        LoopbackServer server([&](const Text& target, const LoopbackServer::Client& client) {
+            client.sendRedirection(address + target.substr(target.find('?')));
+        });
+        Titles titles({server.address()});
+        CHECK(titles.lookedUp().TrackTitle(1) == "");
+        CHECK(server.requests().size() == 1);
+    }
+    CHECK(other.requests().empty());
+}
+
+TEST_CASE("A head that never ends is not read to its end, either")
+{
+    std::atomic<std::size_t> sent = 0;
+    LoopbackServer server([&](const Text&, const LoopbackServer::Client& client) {
+        client.send("HTTP/1.1 200 OK\r\n");
+        const Text piece = "X-More: " + Text(10000, 'x') + "\r\n";
+        while (sent < 30'000'000 && client.send(piece))
+            sent += piece.size();
+    });
+    Titles titles({server.address()});
+    CHECK(titles.lookedUp(3000).TrackTitle(1) == "");
+    CHECK(sent < 9'000'000);
+}
+
 TEST_CASE("An answer of ten million bytes is not read to its end")
 {
     std::atomic<std::size_t> sent = 0;
@@ -475,6 +516,17 @@ TEST_CASE("A lookup ends within its time limit whatever holds it up")
             client.send("HTTP/1.1 200 OK\r\n\r\n");
             while (client.send("x"))
                 client.isGone(10);
+        });
+        Titles titles({server.address()});
+        CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
+        CHECK(titles.control->TrackTitle(1) == "");
+    }
+    SUBCASE("a server that gives half a line a second")
+    {
+        LoopbackServer server([](const Text&, const LoopbackServer::Client& client) {
+            const Text page = Text("HTTP/1.1 200 OK\r\n\r\n") + exact;
+            for (std::size_t at = 0; at < page.size() && client.send(page.substr(at, 12)); at += 12)
+                client.isGone(1000);
         });
         Titles titles({server.address()});
         CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
