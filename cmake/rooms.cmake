@@ -15,6 +15,18 @@ if(VELMORA_SANITIZE)
   target_link_options(velmora_code INTERFACE -fsanitize=${VELMORA_SANITIZE})
 endif()
 
+# What people run is hardened, for it reads what strangers made: the check `hardening` holds the built files against it.
+# Bound at the start: the tables of addresses are read-only then.
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-fcf-protection VELMORA_HAS_CF_PROTECTION)
+if(NOT VELMORA_SANITIZE)
+  set(shipped $<NOT:$<CONFIG:Debug,RelWithDebInfo>>)
+  target_compile_options(velmora_code INTERFACE
+    $<${shipped}:-U_FORTIFY_SOURCE> $<${shipped}:-D_FORTIFY_SOURCE=2> $<${shipped}:-fstack-protector-strong>
+    $<${shipped}:-fstack-clash-protection> $<$<AND:${shipped},$<BOOL:${VELMORA_HAS_CF_PROTECTION}>>:-fcf-protection>)
+  target_link_options(velmora_code INTERFACE $<${shipped}:LINKER:-z,relro,-z,now,-z,noexecstack>)
+endif()
+
 # What code of the program itself is held to beside that; the tests' own is not.
 add_library(velmora_careful INTERFACE)
 target_compile_options(velmora_careful INTERFACE -Wconversion -Wsign-conversion -Wold-style-cast -Wextra-semi)
