@@ -115,8 +115,9 @@ class Case(unittest.TestCase):
         source = self.desk.spawn(str(self.tool("file_source")), *map(str, paths), stdout=subprocess.PIPE, text=True)
         self.addCleanup(source.stdout.close)
         window = self.app.window("Files")
-        self.desk.run("xdotool", "windowmove", window, "700", "20")
-        wait_for(lambda: self.app.geometry(window)[0] > 600, "the other window stands aside")
+        aside = round(700 * self.desk.scale)
+        self.desk.run("xdotool", "windowmove", window, str(aside), "20")
+        wait_for(lambda: self.app.geometry(window)[0] > aside - 100, "the other window stands aside")
         left, top, width, height = next(c for c in self.app.controls(WORKBENCH) if c.role == "list").place()
         x, y, _, _ = self.app.geometry(window)
         middle = (left + width // 2, top + height // 2)
@@ -135,7 +136,7 @@ class Case(unittest.TestCase):
                         "the tracks are listed")
         for row in rows:
             left, top, _, height = row.place()
-            self.desk.run("xdotool", "mousemove", str(left + 9), str(top + height // 2), "click", "1")
+            self.desk.run("xdotool", "mousemove", str(left + round(9 * self.desk.scale)), str(top + height // 2), "click", "1")
 
     def assert_alive(self):
         self.assertTrue(self.app.alive(), self.app.said())

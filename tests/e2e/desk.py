@@ -8,6 +8,7 @@ import array
 import contextlib
 import os
 import pathlib
+import re
 import shutil
 import signal
 import sqlite3
@@ -50,9 +51,11 @@ class Desk:
 
     open_desks = []
 
-    def __init__(self, size="1280x900", sound=True, manager=True, scale=1, accessible=True, screen_file=False):
+    def __init__(self, size="1280x900", sound=True, manager=True, scale=1, accessible=True, screen_file=False,
+                 home=None):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="velmora-desk-"))
-        self.home = self.folder / "home"
+        self.home = pathlib.Path(home or self.folder / "home")
+        self.scale = scale
         self.music = self.home / "Music"
         self.runtime = self.folder / "run"
         self.music.mkdir(parents=True)
@@ -151,7 +154,7 @@ class Desk:
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = answer.readline().strip()
         # The machine's own services, such as its login manager, are none of the tests' business.
         self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self.environment["DBUS_SESSION_BUS_ADDRESS"]
-        self.reader = ScreenReader(self.environment["DBUS_SESSION_BUS_ADDRESS"])
+        self.reader = ScreenReader(self.environment["DBUS_SESSION_BUS_ADDRESS"], self.scale)
 
     def _start_manager(self):
         self.spawn("openbox", "--sm-disable")
@@ -169,6 +172,9 @@ class Desk:
             f"module-native-protocol-unix socket={socket} auth-anonymous=1")
         wait_for(lambda: subprocess.run(["pactl", "info"], env=self.environment, capture_output=True).returncode == 0,
                  "the sound server answers")
+
+    def pixels(self, twips):
+        return round(twips / TWIPS * self.scale)
 
     def screenshot(self, path, window="root"):
         self.run("import", "-window", str(window), str(path))
@@ -291,11 +297,17 @@ class Velmora:
         values = dict(line.split("=") for line in lines.split())
         return tuple(int(values[name]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
+    def inside(self, window):
+        """As `geometry`, also where a window manager has put a frame around the window: without the frame."""
+        lines = self.desk.run("xwininfo", "-id", str(window))
+        return tuple(int(re.search(name + r":\s+(-?\d+)", lines)[1])
+                     for name in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+
     # Mouse and keys. Places are in twips of a window.
 
     def point(self, window, left, top):
-        self.desk.run("xdotool", "mousemove", "--window", str(window), str(round(left / TWIPS)),
-                      str(round(top / TWIPS)))
+        self.desk.run("xdotool", "mousemove", "--window", str(window), str(self.desk.pixels(left)),
+                      str(self.desk.pixels(top)))
 
     def click(self, window, place, button=1, times=1):
         """Into the middle of a control's place: left, top, width, height."""
@@ -306,7 +318,7 @@ class Velmora:
     def grip(self, window, place):
         """Presses the button on a control and keeps it down. Returns the pointer's place on the screen."""
         left, top, _, _ = self.geometry(window)
-        x, y = left + round((place[0] + place[2] / 2) / TWIPS), top + round((place[1] + place[3] / 2) / TWIPS)
+        x, y = left + self.desk.pixels(place[0] + place[2] / 2), top + self.desk.pixels(place[1] + place[3] / 2)
         self.desk.run("xdotool", "mousemove", str(x), str(y), "mousedown", "1")
         return x, y
 
@@ -338,17 +350,19 @@ class Velmora:
 
     # The dialogs
 
-    def choose_file(self, title, path, filter_row=None):
-        """Types a path into the file dialog of that title. `filter_row` counts the filters from 0."""
+    def choose_file(self, title, path, filter_row=None, before=lambda: None):
+        """Types a path into the file dialog of that title. `filter_row` counts the filters from 0; `before` is called
+        before the typing."""
         dialog = self.window(title)
         self.desk.run("xdotool", "windowfocus", "--sync", dialog)
         _, _, width, height = self.geometry(dialog)
         if filter_row is not None:
-            self._click_pixels(dialog, width // 2, height - 23)
+            self._click_pixels(dialog, width // 2, height - round(23 * self.desk.scale))
             time.sleep(0.2)
             self.key("Home", *["Down"] * filter_row, "Return")
             time.sleep(0.1)
-        self._click_pixels(dialog, width // 2, height - 53)
+        before()
+        self._click_pixels(dialog, width // 2, height - round(53 * self.desk.scale))
         self.key("ctrl+a")
         self.type(str(path))
         self.key("Return")
@@ -400,7 +414,7 @@ class Velmora:
     def label_at(self, title, place):
         """The label that stands there, its place in twips of the window."""
         window = self.geometry(self.window(title))
-        wanted = (round(place[0] / TWIPS) + window[0], round(place[1] / TWIPS) + window[1])
+        wanted = (self.desk.pixels(place[0]) + window[0], self.desk.pixels(place[1]) + window[1])
         return next(c for c in self.controls(title) if c.role == "label" and c.place()[:2] == wanted)
 
     def press(self, title, role, name):

@@ -20,6 +20,7 @@ class Control:
     name: str
     item: object
     states: int
+    scale: float = 1
 
     def text(self):
         """What a text box holds."""
@@ -27,7 +28,7 @@ class Control:
 
     def place(self):
         """Left, top, width, height in pixels of the screen."""
-        return tuple(int(n) for n in self.item.GetExtents(SCREEN, dbus_interface=COMPONENT))
+        return tuple(round(int(n) * self.scale) for n in self.item.GetExtents(SCREEN, dbus_interface=COMPONENT))
 
     def has(self, state):
         return bool(self.states >> state & 1)
@@ -36,12 +37,18 @@ class Control:
         """The name as it is by now."""
         return str(self.item.Get(ACCESSIBLE, "Name", dbus_interface=PROPERTIES))
 
-    def value(self):
-        return float(self.item.Get("org.a11y.atspi.Value", "CurrentValue", dbus_interface=PROPERTIES))
+    def value(self, which="CurrentValue"):
+        return float(self.item.Get("org.a11y.atspi.Value", which, dbus_interface=PROPERTIES))
+
+    def share(self):
+        """How far a bar is, 0 to 1."""
+        return self.value() / self.value("MaximumValue")
 
 
 class ScreenReader:
-    def __init__(self, address):
+    def __init__(self, address, scale=1):
+        """What is told of places is told in pixels of scale 1."""
+        self.scale = scale
         session = dbus.bus.BusConnection(address)
         bus = session.get_object("org.a11y.Bus", "/org/a11y/bus")
         self.bus = dbus.bus.BusConnection(bus.GetAddress(dbus_interface="org.a11y.Bus"))
@@ -72,8 +79,8 @@ class ScreenReader:
     def _children(self, item):
         return [self.bus.get_object(name, path) for name, path in item.GetChildren(dbus_interface=ACCESSIBLE)]
 
-    @staticmethod
-    def _control(item):
+    def _control(self, item):
         low, high = item.GetState(dbus_interface=ACCESSIBLE)
         return Control(str(item.GetRoleName(dbus_interface=ACCESSIBLE)),
-                       str(item.Get(ACCESSIBLE, "Name", dbus_interface=PROPERTIES)), item, int(low) | int(high) << 32)
+                       str(item.Get(ACCESSIBLE, "Name", dbus_interface=PROPERTIES)), item, int(low) | int(high) << 32,
+                       self.scale)
