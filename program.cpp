@@ -37,7 +37,7 @@ void Program::tellOfWaiting()
 {
     platform_.shell().notify("Velmora is still starting",
                              startUp().conf_path + " cannot be opened. Velmora waits until it can: "
-                                                   "put a sound one in its place.");
+                                                   "put an undamaged one in its place.");
 }
 
 template <typename Window>

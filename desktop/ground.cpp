@@ -48,7 +48,7 @@ void requireThreads()
 {
     if (makesThreads())
         return;
-    std::cerr << "Velmora cannot start: the system makes no more threads.\n";
+    std::cerr << "Velmora cannot start: the system makes no more threads. End some programs first.\n";
     _exit(1);
 }
 

@@ -24,7 +24,8 @@ constexpr auto tellingTime = 2s;
 
 [[noreturn]] void endUnanswered(pid_t first, const Text& busAddress)
 {
-    const Text message = "Velmora is running and does not answer (process " + std::to_string(first) + ")";
+    const Text message = "Velmora is running and does not answer: end it (process " + std::to_string(first) +
+                         "), and start it again.";
     std::cerr << message << std::endl;
     files::Errand<bool>([=] { return isNotified(busAddress, "Velmora", message); }).result(tellingTime);
     _exit(noAnswerStatus);

@@ -195,4 +195,13 @@ bool renameWithoutReplacing(const Text& from, const Text& to)
     return errno == ENOENT && rename(from.c_str(), to.c_str()) == 0;
 }
 
+OutputFile outputNamed(const Text& named, const Text& path, PartNotes& notes)
+{
+    try {
+        return OutputFile(path, notes);
+    } catch (const Failure& failure) {
+        throw Failure{failure.trouble(), named + " cannot be written: " + failure.description + "."};
+    }
+}
+
 }

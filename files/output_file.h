@@ -86,4 +86,8 @@ bool replaceFile(const Text& path, std::string_view bytes, PartNotes& notes);
 // something stands there.
 bool renameWithoutReplacing(const Text& from, const Text& to);
 
+// For a job that is told of under another file's name: the failure says that it is `named` that cannot be
+// written.
+OutputFile outputNamed(const Text& named, const Text& path, PartNotes& notes);
+
 }

@@ -67,7 +67,7 @@ void Toolkit::outermost(const std::function<void()>& call)
         if (!std::exchange(parts_->ending, true) && unhandled)
             unhandled(failure);
     } catch (const std::exception& defect) {
-        std::cerr << "Velmora ends: " << defect.what() << '\n';
+        std::cerr << "Velmora ends by a defect of its own: " << defect.what() << '\n';
         std::abort();
     }
 }

@@ -159,7 +159,7 @@ bool decodeInPieces(const Input& file, const Text& output, unsigned workers, Pro
     const auto table = formats::scanFrames(file);
     if (!table || table->frames() < 2)
         return false;
-    files::OutputFile part(output, notes);
+    auto part = files::outputNamed(output, output, notes);
     if (!PiecewiseDecoding(file, *table, part, progress).run(workers, stop))
         return false;
     part.finish();
@@ -180,7 +180,7 @@ void decodeFile(const Text& input, const Text& output, unsigned workers, const R
     Progress progress(file->size(), report);
     if (decodeInPieces(file, output, workers, progress, stop, notes))
         return;
-    files::OutputFile part(output, notes);
+    auto part = files::outputNamed(output, output, notes);
     decodeFromStart(file, *place, part, progress, stop);
     part.finish();
 }

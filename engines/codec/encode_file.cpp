@@ -109,7 +109,7 @@ void encodeFile(const Text& input, const Text& output, const Mp3Settings& settin
     if (files::isSameFile(input, output))
         throw Failure{Trouble::pathOrFileAccess, "The output would replace its own source."};
     const auto file = files::InputFile::openOrFail(input);
-    files::OutputFile part(output, notes);
+    auto part = files::outputNamed(output, output, notes);
     Encoding(file, settings, part, report).run(workers, stop);
     part.finish();
 }

@@ -19,7 +19,7 @@ formats::WavHeader headerOf(std::int64_t soundBytes) { return formats::wavHeader
 
 }
 
-WavOutput::WavOutput(const Text& path, PartNotes& notes) : output_(path, notes)
+WavOutput::WavOutput(const Text& path, PartNotes& notes) : output_(files::outputNamed("It", path, notes))
 {
     const auto header = headerOf(0);
     output_.append(std::as_bytes(std::span(header)));

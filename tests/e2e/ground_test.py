@@ -29,7 +29,8 @@ class Ground(case.Case):
                     few.kill()
                 else:
                     self.assertEqual(few.process.returncode, 1)
-                    self.assertEqual(self.app.said()[said:], "Velmora cannot start: the system makes no more threads.\n")
+                    self.assertEqual(self.app.said()[said:], "Velmora cannot start: the system makes no more threads. "
+                                     "End some programs first.\n")
 
 
 if __name__ == "__main__":

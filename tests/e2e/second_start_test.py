@@ -30,7 +30,7 @@ class SecondStart(case.Case):
         return self.desk.run("xdotool", "getactivewindow").strip()
 
     def refusal(self):
-        return f"Velmora is running and does not answer (process {self.app.process.pid})"
+        return f"Velmora is running and does not answer: end it (process {self.app.process.pid}), and start it again."
 
     def test_the_running_one_comes_to_the_front(self):
         other = self.show_list()
@@ -66,7 +66,7 @@ class SecondStart(case.Case):
             self.assertEqual(self.second(), (0, ""))
             wait_for(lambda: len(shown()) == count, "the second start is told why no window comes")
             self.assertEqual(shown()[-1], f"Velmora|Velmora is still starting|{conf} cannot be opened. "
-                                          "Velmora waits until it can: put a sound one in its place.")
+                                          "Velmora waits until it can: put an undamaged one in its place.")
         self.assertEqual(self.app.windows(case.MAIN), [])
         conf.write_bytes(whole)
         self.app.window(case.MAIN)

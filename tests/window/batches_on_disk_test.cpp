@@ -287,8 +287,10 @@ TEST_CASE("An output folder that takes no file costs each file one note, and the
             b.click();
             const auto notes = b.platform.desktop.notes();
             REQUIRE(notes.size() == 2);
-            for (const auto& note : notes)
+            for (const auto& note : notes) {
+                CHECK(note.find(" cannot be written: ") != Text::npos);
                 CHECK(note.find(row.reason) != Text::npos);
+            }
             CHECK(namesInFolder(b.folder / "out").empty());
             CHECK(b.isIdle());
             CHECK(b.saidNothing());
