@@ -75,6 +75,7 @@ def program_files(installed, folder):
         shutil.copy2(name, folder)
     (folder / "docs").mkdir()
     shutil.copy2("docs/manual.md", folder / "docs")
+    shutil.copytree("docs/pictures", folder / "docs/pictures")
     (folder / "qt.conf").write_text(QT_CONF)
 
 

@@ -30,10 +30,11 @@ class Large(tour.Tour):
 
 
 def settle_apart():
-    """Starts this program anew where other folders of homes can be put over the machine's."""
+    """Builds, and starts this program anew where other folders of homes can be put over the machine's."""
     if "VELMORA_APART" in os.environ:
         subprocess.run(["mount", "-t", "tmpfs", "tmpfs", str(HOMES)], check=True)
         return
+    subprocess.run(["cmake", "--build", sys.argv[1], "--target", "all", "file_source"], check=True)
     os.environ["VELMORA_APART"] = "1"
     os.execvp("unshare", ["unshare", "--mount", "--map-root-user", sys.executable, *sys.argv])
 
@@ -45,7 +46,7 @@ def pressed(source, target):
     else:
         subprocess.run(["convert", str(source), "-strip", "-colors", "128", f"PNG8:{target}"], check=True)
     if shutil.which("optipng"):
-        subprocess.run(["optipng", "-quiet", "-o5", str(target)], check=True)
+        subprocess.run(["optipng", "-quiet", "-o2", str(target)], check=True)
 
 
 def renew(taken, pictures):

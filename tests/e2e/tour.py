@@ -244,7 +244,6 @@ def rip(tour):
     tour.start()
     tour.open_workbench("c")
     tour.check_tracks(2)
-    tour.picture("copy-tracks", case.WORKBENCH)
     bar = bar_of(tour, "All selected tracks")
     tour.app.press(case.WORKBENCH, "push button", "START")
     picture_of_work(tour, "copy-work", bar, tour.desk.music / "Track02.wav")
