@@ -7,7 +7,6 @@
 
 #include <QApplication>
 #include <QFont>
-#include <QIcon>
 #include <QPalette>
 #include <QPixmapCache>
 #include <QWidget>
@@ -107,7 +106,6 @@ void dressApplication()
     QApplication::setStyle(new SkinStyle);
     dressFor({});
     QPixmapCache::setCacheLimit(keptPicturesKb);
-    QApplication::setWindowIcon(QIcon(":/skin/picIcon.svg"));
 }
 
 void dressFor(const DesktopWishes& wishes)

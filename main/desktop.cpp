@@ -40,6 +40,7 @@
 #include "toolkit/toolkit.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <clocale>
 #include <cstdlib>
 #include <optional>
@@ -108,6 +109,7 @@ Desktop::Desktop(char* program, const rlimit& stackLimit)
     parts_->toolkit.skin().keepIn(desktop::cacheFolder(parts_->environment), files::buildName(),
                                   parts_->partNotes);
     desktop::dressApplication();
+    QApplication::setWindowIcon(parts_->toolkit.skin().icon("picIcon"));
     parts_->wishes.emplace(desktop::sessionBusAddress(parts_->environment), parts_->toolkit.post(),
                            desktop::dressFor);
     files::removeNotedParts(desktop::stateFolder(parts_->environment));

@@ -14,6 +14,8 @@ namespace
 
 constexpr std::chrono::seconds whileToSettle{2};
 
+constexpr int iconSides[] = {16, 32, 64, 128}; // pixels
+
 constexpr std::array groups{"normal", "hover", "pressed", "disabled"};
 
 QString fileOf(const QString& name) { return ":/skin/" + name + ".svg"; }
@@ -48,6 +50,14 @@ void Skin::draw(QPainter& painter, const char* name, State state, const QRect& r
 {
     if (has(name))
         painter.drawPixmap(rect, picture(name, state, rect.size(), painter.device()->devicePixelRatio()));
+}
+
+QIcon Skin::icon(const char* name)
+{
+    QIcon icon;
+    for (const int side : iconSides)
+        icon.addPixmap(picture(name, State::normal, {side, side}, 1));
+    return icon;
 }
 
 void Skin::drawFrame(QPainter& painter, const QRect& rect) const

@@ -6,6 +6,7 @@
 #include "files/errand.h"
 #include "toolkit/kept_pictures.h"
 
+#include <QIcon>
 #include <QPixmap>
 #include <QTimer>
 #include <map>
@@ -32,6 +33,9 @@ public:
 
     // Draws nothing for a name without artwork. A state that the artwork lacks looks as the normal one.
     void draw(QPainter& painter, const char* name, State state, const QRect& rect);
+
+    // In the sizes that window managers ask for.
+    QIcon icon(const char* name);
 
     // The rectangle that frames a group of controls.
     void drawFrame(QPainter& painter, const QRect& rect) const;
