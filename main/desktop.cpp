@@ -77,7 +77,8 @@ struct Desktop::Parts {
         std::make_shared<files::StatePartNotes>(desktop::stateFolder(environment));
     std::shared_ptr<files::DiskTextFiles> ownFiles =
         std::make_shared<files::DiskTextFiles>(*partNotes, [this](const Text& backup) {
-            shell.notify("The list begins empty", "Its last rows are in " + backup + ".");
+            shell.notify("The list begins empty",
+                         "Its last rows are in " + backup + ". Open that file as a list to have them back.");
         });
     files::PatientTextFiles textFiles{ownFiles};
     files::DiskProfileFile profileFile{*ownFiles};

@@ -97,7 +97,8 @@ class Silence(case.Case):
         self.app.kill()
         self.start()
         kept = self.app.folder / "deflist.vlp.bak"
-        line = f"Velmora|The list begins empty|Its last rows are in {kept}."
+        line = (f"Velmora|The list begins empty|Its last rows are in {kept}. "
+                "Open that file as a list to have them back.")
         wait_for(lambda: self.shown() == [line], "it is told where the rows are")
         self.assertEqual(kept.read_bytes(), f"{self.mp3}\r\n".encode())
         self.app.kill()
