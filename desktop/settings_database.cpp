@@ -4,6 +4,7 @@
 #include <sqlite3.h>
 
 #include <chrono>
+#include <utility>
 
 namespace desktop
 {
@@ -16,20 +17,21 @@ using Outcome = SettingsDatabase::Outcome;
 // The window thread waits here when another copy of the program writes at the same moment.
 constexpr int longestWaitMs = 50;
 
-// A new file has nothing to lose until it has its table: the first start does not wait for the disk. Pages
-// are small because each write adds one to a log of up to a thousand, which the next start reads.
+// A kill loses nothing that was written; only a power cut asks for a force, and no write of the window thread
+// waits for one: see `SettingsForces`. Pages are small because each write adds one to a log of up to a
+// thousand, which the next start reads.
 constexpr const char* preparation = "PRAGMA synchronous = OFF;"
                                     "PRAGMA page_size = 1024;"
                                     "PRAGMA journal_mode = WAL;"
                                     "CREATE TABLE IF NOT EXISTS settings ("
                                     " application TEXT, section TEXT, key TEXT, value TEXT,"
-                                    " PRIMARY KEY (application, section, key)) WITHOUT ROWID;"
-                                    "PRAGMA synchronous = NORMAL;";
+                                    " PRIMARY KEY (application, section, key)) WITHOUT ROWID;";
 
 constexpr const char* reading =
     "SELECT value FROM settings WHERE application = ? AND section = ? AND key = ?";
 constexpr const char* writing =
     "INSERT OR REPLACE INTO settings (application, section, key, value) VALUES (?, ?, ?, ?)";
+constexpr const char* askingVersion = "PRAGMA data_version";
 
 Outcome outcomeOf(int result)
 {
@@ -95,13 +97,22 @@ SettingsDatabase::Outcome SettingsDatabase::open(const Text& path)
     sqlite3_busy_timeout(connection, longestWaitMs);
     if (result == SQLITE_OK)
         result = prepare(connection);
-    for (auto [text, statement] : {std::pair(reading, &read_), std::pair(writing, &write_)}) {
+    sqlite3_wal_hook(connection, &noteLog, this);
+    for (auto [text, statement] :
+         {std::pair(reading, &read_), std::pair(writing, &write_), std::pair(askingVersion, &version_)}) {
         sqlite3_stmt* prepared = nullptr;
         if (result == SQLITE_OK)
             result = sqlite3_prepare_v2(connection, text, -1, &prepared, nullptr);
         statement->reset(prepared);
     }
     return outcomeOf(result);
+}
+
+// In the place of the library's own, which would bring the log over on this thread.
+int SettingsDatabase::noteLog(void* database, sqlite3*, const char*, int pages)
+{
+    static_cast<SettingsDatabase*>(database)->logPages_ = pages;
+    return SQLITE_OK;
 }
 
 SettingsDatabase::Outcome SettingsDatabase::read(const SettingName& name, Text& value)
@@ -121,6 +132,23 @@ SettingsDatabase::Outcome SettingsDatabase::write(const SettingName& name, const
     const int result = sqlite3_step(write_.get());
     sqlite3_reset(write_.get());
     return outcomeOf(result);
+}
+
+bool SettingsDatabase::hasChanged()
+{
+    std::optional<int> version;
+    if (sqlite3_step(version_.get()) == SQLITE_ROW)
+        version = sqlite3_column_int(version_.get(), 0);
+    sqlite3_reset(version_.get());
+    return std::exchange(seenVersion_, version) != version || !version;
+}
+
+void SettingsDatabase::cutLog()
+{
+    sqlite3* connection = connection_.get();
+    sqlite3_busy_timeout(connection, 0);
+    sqlite3_wal_checkpoint_v2(connection, nullptr, SQLITE_CHECKPOINT_TRUNCATE, nullptr, nullptr);
+    sqlite3_busy_timeout(connection, longestWaitMs);
 }
 
 }

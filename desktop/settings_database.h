@@ -5,6 +5,7 @@
 #include "platform/text.h"
 
 #include <memory>
+#include <optional>
 #include <tuple>
 
 struct sqlite3;
@@ -42,6 +43,15 @@ public:
     Outcome read(const SettingName& name, Text& value); // "" for an absent one
     Outcome write(const SettingName& name, const Text& value);
 
+    // Whether another connection may have written since this was asked last. Never false the first time.
+    bool hasChanged();
+
+    // How many pages the log held behind the last write: each write adds to it until it is cut off.
+    int logPages() const { return logPages_; }
+
+    // Empties the log, all of which is in the file and on the disk already. Never waits.
+    void cutLog();
+
 private:
     struct Close {
         void operator()(sqlite3* connection) const;
@@ -51,10 +61,14 @@ private:
     using Statement = std::unique_ptr<sqlite3_stmt, Close>;
 
     Outcome open(const Text& path);
+    static int noteLog(void* database, sqlite3*, const char*, int pages);
 
     Connection connection_;
     Statement read_;
     Statement write_;
+    Statement version_;
+    std::optional<int> seenVersion_;
+    int logPages_ = 0;
     Outcome outcome_;
 };
 

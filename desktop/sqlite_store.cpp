@@ -12,6 +12,9 @@ namespace
 // A try may cost the window thread fifty milliseconds when another process holds the file.
 constexpr std::chrono::seconds betweenTries{1};
 
+// A megabyte: so much of it the next start reads in no time.
+constexpr int longestLog = 1000;
+
 }
 
 SqliteStore::Outcome SqliteStore::open()
@@ -38,18 +41,38 @@ SqliteStore::Outcome SqliteStore::attempt(const Call& call)
             outcome = call(*database_);
         if (outcome != Outcome::damaged)
             return outcome;
-        database_.reset();
+        close();
         files::setAside(path_, identity_);
     }
     return Outcome::damaged;
 }
 
+void SqliteStore::close()
+{
+    database_.reset();
+    known_.clear();
+}
+
+void SqliteStore::lookForOutsiders()
+{
+    if (trust_.holds())
+        return;
+    trust_.begin();
+    if (!database_ || database_->hasChanged())
+        known_.clear();
+}
+
 // A file that cannot even be read is left alone for a while.
 Text SqliteStore::stored(const SettingName& name)
 {
+    lookForOutsiders();
+    if (const auto known = known_.find(name); known != known_.end())
+        return known->second;
     Text value;
     const Outcome outcome = attempt([&](SettingsDatabase& database) { return database.read(name, value); });
-    if (outcome != Outcome::done)
+    if (outcome == Outcome::done)
+        known_[name] = value;
+    else
         leaveAlone();
     return value;
 }
@@ -58,7 +81,7 @@ void SqliteStore::leaveAlone()
 {
     if (Clock::now() >= nextOpen_)
         nextOpen_ = Clock::now() + betweenTries;
-    database_.reset();
+    close();
 }
 
 Text SqliteStore::current(const SettingName& name)
@@ -71,10 +94,33 @@ bool SqliteStore::write(const SettingName& name, const Text& value)
 {
     if (Clock::now() < nextWrite_)
         return false;
+    cutLog();
+    known_.erase(name);
     const Outcome outcome = attempt([&](SettingsDatabase& database) { return database.write(name, value); });
-    if (outcome != Outcome::done)
+    if (outcome != Outcome::done) {
         nextWrite_ = Clock::now() + betweenTries;
-    return outcome == Outcome::done;
+        return false;
+    }
+    known_[name] = value;
+    ++writes_;
+    forceLog();
+    return true;
+}
+
+// Only what is on the disk whole may go. While somebody drags a window and the disk is slow, the log grows:
+// its end is always newer than what was forced.
+void SqliteStore::cutLog()
+{
+    if (database_ && forces_.hasEnded() && writes_ == forcedWrites_)
+        database_->cutLog();
+}
+
+void SqliteStore::forceLog()
+{
+    if (!database_ || database_->logPages() < longestLog || forces_.isUnderWay())
+        return;
+    forcedWrites_ = writes_;
+    forces_.begin();
 }
 
 void SqliteStore::writeRefused()

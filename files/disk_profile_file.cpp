@@ -15,7 +15,7 @@ std::string_view withoutBlanksBehind(std::string_view text)
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-std::size_t put(std::string_view text, char* buffer, std::size_t size)
+std::size_t fill(std::string_view text, char* buffer, std::size_t size)
 {
     if (size == 0)
         return 0;
@@ -50,17 +50,30 @@ std::size_t DiskProfileFile::read(const Text& section, const Text& key, const Te
 {
     Text text;
     succeeds([&] { text = files_.readWhole(file); });
-    return put(profileValue(text, section, key).value_or(withoutBlanksBehind(fallback)), buffer, size);
+    return fill(profileValue(text, section, key).value_or(withoutBlanksBehind(fallback)), buffer, size);
 }
 
 bool DiskProfileFile::write(const Text& section, const Text& key, const Text& value, const Text& file)
 {
-    return fitsProfile(section, key, value) && succeeds([&] {
-               const Text old = contentOrNothing(files_, file);
-               const Text changed = profileWith(old, section, key, value);
-               if (changed != old)
-                   replaceContent(files_, file, changed);
-           });
+    const Entry entry{section, key, value, file};
+    if (trust_.holds() && entry == last_)
+        return true;
+    trust_.end();
+    if (!fitsProfile(section, key, value) || !put(entry))
+        return false;
+    last_ = entry;
+    trust_.begin();
+    return true;
+}
+
+bool DiskProfileFile::put(const Entry& entry)
+{
+    return succeeds([&] {
+        const Text old = contentOrNothing(files_, entry.file);
+        const Text changed = profileWith(old, entry.section, entry.key, entry.value);
+        if (changed != old)
+            replaceContent(files_, entry.file, changed);
+    });
 }
 
 }

@@ -109,7 +109,7 @@ void DiskTextFiles::leave(const Text& path, std::uint64_t revision, Descriptor f
     const Lock lock(mutex_);
     left_.erase(path);
     if (revision != 0)
-        left_.emplace(path, LeftFile(revision, std::move(file)));
+        left_.emplace(path, LeftFile(revision, std::move(file), trust_));
 }
 
 bool DiskTextFiles::isOwn(const Text& path)

@@ -23,9 +23,9 @@ public:
     // it has gone.
     using BackupKept = std::function<void(const Text& backup)>;
     explicit DiskTextFiles(
-        PartNotes& notes, BackupKept earlierContentKept = [](const Text&) {}) :
+        PartNotes& notes, BackupKept earlierContentKept = [](const Text&) {}, Trust trust = Trust()) :
         notes_(notes),
-        earlierContentKept_(std::move(earlierContentKept))
+        earlierContentKept_(std::move(earlierContentKept)), trust_(std::move(trust))
     {
     }
 
@@ -42,6 +42,7 @@ private:
     PartNotes& notes_;
     Forces forces_;
     BackupKept earlierContentKept_;
+    const Trust trust_;
     Mutex mutex_;
     std::map<Text, LeftFile> left_ GUARDED_BY(mutex_); // those with a revision
 };

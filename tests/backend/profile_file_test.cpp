@@ -25,7 +25,8 @@ struct Profile {
     Text path = folder / "vlmset.ini";
     files::StatePartNotes notes{folder / "state"};
     files::DiskTextFiles files{notes};
-    files::DiskProfileFile profile{files};
+    files::Trust::TimePoint now = std::chrono::steady_clock::now();
+    files::DiskProfileFile profile{files, files::Trust([this] { return now; })};
 
     Text read(const Text& key, const Text& fallback = "<missing>")
     {
@@ -306,4 +307,26 @@ TEST_CASE("A kill while writing leaves the old value or the new one, and every o
         CHECK(fileBytes(profile.path) == mine + profile.read("PlayList") + "\n");
         CHECK(std::stoi("0" + profile.read("PlayList")) > round);
     }
+}
+
+TEST_CASE("A value that is written many times a second is compared with the file once")
+{
+    Profile profile;
+    CHECK(profile.write("PlayList", "/a.vlp"));
+    const Text ours = fileBytes(profile.path);
+    const Text theirs = "[Playlist Editor]\r\nPlayList=/theirs.vlp\r\n";
+    putFile(profile.path, theirs);
+    CHECK(profile.write("PlayList", "/a.vlp"));
+    CHECK(fileBytes(profile.path) == theirs);
+    CHECK(profile.read("PlayList") == "/theirs.vlp");
+    profile.now += files::Trust::length;
+    CHECK(profile.write("PlayList", "/a.vlp"));
+    CHECK(fileBytes(profile.path) == ours);
+
+    putFile(profile.path, theirs);
+    CHECK(profile.write("PlayList", "/b.vlp"));
+    CHECK(profile.read("PlayList") == "/b.vlp");
+    CHECK(profile.write("FileType", "2"));
+    CHECK(profile.write("PlayList", "/b.vlp"));
+    CHECK(profile.read("FileType") == "2");
 }

@@ -3,6 +3,7 @@
 
 #include "tests/support/child.h"
 #include "tests/support/files.h"
+#include "tests/support/forced_disk.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wait_until.h"
 
@@ -13,7 +14,11 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <chrono>
+#include <thread>
+
+using namespace std::chrono_literals;
 
 namespace
 {
@@ -125,16 +130,39 @@ TEST_CASE("An equal value writes nothing")
     CHECK(fileBytes(place.path + "-wal") != log);
 }
 
-TEST_CASE("What another process saved is compared with, not what this one remembers")
+TEST_CASE("What another process saved is seen within a second, and undone by the next save")
 {
     const Place place;
-    desktop::SqliteStore one(place.path);
-    desktop::SqliteStore other(place.path);
+    auto now = std::chrono::steady_clock::now();
+    desktop::SqliteStore one(place.path, [&] { return now; });
     one.SaveSetting(app, section, "SHOWN", "YES");
-    other.SaveSetting(app, section, "SHOWN", "NO");
+    now += files::Trust::length;
+    CHECK(one.GetSetting(app, section, "SHOWN") == "YES");
+    REQUIRE(Outsider(place.path).runs("UPDATE settings SET value = 'NO'"));
+    CHECK(one.GetSetting(app, section, "SHOWN") == "YES"); // the file is not looked at on every tick
+    now += files::Trust::length;
     CHECK(one.GetSetting(app, section, "SHOWN") == "NO");
     one.SaveSetting(app, section, "SHOWN", "YES");
-    CHECK(other.GetSetting(app, section, "SHOWN") == "YES");
+    CHECK(place.get("SHOWN") == "YES");
+}
+
+TEST_CASE("A tick that saves what is saved undoes another process's change within 1.1 s")
+{
+    const Place place;
+    auto now = std::chrono::steady_clock::now();
+    desktop::SqliteStore store(place.path, [&] { return now; });
+    for (const auto pace : {16ms, 40ms, 500ms}) {
+        CAPTURE(pace.count());
+        for (int time = 0; time < 100; ++time, now += pace)
+            store.SaveSetting(app, section, "SHOWN", "YES");
+        REQUIRE(Outsider(place.path).runs("UPDATE settings SET value = 'NO'"));
+        const auto then = now;
+        while (place.get("SHOWN") != "YES" && now < then + 10s) {
+            now += pace;
+            store.SaveSetting(app, section, "SHOWN", "YES");
+        }
+        CHECK(now - then <= 1100ms);
+    }
 }
 
 TEST_CASE("Two processes that save at once lose nothing")
@@ -196,13 +224,92 @@ TEST_CASE("A kill at any instant loses nothing that was saved")
     CHECK(namesInFolder(place.folder / "config/Velmora").count("settings.sqlite.damaged") == 0);
 }
 
-TEST_CASE("However much is saved, the log stays short enough to be read at a start")
+TEST_CASE("However much is saved, the log is soon short enough to be read at a start")
 {
     const Place place;
     desktop::SqliteStore store(place.path);
     for (int i = 0; i < 5000; ++i)
         store.SaveSetting(app, section, "Left", std::to_string(i));
-    CHECK(std::filesystem::file_size(place.path + "-wal") < 1'500'000);
+    int i = 0;
+    CHECK(waitUntil([&] {
+        std::this_thread::sleep_for(100ms); // nobody drags without a pause
+        store.SaveSetting(app, section, "Left", std::to_string(++i));
+        return std::filesystem::file_size(place.path + "-wal") < 1'500'000;
+    }));
+    for (int more = 0; more < 10; ++more)
+        store.SaveSetting(app, section, "Top", std::to_string(more));
+    CHECK(place.get("Left") == std::to_string(i));
+    CHECK(place.get("Top") == "9");
+}
+
+TEST_CASE("No save waits for a disk that takes half a second for a force, and the disk is forced behind it")
+{
+    const Place place;
+    desktop::SqliteStore store(place.path);
+    const ForcedDisk slow(500ms);
+    const int before = ForcedDisk::forces;
+    ForcedDisk::forcesOfThisThread = 0;
+    std::vector<double> each;
+    for (int i = 0; i < 5000; ++i)
+        each.push_back(millisecondsOf([&] { store.SaveSetting(app, section, "Left", std::to_string(i)); }));
+    CHECK(waitUntil([&] {
+        std::this_thread::sleep_for(1600ms);
+        each.push_back(
+            millisecondsOf([&] { store.SaveSetting(app, section, "Left", std::to_string(each.size())); }));
+        return ForcedDisk::forces >= before + 2 &&
+               std::filesystem::file_size(place.path + "-wal") < 1'500'000;
+    }));
+    CHECK(ForcedDisk::forcesOfThisThread == 0);
+    std::ranges::sort(each);
+    CHECK(each[each.size() * 999 / 1000] < 50); // a busy machine takes a few of them away
+}
+
+TEST_CASE("A kill while the disk is behind loses nothing that was saved")
+{
+    const Place place;
+    for (const int saves : {1500, 3000}) {
+        CAPTURE(saves);
+        Child child([&] {
+            const ForcedDisk slow(500ms);
+            desktop::SqliteStore store(place.path);
+            for (int i = 0; i <= saves; ++i)
+                store.SaveSetting(app, section, "Left", std::to_string(i));
+            raise(SIGKILL);
+        });
+        CHECK(child.wait() == 128 + SIGKILL);
+        CHECK(place.get("Left") == std::to_string(saves));
+    }
+}
+
+TEST_CASE("A kill while the log is cut off loses nothing that was saved")
+{
+    const Place place;
+    for (int round = 0; round < 20; ++round) {
+        CAPTURE(round);
+        int pipes[2];
+        REQUIRE(pipe2(pipes, O_CLOEXEC) == 0);
+        Child writer([&] {
+            desktop::SqliteStore store(place.path);
+            for (int i = 1;; ++i) {
+                store.SaveSetting(app, section, "Left", std::to_string(i));
+                std::ignore = write(pipes[1], &i, sizeof i);
+                if (i % 1000 == 999)
+                    std::this_thread::sleep_for(20ms); // the other thread comes to its end
+            }
+        });
+        close(pipes[1]);
+        int saved = 0;
+        while (saved >= 0 && saved < 1900 + round * 11)
+            saved = read(pipes[0]);
+        writer.kill();
+        for (int later = saved; later >= 0; later = read(pipes[0]))
+            saved = later;
+        close(pipes[0]);
+        const int found = std::stoi("0" + place.get("Left"));
+        CHECK(found >= saved);
+        CHECK(found <= saved + 1);
+        place.save("Left", "0");
+    }
 }
 
 TEST_CASE("A file that is no database is set aside and a new one begun")

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Brings the log of the settings' file into the file itself, and has the disk take both, behind the window
+// thread: a disk may take half a second for that.
+#pragma once
+
+#include "platform/text.h"
+#include "platform/worker.h"
+
+#include <atomic>
+#include <memory>
+
+namespace desktop
+{
+
+class SettingsForces
+{
+public:
+    explicit SettingsForces(Text path) : path_(std::move(path)) {}
+
+    // Begins unless it is under way. What is written meanwhile is left for the next time.
+    void begin();
+
+    // Once for each time that all of the log was brought over: it may be cut off, if nothing came since.
+    bool hasEnded() { return *state_ == State::ended && state_->exchange(State::idle) == State::ended; }
+
+    bool isUnderWay() const { return *state_ == State::underWay; }
+
+private:
+    enum class State { idle, underWay, ended };
+
+    Text path_;
+    std::shared_ptr<std::atomic<State>> state_ = std::make_shared<std::atomic<State>>(State::idle);
+    Worker worker_{Worker::AtEnd::abandons};
+};
+
+}
