@@ -69,6 +69,7 @@ struct Desktop::Parts {
 
     desktop::LibraryArguments arguments;
     desktop::Environment environment = desktop::environmentOfProcess();
+    const Text applicationFolder = desktop::applicationFolder(environment); // each tick asks for it
     desktop::OnlyCopy onlyCopy{environment};
     QApplication application{arguments.count(), arguments.values()};
     Toolkit toolkit{Toolkit::Timers::run};
@@ -195,7 +196,7 @@ MessageBoxes& Desktop::messageBoxes() { return parts_->messageBoxes; }
 
 Pump& Desktop::pump() { return parts_->pump; }
 
-Text Desktop::applicationFolder() const { return desktop::applicationFolder(parts_->environment); }
+Text Desktop::applicationFolder() const { return parts_->applicationFolder; }
 
 Text Desktop::defaultOutputDirectory() const { return desktop::musicFolder(parts_->environment); }
 

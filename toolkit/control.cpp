@@ -38,8 +38,9 @@ void Control::setTop(Twips top)
 
 void Control::placeWidget()
 {
-    if (widget_)
-        widget_->move(pixelsOf(place_.left), pixelsOf(place_.top));
+    const QPoint place(pixelsOf(place_.left), pixelsOf(place_.top));
+    if (widget_ && widget_->pos() != place)
+        widget_->move(place);
 }
 
 void Control::setEnabled(bool enabled)

@@ -128,6 +128,8 @@ Label::Label(Container& container, const char* name, Hidden, const Text& caption
 
 void Label::setCaption(const Text& caption)
 {
+    if (caption_ == caption)
+        return;
     caption_ = caption;
     if (auto* label = static_cast<QLabel*>(widget_))
         label->setText(shown(caption));
