@@ -10,6 +10,8 @@
 #include "playlist/playlist_format.h"
 #include "program.h"
 
+#include <utility>
+
 namespace
 {
 
@@ -65,14 +67,20 @@ void PlayListEditor::readListFile(const Text& path)
 {
     succeeds([&] { ListFileText = program_.platform().textFiles().readWhole(path); });
     SplitListText(ListFileText, Text(lineEnd));
-    ListLines = SplitResult;
+    ListLines = std::exchange(SplitResult, std::nullopt);
     PlayListLB.Clear();
     if (!ListLines)
         program_.platform().pump().standStill();
     else
-        for (const auto& line : *ListLines)
-            if (isRow(line))
-                PlayListLB.AddItem(line);
+        addRows(*std::exchange(ListLines, std::vector<Text>()));
+}
+
+// The rows take the lines over: of a million there shall be no second copy.
+void PlayListEditor::addRows(std::vector<Text> lines)
+{
+    for (auto& line : lines)
+        if (isRow(line))
+            PlayListLB.AddItem(std::move(line));
 }
 
 void PlayListEditor::GoDoOpen()

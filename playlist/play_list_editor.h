@@ -54,7 +54,7 @@ public:
     Text DefaultListPath;         // the working copy
     Text ListFileText;            // the list file read last
     std::optional<std::vector<Text>> SplitResult; // its lines; none at all for an empty text
-    std::optional<std::vector<Text>> ListLines;
+    std::optional<std::vector<Text>> ListLines;   // those that the reader walks, which become rows
 
     // The window and its list (play_list_editor.cpp)
     void Form_Load();
@@ -111,6 +111,7 @@ private:
     void moveRow(std::int32_t insertAt, std::int32_t selectAt);
 
     void readListFile(const Text& path);
+    void addRows(std::vector<Text> lines);
     void saveDirectly(const Text& name);
     void saveThroughDialog();
     void addRows();

@@ -33,13 +33,13 @@ ListBox::~ListBox()
         view_->setModel(nullptr);
 }
 
-void ListBox::AddItem(const ::Text& text) { AddItem(text, ListCount()); }
+void ListBox::AddItem(::Text text) { AddItem(std::move(text), ListCount()); }
 
-void ListBox::AddItem(const ::Text& text, std::int32_t index)
+void ListBox::AddItem(::Text text, std::int32_t index)
 {
     if (index < 0 || index > ListCount())
         throw Failure(Trouble::invalidCall);
-    change([&] { rows_->insert(index, text); }, listIndex_ >= index ? listIndex_ + 1 : listIndex_);
+    change([&] { rows_->insert(index, std::move(text)); }, listIndex_ >= index ? listIndex_ + 1 : listIndex_);
 }
 
 void ListBox::RemoveItem(std::int32_t index)

@@ -41,10 +41,10 @@ public:
     Event<std::int16_t, std::int16_t> KeyDown; // key code, shift state
     Event<const DroppedFiles&> OLEDragDrop;    // files from another program, accepted as copies
 
-    void AddItem(const ::Text& text);                     // as the last row
-    void AddItem(const ::Text& text, std::int32_t index); // fails with 5 outside 0..ListCount
-    void RemoveItem(std::int32_t index);                  // fails with 5 outside the list
-    void Clear();                                         // raises nothing
+    void AddItem(::Text text);                     // as the last row
+    void AddItem(::Text text, std::int32_t index); // fails with 5 outside 0..ListCount
+    void RemoveItem(std::int32_t index);           // fails with 5 outside the list
+    void Clear();                                  // raises nothing
 
     std::int32_t ListCount() const;
     ::Text List(std::int32_t index) const; // "" outside the list

@@ -3,6 +3,8 @@
 
 #include "toolkit/qt_bridge.h"
 
+#include <utility>
+
 namespace
 {
 
@@ -24,14 +26,15 @@ namespace ctl
 
 void ListRows::check(std::int32_t index, bool checked)
 {
-    rows_[static_cast<std::size_t>(index)].checked = checked;
+    checked_[static_cast<std::size_t>(index)] = checked;
     emit dataChanged(this->index(index), this->index(index), {Qt::CheckStateRole});
 }
 
-void ListRows::insert(std::int32_t index, const Text& text)
+void ListRows::insert(std::int32_t index, Text text)
 {
     beginInsertRows({}, index, index);
-    rows_.insert(rows_.begin() + index, {text});
+    texts_.insert(texts_.begin() + index, std::move(text));
+    checked_.insert(checked_.begin() + index, false);
     changed();
     endInsertRows();
 }
@@ -39,7 +42,8 @@ void ListRows::insert(std::int32_t index, const Text& text)
 void ListRows::remove(std::int32_t index)
 {
     beginRemoveRows({}, index, index);
-    rows_.erase(rows_.begin() + index);
+    texts_.erase(texts_.begin() + index);
+    checked_.erase(checked_.begin() + index);
     changed();
     endRemoveRows();
 }
@@ -47,7 +51,8 @@ void ListRows::remove(std::int32_t index)
 void ListRows::clear()
 {
     beginResetModel();
-    rows_.clear();
+    texts_ = {};
+    checked_ = {};
     changed();
     endResetModel();
 }

@@ -16,13 +16,13 @@ class ListRows final : public QAbstractListModel
 public:
     explicit ListRows(bool checks) : checks_(checks) { changed(); }
 
-    std::int32_t count() const { return static_cast<std::int32_t>(rows_.size()); }
-    const Text& text(std::int32_t index) const { return rows_[static_cast<std::size_t>(index)].text; }
+    std::int32_t count() const { return static_cast<std::int32_t>(texts_.size()); }
+    const Text& text(std::int32_t index) const { return texts_[static_cast<std::size_t>(index)]; }
     bool hasChecks() const { return checks_; }
-    bool isChecked(std::int32_t index) const { return rows_[static_cast<std::size_t>(index)].checked; }
+    bool isChecked(std::int32_t index) const { return checked_[static_cast<std::size_t>(index)]; }
     void check(std::int32_t index, bool checked);
 
-    void insert(std::int32_t index, const Text& text);
+    void insert(std::int32_t index, Text text);
     void remove(std::int32_t index);
     void clear();
 
@@ -34,14 +34,10 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
-    struct Row {
-        Text text;
-        bool checked = false;
-    };
-
     void changed();
 
-    std::vector<Row> rows_;
+    std::vector<Text> texts_; // a list may have a million rows: nothing is kept beside them
+    std::vector<bool> checked_;
     std::uint64_t revision_ = 0;
     bool checks_;
 };

