@@ -205,3 +205,14 @@ TEST_CASE("99 tracks are read, and no more files than any disc needs")
         files += "FILE \"" + std::to_string(i) + "\" WAVE\n";
     CHECK_FALSE(disc::cueSheetIn(files + sheet).has_value());
 }
+
+TEST_CASE("Ten thousand tracks are no disc, however they are numbered")
+{
+    for (const int numbers : {10'000, 100, 1}) {
+        CAPTURE(numbers);
+        Text sheet = "FILE a BINARY\n";
+        for (int i = 1; i <= 10'000; ++i)
+            sheet += "TRACK " + std::to_string(i % numbers + 1) + " AUDIO\nINDEX 01 00:00:00\n";
+        CHECK_FALSE(disc::cueSheetIn(sheet).has_value());
+    }
+}

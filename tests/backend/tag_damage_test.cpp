@@ -114,6 +114,13 @@ TEST_CASE("Files that were made to keep a reader busy are read in a moment")
         {"tags behind tags", tags + audio},
         {"APE items", audio + apeTag(items)},
         {"beginnings of frames", headers},
+        {"256 MB said and 10 bytes there", Text("ID3\3\0\0\x7F\x7F\x7F\x7F", 10) + Text(10, 'x')},
+        {"a frame of 256 MB said in a tag of 256 MB",
+         Text("ID3\3\0\0\x7F\x7F\x7F\x7FTIT2\x0F\xFF\xFF\xF0\0\0", 20) + Text(10, 'x') + audio},
+        {"a compressed frame that would be 256 MB",
+         v2Tag(3, Text("TIT2\0\0\0\x0E\0\x80\x10\0\0\0", 14) + Text(10, 'x')) + audio},
+        {"an APE tag of 256 MB said", audio + Text("APETAGEX\xD0\7\0\0\0\0\0\x10\xFF\xFF\xFF\0", 20) +
+                                          Text("\0\0\0\0\0\0\0\0\0\0\0\0", 12)},
         {"zeros", Text(5'000'000, '\0')},
         {"ones", Text(5'000'000, '\xFF')},
     };
