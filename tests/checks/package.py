@@ -54,7 +54,7 @@ def ids():
 
 def bus_names():
     return {
-        "desktop/mpris_remote.cpp": found("desktop/mpris_remote.cpp", r'serviceName = "(\S+)"'),
+        "desktop/mpris_remote.cpp": found("desktop/mpris_remote.cpp", r'service = "(org\.mpris\.\S+)"'),
         ENTRY: found(ENTRY, r"^Exec=dbus-send .*--dest=(\S+)"),
         METAINFO: found(METAINFO, r'<dbus type="user">(\S+)</dbus>'),
     }
