@@ -32,9 +32,8 @@ std::unique_ptr<ACDWRITE> Discs::makeWriter(Post& post, Shell& shell, PartNotes&
                           sleepLock);
 }
 
-std::unique_ptr<CdBase> Discs::makeTitles(std::shared_ptr<PartNotes> notes) const
+std::unique_ptr<CdBase> Discs::makeTitles(std::shared_ptr<PartNotes> notes, CddbAccess access) const
 {
-    CddbAccess access;
     access.cacheFolder = titleFolder_;
     access.notes = std::move(notes);
     access.firstDrive = [readers = readers_] { return readers->drives().front()->name(); };

@@ -2,6 +2,7 @@
 // The program's disc controls over all drives that there are: real ones and disc images.
 #pragma once
 
+#include "engines/disc/curl_cd_base.h"
 #include "engines/disc/disc_folders.h"
 
 #include <memory>
@@ -32,8 +33,8 @@ public:
     std::unique_ptr<ACDWRITE> makeWriter(Post& post, Shell& shell, PartNotes& notes,
                                          SleepLock& sleepLock) const;
 
-    // The titles of the disc in the reader's first drive.
-    std::unique_ptr<CdBase> makeTitles(std::shared_ptr<PartNotes> notes) const;
+    // The titles of the disc in the reader's first drive, from the usual servers or those of `access`.
+    std::unique_ptr<CdBase> makeTitles(std::shared_ptr<PartNotes> notes, CddbAccess access = {}) const;
 
 private:
     DiscFolders folders_;

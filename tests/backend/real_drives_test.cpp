@@ -48,16 +48,6 @@ struct Drives {
     }
 };
 
-// Whatever is asked of the web goes to that server instead.
-class AllProxy
-{
-public:
-    explicit AllProxy(const Text& address) { setenv("all_proxy", address.c_str(), 1); }
-    ~AllProxy() { unsetenv("all_proxy"); }
-    AllProxy(const AllProxy&) = delete;
-    AllProxy& operator=(const AllProxy&) = delete;
-};
-
 }
 
 TEST_CASE("WAV files go onto a disc and come back from it bit for bit")
@@ -312,8 +302,8 @@ TEST_CASE("Titles are looked up for the disc in the first drive")
         client.sendPage(isQuery ? "200 rock " + id + " A / B\r\n"
                                 : "210 rock x\r\nDTITLE=A / B\r\nTTITLE1=Two\r\n.\r\n");
     });
-    const AllProxy proxy(server.address());
-    const auto titles = d.discs.makeTitles(std::make_shared<NoPartNotes>());
+    const auto titles =
+        d.discs.makeTitles(std::make_shared<NoPartNotes>(), {.addresses = {server.address()}});
     CHECK(titles->DefaultDevice() == d.reader->DriveName(1));
     titles->setDevice(titles->DefaultDevice());
     titles->setTimeLimit(20000);
@@ -322,6 +312,5 @@ TEST_CASE("Titles are looked up for the disc in the first drive")
     CHECK(titles->DiscArtist() == "A");
     CHECK(titles->TrackTitle(2) == "Two");
     REQUIRE(server.requests().size() == 2);
-    CHECK(server.requests()[0].starts_with("http://gnudb.gnudb.org/~cddb/cddb.cgi?"));
     CHECK(d.reader->TrackCount() == 2);
 }
