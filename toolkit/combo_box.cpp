@@ -2,16 +2,16 @@
 #include "toolkit/combo_box.h"
 
 #include "platform/failure.h"
+#include "toolkit/drop_down.h"
 #include "toolkit/qt_bridge.h"
 
-#include <QComboBox>
 #include <QSignalBlocker>
 
 namespace ctl
 {
 
 ComboBox::ComboBox(Container& container, const char* name, Place place) :
-    Control(container, name, place, new QComboBox)
+    Control(container, name, place, new DropDown)
 {
     QObject::connect(static_cast<QComboBox*>(widget_), &QComboBox::currentIndexChanged,
                      [this] { fromOutside([this] { Click.raise(); }); });

@@ -3,10 +3,10 @@
 
 #include "platform/failure.h"
 #include "platform/paths.h"
+#include "toolkit/drop_down.h"
 #include "toolkit/folder_listing.h"
 #include "toolkit/qt_bridge.h"
 
-#include <QComboBox>
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QListWidget>
@@ -124,7 +124,7 @@ namespace ctl
 {
 
 // The wheel turns over it on the way to something else: it obeys the wheel in its open list alone.
-class DriveBox final : public QComboBox
+class DriveBox final : public DropDown
 {
 public:
     explicit DriveBox(DriveListBox& list) : list_(list)
@@ -143,7 +143,7 @@ public:
     void hidePopup() override
     {
         looking_.stop();
-        QComboBox::hidePopup();
+        DropDown::hidePopup();
     }
 
 protected:

@@ -86,9 +86,18 @@ FormWidget::FormWidget(Form& form, const char* name, Form::Border border, Extent
 
 bool FormWidget::isFramed() const { return !windowFlags().testFlag(Qt::FramelessWindowHint); }
 
+void FormWidget::ignoreKeyAtWork()
+{
+    isEscapeSpent_ = true;
+    QMetaObject::invokeMethod(
+        this, [this] { isEscapeSpent_ = false; }, Qt::QueuedConnection);
+}
+
 // The button of the tab that is in sight; any, where only another tab has one.
 void FormWidget::cancel()
 {
+    if (isEscapeSpent_)
+        return;
     const auto seen = std::find_if(cancelButtons_.begin(), cancelButtons_.end(),
                                    [](const auto* button) { return button->isVisible(); });
     if (seen != cancelButtons_.end())

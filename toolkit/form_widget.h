@@ -37,6 +37,7 @@ public:
     void pressed(QPoint at) { pressed_ = at; } // in the window
     void follow(); // the pointer from where it was pressed, until its buttons are released
     void setMenuImage(ctl::Image& image) { menuImage_ = &image; }
+    void ignoreKeyAtWork(); // an Escape that is on its way through the window
     void cancelsWith(QAbstractButton& button) { cancelButtons_.push_back(&button); }
     void addFrame(const QRect& rect) { frames_.push_back(rect); }
 
@@ -94,6 +95,7 @@ private:
     std::optional<QPoint> grip_; // where in the window the pointer holds it
     std::vector<QRect> frames_;
     std::vector<QAbstractButton*> cancelButtons_;
+    bool isEscapeSpent_ = false;
     ctl::Image* menuImage_ = nullptr;
     ctl::MenuKeys menuKeys_;
 };

@@ -81,6 +81,16 @@ class Drives(case.Case):
         self.wait_files([])
         self.assert_alive()
 
+    def test_escape_closes_an_open_list_of_drives_and_not_the_window(self):
+        self.app.click_control(self.list(DRIVES))
+        wait_for(lambda: self.app.popups() == 1, "the list of drives is open")
+        self.app.key("Escape")
+        wait_for(lambda: self.app.popups() == 0, "the list of drives closes")
+        self.tab_to(FOLDERS)
+        self.assertTrue(self.app.windows(case.WORKBENCH))
+        self.app.key("Escape")
+        wait_for(lambda: not self.app.windows(case.WORKBENCH), "the next Escape hides the window")
+
 
 if __name__ == "__main__":
     case.main()
