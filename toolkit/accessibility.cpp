@@ -4,6 +4,7 @@
 #include "toolkit/accessible_tabs.h"
 #include "toolkit/form_widget.h"
 #include "toolkit/image_widget.h"
+#include "toolkit/later.h"
 #include "toolkit/slider.h"
 
 #include <QAbstractItemView>
@@ -65,7 +66,7 @@ public:
             if (widget->isEnabled() && !isBlocked(*widget))
                 widget->act();
         };
-        QMetaObject::invokeMethod(widget, press, Qt::QueuedConnection);
+        later(widget, press);
     }
 
 private:
@@ -83,7 +84,7 @@ private:
             if (widget->isEnabled() && !isBlocked(*widget))
                 widget->image().slider()->moveByUser(wanted);
         };
-        QMetaObject::invokeMethod(widget, move, Qt::QueuedConnection);
+        later(widget, move);
     }
 
     ctl::Slider* slider() const { return widget_.image().slider(); }
@@ -125,7 +126,7 @@ public:
             if (box->isEnabled() && !isBlocked(*box))
                 box->showPopup();
         };
-        QMetaObject::invokeMethod(box, open, Qt::QueuedConnection);
+        later(box, open);
     }
 
 private:
@@ -142,7 +143,8 @@ QAccessibleInterface* interfaceOf(const QString&, QObject* object)
         return new AccessibleBox(*box);
     if (auto* tabs = qobject_cast<QTabBar*>(object))
         return accessibleTabs(*tabs);
-    if (object->metaObject() == &QFrame::staticMetaObject) // a line, which would pass for a window
+    if (object != nullptr &&
+        object->metaObject() == &QFrame::staticMetaObject) // a line, which would pass for a window
         return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Separator);
     return nullptr;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/accessible_tabs.h"
 
+#include "toolkit/later.h"
+
 #include <QAccessibleWidget>
 #include <QRegularExpression>
 #include <QTabBar>
@@ -66,8 +68,7 @@ private:
     void doAction(const QString& action) override
     {
         if (action == pressAction())
-            QMetaObject::invokeMethod(
-                &bar_, [&bar = bar_, index = index_] { bar.setCurrentIndex(index); }, Qt::QueuedConnection);
+            later(&bar_, [&bar = bar_, index = index_] { bar.setCurrentIndex(index); });
     }
 
     QTabBar& bar_;
@@ -93,9 +94,7 @@ public:
             return nullptr;
         auto known = tabs_.find(index);
         if (known == tabs_.end())
-            known =
-                tabs_.emplace(index, QAccessible::registerAccessibleInterface(new AccessibleTab(bar_, index)))
-                    .first;
+            known = tabs_.emplace(index, registered(index)).first;
         return QAccessible::accessibleInterface(known->second);
     }
 
@@ -118,6 +117,13 @@ public:
     }
 
 private:
+    QAccessible::Id registered(int index) const
+    {
+        auto* tab = new AccessibleTab(bar_, index);
+        // The library's register owns it. NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
+        return QAccessible::registerAccessibleInterface(tab);
+    }
+
     QTabBar& bar_;
     mutable std::map<int, QAccessible::Id> tabs_;
 };

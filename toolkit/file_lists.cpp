@@ -5,6 +5,7 @@
 #include "platform/paths.h"
 #include "toolkit/drop_down.h"
 #include "toolkit/folder_listing.h"
+#include "toolkit/later.h"
 #include "toolkit/qt_bridge.h"
 
 #include <QCoreApplication>
@@ -113,7 +114,7 @@ listing::Question questionOf(QWidget* list, const std::function<void(listing::Na
                 show(names);
         };
         if (auto* application = QCoreApplication::instance())
-            QMetaObject::invokeMethod(application, deliver, Qt::QueuedConnection);
+            later(application, deliver);
     };
     return {std::to_string(reinterpret_cast<std::uintptr_t>(list)), late};
 }

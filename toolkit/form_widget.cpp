@@ -4,6 +4,7 @@
 #include "toolkit/flush_windows.h"
 #include "toolkit/focus_mark.h"
 #include "toolkit/image_widget.h"
+#include "toolkit/later.h"
 #include "toolkit/reach.h"
 #include "toolkit/skin.h"
 #include "toolkit/toolkit.h"
@@ -89,8 +90,7 @@ bool FormWidget::isFramed() const { return !windowFlags().testFlag(Qt::Frameless
 void FormWidget::ignoreKeyAtWork()
 {
     isEscapeSpent_ = true;
-    QMetaObject::invokeMethod(
-        this, [this] { isEscapeSpent_ = false; }, Qt::QueuedConnection);
+    later(this, [this] { isEscapeSpent_ = false; });
 }
 
 // The button of the tab that is in sight; any, where only another tab has one.

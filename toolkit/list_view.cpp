@@ -2,6 +2,7 @@
 #include "toolkit/list_view.h"
 
 #include "toolkit/key_codes.h"
+#include "toolkit/later.h"
 #include "toolkit/tip.h"
 
 #include <QDropEvent>
@@ -218,8 +219,7 @@ void ListView::selectionChanged(const QItemSelection& selected, const QItemSelec
 {
     QListView::selectionChanged(selected, deselected);
     if (!quiet_)
-        QMetaObject::invokeMethod(
-            this, [this] { takeSelection(); }, Qt::QueuedConnection);
+        later(this, [this] { takeSelection(); });
 }
 
 void ListView::takeSelection()

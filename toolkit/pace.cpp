@@ -2,6 +2,7 @@
 #include "toolkit/pace.h"
 
 #include "toolkit/interval_timer.h"
+#include "toolkit/later.h"
 
 #include <QEvent>
 #include <QWidget>
@@ -94,8 +95,7 @@ void Pace::end()
 // Who waits for the end of a file in the window thread waits for its next event: this is one.
 void Pace::wakeFromAnyThread()
 {
-    QMetaObject::invokeMethod(
-        this, [this] { wake(); }, Qt::QueuedConnection);
+    later(this, [this] { wake(); });
 }
 
 void Pace::wake()

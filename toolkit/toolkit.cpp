@@ -4,6 +4,7 @@
 #include "toolkit/accessibility.h"
 #include "toolkit/form.h"
 #include "toolkit/form_widget.h"
+#include "toolkit/later.h"
 #include "toolkit/pace.h"
 #include "toolkit/skin.h"
 
@@ -42,8 +43,7 @@ struct Toolkit::Parts final : QObject, Post {
 
     void post(std::function<void()> call) override
     {
-        QMetaObject::invokeMethod(
-            this, [this, call = std::move(call)] { toolkit.outermost(call); }, Qt::QueuedConnection);
+        later(this, [this, call = std::move(call)] { toolkit.outermost(call); });
     }
 
     Toolkit& toolkit;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/player.h"
 #include "support/waiting.h"
+#include "toolkit/later.h"
 
 #include <QApplication>
 #include <QWidget>
@@ -108,7 +109,7 @@ struct ShiftingManager final : QObject {
         if (event->type() == QEvent::Move && window->pos() != given) {
             ++moves;
             asked_.push_back(window->pos());
-            QMetaObject::invokeMethod(this, &ShiftingManager::shift, Qt::QueuedConnection);
+            later(this, [this] { shift(); });
         }
         return false;
     }

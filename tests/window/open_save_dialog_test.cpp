@@ -5,6 +5,7 @@
 #include "support/hung_share.h"
 #include "support/temporary_folder.h"
 #include "support/waiting.h"
+#include "toolkit/later.h"
 
 #include <QAbstractItemView>
 #include <QApplication>
@@ -38,7 +39,7 @@ struct Dialog {
     // Shows the dialog; the user turns its filter to that row and then does `act`.
     int open(const QString& filter, const std::function<void(QFileDialog&)>& act)
     {
-        QTimer::singleShot(0, [&] {
+        later(qApp, [&] {
             auto& dialog = dynamic_cast<QFileDialog&>(*QApplication::activeModalWidget());
             auto* filters = dialog.findChild<QComboBox*>("fileTypeCombo");
             openedOn = filters->currentText();
@@ -154,7 +155,7 @@ TEST_CASE("A dialog that opens over another of the same control is a window of i
     const QFileDialog* first = nullptr;
     dialog.open("Mp3 Files", [&](QFileDialog& window) {
         first = &window;
-        QTimer::singleShot(0, [&] {
+        later(qApp, [&] {
             auto* second = dynamic_cast<QFileDialog*>(QApplication::activeModalWidget());
             REQUIRE(second != nullptr);
             CHECK(second != first);
