@@ -69,16 +69,12 @@ WishesReader::WishesReader(const Text& busAddress, Post& post, std::function<voi
 {
     if (busAddress.empty())
         return;
-    asking_ = std::thread([busAddress, &post, tell = std::move(tell)] {
+    asking_ = Thread([busAddress, &post, tell = std::move(tell)] {
         if (const auto wishes = wishesOf(busAddress))
             post.post([tell, wishes] { tell(*wishes); });
     });
 }
 
-WishesReader::~WishesReader()
-{
-    if (asking_.joinable())
-        asking_.join();
-}
+WishesReader::~WishesReader() { asking_.join(); }
 
 }

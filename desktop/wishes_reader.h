@@ -4,9 +4,9 @@
 
 #include "desktop/appearance.h"
 #include "platform/text.h"
+#include "platform/thread.h"
 
 #include <functional>
-#include <thread>
 
 class Post;
 
@@ -22,7 +22,7 @@ public:
     ~WishesReader();
 
 private:
-    std::thread asking_;
+    Thread asking_;
 };
 
 }
