@@ -3,9 +3,9 @@
 // volume of whichever plays. It is silent, and touches no sound server, until an engine plays.
 #pragma once
 
-#include "engines/audio/cubeb_device.h"
 #include "engines/audio/level_file.h"
 #include "engines/audio/levels.h"
+#include "engines/audio/sound_device.h"
 #include "platform/activity.h"
 
 #include <memory>
@@ -23,14 +23,14 @@ public:
     void setLevels(Levels::Pair levels); // held to 0 and 100
 
     Activity& activity() { return activity_; }
-    CubebDevice& device() { return device_; }
+    SoundDevice& device() { return device_; }
     std::shared_ptr<const Levels> sharedLevels() const { return levels_; }
 
 private:
     LevelFile file_;
     Activity& activity_;
     std::shared_ptr<Levels> levels_ = std::make_shared<Levels>();
-    CubebDevice device_;
+    SoundDevice device_;
 };
 
 }

@@ -13,10 +13,10 @@ namespace audio
 
 class SoundClient;
 
-class CubebDevice
+class SoundDevice
 {
 public:
-    CubebDevice(); // its end does not wait for a server that hangs
+    SoundDevice(); // its end does not wait for a server that hangs
 
     // Opens a way to the listener: sound is asked of `stream` from then on, or it fails.
     void open(std::shared_ptr<Stream> stream);
@@ -25,7 +25,7 @@ public:
     void close(std::shared_ptr<Stream> stream);
 
 private:
-    explicit CubebDevice(std::shared_ptr<SoundClient> client);
+    explicit SoundDevice(std::shared_ptr<SoundClient> client);
 
     void ask(std::function<void(SoundClient&)> question);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "engines/audio/cubeb_device.h"
+#include "engines/audio/sound_device.h"
 
 #include "engines/audio/sound_client.h"
 #include "files/module.h"
@@ -49,9 +49,9 @@ private:
 
 }
 
-CubebDevice::CubebDevice() : CubebDevice(std::make_shared<LateClient>()) {}
+SoundDevice::SoundDevice() : SoundDevice(std::make_shared<LateClient>()) {}
 
-CubebDevice::CubebDevice(std::shared_ptr<SoundClient> client) :
+SoundDevice::SoundDevice(std::shared_ptr<SoundClient> client) :
     client_(client), worker_(Worker::AtEnd::abandons, [client = std::move(client)] {
         client->look();
         return client->nextLook();
@@ -59,7 +59,7 @@ CubebDevice::CubebDevice(std::shared_ptr<SoundClient> client) :
 {
 }
 
-void CubebDevice::ask(std::function<void(SoundClient&)> question)
+void SoundDevice::ask(std::function<void(SoundClient&)> question)
 {
     worker_.add([weak = client_, question = std::move(question)](const std::stop_token&) {
         if (const auto client = weak.lock())
@@ -67,12 +67,12 @@ void CubebDevice::ask(std::function<void(SoundClient&)> question)
     });
 }
 
-void CubebDevice::open(std::shared_ptr<Stream> stream)
+void SoundDevice::open(std::shared_ptr<Stream> stream)
 {
     ask([stream = std::move(stream)](SoundClient& client) { client.open(stream); });
 }
 
-void CubebDevice::close(std::shared_ptr<Stream> stream)
+void SoundDevice::close(std::shared_ptr<Stream> stream)
 {
     ask([stream = std::move(stream)](SoundClient& client) { client.close(stream); });
 }
