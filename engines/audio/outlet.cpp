@@ -45,8 +45,18 @@ std::shared_ptr<Stream> Outlet::streamFor(int rate)
     if (stream_ != nullptr && stream_->rate() == rate)
         return stream_;
     close();
+    if (released_ != nullptr && released_->rate() == rate && !released_->hasFailed())
+        return takeBack();
     drop(released_); // an output that takes a single stream must be free first
     stream_ = newStream(rate);
+    return stream_;
+}
+
+// Its last sound may be on its way still; the next follows behind it.
+std::shared_ptr<Stream> Outlet::takeBack()
+{
+    stream_ = std::move(released_);
+    started_ = true;
     return stream_;
 }
 
@@ -74,6 +84,7 @@ void Outlet::release()
     if (!clock_) {
         released_ = std::move(stream_);
         releasedUntil_ = Stream::Clock::now() + linger;
+        released_->setFlowing(false);
         released_->attach(nullptr);
     }
     close();

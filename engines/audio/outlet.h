@@ -24,7 +24,8 @@ public:
     // The stream that sounds; nullptr when the way is closed.
     const std::shared_ptr<Stream>& stream() const { return stream_; }
 
-    // The stream for that rate, a new one if the present one has another. A new one sounds after `start`.
+    // The stream for that rate: the present one, the one released last, or a new one, which sounds after
+    // `start`.
     std::shared_ptr<Stream> streamFor(int rate);
     void start();
 
@@ -43,6 +44,7 @@ private:
     void comeBack();
     void tryServer(TimePoint now);
     std::shared_ptr<Stream> newStream(int rate) const;
+    std::shared_ptr<Stream> takeBack();
     void drop(std::shared_ptr<Stream>& stream);
 
     SoundOutput& output_;

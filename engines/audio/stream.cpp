@@ -78,8 +78,9 @@ std::optional<std::int64_t> Stream::position(std::uint64_t serial, Clock::time_p
         return std::nullopt;
     if (run.kind != Heard::sound)
         return run.source;
+    // Between two looks the clock guesses. That the last frame given was heard is never guessed.
     const std::int64_t there = run.source + report_.frames - run.at;
-    return std::min(there + framesIn(now - report_.when, rate_), given());
+    return std::min(there + framesIn(now - report_.when, rate_), std::max(there, given() - 1));
 }
 
 // The feed that is current, and will not be freed before `inUse_` is cleared.

@@ -109,8 +109,10 @@ TEST_CASE("From says once where the next Play of a WAV file starts")
     CHECK(waitUntil([&] { return parts.wav->Position() == 1000; }));
     const auto runs = runsOf(recordedToTheEnd(recorder));
     REQUIRE(runs.size() == 2);
-    CHECK(runs[0] == std::pair<std::int64_t, std::int64_t>{39690, 44099});
-    CHECK(runs[1] == std::pair<std::int64_t, std::int64_t>{0, 44099});
+    CHECK(runs[0].first == 39690);
+    CHECK(runs[0].second == 44099);
+    CHECK(runs[1].first == 0);
+    CHECK(runs[1].second == 44099);
 }
 
 TEST_CASE("Many seeks in a row end at the last one")
