@@ -3,13 +3,41 @@
 
 #include "platform/mutex.h"
 
+#include <pthread.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <atomic>
+#include <ctime>
+#include <fstream>
 #include <system_error>
 #include <vector>
 
+using namespace std::chrono_literals;
+
 namespace files
 {
+
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+constexpr auto betweenLooks = 10ms;
+constexpr int looksInARow = 2; // any thread stands still for a moment
+constexpr auto mostForTheProcessor = 10s;
+
+// What the system says of a thread of this process: 'R' when it runs, or would if it had a processor.
+char stateOf(pid_t thread)
+{
+    std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
+    Text line;
+    std::getline(file, line);
+    const auto name = line.rfind(") ");
+    return name == Text::npos || name + 2 >= line.size() ? '?' : line[name + 2];
+}
+
+}
 
 // The one that comes first settles it: the work with its end, or the asker who has waited long enough.
 struct ErrandThread::State {
@@ -21,7 +49,28 @@ struct ErrandThread::State {
         return outcome.compare_exchange_strong(open, as);
     }
 
+    void begins()
+    {
+        pthread_getcpuclockid(pthread_self(), &processorTime);
+        thread = gettid();
+    }
+
+    // By something else than a processor that others have.
+    bool isHeldUp(std::chrono::milliseconds limit) const
+    {
+        const pid_t id = thread;
+        if (id == 0)
+            return false;
+        timespec used{};
+        if (clock_gettime(processorTime, &used) != 0)
+            return true;
+        return std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec) >= limit ||
+               stateOf(id) != 'R';
+    }
+
     std::atomic<Outcome> outcome = Outcome::open;
+    std::atomic<pid_t> thread = 0; // 0 until it begins
+    clockid_t processorTime = 0;
 };
 
 ErrandThread::ErrandThread(std::function<void()> work, std::function<void()> late) :
@@ -29,6 +78,7 @@ ErrandThread::ErrandThread(std::function<void()> work, std::function<void()> lat
 {
     try {
         *thread_ = Thread([work = std::move(work), late = std::move(late), state = state_] {
+            state->begins();
             work();
             if (!state->settles(State::Outcome::done))
                 late();
@@ -42,6 +92,18 @@ bool ErrandThread::isDoneWithin(std::chrono::milliseconds limit) const
     thread_->endsWithin(limit);
     state_->settles(State::Outcome::abandoned);
     return state_->outcome == State::Outcome::done;
+}
+
+bool ErrandThread::isDoneInOwnTime(std::chrono::milliseconds limit) const
+{
+    const auto end = Clock::now() + limit + mostForTheProcessor;
+    int heldUp = 0;
+    auto pause = limit;
+    while (!thread_->endsWithin(pause) && heldUp < looksInARow && Clock::now() < end) {
+        heldUp = state_->isHeldUp(limit) ? heldUp + 1 : 0;
+        pause = betweenLooks;
+    }
+    return isDoneWithin(0ms);
 }
 
 bool ErrandThread::hasEnded() const { return thread_->hasEnded(); }
