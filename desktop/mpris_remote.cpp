@@ -10,6 +10,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <algorithm>
@@ -22,6 +23,8 @@ namespace desktop
 
 namespace
 {
+
+constexpr int patienceWithBus = 1000; // milliseconds
 
 constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 
@@ -181,7 +184,7 @@ private:
         if (interface == propertiesInterface)
             return bus.send(answerAboutProperties(message));
         if (const auto* command = commandOf(message))
-            return bus.send(answerTo(*command, message));
+            return answersAndCarriesOut(*command, message, bus);
         if (isFor(message, mpris::root) || isFor(message, mpris::player))
             return bus.send(refusal(message, QDBusError::UnknownMethod, message.member()));
         if (interface.startsWith("org.freedesktop.DBus."))
@@ -189,17 +192,47 @@ private:
         return bus.send(refusal(message, QDBusError::UnknownInterface, interface));
     }
 
-    QDBusMessage answerTo(const Command& command, const QDBusMessage& message)
+    bool answersAndCarriesOut(const Command& command, const QDBusMessage& message, const QDBusConnection& bus)
+    {
+        const QDBusMessage answer = answerTo(command, message);
+        const bool isSent = bus.send(answer);
+        if (answer.type() == QDBusMessage::ErrorMessage)
+            return isSent;
+        if (message.member() == "Quit")
+            carryOutBehindAnswers(command, bus);
+        else
+            carryOut(command, message.arguments());
+        return isSent;
+    }
+
+    QDBusMessage answerTo(const Command& command, const QDBusMessage& message) const
     {
         if (message.signature() != command.signature)
             return refusal(message, QDBusError::InvalidArgs, message.signature());
         if (message.member() == "PlayPause" && now_.path.empty())
             return refusal(message, QDBusError::Failed, "No file is open");
-        post_.post([this, command, arguments = message.arguments()] {
+        return message.createReply();
+    }
+
+    void carryOut(const Command& command, const QVariantList& arguments)
+    {
+        post_.post([this, command, arguments] {
             if (command.behindBoxes == runs || !hasBox())
                 command.raise(*this, arguments);
         });
-        return message.createReply();
+    }
+
+    // The process that ends takes along what has not left it yet: the bus is asked something behind the
+    // answer.
+    void carryOutBehindAnswers(const Command& command, const QDBusConnection& bus)
+    {
+        const auto ping = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                         "org.freedesktop.DBus.Peer", "Ping");
+        const auto* answered = new QDBusPendingCallWatcher(bus.asyncCall(ping, patienceWithBus), this);
+        connect(answered, &QDBusPendingCallWatcher::finished, this, [this, command](auto* watcher) {
+            watcher->deleteLater();
+            carryOut(command, {});
+        });
     }
 
     QDBusMessage answerAboutProperties(const QDBusMessage& message)
