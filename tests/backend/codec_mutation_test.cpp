@@ -12,6 +12,7 @@
 #include "tests/support/wav_files.h"
 
 #include <doctest/doctest.h>
+#include <random>
 
 using namespace codec;
 using namespace formats;

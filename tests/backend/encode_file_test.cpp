@@ -8,6 +8,7 @@
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wav_files.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <doctest/doctest.h>
 

@@ -13,6 +13,7 @@
 #include <doctest/doctest.h>
 
 #include <cmath>
+#include <random>
 
 using namespace tags;
 

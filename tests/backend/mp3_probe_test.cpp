@@ -8,6 +8,7 @@
 #include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
+#include <random>
 
 using namespace formats;
 

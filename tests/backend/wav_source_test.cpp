@@ -11,6 +11,8 @@
 #include <doctest/doctest.h>
 
 #include <bit>
+#include <cmath>
+#include <random>
 
 using namespace codec;
 using namespace formats;

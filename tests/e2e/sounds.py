@@ -1,33 +1,48 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Signals, files made of them, and what a decoder of its own makes of those."""
 import array
-import math
 import random
 import subprocess
+import sys
 import wave
 
 RATE = 44100
 
 
+def stereo(left, right):
+    """Of two channels."""
+    samples = array.array("h", bytes(4 * len(left)))
+    samples[0::2], samples[1::2] = left, right
+    return samples
+
+
 def counter(frames, start=0):
     """Tells in each frame which one it is: left n & 0x7fff, right 1 + (n >> 15)."""
-    samples = array.array("h")
-    for n in range(start, start + frames):
-        samples.append(n & 0x7FFF)
-        samples.append(1 + (n >> 15))
-    return samples
+    count = 1 << 15
+    end = start + frames
+    left, right = array.array("h"), array.array("h")
+    for high in range(start // count, -(-end // count)):
+        first, last = max(start - high * count, 0), min(end - high * count, count)
+        left.extend(range(first, last))
+        right.extend(array.array("h", [1 + high]) * (last - first))
+    return stereo(left, right)
 
 
 def music(seconds, seed=1, rate=RATE):
     """Never silent, never the same: what a codec has work with."""
     chance = random.Random(seed)
-    tones = [(chance.uniform(110, 3000), chance.uniform(0, 6.3)) for _ in range(5)]
-    samples = array.array("h")
-    for n in range(round(seconds * rate)):
-        value = sum(math.sin(2 * math.pi * f * n / rate + p) for f, p in tones) * 2800 + chance.randint(-300, 300)
-        samples.append(int(value))
-        samples.append(int(-value / 2))
-    return samples
+    frames = round(seconds * rate)
+    low, high = bytes(n | 1 for n in range(256)), bytes((n % 64 - 32) % 256 for n in range(256))
+
+    def channel():
+        data = bytearray(2 * frames)
+        data[0::2] = chance.randbytes(frames).translate(low)
+        data[1::2] = chance.randbytes(frames).translate(high)
+        values = array.array("h", data)
+        if sys.byteorder == "big":
+            values.byteswap()
+        return values
+    return stereo(channel(), channel())
 
 
 def write_wav(path, samples, rate=RATE):
