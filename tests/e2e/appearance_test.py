@@ -81,8 +81,7 @@ class Appearance(case.Case):
                          "org.gnome.desktop.a11y.interface": {"high-contrast": 0}})
         self.assert_usual()
         self.app.menu(self.main, "a")
-        self.desk.run("xdotool", "windowfocus", "--sync", self.app.window("About Velmora"), "key", "Escape")
-        self.app.gone("About Velmora")
+        self.app.escape("About Velmora")
         self.assert_usual()
         self.assert_alive()
 

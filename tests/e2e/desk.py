@@ -6,6 +6,7 @@ with a generous limit.
 """
 import array
 import contextlib
+import ctypes
 import os
 import pathlib
 import re
@@ -17,10 +18,16 @@ import sys
 import tempfile
 import time
 
+import dbus
+
 from reader import ScreenReader
 
-LIMIT = float(os.environ.get("VELMORA_TEST_LIMIT", "60"))
+LIMIT = float(os.environ.get("VELMORA_TEST_LIMIT", "120"))
 TWIPS = 15  # to the pixel
+TOLD_OF_DEATH = 1  # PR_SET_PDEATHSIG
+
+# What is read just while it comes or goes is not there.
+NOT_THERE = (dbus.DBusException, subprocess.CalledProcessError, StopIteration, IndexError)
 
 
 class Impatient(AssertionError):
@@ -31,14 +38,23 @@ def wait_for(condition, what, limit=LIMIT, pause=0.02):
     """The first true answer of `condition`."""
     end = time.monotonic() + limit
     while True:
-        answer = condition()
-        if answer:
-            return answer
+        missing = None
+        try:
+            answer = condition()
+            if answer:
+                return answer
+        except NOT_THERE as error:
+            missing = error
         if time.monotonic() > end:
             for desk in Desk.open_desks:
                 desk.picture_of_failure()
-            raise Impatient(f"{what}: not within {limit:g} s")
+            raise Impatient(f"{what}: not within {limit:g} s") from missing
         time.sleep(pause)
+
+
+def die_with_parent():
+    """Also a test that is killed leaves nothing running."""
+    ctypes.CDLL(None).prctl(TOLD_OF_DEATH, signal.SIGKILL)
 
 
 def run(*command, **options):
@@ -96,7 +112,7 @@ class Desk:
         options.setdefault("stdout", subprocess.DEVNULL)
         options.setdefault("stderr", subprocess.DEVNULL)
         options.setdefault("env", self.environment)
-        process = subprocess.Popen(command, start_new_session=True, **options)
+        process = subprocess.Popen(command, start_new_session=True, preexec_fn=die_with_parent, **options)
         self.processes.append(process)
         return process
 
@@ -175,6 +191,10 @@ class Desk:
 
     def pixels(self, twips):
         return round(twips / TWIPS * self.scale)
+
+    def active_window(self):
+        """Nothing while none is."""
+        return subprocess.run(["xdotool", "getactivewindow"], env=self.environment, capture_output=True, text=True).stdout.strip()
 
     def screenshot(self, path, window="root"):
         self.run("import", "-window", str(window), str(path))
@@ -289,7 +309,18 @@ class Velmora:
         return wait_for(lambda: self.windows(title), f"the window {title!r} shows", limit)[-1]
 
     def gone(self, title):
+        """With its frame: as long as that stands there, it takes the clicks."""
         wait_for(lambda: not self.windows(title), f"the window {title!r} goes")
+        wait_for(lambda: not self.framed(title), f"the frame of the window {title!r} goes")
+
+    def framed(self, title):
+        """What the window manager still has in sight of that title, or of a window that is no more."""
+        ask = lambda *words: subprocess.run(["xprop", *words], env=self.desk.environment, capture_output=True, text=True)
+
+        def stands(window):
+            told = ask("-id", window, "-notype", "_NET_WM_NAME", "WM_STATE")
+            return told.returncode or f'"{title}"' in told.stdout and "state: Normal" in told.stdout
+        return [window for window in re.findall("0x[0-9a-f]+", ask("-root", "_NET_CLIENT_LIST").stdout) if stands(window)]
 
     def geometry(self, window):
         """Left, top, width, height in pixels of the screen."""
@@ -302,6 +333,17 @@ class Velmora:
         lines = self.desk.run("xwininfo", "-id", str(window))
         return tuple(int(re.search(name + r":\s+(-?\d+)", lines)[1])
                      for name in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
+
+    def focus(self, window):
+        """Gives it the keys. One that the window manager is still putting into its frame takes none yet."""
+        wait_for(lambda: subprocess.run(["xdotool", "windowfocus", "--sync", str(window)], env=self.desk.environment,
+                                        capture_output=True).returncode == 0, "the window takes the keys")
+
+    def escape(self, title):
+        """Closes it by its key."""
+        self.focus(self.window(title))
+        self.key("Escape")
+        self.gone(title)
 
     # Mouse and keys. Places are in twips of a window.
 
@@ -354,16 +396,16 @@ class Velmora:
         """Types a path into the file dialog of that title. `filter_row` counts the filters from 0; `before` is called
         before the typing."""
         dialog = self.window(title)
-        self.desk.run("xdotool", "windowfocus", "--sync", dialog)
+        self.focus(dialog)
         _, _, width, height = self.geometry(dialog)
         if filter_row is not None:
             self._click_pixels(dialog, width // 2, height - round(23 * self.desk.scale))
-            time.sleep(0.2)
+            wait_for(lambda: self.popups() > 0, "the list of the kinds of files opens")
             self.key("Home", *["Down"] * filter_row, "Return")
-            time.sleep(0.1)
+            wait_for(lambda: self.popups() == 0, "the list of the kinds of files closes")
         before()
         self._click_pixels(dialog, width // 2, height - round(53 * self.desk.scale))
-        self.key("ctrl+a")
+        self.key("alt+n", "ctrl+a")  # the name box, too, if the click was lost
         self.type(str(path))
         self.key("Return")
         self.gone(title)
@@ -419,7 +461,15 @@ class Velmora:
 
     def press(self, title, role, name):
         """Clicks into the middle of a control with the mouse."""
+        self.settled(title)
         self.click_control(self.control(title, role, name))
+
+    def settled(self, title):
+        """The program knows where the window manager has put the window: what it tells of places holds."""
+        window = self.window(title)
+        near = lambda: all(abs(here - there) < 2 * self.desk.scale
+                           for here, there in zip(self.inside(window)[:2], self.desk.reader.windows(title)[0].place()[:2]))
+        wait_for(near, f"the window {title!r} has come to its place")
 
     def click_control(self, control, times=1):
         self.point_at(control)

@@ -19,9 +19,7 @@ class Dialogs(case.Case):
 
     def open_and_cancel(self):
         self.app.click(self.main, places.PLAY)
-        self.desk.run("xdotool", "windowfocus", "--sync", self.app.window(TITLE))
-        self.app.key("Escape")
-        self.app.gone(TITLE)
+        self.app.escape(TITLE)
 
     def test_forty_openings_cost_less_than_a_megabyte_in_all(self):
         for number in range(30):
@@ -53,7 +51,7 @@ class Dialogs(case.Case):
             self.app.click(self.main, places.PLAY)
             dialog = self.app.window(TITLE)
             wait_for(lambda: self.app.geometry(dialog)[2:] == size, f"the dialog is {size} large")
-            self.desk.run("xdotool", "windowfocus", "--sync", dialog)
+            self.app.focus(dialog)
             if size == (640, 430):  # the name alone is enough where it begins
                 self.app.type("song.wav")
                 self.app.key("Return")

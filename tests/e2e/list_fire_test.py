@@ -72,7 +72,7 @@ class ListUnderFire(case.Case):
         name = self.desk.home / f"list {self.chance.randrange(3)}.vlp"
         self.app.menu(self.list, "f", "a")
         self.app.window(SAVE_DIALOG)
-        self.desk.run("xdotool", "windowfocus", "--sync", self.app.window(SAVE_DIALOG))
+        self.app.focus(self.app.window(SAVE_DIALOG))
         self.app.key("ctrl+a")
         self.app.type(str(name))
         before = name.read_bytes() if name.exists() else None

@@ -60,13 +60,13 @@ class ScreenReader:
     def windows(self, name):
         """The program's visible windows of that title."""
         root = self.bus.get_object("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
-        return [window for program in self._children(root) for window in self._children(program)
-                if self._control(window).name == name and self._control(window).has(SHOWING)]
+        windows = [self._control(window) for program in self._children(root) for window in self._children(program)]
+        return [window for window in windows if window.name == name and window.has(SHOWING)]
 
     def controls(self, window_name):
         """Every control of the window in the order of its making, the hidden ones left out."""
         for window in self.windows(window_name):
-            return list(self._below(window))
+            return list(self._below(window.item))
         return []
 
     def _below(self, item):

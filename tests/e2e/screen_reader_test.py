@@ -96,24 +96,23 @@ class ScreenReader(case.Case):
             self.assertEqual(self.value(name)[1:], [least, 100, 1])
         self.client("value", case.MAIN, "Volume", 37)
         self.assertEqual(self.value("Volume")[0], 37)
-        self.assertEqual(self.desk.run("playerctl", "--player=velmora", "volume").strip(), "0.370000")
+        told = lambda: self.desk.run("playerctl", "--player=velmora", "volume").strip()
+        wait_for(lambda: told() == "0.370000", "the panel has it, too")
         self.client("value", case.MAIN, "Volume", 1000)
         self.assertEqual(self.value("Volume")[0], 100)
         self.client("value", case.MAIN, "Balance", -20)
         self.assertEqual(self.value("Balance")[0], -20)
 
-
     def test_a_bar_tells_its_new_value_whoever_moves_it(self):
         heard = self.desk.folder / "heard.txt"
         with open(heard, "wb") as output:
             self.desk.spawn("/usr/bin/python3", str(CLIENT), "hear", stdout=output)
-        told = lambda: [json.loads(line) for line in heard.read_text().splitlines()]
+        told = lambda: [json.loads(line) for line in heard.read_text().splitlines(keepends=True) if line.endswith("\n")]
         wait_for(lambda: told() == ["ready"], "the reader listens")
         left, top, width, height = places.VOLUME_TRACK
         self.app.click(self.main, (left + width / 4, top, 15, height))
-        wait_for(lambda: len(told()) == 2, "the reader hears of the click's value")
-        self.assertEqual(told()[1], ["Volume", self.value("Volume")[0]])
-        self.assertLess(told()[1][1], 100)
+        wait_for(lambda: len(told()) > 1 and told()[-1] == ["Volume", self.value("Volume")[0]], "the reader hears of the click")
+        self.assertLess(told()[-1][1], 100)
         self.client("value", case.MAIN, "Balance", -20)
         wait_for(lambda: told()[-1] == ["Balance", -20], "the reader hears of what it set itself")
         self.play(sounds.write_wav(self.desk.music / "song.wav", sounds.counter(20 * sounds.RATE, 1)), 0)

@@ -60,9 +60,7 @@ class Tags(case.Case):
         levels = [path for folder in (self.desk.home, pathlib.Path(self.build)) for path in folder.rglob("conf.mp3")]
         before = [path.read_bytes() for path in (song, *levels)]
         self.app.menu(self.main, "f", "o")
-        self.app.window(OPEN)
-        self.app.key("Escape")
-        self.app.gone(OPEN)
+        self.app.escape(OPEN)
         self.edit()
         self.save()
         wait_for(lambda: any("The tag was not saved" in line for line in shown()), "the desktop is told")

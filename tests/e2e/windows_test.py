@@ -67,8 +67,7 @@ class Windows(WindowsCase):
         self.settled(self.list, self.beside("bottom", 0))
         title = "Select .wav/.mp3 files to add to the playlist"
         self.app.menu(self.list, "o", "a")
-        self.desk.run("xdotool", "windowfocus", "--sync", self.app.window(title), "key", "Escape")
-        self.app.gone(title)
+        self.app.escape(title)
         away = self.beside("bottom", 60)
         self.drag_list_to(away)
         wait_for(lambda: self.app.setting("Position PlayList Editor", "Top") == str(away[1] * 15), "the place is noted")
@@ -115,25 +114,20 @@ class Windows(WindowsCase):
         if "maximum size" in self.desk.run("xprop", "-id", window, "WM_NORMAL_HINTS"):
             self.assertNotIn("MAXIMIZE", self.desk.run("xprop", "-id", window, "_NET_WM_ALLOWED_ACTIONS"), title)
 
-    def close_by_escape(self, title):
-        self.desk.run("xdotool", "windowfocus", "--sync", self.app.window(title))
-        self.app.key("Escape")
-        self.app.gone(title)
-
     def test_whatever_speaks_to_the_user_is_a_dialog_without_minimise_and_maximise(self):
         mp3 = sounds.encode(sounds.write_wav(self.desk.folder / "a.wav", sounds.music(2)), self.desk.music / "a.mp3")
         for title, letters in (("Error", "fi"), ("About Velmora", "a")):
             self.app.menu(self.main, *letters)
             self.assert_dialog(title)
-            self.close_by_escape(title)
+            self.app.escape(title)
         self.app.click(self.main, places.PLAY)
         self.assert_dialog("Select a file to open")
-        self.close_by_escape("Select a file to open")
+        self.app.escape("Select a file to open")
         self.play(mp3, 1)
         self.wait_label(places.LENGTH, "0:02")
         self.app.menu(self.main, "f", "i")
         self.assert_dialog(case.TAGS)
-        self.close_by_escape(case.TAGS)
+        self.app.escape(case.TAGS)
         self.app.menu(self.main, "o", "w")
         self.assert_dialog("CD Writer")
         self.app.press("CD Writer", "push button", "Yes")

@@ -68,9 +68,8 @@ class Yesterday(case.Case):
     def assert_everything_is_there(self, before, levels):
         self.app.start()
         self.main = self.app.window(case.MAIN)
-        left, top = self.app.geometry(self.main)[:2]
         stored = [float(before["Position StartUp Window", side]) / 15 for side in ("Left", "Top")]
-        self.assertEqual([left, top], stored)
+        wait_for(lambda: [*self.app.geometry(self.main)[:2]] == stored, f"the window stands at {stored}")
         self.app.window(case.LIST)
         wait_for(lambda: self.rows() == ROWS, "the rows stand")
         self.assertEqual(round(100 * float(self.volume())), levels)
