@@ -6,6 +6,7 @@
 #include "platform/failure.h"
 #include "tests/support/disc_desk.h"
 #include "tests/support/simulated_drive.h"
+#include "tests/support/wait_until.h"
 
 #include <doctest/doctest.h>
 
@@ -413,11 +414,9 @@ TEST_CASE("A drive that hangs has no disc, and holds nobody up for long")
         for (int i = 0; i < 100; ++i)
             CHECK(reader->contents().trouble == "The drive does not answer.");
         CHECK(std::chrono::steady_clock::now() - begin < std::chrono::seconds(5));
-        CHECK(drive.now().hanging == 1);
+        CHECK(waitUntil([&] { return drive.now().hanging == 1; }));
         drive.answerAgain();
-        while (reader->contents().tracks.empty())
-            std::this_thread::yield();
-        CHECK(reader->contents().tracks.size() == 1);
+        CHECK(waitUntil([&] { return reader->contents().tracks.size() == 1; }));
     }
 }
 

@@ -6,14 +6,17 @@
 #include "tests/support/files.h"
 #include "tests/support/loopback_server.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/timing.h"
 
 #include <doctest/doctest.h>
 
 #include <dlfcn.h>
 #include <netdb.h>
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <limits>
 
 namespace
 {
@@ -476,76 +479,107 @@ TEST_CASE("An answer of ten million bytes is not read to its end")
     CHECK(sent < 9'000'000);
 }
 
+namespace
+{
+
+constexpr int limit = 600;
+
+// Whether a lookup of that limit takes hardly longer, and leaves what it has to: `lookUp` makes its servers,
+// and says that. A busy machine may hold up a single one, but not every one.
+bool endsInTime(int timeLimit, const std::function<bool()>& lookUp)
+{
+    const double bearable = timeLimit + 200;
+    const double best = atBest(bearable, [&] {
+        bool isRight = false;
+        const auto took = timeOf([&] { isRight = lookUp(); });
+        return isRight ? static_cast<double>(took.count()) : std::numeric_limits<double>::infinity();
+    });
+    return best < bearable;
+}
+
+// Whether it finds nothing, and each of the servers is asked that often.
+bool findsNothing(const std::vector<const LoopbackServer*>& servers, std::size_t requests,
+                  int timeLimit = limit)
+{
+    std::vector<Text> addresses;
+    for (const auto* server : servers)
+        addresses.push_back(server->address());
+    Titles titles(addresses);
+    titles.lookedUp(timeLimit);
+    CHECK(titles.control->DiscArtist() == "");
+    CHECK(titles.control->TrackTitle(1) == "");
+    return std::ranges::all_of(servers,
+                               [&](const auto* server) { return server->requests().size() == requests; });
+}
+
+}
+
 TEST_CASE("A lookup ends within its time limit whatever holds it up")
 {
-    constexpr int limit = 600;
-    constexpr milliseconds bearable{limit + 200};
-
     SUBCASE("a server that says nothing")
     {
-        LoopbackServer server(silent());
-        Titles titles({server.address()});
-        CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
-        CHECK(titles.control->DiscArtist() == "");
-        CHECK(server.requests().size() == 1);
+        CHECK(endsInTime(limit, [] {
+            const LoopbackServer server(silent());
+            return findsNothing({&server}, 1);
+        }));
     }
     SUBCASE("two servers that say nothing")
     {
-        LoopbackServer first(silent()), second(silent());
-        Titles titles({first.address(), second.address()});
-        CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
-        CHECK(titles.control->TrackTitle(1) == "");
-        CHECK(first.requests().size() == 1);
-        CHECK(second.requests().size() == 1);
+        CHECK(endsInTime(limit, [] {
+            const LoopbackServer first(silent()), second(silent());
+            return findsNothing({&first, &second}, 1);
+        }));
     }
     SUBCASE("a slow server that knows the disc and then says nothing")
     {
-        LoopbackServer server([](const Text& target, const LoopbackServer::Client& client) {
-            const bool isQuery = fieldOf(target, "cmd").starts_with("cddb query");
-            if (!client.isGone(isQuery ? 2 * limit : -1))
-                client.sendPage(exact);
-        });
-        Titles titles({server.address()});
-        CHECK(timeOf([&] { titles.lookedUp(3 * limit); }) < milliseconds(3 * limit + 200));
-        CHECK(titles.control->TrackTitle(1) == "");
-        CHECK(server.requests().size() == 2);
+        CHECK(endsInTime(3 * limit, [] {
+            const LoopbackServer server([](const Text& target, const LoopbackServer::Client& client) {
+                const bool isQuery = fieldOf(target, "cmd").starts_with("cddb query");
+                if (!client.isGone(isQuery ? 2 * limit : -1))
+                    client.sendPage(exact);
+            });
+            return findsNothing({&server}, 2, 3 * limit);
+        }));
     }
     SUBCASE("a server that drips")
     {
-        LoopbackServer server([](const Text&, const LoopbackServer::Client& client) {
-            client.send("HTTP/1.1 200 OK\r\n\r\n");
-            while (client.send("x"))
-                client.isGone(10);
-        });
-        Titles titles({server.address()});
-        CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
-        CHECK(titles.control->TrackTitle(1) == "");
+        CHECK(endsInTime(limit, [] {
+            const LoopbackServer server([](const Text&, const LoopbackServer::Client& client) {
+                client.send("HTTP/1.1 200 OK\r\n\r\n");
+                while (client.send("x"))
+                    client.isGone(10);
+            });
+            return findsNothing({&server}, 1);
+        }));
     }
     SUBCASE("a server that gives half a line a second")
     {
-        LoopbackServer server([](const Text&, const LoopbackServer::Client& client) {
-            const Text page = Text("HTTP/1.1 200 OK\r\n\r\n") + exact;
-            for (std::size_t at = 0; at < page.size() && client.send(page.substr(at, 12)); at += 12)
-                client.isGone(1000);
-        });
-        Titles titles({server.address()});
-        CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
-        CHECK(titles.control->TrackTitle(1) == "");
+        CHECK(endsInTime(limit, [] {
+            const LoopbackServer server([](const Text&, const LoopbackServer::Client& client) {
+                const Text page = Text("HTTP/1.1 200 OK\r\n\r\n") + exact;
+                for (std::size_t at = 0; at < page.size() && client.send(page.substr(at, 12)); at += 12)
+                    client.isGone(1000);
+            });
+            return findsNothing({&server}, 1);
+        }));
     }
     SUBCASE("a name that nobody resolves")
     {
-        Gate gate;
-        resolverGate = &gate;
-        Titles titles({Text("http://") + nameWithoutAnswer + "/cddb.cgi"});
-        CHECK(timeOf([&] { titles.lookedUp(limit); }) < bearable);
-        CHECK(titles.control->TrackTitle(1) == "");
-        CHECK(gate.waiting() == 1);
-        gate.open();
-        gate.waitUntilEmpty();
+        CHECK(endsInTime(limit, [] {
+            Gate gate;
+            resolverGate = &gate;
+            Titles titles({Text("http://") + nameWithoutAnswer + "/cddb.cgi"});
+            titles.lookedUp(limit);
+            CHECK(titles.control->TrackTitle(1) == "");
+            const bool isHeldUp = gate.waiting() == 1;
+            gate.open();
+            gate.waitUntilEmpty();
+            return isHeldUp;
+        }));
     }
     SUBCASE("no time at all")
     {
-        LoopbackServer server(pages(exact, entry));
+        const LoopbackServer server(pages(exact, entry));
         Titles titles({server.address()});
         for (const int none : {0, -1, -30000}) {
             titles.lookedUp(none);
@@ -590,7 +624,7 @@ TEST_CASE("A drive that hangs holds up no lookup past its limit, and no second s
                                                    }});
     control->setTimeLimit(100);
     for (int i = 0; i < 3; ++i)
-        CHECK(timeOf([&] { control->Lookup(); }) < milliseconds(300));
+        CHECK(atBest(300, [&] { return timeOf([&] { control->Lookup(); }).count(); }) < 300);
     CHECK(gate->waiting() == 1);
     CHECK(control->DiscArtist() == "");
     gate->open();

@@ -129,7 +129,7 @@ TEST_CASE("While the folder of the images does not answer, the drives stay as th
         CHECK(r.reader->DriveName(2) == "Disc image: Mine");
         CHECK(r.reader->TrackCount() == 2);
         CHECK(Clock::now() - then < std::chrono::seconds(30)); // what hangs here hangs for a minute
-        CHECK(hung.waiting() == 1);
+        CHECK(holdsUp(hung, 1));
     }
     putFile(r.desk.discs + "/New.cue", "");
     CHECK(waitUntil([&] { return r.reader->DriveCount() == 3; }, std::chrono::seconds(30)));

@@ -48,7 +48,7 @@ TEST_CASE("An image on a share that does not answer is an empty disc, soon, and 
     {
         const HungShare hung(s.desk.discs.c_str());
         CHECK(timeOf([&] { CHECK(reader->TrackCount() == 0); }) < bound);
-        CHECK(hung.waiting() == 1);
+        CHECK(holdsUp(hung, 1));
         CHECK(s.desk.shell.told() ==
               std::vector<Text>{Text("A disc could not be read | Disc image: a: ") + files::noAnswer});
         CHECK(timeOf([&] {
@@ -62,7 +62,7 @@ TEST_CASE("An image on a share that does not answer is an empty disc, soon, and 
         reader->SelectDrive(1);
         return reader->TrackCount() == 1;
     };
-    CHECK(waitUntil(answers, 30s));
+    CHECK(waitUntil(answers));
     CHECK(reader->TrackLength(1) == 4000);
 }
 
@@ -89,9 +89,9 @@ TEST_CASE("A track on a share that does not answer is not taken for a disc, soon
     {
         const HungShare hung(s.desk.output.c_str());
         CHECK(timeOf([&] { CHECK(writer->AddTrack(s.wav, 0) != 0); }) < bound);
-        CHECK(hung.waiting() == 1);
+        CHECK(holdsUp(hung, 1));
     }
-    CHECK(waitUntil([&] { return writer->AddTrack(s.wav, 0) == 0; }, 30s));
+    CHECK(waitUntil([&] { return writer->AddTrack(s.wav, 0) == 0; }));
 }
 
 TEST_CASE("A disc is not begun while its tracks, or the folder for discs, do not answer, and it is told")
@@ -103,7 +103,7 @@ TEST_CASE("A disc is not begun while its tracks, or the folder for discs, do not
         const HungShare hung(s.desk.output.c_str());
         CHECK(timeOf([&] { CHECK(writer->Write() != 0); }) < bound);
     }
-    REQUIRE(waitUntil([&] { return !files::isUnanswered("file " + s.wav); }, 30s));
+    REQUIRE(waitUntil([&] { return !files::isUnanswered("file " + s.wav); }));
     {
         const HungShare hung(s.desk.folders.music.c_str());
         CHECK(timeOf([&] { CHECK(writer->Write() != 0); }) < bound);

@@ -48,6 +48,13 @@ double timeOf(Work&& work)
     return millisecondsSince(then);
 }
 
+// Of what is refused as often as it is tried: a busy machine adds to any single time, but not to every one.
+template <typename Work>
+double refusal(Work&& work)
+{
+    return atBest(atOnce, [&] { return timeOf(work); });
+}
+
 }
 
 TEST_CASE("A look-up on a share that does not answer finds nothing, soon")
@@ -60,16 +67,16 @@ TEST_CASE("A look-up on a share that does not answer finds nothing, soon")
         const HungShare hung(s.share.c_str());
         CHECK(timeOf([&] { handle = scan.FindFirstFile(s.share + "/*.*", found); }) < bound);
         CHECK(handle == DirectoryScan::invalid);
-        CHECK(hung.waiting() == 1);
-        CHECK(timeOf([&] { handle = scan.FindFirstFile(s.share + "/song.mp3", found); }) < atOnce);
+        CHECK(holdsUp(hung, 1));
+        CHECK(refusal([&] { handle = scan.FindFirstFile(s.share + "/song.mp3", found); }) < atOnce);
         CHECK(handle == DirectoryScan::invalid);
-        CHECK(hung.waiting() == 1);
+        CHECK(holdsUp(hung, 1));
         CHECK(scan.FindFirstFile(s.parts.folder / "*.*", found) != DirectoryScan::invalid);
     }
     const auto answers = [&] {
         return scan.FindFirstFile(s.share + "/*.*", found) != DirectoryScan::invalid;
     };
-    CHECK(waitUntil(answers, 30s));
+    CHECK(waitUntil(answers));
 }
 
 TEST_CASE("A link to a share that does not answer hides nothing but itself")
@@ -82,11 +89,11 @@ TEST_CASE("A link to a share that does not answer hides nothing but itself")
     desktop::FolderScan scan;
     FoundFile found;
     CHECK(scan.FindFirstFile(s.parts.folder / "here/far", found) == DirectoryScan::invalid);
-    CHECK(timeOf([&] {
+    CHECK(refusal([&] {
               CHECK(scan.FindFirstFile(s.parts.folder / "here/*.*", found) != DirectoryScan::invalid);
               CHECK(scan.FindFirstFile(s.parts.folder / "here/song.mp3", found) != DirectoryScan::invalid);
           }) < atOnce);
-    CHECK(hung.waiting() == 1);
+    CHECK(holdsUp(hung, 1));
 }
 
 TEST_CASE("A file on a share that does not answer is not open, soon; tried again it is refused at once")
@@ -96,14 +103,14 @@ TEST_CASE("A file on a share that does not answer is not open, soon; tried again
     {
         const HungShare hung(s.share.c_str());
         CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < bound);
-        CHECK(hung.waiting() == 1);
-        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < atOnce);
-        CHECK(timeOf([&] { s.parts.openWav(song); }) < atOnce);
-        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, s.parts.folder / "out.wav") != 0); }) < atOnce);
-        CHECK(hung.waiting() == 1);
+        CHECK(holdsUp(hung, 1));
+        CHECK(refusal([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < atOnce);
+        CHECK(refusal([&] { s.parts.openWav(song); }) < atOnce);
+        CHECK(refusal([&] { CHECK(s.parts.mp3->Open(song, s.parts.folder / "out.wav") != 0); }) < atOnce);
+        CHECK(holdsUp(hung, 1));
         CHECK(s.parts.mp3->Open(s.parts.folder / "song.mp3", "") == 0);
     }
-    CHECK(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }, 30s));
+    CHECK(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }));
 }
 
 TEST_CASE("A drive that does not answer is left out, and the others are listed")
@@ -123,9 +130,9 @@ TEST_CASE("A drive that does not answer is left out, and the others are listed")
         const HungShare hung(s.share.c_str());
         CHECK(timeOf([&] { listed = drives.all(); }) < bound);
         CHECK(listed == std::vector<Drive>{{"/", ""}, {stick, ""}});
-        CHECK(hung.waiting() == 1);
+        CHECK(holdsUp(hung, 1));
     }
-    CHECK(waitUntil([&] { return drives.all().size() == 3; }, 30s));
+    CHECK(waitUntil([&] { return drives.all().size() == 3; }));
 }
 
 TEST_CASE("An answer that comes late is told of, and the question may then be asked again")
@@ -143,7 +150,7 @@ TEST_CASE("An answer that comes late is told of, and the question may then be as
     CHECK_FALSE(asked());
     CHECK_FALSE(asked());
     answers = true;
-    REQUIRE(waitUntil([&] { return late == 7; }, 30s));
+    REQUIRE(waitUntil([&] { return late == 7; }));
     CHECK(files::answerWithin<int>(30s, "test", ask) == 7);
 }
 
@@ -154,11 +161,11 @@ TEST_CASE("A file whose share falls silent after its first bytes is not open, so
     {
         const HungShare hung(s.share.c_str(), HungShare::Holds::secondReads);
         CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < bound);
-        CHECK(hung.waiting() == 1);
-        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < atOnce);
+        CHECK(holdsUp(hung, 1));
+        CHECK(refusal([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < atOnce);
         CHECK(s.parts.mp3->Open(s.parts.folder / "song.mp3", "") == 0);
     }
-    CHECK(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }, 30s));
+    CHECK(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }));
 }
 
 TEST_CASE("A song that opened late plays at the next try")
@@ -169,7 +176,7 @@ TEST_CASE("A song that opened late plays at the next try")
         const HungShare hung(s.share.c_str(), HungShare::Holds::secondReads);
         CHECK(s.parts.mp3->Open(song, "") != 0);
     }
-    REQUIRE(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }, 30s));
+    REQUIRE(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }));
     CHECK(s.parts.mp3->Length() > 400);
     s.parts.mp3->setTitle("late");
     s.parts.mp3->Close();
@@ -225,9 +232,9 @@ TEST_CASE("A conversion from or to a share that does not answer is refused, soon
         CHECK(timeOf([&] { CHECK(encoder->Open(wav, to) != 0); }) < bound);
         CHECK(timeOf([&] { CHECK(encoder->Open(farWav, s.parts.folder / "out.mp3") != 0); }) < bound);
         CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, to) != 0); }) < bound);
-        CHECK(hung.waiting() == 3);
+        CHECK(holdsUp(hung, 3));
     }
-    CHECK(waitUntil([&] { return encoder->Open(wav, s.share + "/out") == 0; }, 30s));
+    CHECK(waitUntil([&] { return encoder->Open(wav, s.share + "/out") == 0; }));
 }
 
 namespace
@@ -240,7 +247,8 @@ struct Lists {
     Text list = share + "/list.vlp";
     std::shared_ptr<files::DiskTextFiles> disk =
         std::make_shared<files::DiskTextFiles>(NoPartNotes::instance());
-    files::PatientTextFiles files{disk, 300ms};
+    files::PatientTextFiles files{disk, 1s};
+    files::PatientTextFiles patient{disk}; // for what answers, however busy the machine is
 
     Lists()
     {
@@ -248,7 +256,9 @@ struct Lists {
         putFile(list, "/old.mp3\r\n");
     }
 
-    void save(const Text& path)
+    void save(const Text& path) { saveBy(files, path); }
+
+    static void saveBy(files::PatientTextFiles& files, const Text& path)
     {
         const auto output = files.openForOutput(path);
         output->write("/new.mp3\r\n");
@@ -264,18 +274,18 @@ TEST_CASE("A list on a share that does not answer is neither read nor written, s
     {
         const HungShare hung(l.share.c_str());
         CHECK(timeOf([&] { CHECK(failureOf([&] { l.files.length(l.list); }) == 68); }) < bound);
-        CHECK(timeOf([&] {
+        CHECK(refusal([&] {
                   CHECK(failureOf([&] { l.files.readWhole(l.list); }) == 68);
                   CHECK(failureOf([&] { l.files.openForOutput(l.list); }) == 68);
               }) < atOnce);
         CHECK(timeOf([&] { CHECK(failureOf([&] { l.save(l.share + "/new.vlp"); }) == 68); }) < bound);
-        CHECK(hung.waiting() == 2);
-        l.save(l.folder / "near.vlp");
-        CHECK(l.files.readWhole(l.folder / "near.vlp") == "/new.mp3\r\n");
+        CHECK(holdsUp(hung, 2));
+        Lists::saveBy(l.patient, l.folder / "near.vlp");
+        CHECK(l.patient.readWhole(l.folder / "near.vlp") == "/new.mp3\r\n");
     }
-    CHECK(waitUntil([&] { return failureOf([&] { l.files.length(l.list); }) == 0; }, 30s));
-    CHECK(l.files.readWhole(l.list) == "/old.mp3\r\n");
-    CHECK(waitUntil([&] { return namesInFolder(l.share) == std::set<Text>{"list.vlp"}; }, 30s));
+    CHECK(waitUntil([&] { return failureOf([&] { l.files.length(l.list); }) == 0; }));
+    CHECK(l.patient.readWhole(l.list) == "/old.mp3\r\n");
+    CHECK(waitUntil([&] { return namesInFolder(l.share) == std::set<Text>{"list.vlp"}; }));
 }
 
 TEST_CASE("A list whose share falls silent while it is saved is given up, and stays whole")
@@ -286,10 +296,10 @@ TEST_CASE("A list whose share falls silent while it is saved is given up, and st
     {
         const HungShare hung(l.share.c_str());
         CHECK(timeOf([&] { CHECK(failureOf([&] { output->finish(); }) == 68); }) < bound);
-        CHECK(hung.waiting() == 1);
-        CHECK(timeOf([&] { CHECK(failureOf([&] { l.save(l.list); }) == 68); }) < atOnce);
+        CHECK(holdsUp(hung, 1));
+        CHECK(refusal([&] { CHECK(failureOf([&] { l.save(l.list); }) == 68); }) < atOnce);
     }
-    CHECK(waitUntil([&] { return failureOf([&] { l.save(l.list); }) == 0; }, 30s));
+    CHECK(waitUntil([&] { return failureOf([&] { l.save(l.list); }) == 0; }));
     CHECK(fileBytes(l.list) == "/new.mp3\r\n");
     CHECK(namesInFolder(l.share) == std::set<Text>{"list.vlp"});
 }
@@ -302,29 +312,29 @@ TEST_CASE("A list that is given up on a share that fell silent holds nobody up")
         const HungShare hung(l.share.c_str());
         CHECK(timeOf([&] { output.reset(); }) < bound);
     }
-    CHECK(waitUntil([&] { return namesInFolder(l.share) == std::set<Text>{"list.vlp"}; }, 30s));
+    CHECK(waitUntil([&] { return namesInFolder(l.share) == std::set<Text>{"list.vlp"}; }));
     CHECK(fileBytes(l.list) == "/old.mp3\r\n");
 }
 
 TEST_CASE("A patient output says what the disk says")
 {
     Lists l;
-    CHECK(failureOf([&] { l.files.readWhole(l.share + "/missing.vlp"); }) == 53);
-    CHECK(failureOf([&] { l.files.length(l.share + "/missing.vlp"); }) == 53);
-    CHECK(failureOf([&] { l.files.openForOutput(l.share + "/missing/list.vlp"); }) == 76);
-    CHECK(l.files.length(l.list) == 10);
-    l.save(l.list);
+    CHECK(failureOf([&] { l.patient.readWhole(l.share + "/missing.vlp"); }) == 53);
+    CHECK(failureOf([&] { l.patient.length(l.share + "/missing.vlp"); }) == 53);
+    CHECK(failureOf([&] { l.patient.openForOutput(l.share + "/missing/list.vlp"); }) == 76);
+    CHECK(l.patient.length(l.list) == 10);
+    Lists::saveBy(l.patient, l.list);
     CHECK(fileBytes(l.list) == "/new.mp3\r\n");
-    l.files.keepBackup(l.list, "rows");
+    l.patient.keepBackup(l.list, "rows");
     CHECK(fileBytes(l.list + ".bak") == "rows");
-    CHECK_FALSE(l.files.stillHolds(l.list, 1));
-    const auto output = l.files.openForOutput(l.list);
+    CHECK_FALSE(l.patient.stillHolds(l.list, 1));
+    const auto output = l.patient.openForOutput(l.list);
     output->finish(1);
-    CHECK(l.files.stillHolds(l.list, 1));
+    CHECK(l.patient.stillHolds(l.list, 1));
 }
 
 TEST_CASE("The user database tells who runs the program")
 {
-    CHECK(waitUntil([] { return files::accountOfUser().name != ""; }, 30s));
-    CHECK(waitUntil([] { return files::accountOfUser().home.starts_with('/'); }, 30s));
+    CHECK(waitUntil([] { return files::accountOfUser().name != ""; }));
+    CHECK(waitUntil([] { return files::accountOfUser().home.starts_with('/'); }));
 }

@@ -51,7 +51,7 @@ TEST_CASE("Standing still does not come back, also not by a signal, and takes no
     }
     const long before = ticksOfProcessor(child.id());
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    CHECK(sleeps(child.id()));
+    CHECK(waitUntil([&] { return sleeps(child.id()); }));
     CHECK(ticksOfProcessor(child.id()) - before < 5);
     ::kill(child.id(), SIGTERM);
     CHECK(child.wait() == 128 + SIGTERM);

@@ -61,18 +61,21 @@ TEST_CASE("Who saves a list or a profile waits for no force, and reads what was 
 
 TEST_CASE("The end of the program leaves a slow disk to the system")
 {
-    auto desk = std::make_unique<Desk>();
-    const ForcedDisk slow(500ms);
-    desk->save("/music/a.mp3\r\n");
-    const auto then = std::chrono::steady_clock::now();
-    desk.reset();
-    CHECK(millisecondsSince(then) < 400);
+    const auto ending = [] {
+        auto desk = std::make_unique<Desk>();
+        const ForcedDisk slow(500ms);
+        desk->save("/music/a.mp3\r\n");
+        const auto then = std::chrono::steady_clock::now();
+        desk.reset();
+        return millisecondsSince(then);
+    };
+    CHECK(atBest(400, ending) < 400);
 }
 
 TEST_CASE("Files are forced in the order in which they came, one that is written again once")
 {
     const TemporaryFolder folder;
-    const ForcedDisk slow(50ms);
+    const ForcedDisk slow(200ms);
     files::Forces forces;
     const int before = ForcedDisk::forces;
     for (int i = 0; i < 20; ++i) {

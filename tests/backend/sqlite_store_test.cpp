@@ -5,6 +5,7 @@
 #include "tests/support/files.h"
 #include "tests/support/forced_disk.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/timing.h"
 #include "tests/support/wait_until.h"
 
 #include <doctest/doctest.h>
@@ -249,19 +250,24 @@ TEST_CASE("No save waits for a disk that takes half a second for a force, and th
     const ForcedDisk slow(500ms);
     const int before = ForcedDisk::forces;
     ForcedDisk::forcesOfThisThread = 0;
-    std::vector<double> each;
-    for (int i = 0; i < 5000; ++i)
-        each.push_back(millisecondsOf([&] { store.SaveSetting(app, section, "Left", std::to_string(i)); }));
+    int saved = 0;
+    const auto saving = [&] {
+        return millisecondsOf([&] { store.SaveSetting(app, section, "Left", std::to_string(++saved)); });
+    };
+    const auto longestOfMany = [&] {
+        double longest = 0;
+        for (int i = 0; i < 1500; ++i) // the disk is forced behind each thousand
+            longest = std::max(longest, saving());
+        return longest;
+    };
+    CHECK(atBest(50, longestOfMany) < 50);
     CHECK(waitUntil([&] {
         std::this_thread::sleep_for(1600ms);
-        each.push_back(
-            millisecondsOf([&] { store.SaveSetting(app, section, "Left", std::to_string(each.size())); }));
+        saving();
         return ForcedDisk::forces >= before + 2 &&
                std::filesystem::file_size(place.path + "-wal") < 1'500'000;
     }));
     CHECK(ForcedDisk::forcesOfThisThread == 0);
-    std::ranges::sort(each);
-    CHECK(each[each.size() * 999 / 1000] < 50); // a busy machine takes a few of them away
 }
 
 TEST_CASE("A kill while the disk is behind loses nothing that was saved")
@@ -420,24 +426,27 @@ TEST_CASE("Two processes that meet the same damage agree on one new store")
 
 TEST_CASE("A busy store is waited for only a moment, and gets the value later")
 {
-    const Place place;
-    desktop::SqliteStore store(place.path);
-    store.SaveSetting(app, section, "Left", "1");
-    Outsider outsider(place.path);
-    REQUIRE(outsider.runs("BEGIN IMMEDIATE"));
-    const double waited = millisecondsOf([&] {
-        for (int i = 2; i < 100; ++i)
-            store.SaveSetting(app, section, "Left", std::to_string(i));
-    });
-    CHECK(waited < 500); // once fifty, not a hundred times
-    CHECK(store.GetSetting(app, section, "Left") == "99");
-    CHECK(place.get("Left") == "1");
-    REQUIRE(outsider.runs("COMMIT"));
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (place.get("Left") != "99" && std::chrono::steady_clock::now() < limit)
-        store.SaveSetting(app, section, "SHOWN", "YES");
-    CHECK(place.get("Left") == "99");
-    CHECK(fileBytes(place.path + ".damaged").empty());
+    const auto waiting = [] {
+        const Place place;
+        desktop::SqliteStore store(place.path);
+        store.SaveSetting(app, section, "Left", "1");
+        Outsider outsider(place.path);
+        REQUIRE(outsider.runs("BEGIN IMMEDIATE"));
+        const double waited = millisecondsOf([&] {
+            for (int i = 2; i < 100; ++i)
+                store.SaveSetting(app, section, "Left", std::to_string(i));
+        });
+        CHECK(store.GetSetting(app, section, "Left") == "99");
+        CHECK(place.get("Left") == "1");
+        REQUIRE(outsider.runs("COMMIT"));
+        CHECK(waitUntil([&] {
+            store.SaveSetting(app, section, "SHOWN", "YES");
+            return place.get("Left") == "99";
+        }));
+        CHECK(fileBytes(place.path + ".damaged").empty());
+        return waited;
+    };
+    CHECK(atBest(500, waiting) < 500); // once fifty, not a hundred times
 }
 
 TEST_CASE("A locked store gives no values and costs no more than a moment")
@@ -446,12 +455,14 @@ TEST_CASE("A locked store gives no values and costs no more than a moment")
     place.make();
     Outsider outsider(place.path);
     REQUIRE(outsider.runs("PRAGMA locking_mode = EXCLUSIVE; BEGIN EXCLUSIVE"));
-    desktop::SqliteStore store(place.path);
-    const double waited = millisecondsOf([&] {
-        for (int i = 0; i < 100; ++i)
-            CHECK(store.GetSetting(app, section, "Left").empty());
-    });
-    CHECK(waited < 500);
+    const auto waiting = [&] {
+        desktop::SqliteStore store(place.path);
+        return millisecondsOf([&] {
+            for (int i = 0; i < 100; ++i)
+                CHECK(store.GetSetting(app, section, "Left").empty());
+        });
+    };
+    CHECK(atBest(500, waiting) < 500);
     CHECK(fileBytes(place.path + ".damaged").empty());
 }
 

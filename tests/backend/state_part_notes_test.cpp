@@ -58,7 +58,7 @@ TEST_CASE("Parts on a share that does not answer are left to a later start, soon
         const auto then = std::chrono::steady_clock::now();
         files::removeNotedParts(state.state);
         CHECK(millisecondsSince(then) < 30'000); // what hangs here hangs for a minute
-        CHECK(hung.waiting() == 1);
+        CHECK(holdsUp(hung, 1));
         CHECK_FALSE(std::filesystem::exists(state.part));
         CHECK(namesInFolder(state.state + "/parts").size() == 1);
     }

@@ -6,7 +6,7 @@
 
 #include <doctest/doctest.h>
 
-#include <chrono>
+#include <ctime>
 #include <random>
 
 using namespace tags;
@@ -128,8 +128,9 @@ TEST_CASE("Files that were made to keep a reader busy are read in a moment")
     for (const auto& c : cases) {
         CAPTURE(c.what);
         const Text path = putSong(folder, c.bytes);
-        const auto begin = std::chrono::steady_clock::now();
+        const std::clock_t begin =
+            std::clock(); // of the processor: other work on the machine takes none of it
         readTag(path);
-        CHECK(std::chrono::steady_clock::now() - begin < std::chrono::seconds(2));
+        CHECK(std::clock() - begin < 2 * CLOCKS_PER_SEC);
     }
 }

@@ -69,7 +69,7 @@ TEST_CASE("However often a file is tried, and by whichever engine, it is told of
         CHECK(parts.mp3->Open(path, "") != 0);
         return parts.shell.notes.size() == 2;
     };
-    CHECK(waitUntil(isToldAgain, std::chrono::seconds(30)));
+    CHECK(waitUntil(isToldAgain));
     CHECK(parts.mp3->Open(parts.folder / "b.mp3", "") != 0);
     CHECK(parts.mp3->Open(path, "") != 0);
     CHECK(parts.shell.notes.size() == 3);

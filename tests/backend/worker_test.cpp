@@ -29,7 +29,7 @@ struct Held {
     }
     bool begins() const
     {
-        return waitUntil([&] { return hasBegun->load(); }, 30s);
+        return waitUntil([&] { return hasBegun->load(); });
     }
 };
 
@@ -69,7 +69,7 @@ TEST_CASE("The end asks the call at work to stop, waits for it, and leaves out t
             hasStopped = true;
         });
         worker.add([&, held](const std::stop_token&) { isCarriedOut = true; });
-        REQUIRE(waitUntil([&] { return hasBegun.load(); }, 30s));
+        REQUIRE(waitUntil([&] { return hasBegun.load(); }));
         CHECK_FALSE(worker.isDoneBy(Clock::now() + 10ms));
     }
     CHECK(hasStopped);
@@ -93,7 +93,7 @@ TEST_CASE("A call that is held up holds up no end for longer than nobody notices
     CHECK(best < 100);
     CHECK(needed.use_count() > 1);
     *held.isFree = true;
-    CHECK(waitUntil([&] { return needed.use_count() == 1; }, 30s));
+    CHECK(waitUntil([&] { return needed.use_count() == 1; }));
 }
 
 TEST_CASE("A turn comes behind calls and at the time that it gave, and on the same thread at the end")
@@ -117,7 +117,7 @@ TEST_CASE("A turn comes behind calls and at the time that it gave, and on the sa
             ++calls;
             caller = std::this_thread::get_id();
         });
-        CHECK(waitUntil([&] { return calls == 1 && turns > 10; }, 30s));
+        CHECK(waitUntil([&] { return calls == 1 && turns > 10; }));
     }
     CHECK(lastOwner == caller);
 }

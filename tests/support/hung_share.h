@@ -4,6 +4,8 @@
 // VELMORA_HUNG_SHARE, from when the file VELMORA_HUNG_SHARE_WHEN exists where that is named.
 #pragma once
 
+#include "tests/support/wait_until.h"
+
 class HungShare
 {
 public:
@@ -20,3 +22,9 @@ public:
 
     int waiting() const; // questions that are held up
 };
+
+// A thread that asks may come that far after who has waited for it went on.
+inline bool holdsUp(const HungShare& share, int questions)
+{
+    return waitUntil([&] { return share.waiting() == questions; });
+}

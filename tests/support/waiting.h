@@ -7,7 +7,7 @@
 
 // True when `condition` holds within the time; window events run meanwhile.
 template <typename Condition>
-bool waitFor(Condition&& condition, int seconds = 20)
+bool waitFor(Condition&& condition, int seconds = 120)
 {
     const QDeadlineTimer deadline(seconds * 1000);
     while (!condition()) {

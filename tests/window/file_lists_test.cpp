@@ -227,7 +227,7 @@ TEST_CASE("A folder that does not answer is not ready for the code that asks, so
     CHECK(failureOf([&] { s.form->files.setPath(s.one); }) == 76);
     CHECK(failureOf([&] { s.form->drive.setDrive(s.one); }) == 76);
     CHECK(millisecondsSince(then) < bound);
-    CHECK(hung.waiting() > 0);
+    CHECK(waitUntil([&] { return hung.waiting() > 0; }));
     CHECK(s.form->folders.Path() == s.two);
     CHECK(s.form->files.Path() == s.two);
 }
@@ -283,7 +283,7 @@ TEST_CASE("What a folder holds and tells late appears later, without a Change")
         s.form->folders.setPath(s.two);
         CHECK(s.form->folderChanges == 1);
         CHECK(s.form->folders.Path() == s.two);
-        CHECK(hung.waiting() == 2);
+        CHECK(holdsUp(hung, 2));
         CHECK(s.form->files.ListCount() == 0);
     }
     CHECK(waitFor([&] { return s.shows("album"); }));
