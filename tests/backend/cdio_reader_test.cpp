@@ -194,7 +194,11 @@ TEST_CASE("A track comes bit for bit, whatever it sounds like")
     for (int frame = 0; frame < 300 * 588; ++frame)
         tone +=
             littleEndian(std::uint32_t(frame * 37 % 9000), 2) + littleEndian(std::uint32_t(frame % 5000), 2);
-    const std::pair<const char*, Text> sounds[] = {
+    struct Sound {
+        const char* what;
+        Text bytes;
+    };
+    const Sound sounds[] = {
         {"white noise", sectorsOfNoise(300)},
         {"white noise with its bytes swapped", swappedSamples(sectorsOfNoise(300))},
         {"a tone", tone},
@@ -202,13 +206,13 @@ TEST_CASE("A track comes bit for bit, whatever it sounds like")
         {"silence", Text(std::size_t(300 * bytesOfSector), '\0')},
     };
     Reading r;
-    for (const auto& [what, sound] : sounds) {
-        CAPTURE(what);
-        r.drive.insert({{sectorsOfNoise(310, 2)}, {sound}, {sectorsOfNoise(320, 3)}});
+    for (const auto& sound : sounds) {
+        CAPTURE(sound.what);
+        r.drive.insert({{sectorsOfNoise(310, 2)}, {sound.bytes}, {sectorsOfNoise(320, 3)}});
         r.reader->contents();
         r.kept = {};
         CHECK(r.read(2) == 0);
-        CHECK(r.kept.sound == sound);
+        CHECK(r.kept.sound == sound.bytes);
     }
 }
 

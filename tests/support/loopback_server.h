@@ -14,6 +14,7 @@
 #include <atomic>
 #include <functional>
 #include <mutex>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -82,8 +83,9 @@ public:
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         socklen_t size = sizeof address;
-        bind(listener_.number(), reinterpret_cast<sockaddr*>(&address), size);
-        listen(listener_.number(), 16);
+        if (bind(listener_.number(), reinterpret_cast<sockaddr*>(&address), size) != 0 ||
+            listen(listener_.number(), 16) != 0)
+            throw std::runtime_error("The loopback interface takes no server.");
         getsockname(listener_.number(), reinterpret_cast<sockaddr*>(&address), &size);
         port_ = ntohs(address.sin_port);
         thread_ = std::thread([this] { serve(); });
