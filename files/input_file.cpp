@@ -32,6 +32,8 @@ std::shared_ptr<const InputFile> InputFile::openOrFail(const Text& path)
     throw fileFailure(errno);
 }
 
+Failure brokenOff() { return {Trouble::deviceInputOutput, "It could not be read to its end."}; }
+
 std::ptrdiff_t InputFile::read(void* into, std::size_t size, std::int64_t offset) const
 {
     return readAt(file_, {static_cast<std::byte*>(into), size}, offset);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "files/descriptor.h"
+#include "platform/failure.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -33,6 +34,9 @@ private:
     Descriptor file_;
     std::int64_t size_;
 };
+
+// The failure of a job whose file cannot be read, or is shorter than it was when it was opened: number 57.
+Failure brokenOff();
 
 // Reads a file forwards through a window of its own, so that many small reads cost few calls.
 class FileWindow

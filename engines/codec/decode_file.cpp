@@ -44,7 +44,7 @@ std::int64_t decodeAll(formats::Mpg123Decoder& decoder, files::OutputFile& part,
         progress.add(decoder.position() - known);
     }
     if (decoder.hasFailed())
-        throw Failure(Trouble::deviceInputOutput);
+        throw files::brokenOff();
     const auto end = run.finish();
     blocks.finish();
     return end;

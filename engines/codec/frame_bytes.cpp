@@ -15,7 +15,7 @@ FrameBytes::FrameBytes(const files::InputFile& file, const formats::FrameTable& 
     start_(start), bytes_(static_cast<std::size_t>(table.placeOf(end) - table.placeOf(start)))
 {
     if (file.read(bytes_.data(), bytes_.size(), table.placeOf(start)) != std::ssize(bytes_))
-        throw Failure(Trouble::deviceInputOutput);
+        throw files::brokenOff();
 }
 
 formats::MpegHeader FrameBytes::header(std::int64_t frame) const

@@ -35,7 +35,7 @@ float limited(float sample)
 WavSource::WavSource(const std::shared_ptr<const files::InputFile>& file) : wav_(file)
 {
     if (wav_.hasFailed())
-        throw Failure(Trouble::deviceInputOutput);
+        throw files::brokenOff();
     if (!wav_.isOpen())
         throw notWav(wav_.reason());
     if (wav_.channels() > maxChannels || wav_.rate() < minRate || wav_.rate() > maxRate)
@@ -47,7 +47,7 @@ WavSource::WavSource(const std::shared_ptr<const files::InputFile>& file) : wav_
 void WavSource::seek(std::int64_t frame)
 {
     if (!wav_.seek(frame))
-        throw Failure(Trouble::deviceInputOutput);
+        throw files::brokenOff();
     at_ = frame;
 }
 
@@ -67,7 +67,7 @@ void WavSource::fill(std::size_t count)
     interleaved_.assign(count * width(), 0);
     wav_.read(interleaved_);
     if (wav_.hasFailed())
-        throw Failure(Trouble::deviceInputOutput);
+        throw files::brokenOff();
     for (float& sample : interleaved_)
         sample = limited(sample * fullScale);
 }

@@ -11,9 +11,11 @@
 #include <doctest/doctest.h>
 
 #include <csignal>
+#include <filesystem>
 #include <functional>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <utility>
 
 using namespace codec;
 
@@ -188,5 +190,28 @@ TEST_CASE("A source that vanishes is converted to its end; of one that shrinks n
         conversion.run(vanishing, target, [&](std::int32_t) { std::filesystem::remove(vanishing); });
         CHECK(fileBytes(target) == whole);
         std::filesystem::remove(target);
+    }
+}
+
+TEST_CASE("A source that becomes shorter while it is converted is told of in words")
+{
+    const Place place;
+    for (const auto& conversion : place.conversions) {
+        CAPTURE(conversion.what);
+        const Text whole = fileBytes(conversion.source);
+        bool isCut = false;
+        Text words;
+        try {
+            conversion.run(conversion.source, place.folder / conversion.target, [&](std::int32_t) {
+                if (!std::exchange(isCut, true))
+                    std::filesystem::resize_file(conversion.source, 1000);
+            });
+        } catch (const Failure& failure) {
+            words = failure.description;
+        }
+        CHECK(isCut);
+        CHECK(words == "It could not be read to its end.");
+        CHECK_FALSE(std::filesystem::exists(place.folder / conversion.target));
+        putFile(conversion.source, whole);
     }
 }
