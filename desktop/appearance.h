@@ -34,6 +34,8 @@ void dressApplication();
 struct DesktopWishes {
     bool highContrast = false;
     double typeFactor = 1;
+
+    bool operator==(const DesktopWishes&) const = default;
 };
 
 // The colours and the type by those wishes, in windows that show as well.

@@ -13,6 +13,16 @@
 namespace desktop
 {
 
+// The library holds every caller while it meets a bus, whichever.
+void leaveBus(const QString& connection)
+{
+    files::Errand<bool> leaving([connection] {
+        QDBusConnection::disconnectFromBus(connection);
+        return true;
+    });
+    leaving.result(patienceAtEnd);
+}
+
 // What the thread holds; any call to the bus may hang it.
 struct BusPresence::Meeting {
     Meeting(const Text& busAddress, BusPlace where, QDBusVirtualObject& whose) :
@@ -60,15 +70,10 @@ BusPresence::BusPresence(const Text& busAddress, BusPlace place, QDBusVirtualObj
 {
 }
 
-// The library holds every caller while it meets a bus, whichever.
 BusPresence::~BusPresence()
 {
     meeting_->leave();
-    files::Errand<bool> leaving([name = meeting_->place.connection] {
-        QDBusConnection::disconnectFromBus(name);
-        return true;
-    });
-    leaving.result(patienceAtEnd);
+    leaveBus(meeting_->place.connection);
 }
 
 std::optional<QDBusConnection> BusPresence::bus() const

@@ -23,6 +23,9 @@ struct BusPlace {
     QStringList services; // the first that is free
 };
 
+// Drops the connection of that name, in no more time than nobody notices.
+void leaveBus(const QString& connection);
+
 class BusPresence
 {
 public:

@@ -4,25 +4,36 @@
 
 #include "desktop/appearance.h"
 #include "platform/text.h"
-#include "platform/thread.h"
+#include "platform/worker.h"
+
+#include <QTimer>
 
 #include <functional>
+#include <memory>
 
 class Post;
 
 namespace desktop
 {
 
-// Asks the portal on a thread of its own. Where there is none, or it does not answer, nothing is told.
+// Asks the portal on a thread of its own, and again when the portal tells of a change. Where there is none,
+// or it does not answer, nothing is told.
 class WishesReader
 {
 public:
-    // `busAddress` is that of a running session bus, "" for none. `tell` runs on the window thread, once.
+    // `busAddress` is that of a running session bus, "" for none. `tell` runs on the window thread, when the
+    // wishes are others than before; at first they are as usual.
     WishesReader(const Text& busAddress, Post& post, std::function<void(const DesktopWishes&)> tell);
-    ~WishesReader();
+    ~WishesReader(); // never waits longer than nobody notices
 
 private:
-    Thread asking_;
+    struct Portal;
+
+    void ask();
+
+    std::shared_ptr<Portal> portal_;
+    QTimer changed_; // a slider in the desktop's settings tells of many changes
+    Worker worker_{Worker::AtEnd::abandons};
 };
 
 }

@@ -7,11 +7,46 @@
 #include "toolkit/toolkit.h"
 
 #include <QAbstractButton>
+#include <QEvent>
 #include <QPalette>
 #include <QWidget>
 
 namespace ctl
 {
+
+namespace
+{
+
+// Puts the window's own colour behind a control's text, also when the colours become others: the control has
+// all of its own from then on, and is told of none.
+class WindowGround final : public QObject
+{
+public:
+    explicit WindowGround(QWidget& control) : QObject(&control), control_(control)
+    {
+        control.parentWidget()->installEventFilter(this);
+        put();
+    }
+
+    bool eventFilter(QObject* around, QEvent* event) override
+    {
+        if (event->type() == QEvent::PaletteChange)
+            put();
+        return QObject::eventFilter(around, event);
+    }
+
+private:
+    void put()
+    {
+        QPalette palette;
+        palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+        control_.setPalette(palette);
+    }
+
+    QWidget& control_;
+};
+
+}
 
 Control::Control(Container& container, const char* name, Place place, QWidget* widget, const Text& toolTip) :
     widget_(widget), form_(container.form()), name_(name), place_(place)
@@ -63,12 +98,7 @@ void Control::setToolTipText(const Text& toolTip)
         widget_->setAccessibleName(shown(toolTip));
 }
 
-void Control::setGrey()
-{
-    QPalette palette;
-    palette.setColor(QPalette::Base, palette.color(QPalette::Window));
-    widget_->setPalette(palette);
-}
+void Control::setGrey() { new WindowGround(*widget_); }
 
 Toolkit& Control::toolkit() const { return form_.toolkit(); }
 

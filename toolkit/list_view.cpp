@@ -84,6 +84,11 @@ ListView::ListView(ListBox& list) : list_(list), widths_(font())
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setTextElideMode(Qt::ElideNone);
     setItemDelegate(new RowDelegate(*this));
+    colourBar();
+}
+
+void ListView::colourBar()
+{
     horizontalScrollBar()->setStyleSheet(
         QString(barLook).arg(palette().color(QPalette::PlaceholderText).name()));
 }
@@ -118,6 +123,8 @@ void ListView::changeEvent(QEvent* event)
     QListView::changeEvent(event);
     if (event->type() == QEvent::FontChange)
         measureAll();
+    if (event->type() == QEvent::PaletteChange)
+        colourBar();
 }
 
 void ListView::rowsInserted(const QModelIndex& parent, int first, int last)

@@ -62,6 +62,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    void colourBar();
     void measureAll();
     void measure(int first, int last);
     bool scrolledSideways(int key);

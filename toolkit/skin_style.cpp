@@ -49,15 +49,20 @@ constexpr qreal roundness = 4; // of a frame's corners
 
 QColor lineColour() { return {255, 255, 255, lineStrength() + 14}; }
 
+// The caption stands in the line alone: the ground runs on under it.
 void drawGroupFrame(QPainter& painter, const QRect& frame, const QRect& caption)
 {
+    const QRectF outline = QRectF(frame).adjusted(0.5, 0.5, -0.5, -0.5);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0, 0, 0, 22));
+    painter.drawRoundedRect(outline, roundness, roundness);
     if (!caption.isEmpty())
         painter.setClipRegion(QRegion(frame) - caption.adjusted(-captionAir, 0, captionAir, 0));
     painter.setPen(QPen(lineColour(), 1));
-    painter.setBrush(QColor(0, 0, 0, 22));
-    painter.drawRoundedRect(QRectF(frame).adjusted(0.5, 0.5, -0.5, -0.5), roundness, roundness);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(outline, roundness, roundness);
     painter.restore();
 }
 

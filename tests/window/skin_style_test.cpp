@@ -88,6 +88,38 @@ TEST_CASE("A group's caption stands in the upper line of its frame, in every fra
     CHECK(captioned >= 15);
 }
 
+TEST_CASE("The ground of a group is of one colour, also under its caption")
+{
+    const Dressed dressed;
+    QGroupBox group("A caption");
+    group.resize(200, 80);
+    const QImage seen = group.grab().toImage();
+    const QRect frame = partOf(group, QStyle::SC_GroupBoxFrame);
+    const QRect caption = partOf(group, QStyle::SC_GroupBoxLabel);
+    const QColor inside = seen.pixelColor(frame.center());
+    for (int y = frame.top() + 2; y <= caption.bottom(); ++y)
+        CHECK(seen.pixelColor(caption.left() - 2, y) == inside);
+    CHECK(seen.pixelColor(caption.left() - 2, frame.top()) !=
+          seen.pixelColor(caption.right() + 20, frame.top()));
+}
+
+TEST_CASE("What only shows stands on the window's own colour, in whatever tone")
+{
+    const Dressed dressed;
+    DiscProgram p;
+    const auto* list = p.workbench.page()->findChild<QWidget*>("EncWAVtoCDdragndrop");
+    const QPalette before = QApplication::palette();
+    for (const QColor colour : {QColor(10, 20, 30), QColor(200, 210, 220)}) {
+        QPalette palette = before;
+        palette.setColor(QPalette::Window, colour);
+        palette.setColor(QPalette::Base, Qt::red);
+        QApplication::setPalette(palette);
+        QApplication::processEvents();
+        CHECK(list->palette().color(QPalette::Base) == colour);
+    }
+    QApplication::setPalette(before);
+}
+
 TEST_CASE("Type becomes smaller until it fits, never smaller than the windows' own")
 {
     const auto fitting = [](int asked, int room) {
