@@ -58,7 +58,8 @@ void decodeFromStart(const Input& file, const formats::Mp3Place& place, files::O
     formats::Mpg123Decoder decoder({file, place.start, place.end},
                                    {.channels = channels, .keepsRate = true, .isShort = place.isShort});
     if (!decoder.isOpen())
-        throw Failure{Trouble::deviceInputOutput, "There is no sound in this file."};
+        throw decoder.hasFailed() ? files::brokenOff()
+                                  : Failure{Trouble::deviceInputOutput, "There is no sound in this file."};
     const auto end = decodeAll(decoder, part, progress, stop);
     writeHeader(part, decoder.rate(), channels, end);
 }
