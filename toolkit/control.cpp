@@ -39,7 +39,8 @@ private:
     void put()
     {
         QPalette palette;
-        palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+        for (const auto ground : {QPalette::Base, QPalette::AlternateBase})
+            palette.setColor(ground, palette.color(QPalette::Window));
         control_.setPalette(palette);
     }
 

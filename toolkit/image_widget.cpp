@@ -13,6 +13,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QtMath>
+#include <algorithm>
 
 namespace ctl
 {
@@ -48,6 +49,11 @@ namespace
 
 // Pixels: how far above and below a track a drop still counts, so that its zone is as high as a thumb.
 constexpr int kindness = 5;
+
+// Pixels of a track, and of 255.
+constexpr qreal grooveTop = 1.5;
+constexpr qreal grooveBottom = 3.5;
+constexpr int groovesLight = 190;
 
 Button buttonOf(const QMouseEvent& event)
 {
@@ -133,6 +139,36 @@ void ImageWidget::paintEvent(QPaintEvent*)
     else if (hovered_)
         state = Skin::State::hover;
     image_.toolkit().skin().draw(painter, image_.Name(), state, rect());
+    if (thumb_)
+        paintReach(painter);
+}
+
+void ImageWidget::showReachOf(ImageWidget& thumb)
+{
+    thumb_ = &thumb;
+    thumb.track_ = this;
+}
+
+void ImageWidget::paintReach(QPainter& painter) const
+{
+    const Slider& slider = *thumb_->image_.slider();
+    const QRectF thumb = thumb_->geometry().translated(-pos());
+    const qreal share = qreal(0 - slider.Min()) / (slider.Max() - slider.Min());
+    const QPointF zero(thumb.width() / 2 + share * (width() - thumb.width()), grooveTop);
+    QColor light = palette().color(QPalette::Link);
+    light.setAlpha(groovesLight);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(QRectF(zero, QPointF(thumb.center().x(), grooveBottom)).normalized(), light);
+}
+
+// The clock moves a thumb by a little at a time: what it was and is upon is drawn anyhow.
+void ImageWidget::moveEvent(QMoveEvent* event)
+{
+    if (!track_)
+        return;
+    const auto [left, right] = std::minmax({event->oldPos().x(), event->pos().x()});
+    const int middle = width() / 2 - track_->x();
+    track_->update(left + middle - 1, 0, right - left + 3, track_->height());
 }
 
 void ImageWidget::mousePressEvent(QMouseEvent* event)

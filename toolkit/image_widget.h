@@ -8,6 +8,7 @@
 #include <QWidget>
 
 class QMouseEvent;
+class QPainter;
 
 namespace ctl
 {
@@ -24,6 +25,9 @@ public:
     void act();      // what a click does, and whatever else presses the image
     void takeKeys(); // by Tab, if a key can do anything with it
     void leave();    // ends whatever goes on, without a word
+
+    // The groove of a track is lit as far as its thumb stands from where it stands for 0.
+    void showReachOf(ImageWidget& thumb);
 
     // The place in which a track takes drops: over the height of a thumb.
     QRect dropZone() const;
@@ -42,8 +46,10 @@ protected:
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
 
 private:
+    void paintReach(QPainter& painter) const;
     void startDrag(QPoint grip);
     void letGo();
     void drop(ImageWidget& track, QPointF inForm);
@@ -57,6 +63,8 @@ private:
     void letKeyGo();
 
     Image& image_;
+    ImageWidget* thumb_ = nullptr;   // of a track
+    ImageWidget* track_ = nullptr;   // of a thumb
     DragOutline* outline_ = nullptr; // while a drag goes on; the window's own
     Qt::MouseButtons down_;          // whose press was told and whose release is owed
     bool hovered_ = false;

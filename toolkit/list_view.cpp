@@ -83,6 +83,7 @@ ListView::ListView(ListBox& list) : list_(list), widths_(font())
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setTextElideMode(Qt::ElideNone);
+    setAlternatingRowColors(true);
     setItemDelegate(new RowDelegate(*this));
     colourBar();
 }

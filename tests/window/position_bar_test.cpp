@@ -44,6 +44,29 @@ struct Seek {
 
 }
 
+TEST_CASE(
+    "The groove is lit as far as the file has played, and from the middle as far as the balance is moved")
+{
+    Bar p;
+    p.window.Show();
+    const auto isLit = [&](const char* track, int percent) {
+        auto* groove = p.window.page()->findChild<QWidget*>(track);
+        const QColor seen = groove->grab().toImage().pixelColor(groove->width() * percent / 100, 2);
+        return seen.value() > 100;
+    };
+    p.window.posbar_tim1.Timer.raise();
+    CHECK_FALSE(isLit("posbar_bg", 4));
+    p.window.pbar.setValue(50);
+    p.window.posbar_tim1.Timer.raise();
+    CHECK(isLit("posbar_bg", 4));
+    CHECK(isLit("posbar_bg", 46));
+    CHECK_FALSE(isLit("posbar_bg", 54));
+    p.window.balslider.moveByUser(p.window.balslider.Min() / 2);
+    CHECK(isLit("balbar_bg", 40));
+    CHECK_FALSE(isLit("balbar_bg", 60));
+    CHECK_FALSE(isLit("balbar_bg", 15));
+}
+
 TEST_CASE("On each tick the thumb stands at its share of the track")
 {
     struct Row {

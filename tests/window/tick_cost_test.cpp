@@ -125,20 +125,24 @@ TEST_CASE("A tick that changes nothing paints nothing")
     CHECK(list.pixels() == 0);
 }
 
-TEST_CASE("A thumb that moves costs the place that it leaves and the place that it takes")
+TEST_CASE(
+    "A thumb that moves costs the place that it leaves, the place that it takes, and the groove between them")
 {
     Run run;
     const auto& thumb = run.player.posbar_img2;
     const QSize size(pixelsOf(thumb.Width()), pixelsOf(thumb.Height()));
+    const int groove = pixelsOf(run.player.posbar_bg.Height());
     Painted painted(*run.player.page());
     for (const int value : {1, 2, 60}) {
         CAPTURE(value);
         painted.region = {};
+        const int before = pixelsOf(thumb.Left());
         run.player.pbar.setValue(value);
         run.player.posbar_tim1_Timer();
         QApplication::processEvents();
+        const int between = std::max(0, pixelsOf(thumb.Left()) - before - size.width()); // none of a step
         CHECK(painted.pixels() > 0);
-        CHECK(painted.pixels() <= 2 * size.width() * size.height());
+        CHECK(painted.pixels() <= 2 * size.width() * size.height() + between * groove);
     }
 }
 
