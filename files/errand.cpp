@@ -106,6 +106,8 @@ bool ErrandThread::isDoneInOwnTime(std::chrono::milliseconds limit) const
     return isDoneWithin(0ms);
 }
 
+bool ErrandThread::endsWithin(std::chrono::milliseconds limit) const { return thread_->endsWithin(limit); }
+
 bool ErrandThread::hasEnded() const { return thread_->hasEnded(); }
 
 namespace

@@ -19,6 +19,10 @@ namespace files
 inline constexpr std::chrono::milliseconds patienceForLists{200};
 inline constexpr std::chrono::milliseconds patienceForFiles{2000};
 
+// A disk may have to wake up, and what is given up here may be a person's only list, or a tag that was just
+// typed: longer than for files that are merely played.
+inline constexpr std::chrono::milliseconds patienceForWriting{10'000};
+
 // Why there is no answer, as a person should read it.
 inline constexpr const char* noAnswer = "The disk or the network that it is on does not answer.";
 
@@ -35,6 +39,8 @@ public:
     // The same, but what it waits for a processor that others have does not count: no disk is to blame for
     // that.
     bool isDoneInOwnTime(std::chrono::milliseconds limit) const;
+
+    bool endsWithin(std::chrono::milliseconds limit) const; // and abandons nothing
 
     bool hasEnded() const;
 
@@ -69,6 +75,7 @@ public:
     }
 
     bool hasEnded() const { return thread_.hasEnded(); }
+    bool endsWithin(std::chrono::milliseconds limit) const { return thread_.endsWithin(limit); }
     const ErrandThread& thread() const { return thread_; }
 
 private:

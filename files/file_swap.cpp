@@ -24,6 +24,8 @@ namespace
 constexpr std::size_t bufferSize = 1 << 20;
 constexpr std::uint64_t pieceSize = 4 << 20;
 
+using Step = std::function<void()>;
+
 struct stat statusOf(const Descriptor& file)
 {
     struct stat status = {};
@@ -68,7 +70,7 @@ struct Stretch {
 
 // Inside the system, where the file system can; what it leaves is copied by `copyByHand`. The disk begins
 // with one piece while the next is copied.
-void copyInside(int from, int to, Stretch& stretch)
+void copyInside(int from, int to, Stretch& stretch, const Step& step)
 {
     while (stretch.left > 0) {
         loff_t in = stretch.from;
@@ -79,10 +81,11 @@ void copyInside(int from, int to, Stretch& stretch)
             return;
         sync_file_range(to, stretch.to, copied, SYNC_FILE_RANGE_WRITE);
         stretch.advance(static_cast<std::uint64_t>(copied));
+        step();
     }
 }
 
-void copyByHand(const Descriptor& from, OutputFile& to, Stretch& stretch)
+void copyByHand(const Descriptor& from, OutputFile& to, Stretch& stretch, const Step& step)
 {
     while (stretch.left > 0) {
         const Text bytes = bytesAt(from, std::min<std::uint64_t>(stretch.left, bufferSize), stretch.from);
@@ -90,6 +93,7 @@ void copyByHand(const Descriptor& from, OutputFile& to, Stretch& stretch)
             failWith("The file could not be read", EIO);
         to.write(bytesOf(bytes), stretch.to);
         stretch.advance(bytes.size());
+        step();
     }
 }
 
@@ -101,22 +105,35 @@ bool copyByReference(int from, int to, const NewEnds& ends)
 }
 
 // Room first: a full disk is found before anything is copied, and the copy lies in one piece.
-void copyBetween(const Descriptor& from, OutputFile& to, const NewEnds& ends)
+void copyBetween(const Descriptor& from, OutputFile& to, const NewEnds& ends, const Step& step)
 {
     Stretch stretch{static_cast<off_t>(ends.begin), static_cast<off_t>(ends.head.size()),
                     ends.end - ends.begin};
     to.makeRoom(static_cast<std::int64_t>(stretch.left));
-    copyInside(from.number(), to.file().number(), stretch);
-    copyByHand(from, to, stretch);
+    copyInside(from.number(), to.file().number(), stretch, step);
+    copyByHand(from, to, stretch, step);
 }
 
-void write(const Descriptor& from, OutputFile& to, const NewEnds& ends)
+// A disk that is asked for all at once tells nothing until its end.
+void force(OutputFile& copy, std::uint64_t size, const Step& step)
+{
+    constexpr unsigned whole =
+        SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+    for (std::uint64_t at = 0; at < size; at += pieceSize) {
+        sync_file_range(copy.file().number(), static_cast<off_t>(at), pieceSize, whole);
+        step();
+    }
+    copy.force();
+}
+
+void write(const Descriptor& from, OutputFile& to, const NewEnds& ends, const Step& step)
 {
     if (!copyByReference(from.number(), to.file().number(), ends))
-        copyBetween(from, to, ends);
+        copyBetween(from, to, ends, step);
+    const std::uint64_t tail = ends.head.size() + ends.end - ends.begin;
     to.write(bytesOf(ends.head), 0);
-    to.write(bytesOf(ends.tail), static_cast<off_t>(ends.head.size() + ends.end - ends.begin));
-    to.force();
+    to.write(bytesOf(ends.tail), static_cast<off_t>(tail));
+    force(to, tail + ends.tail.size(), step);
 }
 
 bool isSameTime(const timespec& one, const timespec& other)
@@ -155,15 +172,16 @@ void requireWritable(const StandingFile& file) { openForWriting(file); }
 
 // The file is whole, old or new, without a force of its folder: what is renamed is on the disk already.
 void swapEnds(const StandingFile& file, const NewEnds& ends, PartNotes& notes,
-              const std::function<void(const Text&)>& approve)
+              const std::function<void(const Text&)>& approve, const Step& step)
 {
     std::optional<OutputFile> copy;
     attempting("A copy could not be made in the file's folder",
                [&] { copy.emplace(file.path, file.status, notes); });
     copyAttributes(file.file.number(), copy->file().number());
-    attempting("The copy could not be written", [&] { write(file.file, *copy, ends); });
+    attempting("The copy could not be written", [&] { write(file.file, *copy, ends, step); });
     approve(copy->partPath());
     requireStanding(file);
+    step();
     attempting("The copy could not be put in the file's place", [&] { copy->takePlace(); });
 }
 

@@ -35,9 +35,11 @@ void requireWritable(const StandingFile& file);
 
 // Puts a copy in the file's place, once `approve`, given the copy's path, has not failed. Mode, owner and
 // extended attributes are kept; another hard link to the file goes on naming the old one. Fails with number
-// 70 where the folder or the owner does not permit a copy.
-void swapEnds(const StandingFile& file, const NewEnds& ends, PartNotes& notes,
-              const std::function<void(const Text&)>& approve);
+// 70 where the folder or the owner does not permit a copy. `step` is called as the copy comes on, and last
+// before it takes the file's place; where it fails, the file stays.
+void swapEnds(
+    const StandingFile& file, const NewEnds& ends, PartNotes& notes,
+    const std::function<void(const Text&)>& approve, const std::function<void()>& step = [] {});
 
 // Writes over the file itself from `at` on: for few bytes, where no copy can be made.
 void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes);

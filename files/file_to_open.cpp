@@ -7,7 +7,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/statfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -56,16 +55,6 @@ std::optional<Text> fileToOpen(const Text& path)
         touch(file);
         return file;
     });
-}
-
-// A folder's attributes may come from memory, how much room it has does not.
-bool folderAnswers(const Text& folder)
-{
-    const auto ask = [folder] {
-        struct statfs status;
-        return isFolder(folder) ? statfs(folder.c_str(), &status) == 0 : true;
-    };
-    return answerWithin<bool>(patienceForFiles, "room in " + folder, ask).has_value();
 }
 
 }

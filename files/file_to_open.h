@@ -31,7 +31,4 @@ std::optional<Answer> answerOfFile(
 // That file, which has answered; nothing when it does not.
 std::optional<Text> fileToOpen(const Text& path);
 
-// False when the folder, or what is to hold it, does not answer within two seconds; nothing needs to exist.
-bool folderAnswers(const Text& folder);
-
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/patient_text_files.h"
 
-#include "files/errand.h"
-
 namespace files
 {
 

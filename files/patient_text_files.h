@@ -3,6 +3,7 @@
 // time fails with 68.
 #pragma once
 
+#include "files/errand.h"
 #include "platform/text_files.h"
 
 #include <chrono>
@@ -10,16 +11,12 @@
 namespace files
 {
 
-// A disk may have to wake up, and what is given up here may be a person's only list: longer than for files
-// that are merely played.
-inline constexpr std::chrono::milliseconds patienceForTexts{10'000};
-
 // `files` is asked from several threads.
 class PatientTextFiles final : public TextFiles
 {
 public:
     explicit PatientTextFiles(std::shared_ptr<TextFiles> files,
-                              std::chrono::milliseconds patience = patienceForTexts) :
+                              std::chrono::milliseconds patience = patienceForWriting) :
         files_(std::move(files)),
         patience_(patience)
     {

@@ -5,7 +5,7 @@
 #include "engines/disc/track_copy.h"
 #include "engines/disc/track_path.h"
 #include "engines/disc/window_calls.h"
-#include "files/file_to_open.h"
+#include "files/errand.h"
 #include "files/folders.h"
 #include "platform/failure.h"
 #include "platform/numbers.h"
@@ -63,6 +63,7 @@ private:
     DiscContents disc();
     void tell(const ReaderDrive& drive, const Text& trouble);
     void startCopy(std::int16_t track, const Text& path);
+    std::shared_ptr<WavOutput> outputFor(const Text& path) const;
     void finished();
 
     std::shared_ptr<ReaderTable> table_;
@@ -169,15 +170,20 @@ void DiscReader::startCopy(std::int16_t number, const Text& path)
                       "There is no sound in track " + textOf(std::int32_t{number}) + "."};
     if (devices_->isWriting(drive->device()))
         throw Failure{Trouble::permissionDenied, drive->name() + " is in use."};
-    if (!files::folderAnswers(files::folderOf(path)))
-        throw Failure{Trouble::deviceUnavailable, files::noAnswer};
-    auto output = std::make_unique<WavOutput>(path, notes_);
+    auto output = outputFor(path);
     copy_ = std::make_unique<TrackCopy>(
         TrackCopy::Job{drive, number, track->sectors, path, std::move(output)}, devices_, shell_, sleepLock_,
         TrackCopy::Events{[this](std::int32_t thousandths) {
                               window_.post([=](DiscReader& self) { self.Progress.raise(thousandths); });
                           },
                           [this] { window_.post([](DiscReader& self) { self.finished(); }); }});
+}
+
+std::shared_ptr<WavOutput> DiscReader::outputFor(const Text& path) const
+{
+    const auto make = [path, &notes = notes_] { return std::make_shared<WavOutput>(path, notes); };
+    return files::answerOrFailure<std::shared_ptr<WavOutput>>(files::patienceForFiles,
+                                                              "room in " + files::folderOf(path), make);
 }
 
 void DiscReader::Stop()

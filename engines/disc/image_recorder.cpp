@@ -154,7 +154,7 @@ class ImageRun final : public WriteRun
 {
 public:
     // Without an image it goes through the writing and writes nothing.
-    ImageRun(std::vector<CdSound> tracks, std::unique_ptr<NewImage> image) :
+    ImageRun(std::vector<CdSound> tracks, std::shared_ptr<NewImage> image) :
         tracks_(std::move(tracks)), image_(std::move(image)), bytes_(soundBytes(tracks_))
     {
     }
@@ -165,7 +165,7 @@ private:
     void writeTrack(CdSound& track, const WriteProgress& progress, const std::stop_token& stop);
 
     std::vector<CdSound> tracks_;
-    std::unique_ptr<NewImage> image_;
+    std::shared_ptr<NewImage> image_;
     std::int64_t bytes_;
     std::int64_t written_ = 0;
 };
@@ -225,15 +225,14 @@ public:
     }
 
 private:
-    std::unique_ptr<NewImage> newImage(std::int64_t bytes)
+    std::shared_ptr<NewImage> newImage(std::int64_t bytes)
     {
-        const auto folder =
-            files::answerOrFailure<Text>(files::patienceForFiles, "discs", [folders = folders_] {
-                const Text each = folders.toWrite();
-                requireFolder(each);
-                return each;
-            });
-        return std::make_unique<NewImage>(folder, bytes, notes_);
+        const auto make = [folders = folders_, bytes, &notes = notes_] {
+            const Text folder = folders.toWrite();
+            requireFolder(folder);
+            return std::make_shared<NewImage>(folder, bytes, notes);
+        };
+        return files::answerOrFailure<std::shared_ptr<NewImage>>(files::patienceForFiles, "discs", make);
     }
 
     DiscFolders folders_;

@@ -10,7 +10,7 @@ namespace disc
 {
 
 // Each disc becomes a CUE sheet and one file of raw sectors, both named for the time at which its writing
-// began.
+// began. `notes` outlive a folder that does not answer.
 std::shared_ptr<WriterDrive> makeImageRecorder(DiscFolders folders, PartNotes& notes);
 
 }

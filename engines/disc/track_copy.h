@@ -26,7 +26,7 @@ public:
         std::int16_t track = 0;
         std::int32_t sectors = 0;
         Text path;
-        std::unique_ptr<WavOutput> output;
+        std::shared_ptr<WavOutput> output;
     };
 
     // Both are called on a thread of the copy's own, `done` once and last.

@@ -3,6 +3,7 @@
 
 #include "engines/tags/tag_file.h"
 #include "files/file_to_open.h"
+#include "files/moving_work.h"
 
 #include <utility>
 
@@ -60,7 +61,11 @@ Text EditedTag::write()
     isWritten_ = true;
     if (!wasRead || !files::fileToOpen(path_))
         return files::noAnswer;
-    return writeTag(path_, wanted, notes_);
+    const auto write = [path = path_, wanted, &notes = notes_](files::Steps& steps) {
+        return writeTag(path, wanted, notes, [&steps] { steps.take(); });
+    };
+    return files::resultWhileMoving<Text>(files::patienceForWriting, "file " + path_, write)
+        .value_or(files::noAnswer);
 }
 
 }

@@ -17,6 +17,7 @@ namespace tags
 class EditedTag
 {
 public:
+    // `notes` outlive a disk that does not answer.
     explicit EditedTag(PartNotes& notes) : notes_(notes) {}
 
     void open(const Text& path);           // its fields, and writing goes to it

@@ -129,14 +129,14 @@ void requireSaying(const Tag& expected, const Text& path)
 // Where no copy can be made, and no tag is there or needed that readers would prefer, ID3v1 is written in the
 // file itself: it is so short that there is next to no moment for a crash.
 void put(const NewTags& tags, const TagParts& parts, const files::StandingFile& file, const Tag& expected,
-         PartNotes& notes)
+         PartNotes& notes, const std::function<void()>& step)
 {
     files::requireWritable(file);
     Failure refused;
     const auto ends = endsFor(tags, parts, static_cast<std::uint64_t>(file.status.st_size));
     const auto approve = [&](const Text& copy) { requireSaying(expected, copy); };
     if (guarded([&](const Failure& failure) { refused = failure; },
-                [&] { files::swapEnds(file, ends, notes, approve); }))
+                [&] { files::swapEnds(file, ends, notes, approve, step); }))
         return;
     const bool id3v1Alone = !parts.id3v2 && !parts.ape && !tags.id3v2;
     if (!refused.is(Trouble::permissionDenied) || !id3v1Alone)
@@ -144,7 +144,7 @@ void put(const NewTags& tags, const TagParts& parts, const files::StandingFile& 
     files::overwriteEnd(file, parts.audioEnd, tags.id3v1);
 }
 
-void write(const Text& path, const Tag& wanted, PartNotes& notes)
+void write(const Text& path, const Tag& wanted, PartNotes& notes, const std::function<void()>& step)
 {
     const Text target = resolved(path);
     const auto file = files::isFile(target) ? files::InputFile::open(target) : nullptr;
@@ -163,7 +163,7 @@ void write(const Text& path, const Tag& wanted, PartNotes& notes)
     tags.ape = newApeFor(parts, wanted, shown);
     tags.id3v1 = id3v1With(wanted, shown, parts.id3v1);
     if (tags.id3v2 || tags.ape || tags.id3v1 != parts.id3v1)
-        put(tags, parts, standing, saying(wanted, shown), notes);
+        put(tags, parts, standing, saying(wanted, shown), notes, step);
 }
 
 }
@@ -178,11 +178,11 @@ Tag readTag(const Text& path)
     return tagOf(bytes, parts);
 }
 
-Text writeTag(const Text& path, const Tag& tag, PartNotes& notes)
+Text writeTag(const Text& path, const Tag& tag, PartNotes& notes, const std::function<void()>& step)
 {
     Text reason;
     guarded([&](const Failure& failure) { reason = failure.description; },
-            [&] { write(path, storable(tag), notes); });
+            [&] { write(path, storable(tag), notes, step); });
     return reason;
 }
 

@@ -5,6 +5,8 @@
 #include "engines/tags/tag.h"
 #include "platform/part_notes.h"
 
+#include <functional>
+
 namespace tags
 {
 
@@ -16,7 +18,10 @@ Tag readTag(const Text& path);
 // done, otherwise the reason in words, and the file is as it was. ID3v1 is always written, the other formats
 // where they are present; ID3v2 is made where ID3v1 cannot hold a field. The file is replaced by a changed
 // copy, whole at every moment, so it takes as long as copying it to the disk, unless the file system shares
-// the bytes of both; other hard links keep the old file.
-Text writeTag(const Text& path, const Tag& tag, PartNotes& notes = NoPartNotes::instance());
+// the bytes of both; other hard links keep the old file. `step` is called as it comes on, and ends it by
+// failing.
+Text writeTag(
+    const Text& path, const Tag& tag, PartNotes& notes = NoPartNotes::instance(),
+    const std::function<void()>& step = [] {});
 
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/errand.h"
+#include "files/moving_work.h"
 #include "tests/support/wait_until.h"
 
 #include <doctest/doctest.h>
@@ -169,4 +170,31 @@ TEST_CASE("Where no thread is to be had, an errand has ended without a result, a
     }
     CHECK_FALSE(isAsked);
     CHECK(files::answerWithin<int>(30s, "no thread", ask) == 7);
+}
+
+TEST_CASE("Work that comes on is waited for however long it takes, and work that stands still is given up")
+{
+    std::atomic<bool> isFree{false};
+    std::atomic<bool> isUndone{false};
+    const std::function<int(files::Steps&)> slow = [&](files::Steps& steps) {
+        for (int i = 0; i < 50; ++i) {
+            std::this_thread::sleep_for(100ms);
+            steps.take();
+        }
+        return 7;
+    };
+    const std::function<int(files::Steps&)> still = [&](files::Steps& steps) {
+        steps.take();
+        while (!isFree)
+            std::this_thread::sleep_for(1ms);
+        isUndone = !succeeds([&] { steps.take(); });
+        return 8;
+    };
+    CHECK(files::resultWhileMoving<int>(2s, "moving", slow) == 7);
+    CHECK_FALSE(files::resultWhileMoving<int>(100ms, "still", still));
+    CHECK(files::isUnanswered("still"));
+    CHECK_FALSE(files::resultWhileMoving<int>(30s, "still", still));
+    isFree = true;
+    CHECK(waitUntil([] { return !files::isUnanswered("still"); }, 30s));
+    CHECK(isUndone);
 }

@@ -80,6 +80,45 @@ TEST_CASE("A track is not read into a folder that does not answer, soon, and the
     }
     CHECK(s.desk.shell.told() ==
           std::vector<Text>{"A track could not be read | " + track + ": " + files::noAnswer});
+    CHECK(waitUntil([&] { return !files::isUnanswered("room in " + s.desk.output); }, 30s));
+}
+
+TEST_CASE("A track is not read into a folder whose attributes alone still answer, soon, and nothing is left")
+{
+    Shelf s;
+    const auto reader = s.desk.reader();
+    Heard<ACD> heard(s.desk.window, *reader);
+    REQUIRE(reader->TrackCount() == 1);
+    const Text track = s.desk.output + "/track.wav";
+    const auto before = namesInFolder(s.desk.output);
+    {
+        const HungShare hung(s.desk.output.c_str(), HungShare::Holds::contents);
+        CHECK(timeOf([&] { CHECK(reader->ReadTrack(1, track) != 0); }) < bound);
+        CHECK(hung.waiting() == 1);
+        CHECK(heard.end());
+    }
+    CHECK(s.desk.shell.told() ==
+          std::vector<Text>{"A track could not be read | " + track + ": " + files::noAnswer});
+    REQUIRE(waitUntil([&] { return !files::isUnanswered("room in " + s.desk.output); }, 30s));
+    CHECK(namesInFolder(s.desk.output) == before);
+}
+
+TEST_CASE("A disc is not begun in a folder that takes no file or makes no room, soon, and nothing is left")
+{
+    for (const auto held : {HungShare::Holds::contents, HungShare::Holds::writings}) {
+        Shelf s;
+        const auto writer = s.desk.writer();
+        REQUIRE(writer->AddTrack(s.wav, 0) == 0);
+        {
+            const HungShare hung(s.desk.folders.music.c_str(), held);
+            CHECK(timeOf([&] { CHECK(writer->Write() != 0); }) < bound);
+            CHECK(hung.waiting() == 1);
+        }
+        CHECK(s.desk.shell.told() ==
+              std::vector<Text>{Text("The disc could not be written | ") + files::noAnswer});
+        REQUIRE(waitUntil([&] { return !files::isUnanswered("discs"); }, 30s));
+        CHECK(namesInFolder(s.desk.folders.toWrite()) == std::set<Text>{"a.bin", "a.cue"});
+    }
 }
 
 TEST_CASE("A track on a share that does not answer is not taken for a disc, soon")
@@ -111,4 +150,5 @@ TEST_CASE("A disc is not begun while its tracks, or the folder for discs, do not
     CHECK(s.desk.shell.told() ==
           std::vector<Text>{"The disc could not be written | " + s.wav + " cannot be read.",
                             Text("The disc could not be written | ") + files::noAnswer});
+    CHECK(waitUntil([] { return !files::isUnanswered("discs"); }, 30s));
 }

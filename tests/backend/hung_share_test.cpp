@@ -219,6 +219,25 @@ TEST_CASE("A tag is not saved on a share that fell silent after its fields were 
     CHECK(s.parts.shell.notes == std::vector<Text>{"The tag was not saved|" + song + ": " + files::noAnswer});
 }
 
+TEST_CASE("A tag whose copy stands still on its way is given up, the file stays, and no copy is left")
+{
+    Shares s;
+    const Text song = s.share + "/song.mp3";
+    const Text before = fileBytes(song);
+    REQUIRE(s.parts.mp3->Open(song, "") == 0);
+    s.parts.mp3->setTitle("new");
+    {
+        const HungShare hung(s.share.c_str(), HungShare::Holds::writings);
+        CHECK(timeOf([&] { s.parts.mp3->WriteTag(); }) < bound);
+        CHECK(hung.waiting() == 1);
+        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < atOnce);
+    }
+    CHECK(s.parts.shell.notes.front() == "The tag was not saved|" + song + ": " + files::noAnswer);
+    REQUIRE(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }, 30s));
+    CHECK(fileBytes(song) == before);
+    CHECK(namesInFolder(s.share) == std::set<Text>{"song.mp3"});
+}
+
 TEST_CASE("A conversion from or to a share that does not answer is refused, soon")
 {
     Shares s;

@@ -60,7 +60,7 @@ void hold(const char* path)
 
 void holdOpening(const char* path)
 {
-    if (holds != HungShare::Holds::secondReads)
+    if (holds == HungShare::Holds::everything || holds == HungShare::Holds::contents)
         hold(path);
 }
 
@@ -82,7 +82,8 @@ void holdAt(int at, const char* path, Hold&& holdPath)
 
 void holdReading(int file)
 {
-    if (!hangs || !systemCalls::liesBelow(PathOfOpen(file).get(), folder))
+    if (!hangs || holds == HungShare::Holds::writings ||
+        !systemCalls::liesBelow(PathOfOpen(file).get(), folder))
         return;
     if (holds != HungShare::Holds::secondReads || readsLeft-- <= 0)
         hold(folder);
@@ -90,7 +91,7 @@ void holdReading(int file)
 
 void holdWriting(int file)
 {
-    if (hangs && holds == HungShare::Holds::everything)
+    if (hangs && (holds == HungShare::Holds::everything || holds == HungShare::Holds::writings))
         hold(PathOfOpen(file).get());
 }
 
@@ -193,5 +194,7 @@ HELD(holdWriting(file), ssize_t, write, (int file, const void* bytes, std::size_
 HELD(holdWriting(file), ssize_t, pwrite, (int file, const void* bytes, std::size_t size, off_t at), , file, bytes, size, at)
 HELD(holdWriting(file), ssize_t, pwrite64, (int file, const void* bytes, std::size_t size, off64_t at), , file, bytes, size, at)
 HELD(holdWriting(file), int, fdatasync, (int file), , file)
+HELD(holdWriting(file), int, fallocate, (int file, int mode, off_t at, off_t size), , file, mode, at, size)
+HELD(holdWriting(file), int, fallocate64, (int file, int mode, off64_t at, off64_t size), , file, mode, at, size)
 // clang-format on
 }

@@ -13,6 +13,7 @@ public:
         everything,
         contents,    // openings, and what is read
         secondReads, // what is read, but for the first piece of it
+        writings,    // what is written, and the room for it
     };
 
     explicit HungShare(const char* folder, Holds what = Holds::everything); // absolute; one at a time
