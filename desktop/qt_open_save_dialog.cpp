@@ -2,8 +2,10 @@
 #include "desktop/qt_open_save_dialog.h"
 
 #include "desktop/dialog_filter.h"
+#include "desktop/file_dialog_gate.h"
 #include "desktop/file_dialog_look.h"
 #include "desktop/file_pictures.h"
+#include "files/errand.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
 #include "toolkit/folder_listing.h"
@@ -18,6 +20,7 @@
 #include <QSettings>
 #include <QUrl>
 #include <algorithm>
+#include <memory>
 
 namespace desktop
 {
@@ -66,16 +69,25 @@ QSize sizeOf(const RememberedDialog& dialog, const QWidget& window)
     return wanted.boundedTo(window.screen()->availableSize());
 }
 
+bool isUnanswered(const QString& url)
+{
+    const QString path = QUrl(url).toLocalFile();
+    return !path.isEmpty() && !listing::answers(bytesOf(path), files::patienceForLists);
+}
+
 // A dialog of the library first looks at the folder where the last one of any program ended, wherever it is
-// told to begin. One that is made while that folder does not answer does without what the library kept.
+// told to begin, and at the places that they keep. One that is made while one of them does not answer does
+// without what the library kept.
 class KeptByLibrary
 {
 public:
     KeptByLibrary()
     {
         const QSettings settings(scope, "QtProject");
-        const QUrl last = settings.value("FileDialog/lastVisited").toUrl();
-        if (!last.isLocalFile() || listing::isFolder(bytesOf(last.toLocalFile())))
+        QStringList places{lastVisited, settings.value("FileDialog/lastVisited").toString()};
+        for (const char* key : {"FileDialog/shortcuts", "FileDialog/history"})
+            places << settings.value(key).toStringList();
+        if (std::none_of(places.begin(), places.end(), isUnanswered))
             return;
         folder_ = QFileInfo(settings.fileName()).path();
         QSettings::setPath(QSettings::NativeFormat, scope, "/dev/null");
@@ -87,6 +99,8 @@ public:
     }
     KeptByLibrary(const KeptByLibrary&) = delete;
     KeptByLibrary& operator=(const KeptByLibrary&) = delete;
+
+    inline static QString lastVisited; // of this process, which the library knows before it keeps it
 
 private:
     static constexpr auto scope = QSettings::UserScope;
@@ -126,14 +140,28 @@ QString nameOf(const QModelIndexList& rows)
 class FileDialog final : KeptByLibrary, public QFileDialog
 {
 public:
-    explicit FileDialog(const QString& folder) : QFileDialog(QApplication::activeWindow(), {}, folder)
+    explicit FileDialog(const QString& folder) : QFileDialog(windowBehind(), {}, folder)
     {
         setIconProvider(&filePictures());
         setOption(DontUseCustomDirectoryIcons);
+        connect(folders_, &QFileSystemModel::directoryLoaded, this, &FileDialog::noteLooked);
+    }
+
+    // Its end waits for the thread that looks at folders: while one does not answer, it comes later.
+    static void end(FileDialog* dialog)
+    {
+        dialog->hide();
+        if (dialog->folders_)
+            lastVisited = QUrl::fromLocalFile(dialog->folders_->rootPath()).toString();
+        dialog->isOver_ = dialog->isLooking();
+        if (!dialog->isOver_)
+            delete dialog;
     }
 
     void accept() override
     {
+        if (!gate_.unanswered().isEmpty())
+            return;
         const auto* name = findChild<QLineEdit*>("fileNameEdit");
         const auto* files = findChild<QAbstractItemView*>("listView"); // the other shares its selection
         if (name && files && !name->text().isEmpty())
@@ -142,6 +170,26 @@ public:
     }
 
 private:
+    // Not a dialog whose end is still to come.
+    static QWidget* windowBehind()
+    {
+        auto* window = QApplication::activeWindow();
+        return window && window->isVisible() ? window : nullptr;
+    }
+
+    bool isLooking() const
+    {
+        const QString folder = folders_ ? folders_->rootPath() : QString();
+        return !folder.isEmpty() && !looked_.contains(folder);
+    }
+
+    void noteLooked(const QString& folder)
+    {
+        looked_ << folder;
+        if (isOver_ && !isLooking())
+            deleteLater();
+    }
+
     static void settle(const QLineEdit& name, QItemSelectionModel& selection)
     {
         const QSignalBlocker quiet(selection);
@@ -152,28 +200,37 @@ private:
         if (name.text() != nameOf(selection.selectedRows()).left(name.maxLength()))
             selection.clearSelection();
     }
+
+    QFileSystemModel* folders_ = findChild<QFileSystemModel*>();
+    FileDialogGate gate_{*this};
+    QStringList looked_; // folders that have answered
+    bool isOver_ = false;
 };
+
+using Showing = std::unique_ptr<FileDialog, void (*)(FileDialog*)>;
+
+Showing dialogIn(const Text& folder) { return {new FileDialog(shown(folder)), FileDialog::end}; }
 
 }
 
 void QtOpenSaveDialog::ShowOpen()
 {
-    FileDialog dialog(shown(beginningFolder()));
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    const Showing dialog = dialogIn(beginningFolder());
+    dialog->setAcceptMode(QFileDialog::AcceptOpen);
     if (flags_ & severalFiles)
-        dialog.setFileMode(QFileDialog::ExistingFiles);
+        dialog->setFileMode(QFileDialog::ExistingFiles);
     else
-        dialog.setFileMode(flags_ & fileMustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
-    show(dialog);
+        dialog->setFileMode(flags_ & fileMustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    show(*dialog);
 }
 
 void QtOpenSaveDialog::ShowSave()
 {
-    FileDialog dialog(shown(beginningFolder()));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setFileMode(QFileDialog::AnyFile);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite, (flags_ & askBeforeOverwriting) == 0);
-    show(dialog);
+    const Showing dialog = dialogIn(beginningFolder());
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setFileMode(QFileDialog::AnyFile);
+    dialog->setOption(QFileDialog::DontConfirmOverwrite, (flags_ & askBeforeOverwriting) == 0);
+    show(*dialog);
 }
 
 void QtOpenSaveDialog::show(QFileDialog& dialog)

@@ -34,10 +34,22 @@ Names namesIn(const Text& folder, Wanted&& wanted)
 
 }
 
-bool isFolder(const Text& path)
+namespace
+{
+
+std::optional<bool> isFolderWithin(std::chrono::milliseconds limit, const Text& path)
 {
     const auto look = [path] { return files::isFolder(path); };
-    return files::answerWithin<bool>(files::patienceForLists, "folder " + path, look).value_or(false);
+    return files::answerWithin<bool>(limit, "folder " + path, look);
+}
+
+}
+
+bool isFolder(const Text& path) { return isFolderWithin(files::patienceForLists, path).value_or(false); }
+
+bool answers(const Text& path, std::chrono::milliseconds limit)
+{
+    return isFolderWithin(limit, path).has_value();
 }
 
 std::optional<Names> foldersIn(const Text& folder, const Question& question)

@@ -4,6 +4,7 @@
 
 #include "platform/text.h"
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -14,6 +15,9 @@ namespace listing
 using Names = std::vector<Text>;
 
 bool isFolder(const Text& path); // false also for what does not answer
+
+// Whether something is known of it by then, and be it that there is nothing.
+bool answers(const Text& path, std::chrono::milliseconds limit);
 
 // Asks for the names; `who` keeps the questions of two lists apart. Without an answer in time it is nothing,
 // and `late` gets the names when they come, on a thread of its own. A folder that cannot be read has none.

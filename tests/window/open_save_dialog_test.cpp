@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/qt_open_save_dialog.h"
 #include "support/failures.h"
+#include "support/file_dialog_hand.h"
 #include "support/files.h"
 #include "support/hung_share.h"
 #include "support/temporary_folder.h"
@@ -12,14 +13,18 @@
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFileSystemModel>
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTimer>
 #include <QUrl>
 #include <chrono>
 #include <doctest/doctest.h>
+#include <filesystem>
 #include <malloc.h>
+#include <optional>
 
 namespace
 {
@@ -233,4 +238,113 @@ TEST_CASE("A folder for music that does not answer, where another program's dial
     CHECK(dialog.cancel("Mp3 Files") == cancelled);
     CHECK(std::chrono::steady_clock::now() - then < std::chrono::seconds(30));
     settings.setValue("FileDialog/lastVisited", before);
+}
+
+namespace
+{
+
+// A share beside the folder that a dialog shows, and what a hand does in it.
+struct ShareBeside {
+    Dialog dialog;
+    const Text share = dialog.folder / "share";
+
+    ShareBeside()
+    {
+        std::filesystem::create_directory(share);
+        putFile(share + "/song.mp3", "");
+    }
+
+    // Whether the dialog was done with soon: what waits for the share takes a minute.
+    bool endsSoon(const std::function<void(QFileDialog&)>& act)
+    {
+        const auto then = std::chrono::steady_clock::now();
+        CHECK(dialog.open("Mp3 Files", act) == cancelled);
+        return std::chrono::steady_clock::now() - then < std::chrono::seconds(30);
+    }
+};
+
+}
+
+TEST_CASE("A path that is typed into a share that does not answer is not taken, and the dialog goes on")
+{
+    ShareBeside s;
+    bool isLeftOpen = false;
+    {
+        const HungShare hung(s.share.c_str());
+        CHECK(s.endsSoon([&](QFileDialog& window) {
+            window.setDirectory(QString::fromStdString(s.dialog.folder.path()));
+            FileDialogHand hand;
+            hand.type(s.share + "/song.mp3");
+            static_cast<QDialog&>(window).accept();
+            isLeftOpen = window.isVisible();
+            hand.type("song.mp3");
+            window.reject();
+        }));
+        CHECK(hung.waiting() <= 2); // one that was asked for the dialog, and the dialog's own thread
+    }
+    CHECK(isLeftOpen);
+    CHECK(s.dialog.choose("Mp3 Files") == 0);
+    CHECK(s.dialog.control.FileName() == s.dialog.song);
+}
+
+TEST_CASE("A folder that does not answer is not gone to, from its row or from its place at the side")
+{
+    ShareBeside s;
+    const QString folder = QString::fromStdString(s.dialog.folder.path());
+    struct Way {
+        const char* part;
+        int from; // the row that is the current one
+        Qt::Key key;
+    };
+    for (const Way& way : {Way{"listView", 0, Qt::Key_Return}, Way{"sidebar", 0, Qt::Key_Down}}) {
+        CAPTURE(Text(way.part));
+        std::optional<HungShare> hung;
+        QString stays;
+        CHECK(s.endsSoon([&](QFileDialog& window) {
+            window.setSidebarUrls({QUrl::fromLocalFile(folder), QUrl::fromLocalFile(folder + "/share")});
+            window.setDirectory(folder);
+            auto& view = *window.findChild<QAbstractItemView*>(way.part);
+            const auto row = [&](int number) { return view.model()->index(number, 0, view.rootIndex()); };
+            CHECK(waitFor([&] { return row(0).isValid(); }));
+            view.setCurrentIndex(row(way.from));
+            hung.emplace(s.share.c_str());
+            QKeyEvent press(QEvent::KeyPress, way.key, Qt::NoModifier);
+            QApplication::sendEvent(&view, &press);
+            const QPoint at = view.visualRect(row(way.from + (way.key == Qt::Key_Down))).center();
+            QMouseEvent click(QEvent::MouseButtonDblClick, at, view.viewport()->mapToGlobal(at),
+                              Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(view.viewport(), &click);
+            stays = window.directory().absolutePath();
+            window.reject();
+        }));
+        CHECK(stays.toStdString() == s.dialog.folder.path());
+    }
+}
+
+TEST_CASE("A dialog ends while a folder in what it shows does not answer")
+{
+    ShareBeside s;
+    const HungShare hung(s.share.c_str());
+    CHECK(s.endsSoon([&](QFileDialog& window) {
+        window.setDirectory(QString::fromStdString(s.dialog.folder.path()));
+        CHECK(waitFor([&] { return hung.waiting() == 1; })); // its thread has come to the share
+        window.reject();
+    }));
+}
+
+TEST_CASE("A place that the library kept and that does not answer holds no dialog up")
+{
+    ShareBeside s;
+    QSettings settings(QSettings::UserScope, "QtProject");
+    for (const char* key : {"FileDialog/shortcuts", "FileDialog/history"}) {
+        CAPTURE(key);
+        const QVariant before = settings.value(key);
+        settings.setValue(key, QStringList{QUrl::fromLocalFile(QString::fromStdString(s.share)).toString()});
+        settings.sync();
+        {
+            const HungShare hung(s.share.c_str());
+            CHECK(s.endsSoon([](QFileDialog& window) { window.reject(); }));
+        }
+        settings.setValue(key, before);
+    }
 }
