@@ -50,7 +50,8 @@ public:
     std::function<std::unique_ptr<ACD>()> otherReader;    // in place of the recording one
     std::function<std::unique_ptr<CdBase>()> otherTitles; // likewise
 
-    FakePlatform() { addConfigurationFile(); }
+    FakePlatform();
+    ~FakePlatform() override;
 
     void addConfigurationFile()
     {

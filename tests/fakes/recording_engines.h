@@ -21,6 +21,7 @@ class RecordingMp3Play final : public Mp3Play
 {
 public:
     RecordingMp3Play(CallLog& log, Text name) : log_(log), name_(std::move(name)) {}
+    ~RecordingMp3Play() override;
 
     // Asked at each `Open`, first one first; when they run out, 0.
     std::deque<std::int16_t> openResults;
@@ -127,6 +128,7 @@ class RecordingMMControl final : public MMControl
 {
 public:
     explicit RecordingMMControl(CallLog& log) : log_(log) {}
+    ~RecordingMMControl() override;
 
     std::int32_t length = 0, position = 0;
     State heard = State::idle;
@@ -156,6 +158,7 @@ class RecordingMp3Enc final : public Mp3Enc
 {
 public:
     explicit RecordingMp3Enc(CallLog& log) : log_(log) {}
+    ~RecordingMp3Enc() override;
 
     std::int32_t bitrate = 0, length = 0;
     std::function<void()> onStart;
@@ -190,6 +193,7 @@ class RecordingACD final : public ACD
 {
 public:
     explicit RecordingACD(CallLog& log) : log_(log) {}
+    ~RecordingACD() override;
 
     std::int16_t init = 0;
     std::vector<Text> drives{"Drive one", "Drive two"};
@@ -243,6 +247,7 @@ class RecordingACDWRITE final : public ACDWRITE
 {
 public:
     explicit RecordingACDWRITE(CallLog& log) : log_(log) {}
+    ~RecordingACDWRITE() override;
 
     struct Writer {
         Text name;
@@ -319,6 +324,7 @@ class RecordingCdBase final : public CdBase
 {
 public:
     explicit RecordingCdBase(CallLog& log) : log_(log) {}
+    ~RecordingCdBase() override;
 
     bool openFails = false;
     Text identity;
@@ -356,6 +362,8 @@ private:
 class RecordingRemote final : public MediaRemote
 {
 public:
+    ~RecordingRemote() override;
+
     Shown shown;
     std::int32_t place = 0;
     std::vector<std::int32_t> jumps;

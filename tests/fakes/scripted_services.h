@@ -40,6 +40,7 @@ class ScriptedPump final : public Pump
 {
 public:
     explicit ScriptedPump(CallLog& log) : log_(log) {}
+    ~ScriptedPump() override;
 
     std::deque<std::function<void()>> steps;
 
@@ -62,6 +63,8 @@ private:
 class ScriptedMessageBoxes final : public MessageBoxes
 {
 public:
+    ~ScriptedMessageBoxes() override;
+
     struct Box {
         Text text;
         Text title;
@@ -95,6 +98,8 @@ private:
 class ScriptedDialog final : public OpenSaveDialog
 {
 public:
+    ~ScriptedDialog() override;
+
     // What the user does in the next dialog: without a path he cancels.
     struct Choice {
         std::vector<Text> paths;
@@ -175,6 +180,8 @@ private:
 class ScriptedMenu final : public PopupMenu
 {
 public:
+    ~ScriptedMenu() override;
+
     struct Item {
         Text caption;
         std::int32_t parent;
@@ -228,6 +235,7 @@ class StoreInMemory final : public KeyValueStore
 {
 public:
     explicit StoreInMemory(CallLog& log) : log_(log) {}
+    ~StoreInMemory() override;
 
     std::map<std::pair<Text, Text>, Text> values;
     std::vector<Text> reads; // "section/key"
@@ -252,6 +260,7 @@ class ProfileInMemory final : public ProfileFile
 {
 public:
     explicit ProfileInMemory(CallLog& log) : log_(log) {}
+    ~ProfileInMemory() override;
 
     std::map<Text, Text> values; // "file|section|key"
     bool readOnly = false;
@@ -282,6 +291,7 @@ class ScriptedScan final : public DirectoryScan
 {
 public:
     explicit ScriptedScan(CallLog& log) : log_(log) {}
+    ~ScriptedScan() override;
 
     std::map<Text, std::vector<FoundFile>> folders; // by the pattern that finds them
 
@@ -314,6 +324,7 @@ class FilesInMemory final : public TextFiles
 {
 public:
     explicit FilesInMemory(CallLog& log) : log_(log) {}
+    ~FilesInMemory() override;
 
     std::map<Text, Text> files;
     std::map<Text, int> failures;       // the failure of opening a path for output, or of reading it
@@ -388,6 +399,8 @@ private:
 class ScriptedDrives final : public Drives
 {
 public:
+    ~ScriptedDrives() override;
+
     std::vector<Drive> drives{{"/", "System"}, {"/home/user", "Home"}, {"/media/stick", "Stick"}};
 
     std::vector<Drive> all() override { return drives; }
@@ -396,6 +409,8 @@ public:
 class ScriptedRegistry final : public Registry
 {
 public:
+    ~ScriptedRegistry() override;
+
     struct Value {
         std::uint32_t type;
         Text bytes;
@@ -432,6 +447,8 @@ public:
 class RecordingShell final : public Shell
 {
 public:
+    ~RecordingShell() override;
+
     std::vector<Text> started;
     std::vector<Text> told;
     bool fails = false;
