@@ -313,13 +313,13 @@ void FormWidget::showEvent(QShowEvent*) { windowHandle()->installEventFilter(thi
 // It comes back where it was seen last.
 void FormWidget::hideEvent(QHideEvent*) { isPlaced_ = true; }
 
-void FormWidget::paintEvent(QPaintEvent*)
+void FormWidget::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     Skin& skin = form_.toolkit().skin();
     skin.draw(painter, form_.Name(), Skin::State::normal, rect());
     for (const auto& frame : frames_)
-        skin.drawFrame(painter, frame);
+        skin.drawFrame(painter, frame, event->region());
 }
 
 void FormWidget::mouseMoveEvent(QMouseEvent* event)

@@ -60,13 +60,22 @@ QIcon Skin::icon(const char* name)
     return icon;
 }
 
-void Skin::drawFrame(QPainter& painter, const QRect& rect) const
+void Skin::drawFrame(QPainter& painter, const QRect& rect, const QRegion& changed) const
 {
+    constexpr QColor shade(0, 0, 0, 90);
+    constexpr int rim = 4;
+    const QRect part = (changed & rect).boundingRect();
+    if (part.isEmpty())
+        return;
+    // Only the rim has curves. A label that changes within must not cost the whole frame.
+    const QRect within = rect.adjusted(rim, rim, -rim, -rim);
+    if (within.adjusted(1, 1, -1, -1).contains(part))
+        return painter.fillRect(within, shade);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(QPen(QColor(255, 255, 255, lineStrength()), 1));
-    painter.setBrush(QColor(0, 0, 0, 90));
-    painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
+    painter.setBrush(shade);
+    painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), rim, rim);
     painter.restore();
 }
 

@@ -15,6 +15,7 @@
 
 class QPainter;
 class QRect;
+class QRegion;
 class QSvgRenderer;
 
 class Skin
@@ -37,8 +38,8 @@ public:
     // In the sizes that window managers ask for.
     QIcon icon(const char* name);
 
-    // The rectangle that frames a group of controls.
-    void drawFrame(QPainter& painter, const QRect& rect) const;
+    // The rectangle that frames a group of controls; of it, what has changed.
+    void drawFrame(QPainter& painter, const QRect& rect, const QRegion& changed) const;
 
 private:
     struct Kept {

@@ -43,6 +43,31 @@ QImage red()
     return picture;
 }
 
+// A frame on a sheet at that scale, of which only `part` is painted.
+QImage framed(qreal scale, const QRect& part)
+{
+    const QRect sheet(0, 0, 120, 80);
+    QImage canvas(sheet.size() * scale, QImage::Format_ARGB32_Premultiplied);
+    canvas.setDevicePixelRatio(scale);
+    canvas.fill(Qt::darkCyan);
+    QPainter painter(&canvas);
+    painter.setClipRect(part);
+    Skin().drawFrame(painter, sheet.adjusted(10, 10, -10, -10), part);
+    return canvas;
+}
+
+// What of `whole` lies in `part`, on an empty sheet.
+QImage cutOut(const QImage& whole, const QRect& part)
+{
+    QImage canvas(whole.size(), whole.format());
+    canvas.setDevicePixelRatio(whole.devicePixelRatio());
+    canvas.fill(Qt::darkCyan);
+    QPainter painter(&canvas);
+    painter.setClipRect(part);
+    painter.drawImage(0, 0, whole);
+    return canvas;
+}
+
 }
 
 TEST_CASE("A picture that an earlier run painted is shown as it painted it")
@@ -100,4 +125,16 @@ TEST_CASE("Without a folder that can be made nothing is kept, and everything is 
     putFile(folder / "file", "");
     Skin skin;
     CHECK(drawnWith(folder / "file/skin", "a build") == drawn(skin));
+}
+
+TEST_CASE("A part of a frame that is painted alone looks as it does in the whole, at every scale")
+{
+    const QRect whole(0, 0, 120, 80);
+    const QRect parts[] = {{20, 20, 30, 9}, {15, 15, 90, 50}, {12, 30, 20, 10}, {0, 0, 30, 30}, {0, 0, 5, 5}};
+    for (const qreal scale : {1.0, 1.25, 1.5, 2.0, 3.0})
+        for (const QRect& part : parts) {
+            CAPTURE(scale);
+            CAPTURE(part.x());
+            CHECK(framed(scale, part) == cutOut(framed(scale, whole), part));
+        }
 }
