@@ -26,7 +26,7 @@ struct Modules {
     Mutex mutex;
     std::map<std::string_view, const void*> bound GUARDED_BY(mutex);
     std::function<void(const Text&)> tell GUARDED_BY(mutex) = [](const Text& words) {
-        std::fprintf(stderr, "velmora: %s\n", words.c_str());
+        std::fprintf(stderr, "Velmora: A part of Velmora is missing: %s\n", words.c_str());
     };
 };
 
