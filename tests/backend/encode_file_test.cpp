@@ -8,6 +8,7 @@
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wav_files.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <doctest/doctest.h>
@@ -218,9 +219,10 @@ TEST_CASE("The tag at the front tells the truth")
 TEST_CASE("Mono stays mono, and more channels than two become two")
 {
     Workplace place;
-    for (const auto& [channels, made] : {std::pair{1, 1}, {2, 2}, {3, 2}, {6, 2}}) {
+    for (const int channels : {1, 2, 3, 6}) {
         CAPTURE(channels);
-        CHECK(place.decode(place.encode(music(20000, 44100, channels), {})).channels == made);
+        CHECK(place.decode(place.encode(music(20000, 44100, channels), {})).channels ==
+              std::min(channels, 2));
     }
 }
 
