@@ -132,7 +132,7 @@ TEST_CASE("While the folder of the images does not answer, the drives stay as th
         CHECK(holdsUp(hung, 1));
     }
     putFile(r.desk.discs + "/New.cue", "");
-    CHECK(waitUntil([&] { return r.reader->DriveCount() == 3; }, std::chrono::seconds(30)));
+    CHECK(waitUntil([&] { return r.reader->DriveCount() == 3; }));
 }
 
 TEST_CASE("An image that was copied into the folder since the count has the next number, however old it is")

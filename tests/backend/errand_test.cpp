@@ -195,6 +195,6 @@ TEST_CASE("Work that comes on is waited for however long it takes, and work that
     CHECK(files::isUnanswered("still"));
     CHECK_FALSE(files::resultWhileMoving<int>(30s, "still", still));
     isFree = true;
-    CHECK(waitUntil([] { return !files::isUnanswered("still"); }, 30s));
+    CHECK(waitUntil([] { return !files::isUnanswered("still"); }));
     CHECK(isUndone);
 }

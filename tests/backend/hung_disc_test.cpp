@@ -80,7 +80,7 @@ TEST_CASE("A track is not read into a folder that does not answer, soon, and the
     }
     CHECK(s.desk.shell.told() ==
           std::vector<Text>{"A track could not be read | " + track + ": " + files::noAnswer});
-    CHECK(waitUntil([&] { return !files::isUnanswered("room in " + s.desk.output); }, 30s));
+    CHECK(waitUntil([&] { return !files::isUnanswered("room in " + s.desk.output); }));
 }
 
 TEST_CASE("A track is not read into a folder whose attributes alone still answer, soon, and nothing is left")
@@ -94,12 +94,12 @@ TEST_CASE("A track is not read into a folder whose attributes alone still answer
     {
         const HungShare hung(s.desk.output.c_str(), HungShare::Holds::contents);
         CHECK(timeOf([&] { CHECK(reader->ReadTrack(1, track) != 0); }) < bound);
-        CHECK(hung.waiting() == 1);
+        CHECK(holdsUp(hung, 1));
         CHECK(heard.end());
     }
     CHECK(s.desk.shell.told() ==
           std::vector<Text>{"A track could not be read | " + track + ": " + files::noAnswer});
-    REQUIRE(waitUntil([&] { return !files::isUnanswered("room in " + s.desk.output); }, 30s));
+    REQUIRE(waitUntil([&] { return !files::isUnanswered("room in " + s.desk.output); }));
     CHECK(namesInFolder(s.desk.output) == before);
 }
 
@@ -112,11 +112,11 @@ TEST_CASE("A disc is not begun in a folder that takes no file or makes no room, 
         {
             const HungShare hung(s.desk.folders.music.c_str(), held);
             CHECK(timeOf([&] { CHECK(writer->Write() != 0); }) < bound);
-            CHECK(hung.waiting() == 1);
+            CHECK(holdsUp(hung, 1));
         }
         CHECK(s.desk.shell.told() ==
               std::vector<Text>{Text("The disc could not be written | ") + files::noAnswer});
-        REQUIRE(waitUntil([&] { return !files::isUnanswered("discs"); }, 30s));
+        REQUIRE(waitUntil([&] { return !files::isUnanswered("discs"); }));
         CHECK(namesInFolder(s.desk.folders.toWrite()) == std::set<Text>{"a.bin", "a.cue"});
     }
 }
@@ -150,5 +150,5 @@ TEST_CASE("A disc is not begun while its tracks, or the folder for discs, do not
     CHECK(s.desk.shell.told() ==
           std::vector<Text>{"The disc could not be written | " + s.wav + " cannot be read.",
                             Text("The disc could not be written | ") + files::noAnswer});
-    CHECK(waitUntil([] { return !files::isUnanswered("discs"); }, 30s));
+    CHECK(waitUntil([] { return !files::isUnanswered("discs"); }));
 }

@@ -229,11 +229,11 @@ TEST_CASE("A tag whose copy stands still on its way is given up, the file stays,
     {
         const HungShare hung(s.share.c_str(), HungShare::Holds::writings);
         CHECK(timeOf([&] { s.parts.mp3->WriteTag(); }) < bound);
-        CHECK(hung.waiting() == 1);
-        CHECK(timeOf([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < atOnce);
+        CHECK(holdsUp(hung, 1));
+        CHECK(refusal([&] { CHECK(s.parts.mp3->Open(song, "") != 0); }) < atOnce);
     }
     CHECK(s.parts.shell.notes.front() == "The tag was not saved|" + song + ": " + files::noAnswer);
-    REQUIRE(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }, 30s));
+    REQUIRE(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }));
     CHECK(fileBytes(song) == before);
     CHECK(namesInFolder(s.share) == std::set<Text>{"song.mp3"});
 }
