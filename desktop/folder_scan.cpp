@@ -2,6 +2,7 @@
 #include "desktop/folder_scan.h"
 
 #include "files/errand.h"
+#include "files/folders.h"
 #include "platform/mutex.h"
 #include "platform/paths.h"
 
@@ -20,13 +21,11 @@ namespace desktop
 namespace
 {
 
-constexpr auto npos = std::string_view::npos;
-
 struct CloseFolder {
     void operator()(DIR* folder) const { closedir(folder); }
 };
 
-struct Entry {
+struct FolderEntry {
     unsigned char type;
     Text name;
 };
@@ -38,18 +37,6 @@ std::uint32_t attributesAt(const Text& path)
     if (stat(path.c_str(), &status) != 0)
         return 0;
     return S_ISDIR(status.st_mode) ? FoundFile::directory : FoundFile::archive;
-}
-
-// How much of the name's beginning a pattern without stars covers; npos when it does not fit.
-std::size_t coveredBy(std::string_view pattern, std::string_view name)
-{
-    std::size_t at = 0;
-    for (const char& c : pattern) {
-        if (at >= name.size() || (c != '?' && !equalWithoutCase({&c, 1}, name.substr(at, 1))))
-            return npos;
-        at += c == '?' ? characterBytes(name, at) : 1;
-    }
-    return at;
 }
 
 bool isDots(std::string_view name) { return name == "." || name == ".."; }
@@ -73,8 +60,8 @@ public:
     bool next(FoundFile& found)
     {
         while (next_ < entries_.size()) {
-            Entry& entry = entries_[next_++];
-            const auto attributes = matchesPattern(entry.name, pattern_) ? attributesOf(entry) : 0;
+            FolderEntry& entry = entries_[next_++];
+            const auto attributes = files::fits(entry.name, pattern_) ? attributesOf(entry) : 0;
             if (attributes == 0)
                 continue;
             found = {attributes, std::move(entry.name)};
@@ -88,14 +75,14 @@ private:
     {
     public:
         // False when nobody wants it any more.
-        bool give(Entry entry)
+        bool give(FolderEntry entry)
         {
             const Lock lock(mutex_);
             entries_.push_back(std::move(entry));
             return !isLeft_;
         }
         // What has been read until now.
-        std::vector<Entry> leave()
+        std::vector<FolderEntry> leave()
         {
             const Lock lock(mutex_);
             isLeft_ = true;
@@ -104,7 +91,7 @@ private:
 
     private:
         Mutex mutex_;
-        std::vector<Entry> entries_ GUARDED_BY(mutex_);
+        std::vector<FolderEntry> entries_ GUARDED_BY(mutex_);
         bool isLeft_ GUARDED_BY(mutex_) = false;
     };
 
@@ -123,7 +110,7 @@ private:
     }
 
     // 0 also for what does not tell in time.
-    std::uint32_t attributesOf(const Entry& entry)
+    std::uint32_t attributesOf(const FolderEntry& entry)
     {
         if (entry.type != DT_LNK && entry.type != DT_UNKNOWN)
             return entry.type == DT_DIR ? FoundFile::directory : FoundFile::archive;
@@ -150,7 +137,7 @@ private:
     std::chrono::milliseconds left_ = files::patienceForFiles; // to wait in; what the caller does costs none
     const Text folder_;
     const Text pattern_;
-    std::vector<Entry> entries_;
+    std::vector<FolderEntry> entries_;
     std::size_t next_ = 0;
 };
 
@@ -174,20 +161,5 @@ bool FolderScan::FindNextFile(Handle scan, FoundFile& found)
 }
 
 void FolderScan::FindClose(Handle scan) { walks_.erase(scan); }
-
-bool matchesPattern(std::string_view name, std::string_view pattern)
-{
-    if (pattern == "*.*")
-        return true;
-    const std::size_t star = pattern.find('*');
-    const std::size_t covered = coveredBy(pattern.substr(0, star), name);
-    if (covered == npos || star == npos)
-        return covered == name.size();
-    const std::string_view behind = pattern.substr(star + 1);
-    std::size_t at = covered;
-    while (at < name.size() && !matchesPattern(name.substr(at), behind))
-        at += characterBytes(name, at);
-    return matchesPattern(name.substr(at), behind);
-}
 
 }

@@ -29,7 +29,4 @@ private:
     Handle last_ = 0;
 };
 
-// `*` stands for any characters, `?` for one; no letter of A to Z has a case. "*.*" means every name.
-bool matchesPattern(std::string_view name, std::string_view pattern);
-
 }

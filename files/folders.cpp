@@ -6,6 +6,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <fnmatch.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -48,6 +49,11 @@ bool isFile(const Text& path) { return hasType(path, S_IFREG); }
 bool isExecutable(const Text& path)
 {
     return isFile(path) && faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
+}
+
+bool fits(const Text& name, const Text& pattern)
+{
+    return pattern == "*.*" || fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0;
 }
 
 bool isSameFile(const Text& one, const Text& other)

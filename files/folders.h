@@ -23,6 +23,10 @@ bool isSameFile(const Text& one, const Text& other);
 // system's own time.
 void syncFolder(const Text& folder);
 
+// Whether a file list with this pattern has the name, as the shell judges it but for the case of letters.
+// "*.*" has every name, also one without a dot.
+bool fits(const Text& name, const Text& pattern);
+
 // Without separators at its end; a drive root stays.
 Text withoutSeparatorBehind(Text path);
 

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fnmatch.h>
 
 namespace fs = std::filesystem;
 
@@ -69,9 +68,7 @@ std::optional<Names> filesIn(const Text& folder, const Text& pattern, const Ques
     const auto read = [folder, pattern] {
         return namesIn(folder, [&](const fs::directory_entry& entry) {
             std::error_code error;
-            const Text name = entry.path().filename().native();
-            return !entry.is_directory(error) &&
-                   fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0;
+            return !entry.is_directory(error) && files::fits(entry.path().filename().native(), pattern);
         });
     };
     return files::answerWithin<Names>(files::patienceForLists, question.who + " files " + folder, read,
