@@ -48,6 +48,12 @@ Text textOf(double number) { return plainDecimal(number); }
 
 Text textOf(std::int32_t number) { return std::to_string(number); }
 
+Text twoDigits(std::int64_t number)
+{
+    const Text digits = std::to_string(number);
+    return digits.size() < 2 ? "0" + digits : digits;
+}
+
 double toDouble(std::string_view text)
 {
     std::string_view number = withoutBlanks(text);

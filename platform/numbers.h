@@ -12,6 +12,9 @@ Text textOf(float number);
 Text textOf(double number);
 Text textOf(std::int32_t number);
 
+// An integer with at least two digits.
+Text twoDigits(std::int64_t number);
+
 // Blanks around the number, a sign, a decimal point and an exponent are allowed. Everything else, the empty
 // text included, fails with 13 "Type mismatch"; a number that the type cannot hold fails with 6 "Overflow".
 double toDouble(std::string_view text);

@@ -3,7 +3,6 @@
 #include "platform/numbers.h"
 #include "program.h"
 #include "settingsdlg/settings.h"
-#include "workbench/file_names.h"
 #include "workbench/mp3_encoder.h"
 
 namespace

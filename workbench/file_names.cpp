@@ -6,12 +6,6 @@
 
 #include <limits>
 
-Text twoDigits(std::int32_t number)
-{
-    const Text digits = std::to_string(number);
-    return digits.size() < 2 ? "0" + digits : digits;
-}
-
 Text cleanFileName(std::string_view name)
 {
     constexpr std::string_view forbidden = "\\/:*?\"<>|";

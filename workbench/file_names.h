@@ -7,9 +7,6 @@
 #include <cstdint>
 #include <string_view>
 
-// An integer with at least two digits.
-Text twoDigits(std::int32_t number);
-
 // What stands between a track's number and a file name: the nine characters that some file system forbids
 // become "_".
 Text cleanFileName(std::string_view name);

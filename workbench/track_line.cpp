@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "workbench/track_line.h"
 
-#include "workbench/file_names.h"
+#include "platform/numbers.h"
 
 namespace
 {
@@ -20,13 +20,12 @@ std::int64_t hundredthsOf(std::int64_t minutes, std::int64_t seconds, bool decim
 
 Text withTwoPlaces(std::int64_t hundredths, const Text& sign)
 {
-    return twoDigits(static_cast<std::int32_t>(hundredths / 100)) + sign +
-           twoDigits(static_cast<std::int32_t>(hundredths % 100));
+    return twoDigits(hundredths / 100) + sign + twoDigits(hundredths % 100);
 }
 
 Text withOnePlace(std::int64_t tenths, const Text& sign)
 {
-    return twoDigits(static_cast<std::int32_t>(tenths / 10)) + sign + std::to_string(tenths % 10);
+    return twoDigits(tenths / 10) + sign + std::to_string(tenths % 10);
 }
 
 }

@@ -6,6 +6,7 @@
 #include "files/folders.h"
 #include "files/output_file.h"
 #include "platform/failure.h"
+#include "platform/numbers.h"
 #include "platform/paths.h"
 
 #include <algorithm>
@@ -31,12 +32,6 @@ Text discName(std::time_t time)
     localtime_r(&time, &parts);
     char name[64];
     return {name, std::strftime(name, sizeof name, "Disc %Y-%m-%d %H.%M.%S", &parts)};
-}
-
-Text twoDigits(std::int64_t number)
-{
-    const Text digits = std::to_string(number);
-    return digits.size() < 2 ? "0" + digits : digits;
 }
 
 // "MM:SS:FF" (CDRWIN user's guide).

@@ -2,11 +2,10 @@
 #include "engines/disc/track_path.h"
 
 #include "files/folders.h"
+#include "platform/numbers.h"
 #include "platform/paths.h"
 
 #include <unistd.h>
-
-#include <cstdio>
 
 namespace disc
 {
@@ -36,9 +35,7 @@ std::size_t units(std::string_view name)
 
 bool isTitled(std::string_view name, std::int16_t track)
 {
-    char number[16];
-    std::snprintf(number, sizeof number, "%02d - ", track);
-    return name.starts_with(number) && name.ends_with(ending);
+    return name.starts_with(twoDigits(track) + " - ") && name.ends_with(ending);
 }
 
 // The beginning that fits, whole characters, without the blanks that a cut leaves at its end.

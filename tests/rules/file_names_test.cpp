@@ -3,16 +3,6 @@
 
 #include <doctest/doctest.h>
 
-TEST_CASE("A track's number has at least two digits")
-{
-    CHECK(twoDigits(0) == "00");
-    CHECK(twoDigits(1) == "01");
-    CHECK(twoDigits(9) == "09");
-    CHECK(twoDigits(10) == "10");
-    CHECK(twoDigits(99) == "99");
-    CHECK(twoDigits(100) == "100");
-}
-
 TEST_CASE("Nine characters of a ripped file's name become an underline, each for itself")
 {
     struct Case {

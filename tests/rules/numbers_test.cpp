@@ -95,3 +95,13 @@ TEST_CASE("Rounding goes to the nearest integer, halves to the even neighbour")
     CHECK(roundToInteger32(2.51) == 3);
     CHECK(roundToInteger16(-0.5) == 0);
 }
+
+TEST_CASE("A number in two digits has more where it needs them")
+{
+    CHECK(twoDigits(0) == "00");
+    CHECK(twoDigits(1) == "01");
+    CHECK(twoDigits(9) == "09");
+    CHECK(twoDigits(10) == "10");
+    CHECK(twoDigits(99) == "99");
+    CHECK(twoDigits(100) == "100");
+}
