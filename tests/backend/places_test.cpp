@@ -4,7 +4,9 @@
 #include "files/disk_text_files.h"
 #include "files/state_part_notes.h"
 #include "tests/support/files.h"
+#include "tests/support/skip.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/witness.h"
 
 #include <doctest/doctest.h>
 
@@ -126,6 +128,30 @@ TEST_CASE("The music folder is the user's choice")
         const Text expected = *c.found == '/' ? Text(c.found) : *c.found ? home / c.found : home.path();
         CHECK(desktop::musicFolder({.home = home.path()}) == expected);
         CHECK_FALSE(std::filesystem::exists(home / "Music"));
+    }
+}
+
+TEST_CASE("The desktop's own tool finds the same music folder, whatever bytes its name has")
+{
+    if (saidBy("command -v xdg-user-dir").empty())
+        return skipCase("there is no xdg-user-dir");
+    const char* const choices[] = {
+        "XDG_MUSIC_DIR=\"$HOME/Musik\"\n",
+        "XDG_MUSIC_DIR=\"/srv/music\"",
+        "# mine\nXDG_DESKTOP_DIR=\"$HOME/D\"\nXDG_MUSIC_DIR=\"$HOME/M\"\nXDG_X_DIR=\"/x\"\n",
+        "XDG_MUSIC_DIR=\"$HOME/My Music\"\n",
+        "XDG_MUSIC_DIR=\"$HOME/Caf\xE9\"\n",
+        "XDG_MUSIC_DIR=\"$HOME/\xC3\xA9 \xFF\"\n",
+        "XDG_MUSIC_DIR=\"$HOME\"\n",
+        "XDG_MUSIC_DIR=\"/a\"\nXDG_MUSIC_DIR=\"/b\"\n",
+    };
+    for (const Text lines : choices) {
+        CAPTURE(lines);
+        const TemporaryFolder home;
+        std::filesystem::create_directory(home / ".config");
+        putFile(home / ".config/user-dirs.dirs", lines);
+        const Text said = saidBy("HOME='" + home.path() + "' XDG_CONFIG_HOME= xdg-user-dir MUSIC");
+        CHECK(desktop::musicFolder({.home = home.path()}) + "\n" == said);
     }
 }
 
