@@ -42,7 +42,6 @@
 #include <QApplication>
 #include <QIcon>
 #include <clocale>
-#include <cstdlib>
 #include <optional>
 #include <unistd.h>
 
@@ -52,12 +51,6 @@ namespace
 constexpr int failedStatus = 1;
 
 void endProcess(int status) { _exit(status); }
-
-Text searchPath()
-{
-    const char* path = std::getenv("PATH");
-    return path ? path : "";
-}
 
 }
 
@@ -96,7 +89,7 @@ struct Desktop::Parts {
     disc::Discs discs{{.music = desktop::musicFolder(environment), .home = desktop::homeFolder(environment)},
                       joined(desktop::cacheFolder(environment), "titles")};
     desktop::MountedDrives drives{{.home = desktop::homeFolder(environment)}};
-    desktop::ToolRegistry registry{searchPath()};
+    desktop::ToolRegistry registry{environment.searchPath};
     desktop::QtMessageBoxes messageBoxes;
     desktop::QtPump pump;
 };
@@ -142,7 +135,7 @@ std::unique_ptr<Mp3Play> Desktop::makeMp3Play()
 
 std::unique_ptr<Mp3Enc> Desktop::makeMp3Enc()
 {
-    return makeEncodeJobs(parts_->toolkit.post(), shell(), *parts_->partNotes);
+    return codec::makeEncodeJobs(parts_->toolkit.post(), shell(), *parts_->partNotes);
 }
 
 std::unique_ptr<ACD> Desktop::makeACD()

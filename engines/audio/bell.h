@@ -30,14 +30,8 @@ public:
         rung_ = false;
     }
 
-    bool isRung() const
-    {
-        const Lock lock(mutex_);
-        return rung_;
-    }
-
 private:
-    mutable Mutex mutex_;
+    Mutex mutex_;
     Condition rang_;
     bool rung_ GUARDED_BY(mutex_) = false;
 };

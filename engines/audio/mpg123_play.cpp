@@ -131,7 +131,7 @@ private:
     std::optional<OpenedSound> sound_;
     std::shared_ptr<LateFile> late_ = std::make_shared<LateFile>();
     Voice voice_;
-    std::optional<DecodeJobs> jobs_; // from the first decoding on
+    std::optional<codec::DecodeJobs> jobs_; // from the first decoding on
     bool isDecoding_ = false;
 
     Text levelsFile_;
@@ -165,8 +165,8 @@ std::int16_t Mpg123Play::openDecoding(const Text& path, const Text& output)
 {
     if (!jobs_)
         jobs_.emplace(post_, shell_,
-                      DecodeJobs::Events{[this](std::int32_t position) { Progress.raise(position); },
-                                         [this] { Done.raise(); }},
+                      codec::DecodeJobs::Events{[this](std::int32_t position) { Progress.raise(position); },
+                                                [this] { Done.raise(); }},
                       notes_);
     const std::int16_t status = jobs_->open(path, output);
     keepTagOf(status == opened ? jobs_->input() : "");

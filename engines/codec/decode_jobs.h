@@ -3,6 +3,7 @@
 // with.
 #pragma once
 
+#include "engines/codec/conversion_queue.h"
 #include "platform/part_notes.h"
 #include "platform/post.h"
 #include "platform/shell.h"
@@ -10,7 +11,9 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
+
+namespace codec
+{
 
 class DecodeJobs
 {
@@ -21,11 +24,9 @@ public:
         std::function<void()> done;                 // exactly once for each `start`
     };
 
-    // `post`, `shell` and `notes` outlive the jobs.
+    // `post`, `shell` and `notes` outlive the jobs. Their end, on the window thread, breaks off the running
+    // one, and nothing is delivered afterwards.
     DecodeJobs(Post& post, Shell& shell, Events events, PartNotes& notes = NoPartNotes::instance());
-
-    // On the window thread. Breaks off the running job; nothing is delivered afterwards.
-    ~DecodeJobs();
 
     // Names the next job. 0 when `input` is an MP3 file and `output` another file; never aborts a running
     // job.
@@ -38,12 +39,28 @@ public:
     // Frees the job whose `done` is being delivered; otherwise forgets what was opened and not started.
     void close();
 
-    const Text& input() const; // of the job opened last: the file that its name led to
+    const Text& input() const { return job_.input; } // of the job opened last: the file that its name led to
 
     // 1000 while something is open, otherwise 0.
-    std::int32_t length() const;
+    std::int32_t length() const { return job_.isOpen || unfinished_ > 0 ? 1000 : 0; }
 
 private:
-    struct Parts;
-    std::unique_ptr<Parts> parts_;
+    struct Decoding {
+        std::uint64_t number = 0; // 0: nothing was opened
+        Text input;
+        Text output;
+        bool isOpen = false;
+    };
+
+    void deliver(std::uint64_t number);
+
+    Events events_;
+    PartNotes& notes_;
+    std::uint64_t opened_ = 0;    // calls of `open`
+    Decoding job_;                // opened last
+    std::uint64_t delivered_ = 0; // the job whose `done` is being delivered
+    int unfinished_ = 0;
+    ConversionQueue queue_; // the last member: its conversion ends first
 };
+
+}

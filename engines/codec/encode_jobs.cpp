@@ -9,6 +9,9 @@
 #include "platform/failure.h"
 #include "platform/numbers.h"
 
+namespace codec
+{
+
 namespace
 {
 
@@ -54,8 +57,8 @@ public:
         ++unfinished_;
         queue_.add({0, input_,
                     [input = input_, output = output_, settings = settings_,
-                     &notes = notes_](const codec::Report& report, const std::stop_token& stop) {
-                        codec::encodeFile(input, output, settings, codec::coreCount(), report, stop, notes);
+                     &notes = notes_](const Report& report, const std::stop_token& stop) {
+                        encodeFile(input, output, settings, coreCount(), report, stop, notes);
                     }});
     }
 
@@ -69,12 +72,12 @@ private:
     }
 
     PartNotes& notes_;
-    codec::Mp3Settings settings_;
+    Mp3Settings settings_;
     Text input_;
     Text output_;
     bool isOpen_ = false;
     int unfinished_ = 0;
-    codec::ConversionQueue queue_; // the last member: its conversion ends first
+    ConversionQueue queue_; // the last member: its conversion ends first
 };
 
 }
@@ -82,4 +85,6 @@ private:
 std::unique_ptr<Mp3Enc> makeEncodeJobs(Post& post, Shell& shell, PartNotes& notes)
 {
     return std::make_unique<EncodeJobs>(post, shell, notes);
+}
+
 }

@@ -9,6 +9,11 @@
 
 #include <memory>
 
+namespace codec
+{
+
 // The events come through `post`; a failed conversion is told to the desktop through `shell`. Both, and
 // `notes`, outlive the encoder.
 std::unique_ptr<Mp3Enc> makeEncodeJobs(Post& post, Shell& shell, PartNotes& notes);
+
+}

@@ -18,10 +18,10 @@ struct Bench {
     std::vector<Text> told;
     int done = 0;
     bool closesWhenDone = true; // as the program does
-    std::unique_ptr<DecodeJobs> jobs = std::make_unique<DecodeJobs>(
+    std::unique_ptr<codec::DecodeJobs> jobs = std::make_unique<codec::DecodeJobs>(
         window, desktop,
-        DecodeJobs::Events{[this](std::int32_t position) { told.push_back(std::to_string(position)); },
-                           [this] { finish(); }});
+        codec::DecodeJobs::Events{[this](std::int32_t position) { told.push_back(std::to_string(position)); },
+                                  [this] { finish(); }});
 
     Text mp3(const Text& name, std::int64_t frames = 30000)
     {

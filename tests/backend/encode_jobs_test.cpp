@@ -20,7 +20,7 @@ struct Bench {
     TemporaryFolder folder;
     WindowThread window;
     ToldDesktop desktop;
-    std::unique_ptr<Mp3Enc> encoder = makeEncodeJobs(window, desktop, NoPartNotes::instance());
+    std::unique_ptr<Mp3Enc> encoder = codec::makeEncodeJobs(window, desktop, NoPartNotes::instance());
     std::vector<Text> told;
     int done = 0;
 
@@ -230,7 +230,7 @@ TEST_CASE(
         WindowThread window;
         ToldDesktop desktop;
         PartList notes(folder / "noted");
-        const auto encoder = makeEncodeJobs(window, desktop, notes);
+        const auto encoder = codec::makeEncodeJobs(window, desktop, notes);
         int told = 0;
         encoder->Progress.calls([&](std::int32_t) { ++told; });
         encoder->Open(folder / "long.wav", folder / "long.mp3");

@@ -244,7 +244,7 @@ TEST_CASE("A conversion from or to a share that does not answer is refused, soon
     const Text wav = putWav(s.parts.folder / "near.wav", noise(22050));
     const Text farWav = putWav(s.share + "/far.wav", noise(22050));
     const Text song = s.parts.folder / "song.mp3";
-    const auto encoder = makeEncodeJobs(s.parts.post, s.parts.shell, NoPartNotes::instance());
+    const auto encoder = codec::makeEncodeJobs(s.parts.post, s.parts.shell, NoPartNotes::instance());
     {
         const HungShare hung(s.share.c_str());
         const Text to = s.share + "/out";

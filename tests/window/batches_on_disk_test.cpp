@@ -64,7 +64,7 @@ public:
 
     std::unique_ptr<Mp3Enc> makeMp3Enc() override
     {
-        return makeEncodeJobs(toolkit().post(), desktop, NoPartNotes::instance());
+        return codec::makeEncodeJobs(toolkit().post(), desktop, NoPartNotes::instance());
     }
     std::unique_ptr<Mp3Play> makeMp3Play() override
     {
