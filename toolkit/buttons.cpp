@@ -77,43 +77,41 @@ namespace ctl
 
 CommandButton::CommandButton(Container& container, const char* name, Place place, const Text& caption,
                              Keys keys) :
-    Control(container, name, place, new PushButton(shown(caption)))
+    ControlOf(container, name, place, new PushButton(shown(caption)))
 {
-    auto* button = static_cast<QPushButton*>(widget_);
-    QObject::connect(button, &QPushButton::clicked, [this] { fromOutside([this] { Click.raise(); }); });
+    QObject::connect(widget_, &QPushButton::clicked, [this] { fromOutside([this] { Click.raise(); }); });
     if (keys != Keys::none)
-        static_cast<FormWidget*>(form().page())->cancelsWith(*button);
+        static_cast<FormWidget*>(form().page())->cancelsWith(*widget_);
     if (keys != Keys::enterAndEscape)
         return;
     // The window's own keys: they press the button from behind another tab as well.
     for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
         auto* shortcut = new QShortcut(key, form().page());
         shortcut->setAutoRepeat(false);
-        QObject::connect(shortcut, &QShortcut::activated, button, [button] { buttonFor(*button).click(); });
+        QObject::connect(shortcut, &QShortcut::activated, widget_, [this] { buttonFor(*widget_).click(); });
     }
 }
 
 OptionButton::OptionButton(Container& container, const char* name, Place place, const Text& caption) :
-    Control(container, name, place, new RadioButton(shown(caption)))
+    ControlOf(container, name, place, new RadioButton(shown(caption)))
 {
-    QObject::connect(static_cast<QRadioButton*>(widget_), &QRadioButton::toggled, [this](bool on) {
+    QObject::connect(widget_, &QRadioButton::toggled, [this](bool on) {
         if (on)
             fromOutside([this] { Click.raise(); });
     });
 }
 
-bool OptionButton::Value() const { return static_cast<QRadioButton*>(widget_)->isChecked(); }
+bool OptionButton::Value() const { return widget_->isChecked(); }
 
 void OptionButton::setValue(bool value)
 {
-    auto* button = static_cast<QRadioButton*>(widget_);
-    if (button->isChecked() == value)
+    if (widget_->isChecked() == value)
         return;
     {
-        const QSignalBlocker quiet(button);
-        button->setAutoExclusive(value);
-        button->setChecked(value);
-        button->setAutoExclusive(true);
+        const QSignalBlocker quiet(widget_);
+        widget_->setAutoExclusive(value);
+        widget_->setChecked(value);
+        widget_->setAutoExclusive(true);
     }
     if (value)
         Click.raise();
@@ -121,13 +119,12 @@ void OptionButton::setValue(bool value)
 
 CheckBox::CheckBox(Container& container, const char* name, Place place, const Text& caption,
                    const Text& toolTip) :
-    Control(container, name, place, new QCheckBox(shown(caption)), toolTip)
+    ControlOf(container, name, place, new QCheckBox(shown(caption)), toolTip)
 {
-    QObject::connect(static_cast<QCheckBox*>(widget_), &QCheckBox::toggled,
-                     [this] { fromOutside([this] { Click.raise(); }); });
+    QObject::connect(widget_, &QCheckBox::toggled, [this] { fromOutside([this] { Click.raise(); }); });
 }
 
-std::int16_t CheckBox::Value() const { return static_cast<QCheckBox*>(widget_)->isChecked() ? 1 : 0; }
+std::int16_t CheckBox::Value() const { return widget_->isChecked() ? 1 : 0; }
 
 void CheckBox::setValue(std::int16_t value)
 {
@@ -137,7 +134,7 @@ void CheckBox::setValue(std::int16_t value)
         return;
     {
         const QSignalBlocker quiet(widget_);
-        static_cast<QCheckBox*>(widget_)->setChecked(value == 1);
+        widget_->setChecked(value == 1);
     }
     Click.raise();
 }

@@ -5,11 +5,15 @@
 
 #include <cstdint>
 
+class QPushButton;
+class QRadioButton;
+class QCheckBox;
+
 namespace ctl
 {
 
 // "&" in a caption marks the access key.
-class CommandButton final : public Control
+class CommandButton final : public ControlOf<QPushButton>
 {
 public:
     // What besides a click presses the button while its window is active; the one that is in sight, where
@@ -24,7 +28,7 @@ public:
 
 // One of a group: that of its container. A button that becomes the chosen one raises its click, from code as
 // well; the one that it switches off raises nothing.
-class OptionButton final : public Control
+class OptionButton final : public ControlOf<QRadioButton>
 {
 public:
     OptionButton(Container& container, const char* name, Place place, const Text& caption);
@@ -35,7 +39,7 @@ public:
     void setValue(bool value);
 };
 
-class CheckBox final : public Control
+class CheckBox final : public ControlOf<QCheckBox>
 {
 public:
     CheckBox(Container& container, const char* name, Place place, const Text& caption,

@@ -11,9 +11,9 @@ namespace ctl
 {
 
 ComboBox::ComboBox(Container& container, const char* name, Place place) :
-    Control(container, name, place, new DropDown)
+    ControlOf(container, name, place, new DropDown)
 {
-    QObject::connect(static_cast<QComboBox*>(widget_), &QComboBox::currentIndexChanged,
+    QObject::connect(widget_, &QComboBox::currentIndexChanged,
                      [this] { fromOutside([this] { Click.raise(); }); });
 }
 
@@ -21,15 +21,14 @@ ComboBox::ComboBox(Container& container, const char* name, Place place) :
 void ComboBox::AddItem(const Text& text)
 {
     const QSignalBlocker quiet(widget_);
-    auto* box = static_cast<QComboBox*>(widget_);
-    const int before = box->currentIndex();
-    box->addItem(shown(text));
-    box->setCurrentIndex(before);
+    const int before = widget_->currentIndex();
+    widget_->addItem(shown(text));
+    widget_->setCurrentIndex(before);
 }
 
-std::int32_t ComboBox::ListCount() const { return static_cast<QComboBox*>(widget_)->count(); }
+std::int32_t ComboBox::ListCount() const { return widget_->count(); }
 
-std::int32_t ComboBox::ListIndex() const { return static_cast<QComboBox*>(widget_)->currentIndex(); }
+std::int32_t ComboBox::ListIndex() const { return widget_->currentIndex(); }
 
 void ComboBox::setListIndex(std::int32_t index)
 {
@@ -39,7 +38,7 @@ void ComboBox::setListIndex(std::int32_t index)
         return;
     {
         const QSignalBlocker quiet(widget_);
-        static_cast<QComboBox*>(widget_)->setCurrentIndex(index);
+        widget_->setCurrentIndex(index);
     }
     Click.raise();
 }

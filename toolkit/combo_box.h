@@ -5,11 +5,13 @@
 
 #include <cstdint>
 
+class QComboBox;
+
 namespace ctl
 {
 
 // A drop-down list of rows without free text.
-class ComboBox final : public Control
+class ComboBox final : public ControlOf<QComboBox>
 {
 public:
     ComboBox(Container& container, const char* name, Place place);

@@ -50,11 +50,11 @@ private:
 }
 
 Control::Control(Container& container, const char* name, Place place, QWidget* widget, const Text& toolTip) :
-    widget_(widget), form_(container.form()), name_(name), place_(place)
+    outside_(widget), form_(container.form()), name_(name), place_(place)
 {
-    widget_->setParent(container.page());
-    widget_->setObjectName(name);
-    widget_->setGeometry(pixelRect(place));
+    outside_->setParent(container.page());
+    outside_->setObjectName(name);
+    outside_->setGeometry(pixelRect(place));
     setToolTipText(toolTip);
 }
 
@@ -75,15 +75,15 @@ void Control::setTop(Twips top)
 void Control::placeWidget()
 {
     const QPoint place(pixelsOf(place_.left), pixelsOf(place_.top));
-    if (widget_ && widget_->pos() != place)
-        widget_->move(place);
+    if (outside_ && outside_->pos() != place)
+        outside_->move(place);
 }
 
 void Control::setEnabled(bool enabled)
 {
     enabled_ = enabled;
-    if (widget_)
-        widget_->setEnabled(enabled);
+    if (outside_)
+        outside_->setEnabled(enabled);
 }
 
 void Control::setToolTipText(const Text& toolTip)
@@ -91,15 +91,15 @@ void Control::setToolTipText(const Text& toolTip)
     if (toolTip_ == toolTip)
         return;
     toolTip_ = toolTip;
-    if (!widget_)
+    if (!outside_)
         return;
-    widget_->setToolTip(shown(toolTip));
+    outside_->setToolTip(shown(toolTip));
     // What bears a caption is called by it.
-    if (!qobject_cast<QAbstractButton*>(widget_) && !widget_->property(hasSpokenName).toBool())
-        widget_->setAccessibleName(shown(toolTip));
+    if (!qobject_cast<QAbstractButton*>(outside_) && !outside_->property(hasSpokenName).toBool())
+        outside_->setAccessibleName(shown(toolTip));
 }
 
-void Control::setGrey() { new WindowGround(*widget_); }
+void Control::setGrey() { new WindowGround(*outside_); }
 
 Toolkit& Control::toolkit() const { return form_.toolkit(); }
 

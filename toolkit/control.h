@@ -58,17 +58,31 @@ protected:
         enter(std::function<void()>(call));
     }
 
-    QWidget* widget_ = nullptr; // null for a hidden control
-
 private:
     void enter(const std::function<void()>& call) const;
     void placeWidget();
 
+    QWidget* outside_ = nullptr; // null for a hidden control
     Form& form_;
     const char* name_;
     Place place_;
     Text toolTip_;
     bool enabled_ = true;
+};
+
+// A control that the user sees as a `Widget` of the window library.
+template <typename Widget>
+class ControlOf : public Control
+{
+protected:
+    ControlOf(Container& container, const char* name, Place place, Widget* widget, const Text& toolTip = {}) :
+        Control(container, name, place, widget, toolTip), widget_(widget)
+    {
+    }
+    ControlOf(Container& container, const char* name, Hidden) : Control(container, name, hidden) {}
+    ~ControlOf() = default;
+
+    Widget* const widget_ = nullptr; // null for a hidden control
 };
 
 }

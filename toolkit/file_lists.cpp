@@ -156,10 +156,10 @@ private:
 };
 
 DriveListBox::DriveListBox(Container& container, const char* name, Place place, Drives& drives) :
-    Control(container, name, place, new DriveBox(*this)), drives_(drives), drive_(defaultDrive)
+    ControlOf(container, name, place, new DriveBox(*this)), drives_(drives), drive_(defaultDrive)
 {
     fill();
-    QObject::connect(static_cast<QComboBox*>(widget_), &QComboBox::activated, [this](int row) {
+    QObject::connect(widget_, &QComboBox::activated, [this](int row) {
         fromOutside([this, row] { choose(shown_[static_cast<std::size_t>(row)].path); });
     });
 }
@@ -167,16 +167,16 @@ DriveListBox::DriveListBox(Container& container, const char* name, Place place, 
 void DriveListBox::fill()
 {
     const QSignalBlocker quiet(widget_);
-    auto* box = static_cast<QComboBox*>(widget_);
     const auto before = std::exchange(shown_, drives_.all());
     if (before != shown_) {
-        box->clear();
+        widget_->clear();
         for (const auto& drive : shown_)
-            box->addItem(shown(drive.label.empty() ? drive.path : drive.path + "  [" + drive.label + "]"));
+            widget_->addItem(
+                shown(drive.label.empty() ? drive.path : drive.path + "  [" + drive.label + "]"));
     }
     const auto current =
         std::find_if(shown_.begin(), shown_.end(), [this](auto& d) { return d.path == drive_; });
-    box->setCurrentIndex(current == shown_.end() ? -1 : static_cast<int>(current - shown_.begin()));
+    widget_->setCurrentIndex(current == shown_.end() ? -1 : static_cast<int>(current - shown_.begin()));
 }
 
 bool DriveListBox::offers(const Text& drive) const
@@ -209,11 +209,10 @@ void DriveListBox::setDrive(const Text& drive)
 }
 
 DirListBox::DirListBox(Container& container, const char* name, Place place) :
-    Control(container, name, place, new FolderView), path_(listing::homeFolder())
+    ControlOf(container, name, place, new FolderView), path_(listing::homeFolder())
 {
-    auto* view = static_cast<QListWidget*>(widget_);
-    QObject::connect(view, &QListWidget::itemDoubleClicked, [this, view](QListWidgetItem* item) {
-        const int row = view->row(item);
+    QObject::connect(widget_, &QListWidget::itemDoubleClicked, [this](QListWidgetItem* item) {
+        const int row = widget_->row(item);
         fromOutside([this, row] { goTo(row); });
     });
     fill();
@@ -240,18 +239,17 @@ void DirListBox::fill()
 // The way down to the current directory, one step further in a row, then its subfolders.
 void DirListBox::show(const std::vector<Text>& subfolders)
 {
-    auto* view = static_cast<QListWidget*>(widget_);
-    view->clear();
+    widget_->clear();
     rows_ = listing::pathDownTo(path_);
     const auto depth = rows_.size();
     for (const auto& name : subfolders)
         rows_.push_back(joined(path_, name));
     for (std::size_t row = 0; row < rows_.size(); ++row) {
         const Text name = row == 0 ? rows_[0] : Text(fileTitle(rows_[row]));
-        view->addItem(QString(static_cast<int>(std::min(row, depth)) * 2, ' ') + shown(name));
+        widget_->addItem(QString(static_cast<int>(std::min(row, depth)) * 2, ' ') + shown(name));
     }
-    view->setCurrentRow(static_cast<int>(depth) - 1);
-    view->scrollToItem(view->item(static_cast<int>(depth) - 1));
+    widget_->setCurrentRow(static_cast<int>(depth) - 1);
+    widget_->scrollToItem(widget_->item(static_cast<int>(depth) - 1));
 }
 
 // A folder that went away meanwhile, or does not answer, leaves the list where it is.
@@ -265,9 +263,9 @@ void DirListBox::goTo(int row)
 }
 
 FileListBox::FileListBox(Container& container, const char* name, Place place, const Text& pattern) :
-    Control(container, name, place, new LeftHandList), path_(listing::homeFolder()), pattern_(pattern)
+    ControlOf(container, name, place, new LeftHandList), path_(listing::homeFolder()), pattern_(pattern)
 {
-    static_cast<QListWidget*>(widget_)->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    widget_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     fill();
 }
 
@@ -288,11 +286,10 @@ void FileListBox::fill()
 
 void FileListBox::show(const std::vector<Text>& files)
 {
-    auto* view = static_cast<QListWidget*>(widget_);
-    view->clear();
+    widget_->clear();
     files_ = files;
     for (const auto& file : files_)
-        view->addItem(shown(file));
+        widget_->addItem(shown(file));
 }
 
 Text FileListBox::List(std::int32_t index) const
@@ -302,14 +299,14 @@ Text FileListBox::List(std::int32_t index) const
 
 bool FileListBox::Selected(std::int32_t index) const
 {
-    return holds(index) && static_cast<QListWidget*>(widget_)->item(index)->isSelected();
+    return holds(index) && widget_->item(index)->isSelected();
 }
 
 void FileListBox::setSelected(std::int32_t index, bool selected)
 {
     if (!holds(index))
         throw Failure(Trouble::invalidPropertyArrayIndex);
-    static_cast<QListWidget*>(widget_)->item(index)->setSelected(selected);
+    widget_->item(index)->setSelected(selected);
 }
 
 }

@@ -8,13 +8,16 @@
 #include <cstdint>
 #include <vector>
 
+class QComboBox;
+class QListWidget;
+
 namespace ctl
 {
 
 // The drives, looked for anew whenever the list drops down, and while it stands open. It starts on the drive
 // of the program's defaults. A choice by hand of the drive that is named already is a Change, too: it leads
 // back to the drive's root. One of a drive that has gone, or does not answer, changes nothing.
-class DriveListBox final : public Control
+class DriveListBox final : public ControlOf<QComboBox>
 {
 public:
     DriveListBox(Container& container, const char* name, Place place, Drives& drives);
@@ -38,7 +41,7 @@ private:
 
 // The directory that is current, those above it, and its subfolders. A double click or Enter goes to one.
 // It starts on the user's home folder. Subfolders that take longer than 200 ms to read appear later.
-class DirListBox final : public Control
+class DirListBox final : public ControlOf<QListWidget>
 {
 public:
     DirListBox(Container& container, const char* name, Place place);
@@ -59,7 +62,7 @@ private:
 
 // The files of a directory whose names match a pattern without regard to case, sorted. Several can be
 // selected. Files that take longer than 200 ms to read appear later.
-class FileListBox final : public Control
+class FileListBox final : public ControlOf<QListWidget>
 {
 public:
     FileListBox(Container& container, const char* name, Place place, const Text& pattern);

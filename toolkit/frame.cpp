@@ -11,10 +11,12 @@ namespace ctl
 {
 
 Frame::Frame(Container& container, const char* name, Place place, const Text& caption) :
-    Control(container, name, place, new QGroupBox(shown(caption)))
+    ControlOf(container, name, place, new QGroupBox(shown(caption)))
 {
     widget_->setAccessibleName(shown(caption)); // or it would be called by the frame around it
 }
+
+QWidget* Frame::page() { return widget_; }
 
 class TabControl::Page final : public Container
 {
@@ -31,17 +33,17 @@ private:
 
 TabControl::TabControl(Container& container, const char* name, Place place,
                        const std::vector<Text>& captions) :
-    Control(container, name, place, new QTabWidget)
+    ControlOf(container, name, place, new QTabWidget)
 {
     for (const auto& caption : captions) {
         auto* page = new QWidget;
-        static_cast<QTabWidget*>(widget_)->addTab(page, shown(caption));
+        widget_->addTab(page, shown(caption));
         pages_.push_back(std::make_unique<Page>(form(), page));
     }
 }
 
-int TabControl::Tab() const { return static_cast<QTabWidget*>(widget_)->currentIndex(); }
+int TabControl::Tab() const { return widget_->currentIndex(); }
 
-void TabControl::setTab(int index) { static_cast<QTabWidget*>(widget_)->setCurrentIndex(index); }
+void TabControl::setTab(int index) { widget_->setCurrentIndex(index); }
 
 }

@@ -6,21 +6,24 @@
 #include <memory>
 #include <vector>
 
+class QGroupBox;
+class QTabWidget;
+
 namespace ctl
 {
 
 // A captioned frame. It holds other controls, whose places are in its own twips.
-class Frame final : public Control, public Container
+class Frame final : public ControlOf<QGroupBox>, public Container
 {
 public:
     Frame(Container& container, const char* name, Place place, const Text& caption = {});
 
     Form& form() override { return Control::form(); }
-    QWidget* page() override { return widget_; }
+    QWidget* page() override;
 };
 
 // Pages under tabs, counted from 0. "&" in a caption marks the access key, "&&" shows as one.
-class TabControl final : public Control
+class TabControl final : public ControlOf<QTabWidget>
 {
 public:
     TabControl(Container& container, const char* name, Place place, const std::vector<Text>& captions);

@@ -7,7 +7,7 @@ namespace ctl
 {
 
 Image::Image(Container& container, const char* name, Place place, const Text& toolTip, Use use) :
-    Control(container, name, place, new ImageWidget(*this, use), toolTip), use_(use)
+    ControlOf(container, name, place, new ImageWidget(*this, use), toolTip), use_(use)
 {
 }
 
@@ -19,6 +19,6 @@ void Image::standsFor(Slider& slider, const Image& track)
 }
 
 // The form's widgets outlive its controls: none of them may tell of the end of a press any more.
-Image::~Image() { static_cast<ImageWidget*>(widget_)->leave(); }
+Image::~Image() { widget_->leave(); }
 
 }

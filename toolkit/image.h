@@ -6,12 +6,13 @@
 namespace ctl
 {
 
+class ImageWidget;
 class Slider;
 
 enum class Button : std::int16_t { left = 1, right = 2, middle = 4 };
 
 // A picture that can be clicked, dragged and dropped upon. Its artwork has the image's name in the skin.
-class Image final : public Control
+class Image final : public ControlOf<ImageWidget>
 {
 public:
     enum class Use {

@@ -5,12 +5,13 @@
 #include "toolkit/toolkit.h"
 
 #include <QTimer>
+#include <algorithm>
 
 namespace ctl
 {
 
-IntervalTimer::IntervalTimer(Container& container, const char* name, std::chrono::milliseconds) :
-    toolkit_(container.form().toolkit()), timer_(std::make_unique<QTimer>())
+IntervalTimer::IntervalTimer(Container& container, const char* name, std::chrono::milliseconds interval) :
+    toolkit_(container.form().toolkit()), interval_(interval), timer_(std::make_unique<QTimer>())
 {
     timer_->setObjectName(name);
     QObject::connect(timer_.get(), &QTimer::timeout,
@@ -26,8 +27,9 @@ void IntervalTimer::setEnabled(bool enabled)
         apply();
 }
 
-void IntervalTimer::setPace(std::chrono::milliseconds interval)
+void IntervalTimer::setPace(std::chrono::milliseconds rate)
 {
+    const auto interval = std::max(rate, interval_);
     // Slow timers may fall together, which is what lets a still program sleep.
     timer_->setTimerType(interval < std::chrono::milliseconds(100) ? Qt::PreciseTimer : Qt::CoarseTimer);
     timer_->setInterval(interval);

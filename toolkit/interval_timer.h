@@ -13,8 +13,9 @@ class Toolkit;
 namespace ctl
 {
 
-// A timer that is enabled from the moment its form exists. An interval that is shorter than the platform's
-// rate runs at that rate. It does not tick again while its own handler runs.
+// A timer that is enabled from the moment its form exists. Of its interval and the rate that `Pace` gives to
+// all the longer one holds: one of a millisecond runs at the rate. It does not tick again while its own
+// handler runs.
 class IntervalTimer final
 {
 public:
@@ -27,13 +28,14 @@ public:
     void setEnabled(bool enabled);
 
     // The toolkit's own: the rate of all timers changes together, or they stop for good.
-    void setPace(std::chrono::milliseconds interval);
+    void setPace(std::chrono::milliseconds rate);
     void stop();
 
 private:
     void apply();
 
     Toolkit& toolkit_;
+    const std::chrono::milliseconds interval_;
     std::unique_ptr<QTimer> timer_;
     bool enabled_ = true;
     bool stopped_ = false;

@@ -28,6 +28,14 @@ QFont narrowed(const QFont& font, int wanted, int width)
     return narrow;
 }
 
+// 20 twips to the point of type.
+int typePixels(int points) { return pixelsOf(static_cast<Twips>(points) * 20); }
+
+}
+
+namespace ctl
+{
+
 // Where the desktop asks for larger type, a caption takes as much of it as fits its place. One that does not
 // fit then is narrowed a little, and ends in an ellipsis, with the whole in its tip; one that wraps is
 // shortened elsewhere.
@@ -107,22 +115,14 @@ private:
     }
 };
 
-// 20 twips to the point of type.
-int typePixels(int points) { return pixelsOf(static_cast<Twips>(points) * 20); }
-
-}
-
-namespace ctl
-{
-
 Label::Label(Container& container, const char* name, Place place, const Text& caption) :
-    Control(container, name, place, new LabelWidget)
+    ControlOf(container, name, place, new LabelWidget)
 {
     setCaption(caption);
 }
 
 Label::Label(Container& container, const char* name, Hidden, const Text& caption) :
-    Control(container, name, hidden), caption_(caption)
+    ControlOf(container, name, hidden), caption_(caption)
 {
 }
 
@@ -131,32 +131,31 @@ void Label::setCaption(const Text& caption)
     if (caption_ == caption)
         return;
     caption_ = caption;
-    if (auto* label = static_cast<QLabel*>(widget_))
-        label->setText(shown(caption));
+    if (widget_)
+        widget_->setText(shown(caption));
     settle();
 }
 
 // What does not fit is told elsewhere.
 void Label::settle()
 {
-    auto* label = static_cast<LabelWidget*>(widget_);
-    if (!label)
+    if (!widget_)
         return;
-    const bool isWhole = label->isWhole();
-    label->setToolTip(isWhole ? shown(ToolTipText()) : wholeTip(label->text()));
-    label->setAccessibleDescription(isWhole ? QString() : label->text());
+    const bool isWhole = widget_->isWhole();
+    widget_->setToolTip(isWhole ? shown(ToolTipText()) : wholeTip(widget_->text()));
+    widget_->setAccessibleDescription(isWhole ? QString() : widget_->text());
 }
 
 void Label::setTone(Tone tone)
 {
-    static_cast<QLabel*>(widget_)->setForegroundRole(tone == Tone::lit     ? QPalette::Link
-                                                     : tone == Tone::quiet ? QPalette::PlaceholderText
-                                                                           : QPalette::WindowText);
+    widget_->setForegroundRole(tone == Tone::lit     ? QPalette::Link
+                               : tone == Tone::quiet ? QPalette::PlaceholderText
+                                                     : QPalette::WindowText);
 }
 
-void Label::setCentered() { static_cast<QLabel*>(widget_)->setAlignment(Qt::AlignCenter); }
+void Label::setCentered() { widget_->setAlignment(Qt::AlignCenter); }
 
-void Label::setAtRight() { static_cast<QLabel*>(widget_)->setAlignment(Qt::AlignRight | Qt::AlignVCenter); }
+void Label::setAtRight() { widget_->setAlignment(Qt::AlignRight | Qt::AlignVCenter); }
 
 void Label::setFontSize(int points)
 {
@@ -176,9 +175,8 @@ void Label::setFontBold(bool bold)
 
 void Label::setWordWrap(bool wrap)
 {
-    auto* label = static_cast<QLabel*>(widget_);
-    label->setWordWrap(wrap);
-    label->setAlignment(wrap ? Qt::AlignLeft | Qt::AlignTop : Qt::AlignLeft | Qt::AlignVCenter);
+    widget_->setWordWrap(wrap);
+    widget_->setAlignment(wrap ? Qt::AlignLeft | Qt::AlignTop : Qt::AlignLeft | Qt::AlignVCenter);
     settle();
 }
 

@@ -6,10 +6,12 @@
 namespace ctl
 {
 
+class LabelWidget;
+
 // Text that the user cannot change. It is shown as it is: no markup, no access keys. A path in a text that is
 // too long for a label that wraps is shortened in its middle; tip and accessible description then have the
 // whole.
-class Label final : public Control
+class Label final : public ControlOf<LabelWidget>
 {
 public:
     Label(Container& container, const char* name, Place place, const Text& caption = {});

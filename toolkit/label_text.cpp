@@ -6,7 +6,7 @@
 namespace
 {
 
-struct Stretch {
+struct TextRange {
     qsizetype from;
     qsizetype to;
 };
@@ -25,7 +25,7 @@ qsizetype endOfExtension(const QString& text, qsizetype from)
 }
 
 // From the first separator to the end of the last name: behind its extension, and else at the next blank.
-Stretch pathIn(const QString& text)
+TextRange pathIn(const QString& text)
 {
     const qsizetype from = text.indexOf('/');
     if (from < 0)
@@ -46,7 +46,7 @@ bool fits(const QString& text, const QFontMetrics& metrics, QSize place)
     return room.contains(metrics.boundingRect(room, Qt::TextWordWrap, text));
 }
 
-QString shortened(const QString& text, Stretch stretch, qsizetype kept)
+QString shortened(const QString& text, TextRange stretch, qsizetype kept)
 {
     const qsizetype before = (kept + 1) / 2;
     return text.left(stretch.from + before) + u'\u2026' + text.mid(stretch.to - (kept - before));
@@ -65,7 +65,7 @@ FittedText fitted(const QString& text, const QFontMetrics& metrics, QSize place)
     const QString lines = brokenAtLongBlanks(text);
     if (fits(lines, metrics, place))
         return {lines};
-    const Stretch path = pathIn(lines);
+    const TextRange path = pathIn(lines);
     if (path.from == path.to || fits(breakable(lines), metrics, place))
         return {breakable(lines)};
     const qsizetype length = path.to - path.from;

@@ -16,21 +16,21 @@ const Text& DroppedFiles::item(std::int32_t number) const
 }
 
 ListBox::ListBox(Container& container, const char* name, Place place, Style style) :
-    Control(container, name, place, new ListView(*this)),
-    rows_(std::make_unique<ListRows>(style == Style::checks)), view_(static_cast<ListView*>(widget_))
+    ControlOf(container, name, place, new ListView(*this)),
+    rows_(std::make_unique<ListRows>(style == Style::checks))
 {
-    view_->setModel(rows_.get());
+    widget_->setModel(rows_.get());
 }
 
 ListBox::ListBox(Container& container, const char* name, Hidden) :
-    Control(container, name, hidden), rows_(std::make_unique<ListRows>(false))
+    ControlOf(container, name, hidden), rows_(std::make_unique<ListRows>(false))
 {
 }
 
 ListBox::~ListBox()
 {
-    if (view_)
-        view_->setModel(nullptr);
+    if (widget_)
+        widget_->setModel(nullptr);
 }
 
 void ListBox::AddItem(::Text text) { AddItem(std::move(text), ListCount()); }
@@ -61,13 +61,13 @@ void ListBox::change(Change&& change, std::int32_t selected)
 {
     const bool moved = selected != listIndex_;
     listIndex_ = selected;
-    if (!view_) {
+    if (!widget_) {
         change();
         return;
     }
-    view_->quietly(change);
+    widget_->quietly(change);
     if (moved)
-        view_->showSelection(selected);
+        widget_->showSelection(selected);
 }
 
 std::int32_t ListBox::ListCount() const { return rows_->count(); }
@@ -82,15 +82,15 @@ void ListBox::setListIndex(std::int32_t index)
         throw Failure(Trouble::invalidPropertyValue);
     if (std::exchange(listIndex_, index) == index)
         return;
-    if (view_)
-        view_->showSelection(index);
+    if (widget_)
+        widget_->showSelection(index);
     Click.raise();
 }
 
 void ListBox::chosen(std::int32_t index)
 {
     listIndex_ = index;
-    view_->showSelection(index);
+    widget_->showSelection(index);
     fromOutside([this] { Click.raise(); });
 }
 
@@ -115,8 +115,8 @@ void ListBox::setSelected(std::int32_t index, bool selected)
 
 void ListBox::acceptFiles()
 {
-    view_->setAcceptDrops(true);
-    view_->setDragDropMode(QAbstractItemView::DropOnly);
+    widget_->setAcceptDrops(true);
+    widget_->setDragDropMode(QAbstractItemView::DropOnly);
 }
 
 std::uint64_t ListBox::revision() const { return rows_->revision(); }

@@ -27,7 +27,7 @@ private:
 
 // Rows of text, one of which can be selected. A row is its text: what was added is kept byte for byte.
 // Removing the selected row selects nothing; rows above it take the selection along with their shift.
-class ListBox final : public Control
+class ListBox final : public ControlOf<ListView>
 {
 public:
     enum class Style { plain, checks };
@@ -72,7 +72,6 @@ private:
     bool holds(std::int32_t index) const { return index >= 0 && index < ListCount(); }
 
     std::unique_ptr<ListRows> rows_;
-    ListView* view_ = nullptr;
     std::int32_t listIndex_ = -1;
 };
 

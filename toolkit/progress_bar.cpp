@@ -17,17 +17,16 @@ namespace ctl
 {
 
 ProgressBar::ProgressBar(Container& container, const char* name, Place place) :
-    Control(container, name, place, new QProgressBar)
+    ControlOf(container, name, place, new QProgressBar)
 {
-    auto* bar = static_cast<QProgressBar*>(widget_);
-    bar->setRange(0, 100 * steps);
-    bar->setTextVisible(false);
+    widget_->setRange(0, 100 * steps);
+    widget_->setTextVisible(false);
 }
 
 void ProgressBar::setValue(float value)
 {
     value_ = std::clamp(value, 0.0F, Max());
-    static_cast<QProgressBar*>(widget_)->setValue(static_cast<int>(std::lround(value_ * steps)));
+    widget_->setValue(static_cast<int>(std::lround(value_ * steps)));
 }
 
 }

@@ -3,11 +3,13 @@
 
 #include "toolkit/control.h"
 
+class QProgressBar;
+
 namespace ctl
 {
 
 // From 0 to 100; what is set is held to that range.
-class ProgressBar final : public Control
+class ProgressBar final : public ControlOf<QProgressBar>
 {
 public:
     ProgressBar(Container& container, const char* name, Place place);

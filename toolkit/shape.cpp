@@ -15,9 +15,10 @@ Shape::Shape(Form& form, const char* name, Place place) : Control(form, name, hi
     static_cast<FormWidget*>(form.page())->addFrame(pixelRect(place));
 }
 
-Line::Line(Container& container, const char* name, Place place) : Control(container, name, place, new QFrame)
+Line::Line(Container& container, const char* name, Place place) :
+    ControlOf(container, name, place, new QFrame)
 {
-    static_cast<QFrame*>(widget_)->setFrameStyle(QFrame::HLine | QFrame::Sunken);
+    widget_->setFrameStyle(QFrame::HLine | QFrame::Sunken);
 }
 
 }

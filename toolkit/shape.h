@@ -3,6 +3,8 @@
 
 #include "toolkit/control.h"
 
+class QFrame;
+
 namespace ctl
 {
 
@@ -14,7 +16,7 @@ public:
 };
 
 // A level rule between other controls.
-class Line final : public Control
+class Line final : public ControlOf<QFrame>
 {
 public:
     Line(Container& container, const char* name, Place place);

@@ -2,7 +2,7 @@
 #include "toolkit/slider.h"
 
 #include "platform/failure.h"
-#include "toolkit/image.h"
+#include "toolkit/image_widget.h"
 
 #include <QAccessible>
 #include <QWidget>

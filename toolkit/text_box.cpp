@@ -83,7 +83,7 @@ std::size_t byteOf(std::string_view text, std::size_t character)
 }
 
 // A text that is longer than its box is its own tip, unless the box has another.
-class Line final : public QLineEdit
+class LineEdit final : public QLineEdit
 {
 protected:
     bool event(QEvent* event) override
@@ -105,7 +105,7 @@ private:
 QWidget* boxOf(ctl::TextBox::Lines lines)
 {
     if (lines == ctl::TextBox::Lines::one)
-        return new Line;
+        return new LineEdit;
     auto* page = new QPlainTextEdit;
     page->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     return page;
@@ -117,22 +117,23 @@ namespace ctl
 {
 
 TextBox::TextBox(Container& container, const char* name, Place place, const ::Text& text, Lines lines) :
-    Control(container, name, place, boxOf(lines)), text_(text), lines_(lines)
+    ControlOf(container, name, place, boxOf(lines)), text_(text), line_(qobject_cast<QLineEdit*>(widget_)),
+    page_(qobject_cast<QPlainTextEdit*>(widget_))
 {
     showText();
-    if (auto* line = qobject_cast<QLineEdit*>(widget_)) {
-        QObject::connect(line, &QLineEdit::textEdited, [this](const QString& now) { typed(bytesOf(now)); });
-        QObject::connect(line, &QLineEdit::textChanged, [line] { holdToText(*line); });
+    if (line_) {
+        QObject::connect(line_, &QLineEdit::textEdited, [this](const QString& now) { typed(bytesOf(now)); });
+        QObject::connect(line_, &QLineEdit::textChanged, [this] { holdToText(*line_); });
+        return;
     }
-    if (auto* page = qobject_cast<QPlainTextEdit*>(widget_))
-        QObject::connect(page, &QPlainTextEdit::textChanged, [this, page] {
-            if (!showing_)
-                typed(bytesOf(page->toPlainText()));
-        });
+    QObject::connect(page_, &QPlainTextEdit::textChanged, [this] {
+        if (!showing_)
+            typed(bytesOf(page_->toPlainText()));
+    });
 }
 
 TextBox::TextBox(Container& container, const char* name, Hidden, const ::Text& text) :
-    Control(container, name, hidden), text_(text)
+    ControlOf(container, name, hidden), text_(text)
 {
 }
 
@@ -148,12 +149,12 @@ void TextBox::setText(const ::Text& text)
 void TextBox::showText()
 {
     showing_ = true;
-    if (auto* line = qobject_cast<QLineEdit*>(widget_)) {
-        line->setText(shown(text_));
-        line->setCursorPosition(0);
+    if (line_) {
+        line_->setText(shown(text_));
+        line_->setCursorPosition(0);
     }
-    if (auto* page = qobject_cast<QPlainTextEdit*>(widget_))
-        page->setPlainText(shown(text_));
+    if (page_)
+        page_->setPlainText(shown(text_));
     showing_ = false;
 }
 
@@ -166,17 +167,17 @@ void TextBox::typed(const ::Text& text)
 // A line that cannot be changed does not take the keys first; a page needs them to be read to its end.
 void TextBox::setLocked(bool locked)
 {
-    widget_->setFocusPolicy(locked && lines_ == Lines::one ? Qt::ClickFocus : Qt::StrongFocus);
-    if (auto* line = qobject_cast<QLineEdit*>(widget_))
-        line->setReadOnly(locked);
-    if (auto* page = qobject_cast<QPlainTextEdit*>(widget_))
-        page->setReadOnly(locked);
+    widget_->setFocusPolicy(locked && line_ ? Qt::ClickFocus : Qt::StrongFocus);
+    if (line_)
+        line_->setReadOnly(locked);
+    if (page_)
+        page_->setReadOnly(locked);
 }
 
 void TextBox::setMaxLength(std::size_t characters)
 {
-    if (auto* line = qobject_cast<QLineEdit*>(widget_))
-        line->setValidator(new LengthBound(*line, *this, characters));
+    if (line_)
+        line_->setValidator(new LengthBound(*line_, *this, characters));
 }
 
 void TextBox::setSelStart(std::ptrdiff_t start)

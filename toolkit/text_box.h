@@ -5,13 +5,16 @@
 
 #include <cstddef>
 
+class QLineEdit;
+class QPlainTextEdit;
+
 namespace ctl
 {
 
 // Text that the user can change, unless it is locked. What the program sets is kept byte for byte and shown
 // whole, whatever the maximum length; only typing is bounded by it.
 // Beside several lines a scroll bar always stands.
-class TextBox final : public Control
+class TextBox final : public ControlOf<QWidget>
 {
 public:
     enum class Lines { one, several };
@@ -41,7 +44,8 @@ private:
     std::size_t selStart_ = 0;
     std::size_t selLength_ = 0;
     bool showing_ = false;
-    Lines lines_ = Lines::one;
+    QLineEdit* line_ = nullptr; // one of the two, unless it is hidden
+    QPlainTextEdit* page_ = nullptr;
 };
 
 }

@@ -79,6 +79,17 @@ TEST_CASE("A timer does not tick inside its own handler; the others do")
     CHECK(deepest == 1);
 }
 
+TEST_CASE("A timer of a long interval keeps to it while the others run at the rate of all")
+{
+    Toolkit toolkit(Toolkit::Timers::run);
+    Face face(toolkit);
+    ctl::IntervalTimer hourly(face, "hourly", std::chrono::hours(1));
+    Gaps gaps(face.timer);
+    Gaps rare(hourly);
+    CHECK(waitFor([&] { return gaps.ticks > 3; }));
+    CHECK(rare.ticks == 0);
+}
+
 TEST_CASE("Timers that run by hand never tick by themselves")
 {
     Toolkit toolkit(Toolkit::Timers::byHand);
