@@ -100,14 +100,14 @@ const Command* commandOf(const QDBusMessage& message)
     return nullptr;
 }
 
-struct Question {
+struct PropertyCall {
     const char* member;
     const char* signature;
 };
 
-constexpr Question questions[] = {{"Get", "ss"}, {"GetAll", "s"}, {"Set", "ssv"}};
+constexpr PropertyCall questions[] = {{"Get", "ss"}, {"GetAll", "s"}, {"Set", "ssv"}};
 
-const Question* questionOf(const QDBusMessage& message)
+const PropertyCall* questionOf(const QDBusMessage& message)
 {
     for (const auto& question : questions)
         if (message.member() == question.member)

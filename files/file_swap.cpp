@@ -55,7 +55,7 @@ void copyAttributes(int from, int to)
     }
 }
 
-struct Stretch {
+struct CopyRange {
     off_t from;
     off_t to;
     std::uint64_t left;
@@ -70,7 +70,7 @@ struct Stretch {
 
 // Inside the system, where the file system can; what it leaves is copied by `copyByHand`. The disk begins
 // with one piece while the next is copied.
-void copyInside(int from, int to, Stretch& stretch, const Step& step)
+void copyInside(int from, int to, CopyRange& stretch, const Step& step)
 {
     while (stretch.left > 0) {
         loff_t in = stretch.from;
@@ -85,7 +85,7 @@ void copyInside(int from, int to, Stretch& stretch, const Step& step)
     }
 }
 
-void copyByHand(const Descriptor& from, OutputFile& to, Stretch& stretch, const Step& step)
+void copyByHand(const Descriptor& from, OutputFile& to, CopyRange& stretch, const Step& step)
 {
     while (stretch.left > 0) {
         const Text bytes = bytesAt(from, std::min<std::uint64_t>(stretch.left, bufferSize), stretch.from);
@@ -107,8 +107,8 @@ bool copyByReference(int from, int to, const NewEnds& ends)
 // Room first: a full disk is found before anything is copied, and the copy lies in one piece.
 void copyBetween(const Descriptor& from, OutputFile& to, const NewEnds& ends, const Step& step)
 {
-    Stretch stretch{static_cast<off_t>(ends.begin), static_cast<off_t>(ends.head.size()),
-                    ends.end - ends.begin};
+    CopyRange stretch{static_cast<off_t>(ends.begin), static_cast<off_t>(ends.head.size()),
+                      ends.end - ends.begin};
     to.makeRoom(static_cast<std::int64_t>(stretch.left));
     copyInside(from.number(), to.file().number(), stretch, step);
     copyByHand(from, to, stretch, step);

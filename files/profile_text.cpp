@@ -61,12 +61,12 @@ struct Lines {
     }
 };
 
-struct Place {
+struct EntryPlace {
     std::optional<std::string_view> entry; // the key's line
     std::optional<std::size_t> insertAt; // where a new line of the section goes; nothing without the section
 };
 
-Place findEntry(Lines lines, std::string_view key, std::size_t insertAt)
+EntryPlace findEntry(Lines lines, std::string_view key, std::size_t insertAt)
 {
     while (lines.step() && !sectionName(lines.line)) {
         if (!isComment(lines.line) && equalWithoutCase(keyName(lines.line), key))
@@ -77,7 +77,7 @@ Place findEntry(Lines lines, std::string_view key, std::size_t insertAt)
     return {std::nullopt, insertAt};
 }
 
-Place find(std::string_view text, std::string_view section, std::string_view key)
+EntryPlace find(std::string_view text, std::string_view section, std::string_view key)
 {
     Lines lines{text};
     while (lines.step())
@@ -118,7 +118,7 @@ Text replaced(std::string_view text, std::string_view entry, std::string_view va
 std::optional<std::string_view> profileValue(std::string_view text, std::string_view section,
                                              std::string_view key)
 {
-    const Place place = find(text, section, key);
+    const EntryPlace place = find(text, section, key);
     const auto value = place.entry ? rawValue(*place.entry) : std::nullopt;
     if (!value)
         return std::nullopt;
@@ -128,7 +128,7 @@ std::optional<std::string_view> profileValue(std::string_view text, std::string_
 Text profileWith(std::string_view text, std::string_view section, std::string_view key,
                  std::string_view value)
 {
-    const Place place = find(text, section, key);
+    const EntryPlace place = find(text, section, key);
     if (place.entry && rawValue(*place.entry) == trimmed(value))
         return Text(text);
     if (place.entry)

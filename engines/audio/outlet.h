@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// How one engine reaches the listener: through the sound server, and through a silent clock where there is
+// A failover sink, one engine's way to the listener: the sound server, and a silent clock where there is
 // none, or none that answers. The server is tried again from time to time.
 #pragma once
 

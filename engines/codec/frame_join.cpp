@@ -13,7 +13,7 @@ namespace codec
 namespace
 {
 
-struct Frame {
+struct JoinedFrame {
     std::ptrdiff_t at;
     formats::MpegHeader header;
     int reservoir; // bytes that its main data have before it
@@ -23,9 +23,9 @@ struct Frame {
 
 Failure gaps() { return {Trouble::deviceInputOutput, "The encoder left gaps."}; }
 
-std::vector<Frame> framesIn(std::span<const std::uint8_t> bytes)
+std::vector<JoinedFrame> framesIn(std::span<const std::uint8_t> bytes)
 {
-    std::vector<Frame> frames;
+    std::vector<JoinedFrame> frames;
     for (std::ptrdiff_t at = 0; at < std::ssize(bytes); at = frames.back().end()) {
         const auto left = std::ssize(bytes) - at;
         const auto header = left < 4 ? std::nullopt : formats::mpegHeader(bytes.data() + at);
@@ -38,7 +38,7 @@ std::vector<Frame> framesIn(std::span<const std::uint8_t> bytes)
 
 // The frame that needs of `before` what is left there, or the least less; the last of equals, for the
 // encoders come to agree.
-std::size_t joinOf(const std::vector<Frame>& before, const std::vector<Frame>& after)
+std::size_t joinOf(const std::vector<JoinedFrame>& before, const std::vector<JoinedFrame>& after)
 {
     std::size_t join = 0;
     int least = INT32_MAX;
@@ -58,7 +58,9 @@ Mp3Bytes joinFrames(std::span<const std::uint8_t> before, std::span<const std::u
 {
     const auto frames = framesIn(after);
     const auto framesBefore = framesIn(before);
-    const auto isInPlace = [](const Frame& one, const Frame& other) { return one.end() == other.end(); };
+    const auto isInPlace = [](const JoinedFrame& one, const JoinedFrame& other) {
+        return one.end() == other.end();
+    };
     if (frames.empty() || frames[0].reservoir > 0 || !std::ranges::equal(frames, framesBefore, isInPlace))
         throw gaps();
 

@@ -12,7 +12,7 @@ namespace codec
 namespace
 {
 
-struct Closer {
+struct CloseEncoder {
     void operator()(lame_t encoder) const { lame_close(encoder); }
 };
 
@@ -32,7 +32,7 @@ std::size_t roomFor(std::size_t frames) { return frames * 5 / 4 + 7200; }
 }
 
 struct LameEncoder::Parts {
-    std::unique_ptr<lame_global_struct, Closer> lame;
+    std::unique_ptr<lame_global_struct, CloseEncoder> lame;
     EncodeClock clock;
 
     // Lets `call` write into the end of `out`; it returns the bytes written, less than 0 for a failure.

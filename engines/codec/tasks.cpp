@@ -16,11 +16,11 @@ namespace codec
 namespace
 {
 
-class Run
+class TaskRun
 {
 public:
-    Run(std::size_t count, const std::stop_token& stop,
-        const std::function<void(std::size_t, const std::stop_token&)>& task) :
+    TaskRun(std::size_t count, const std::stop_token& stop,
+            const std::function<void(std::size_t, const std::stop_token&)>& task) :
         count_(count),
         task_(task), stopWithCaller_(stop, [this] { stop_.request_stop(); })
     {
@@ -73,7 +73,7 @@ unsigned coreCount() { return std::max(1u, std::thread::hardware_concurrency());
 void runTasks(unsigned workers, std::size_t count, const std::stop_token& stop,
               const std::function<void(std::size_t, const std::stop_token&)>& task)
 {
-    Run run(count, stop, task);
+    TaskRun run(count, stop, task);
     {
         std::vector<std::jthread> others;
         try {

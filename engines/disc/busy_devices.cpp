@@ -21,8 +21,8 @@ std::optional<BusyDevices::Claim> BusyDevices::claim(const Text& device, Use use
     return Claim(shared_from_this(), device);
 }
 
-std::optional<BusyDevices::Claim> BusyDevices::waitFor(const Text& device, Use use,
-                                                       const std::stop_token& stop)
+std::optional<BusyDevices::Claim> BusyDevices::claimWhenFree(const Text& device, Use use,
+                                                             const std::stop_token& stop)
 {
     Lock guard(mutex_);
     if (!freed_.wait(guard, stop, [&]() REQUIRES(mutex_) { return !inUse_.contains(device); }))

@@ -41,7 +41,7 @@ public:
     std::optional<Claim> claim(const Text& device, Use use);
 
     // Waits until it is free; nothing after a stop.
-    std::optional<Claim> waitFor(const Text& device, Use use, const std::stop_token& stop);
+    std::optional<Claim> claimWhenFree(const Text& device, Use use, const std::stop_token& stop);
 
     bool isWriting(const Text& device);
 

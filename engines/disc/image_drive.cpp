@@ -115,7 +115,7 @@ Text filePath(const Text& folder, const Text& name)
 }
 
 // What the files of an image say, as they were looked at.
-struct Image {
+struct ImageFiles {
     CueSheet sheet;
     std::vector<Text> files; // of the sheet
     ImageLayout layout;
@@ -131,7 +131,7 @@ std::vector<Stamp> stampsOf(const Text& sheetPath, const std::vector<Text>& file
     return all;
 }
 
-std::vector<std::int64_t> bytesOf(const Image& image)
+std::vector<std::int64_t> bytesOf(const ImageFiles& image)
 {
     std::vector<std::int64_t> all;
     for (std::size_t i = 0; i < image.files.size(); ++i) {
@@ -142,7 +142,7 @@ std::vector<std::int64_t> bytesOf(const Image& image)
 }
 
 // Finds the files that the sheet names. Returns why they are none of this disc.
-Text findFiles(Image& image, const Text& sheetPath)
+Text findFiles(ImageFiles& image, const Text& sheetPath)
 {
     const Text folder = files::folderOf(sheetPath);
     Text trouble;
@@ -155,7 +155,7 @@ Text findFiles(Image& image, const Text& sheetPath)
 }
 
 // Why the files are no disc.
-Text lay(Image& image)
+Text lay(ImageFiles& image)
 {
     auto layout = layoutOf(image.sheet, bytesOf(image));
     if (!layout)
@@ -164,9 +164,9 @@ Text lay(Image& image)
     return {};
 }
 
-Image imageOf(const Text& sheetPath)
+ImageFiles imageOf(const Text& sheetPath)
 {
-    Image image;
+    ImageFiles image;
     const auto text = sheetText(sheetPath);
     const auto sheet = cueSheetIn(text.value_or(""));
     image.sheet = sheet.value_or(CueSheet());
@@ -181,14 +181,14 @@ Image imageOf(const Text& sheetPath)
     return image;
 }
 
-using SeenImage = std::shared_ptr<const Image>;
+using SeenImage = std::shared_ptr<const ImageFiles>;
 
 // The same again while no file has changed.
 SeenImage lookedAt(const Text& sheetPath, const SeenImage& last)
 {
     if (last && stampsOf(sheetPath, last->files) == last->stamps)
         return last;
-    return std::make_shared<const Image>(imageOf(sheetPath));
+    return std::make_shared<const ImageFiles>(imageOf(sheetPath));
 }
 
 class ImageDrive final : public ReaderDrive
@@ -206,7 +206,7 @@ private:
     void readExtent(const SectorExtent& extent, TrackSink& sink, const std::stop_token& stop) const;
 
     Text path_;
-    SeenImage image_ = std::make_shared<const Image>();
+    SeenImage image_ = std::make_shared<const ImageFiles>();
 };
 
 // The part of `extent` that lies from sector `from` up to `to` of the disc.

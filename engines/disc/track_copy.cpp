@@ -35,7 +35,8 @@ void readInto(const std::shared_ptr<TrackPipe>& pipe, const std::shared_ptr<Busy
               ReaderDrive& drive, std::int16_t track, const Text& path)
 {
     TrackPipe::Outcome outcome;
-    if (const auto claim = devices->waitFor(drive.device(), BusyDevices::Use::reading, pipe->stopToken()))
+    if (const auto claim =
+            devices->claimWhenFree(drive.device(), BusyDevices::Use::reading, pipe->stopToken()))
         outcome = read(drive, track, path, *pipe);
     pipe->end(std::move(outcome));
 }

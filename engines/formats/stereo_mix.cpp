@@ -20,18 +20,21 @@ constexpr std::string_view loudspeakers = "LRCElrLRclrCLCRlcr";
 
 constexpr float halfPower = 0.70710678F;
 
-struct Place {
+struct ChannelPlace {
     char name;
     StereoMix::Frame weight;
 };
 
-constexpr Place placeTable[] = {
+constexpr ChannelPlace placeTable[] = {
     {'L', {1, 0}},         {'R', {0, 1}},         {'C', {halfPower, halfPower}},
     {'l', {halfPower, 0}}, {'r', {0, halfPower}}, {'c', {0.5F, 0.5F}},
     {'E', {0, 0}},
 };
 
-StereoMix::Frame weightOf(char name) { return std::ranges::find(placeTable, name, &Place::name)->weight; }
+StereoMix::Frame weightOf(char name)
+{
+    return std::ranges::find(placeTable, name, &ChannelPlace::name)->weight;
+}
 
 std::string usualOrder(std::size_t channels)
 {

@@ -16,7 +16,7 @@ namespace
 
 constexpr int wavTypes[] = {SF_FORMAT_WAV, SF_FORMAT_WAVEX, SF_FORMAT_RF64};
 
-struct Closer {
+struct CloseSound {
     void operator()(SNDFILE* sound) const { sf_close(sound); }
 };
 
@@ -35,7 +35,7 @@ struct WavFile::Parts {
     files::FileWindow window;
     std::int64_t at = 0; // byte
     SF_INFO info{};
-    std::unique_ptr<SNDFILE, Closer> sound;
+    std::unique_ptr<SNDFILE, CloseSound> sound;
     std::int64_t frame = 0; // that is read next
     Text reason = "This is not a WAV file.";
 

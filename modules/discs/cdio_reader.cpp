@@ -29,12 +29,12 @@ constexpr int quickTries = 2;          // at a sector that was bad in its batch
 constexpr int sectorsWorthRescue = 10; // in a row; a scratch that is longer would take hours
 
 // What a drive was last seen to hold.
-struct Seen {
+struct SeenDisc {
     std::vector<std::byte> table;
     DiscContents contents;
 };
 
-Seen seenTrouble(const Text& trouble) { return {{}, {{}, 0, trouble}}; }
+SeenDisc seenTrouble(const Text& trouble) { return {{}, {{}, 0, trouble}}; }
 
 Text whyShut(const Text& device)
 {
@@ -44,13 +44,13 @@ Text whyShut(const Text& device)
 }
 
 // The contents are read only when the table is not the known one.
-Seen look(const Text& device, Seen known)
+SeenDisc look(const Text& device, SeenDisc known)
 {
     CdioDisc disc(device);
     if (!disc.isOpen())
         return seenTrouble(whyShut(device));
     if (!disc.isReady())
-        return disc.isEmpty() ? Seen{} : seenTrouble("The drive cannot read its disc.");
+        return disc.isEmpty() ? SeenDisc{} : seenTrouble("The drive cannot read its disc.");
     auto table = disc.table();
     if (!table.empty() && table == known.table)
         return known;
@@ -185,8 +185,8 @@ public:
 private:
     const OpticalDevice device_;
     const milliseconds patience_;
-    Seen seen_;
-    std::optional<files::Errand<Seen>> look_;
+    SeenDisc seen_;
+    std::optional<files::Errand<SeenDisc>> look_;
 };
 
 }
