@@ -48,11 +48,10 @@ void PlayListEditor::startRow(std::int32_t row)
 void PlayListEditor::waitForEnd()
 {
     const Mp3Play& engine = *program_.startUp().Mp3Player;
-    Pump& pump = program_.platform().pump();
     while (engine.IsPlaying() == 0)
-        pump.turn();
+        program_.platform().pump().turn();
     while (engine.IsPlaying() != 0)
-        pump.turn();
+        program_.platform().pump().turn();
 }
 
 // `paused_flag` stays as it is: a list started after a pause must meet it.
