@@ -15,7 +15,7 @@ void Image::standsFor(Slider& slider, const Image& track)
 {
     slider_ = &slider;
     track_ = &track;
-    static_cast<ImageWidget*>(track.widget_)->showReachOf(*static_cast<ImageWidget*>(widget_));
+    track.widget_->showReachOf(*widget_);
 }
 
 // The form's widgets outlive its controls: none of them may tell of the end of a press any more.
