@@ -156,21 +156,24 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build", default=str(ROOT / "build/release"))
     parser.add_argument("--pairs", type=int, default=7)
+    parser.add_argument("--peers", default=",".join(COMMANDS))
     options = parser.parse_args()
     with Desk(accessible=False, screen_file=True) as desk:
         desk.screen = Screen(desk.folder)
         song = music(desk, "song.mp3", 120, 0)
-        tracks = [music(desk, f"track{number}.mp3", 6, number) for number in range(1, 9)]
-        alone, listed = Own(desk, options.build), Own(desk, options.build, tracks)
+        short = [music(desk, f"short{number}.mp3", 6, number) for number in range(1, 9)]
+        long = [music(desk, f"long{number}.mp3", 180, number) for number in range(1, 3)]
+        alone, listed, unhurried = (Own(desk, options.build, rows) for rows in ((), short, long))
         print(f"{options.pairs} pairs of starts, {SPAN} s of watching; {machine()}; {datetime.date.today()}\n")
         print("| what | peer | peer | Velmora | ratio |")
         print("|---|---|---:|---:|---:|")
-        for peer in COMMANDS:
+        for peer in options.peers.split(","):
             compare_starts(desk, peer, alone, options.pairs)
             compare_idle(desk, peer, alone, "idle")
             compare_playing(desk, peer, [song], alone, lambda: alone.play(song), "playing a file")
             compare_idle(desk, peer, listed, "idle with the list shown")
-            compare_playing(desk, peer, tracks, listed, listed.play_list, "playing a list")
+            compare_playing(desk, peer, short, listed, listed.play_list, "playing a list of 6 s files")
+            compare_playing(desk, peer, long, unhurried, unhurried.play_list, "playing a list of 3 min files")
 
 
 if __name__ == "__main__":
