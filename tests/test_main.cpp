@@ -8,6 +8,8 @@
 #include <iostream>
 
 #ifdef VELMORA_WINDOW_TESTS
+#include "tests/support/temporary_folder.h"
+
 #include <QApplication>
 #include <cstdlib>
 #endif
@@ -60,6 +62,10 @@ extern "C" const char* __tsan_default_suppressions()
 int main(int argc, char** argv)
 {
 #ifdef VELMORA_WINDOW_TESTS
+    // What the library keeps for all programs of a user, such as the look of file dialogs, is none of the
+    // tests'.
+    const TemporaryFolder settings;
+    setenv("XDG_CONFIG_HOME", settings.path().c_str(), 1);
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
