@@ -51,9 +51,13 @@ bool isExecutable(const Text& path)
     return isFile(path) && faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
 }
 
+// Songs have brackets in their names: to the matcher they would be a choice of letters.
 bool fits(const Text& name, const Text& pattern)
 {
-    return pattern == "*.*" || fnmatch(pattern.c_str(), name.c_str(), FNM_CASEFOLD | FNM_NOESCAPE) == 0;
+    Text plain;
+    for (const char c : pattern)
+        plain += c == '[' || c == '\\' ? Text{'\\', c} : Text{c};
+    return pattern == "*.*" || fnmatch(plain.c_str(), name.c_str(), FNM_CASEFOLD) == 0;
 }
 
 bool isSameFile(const Text& one, const Text& other)

@@ -118,6 +118,11 @@ TEST_CASE("A pattern chooses names without regard to case")
         {"a**c", "ac", true},
         {"track ?.wav", "Track 1.wav", true},
         {"track ?.wav", "Track .wav", false},
+        {"?", "\xE9", true},
+        {"[a]*", "[a]b", true},
+        {"[a]*", "ab", false},
+        {"a\\*", "A\\b", true},
+        {"a\\b", "ab", false},
     };
     for (const auto& c : cases) {
         CAPTURE(c.pattern);
