@@ -13,6 +13,7 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QDialog>
+#include <QTimer>
 #include <algorithm>
 #include <doctest/doctest.h>
 #include <limits>
@@ -71,14 +72,26 @@ struct Panel {
         });
         remote->SetVolume.calls(
             [this](std::int32_t percent) { heard += "Volume " + std::to_string(percent) + "\n"; });
-        remote->show(now, place);
-        REQUIRE(waitFor([this] { return !failed(call("org.freedesktop.DBus.Peer", "Ping", {})); }));
-        remote->show(now, place);
+        waitUntilItTells();
     }
     ~Panel()
     {
         remote.reset();
         QDBusConnection::disconnectFromBus("panel");
+    }
+
+    // It is found on the bus a moment before it begins to tell of changes.
+    void waitUntilItTells()
+    {
+        QTimer heardOf;
+        REQUIRE(client.connect({}, path, properties, "PropertiesChanged", &heardOf, SLOT(start())));
+        const auto ping =
+            QDBusMessage::createMethodCall("org.freedesktop.DBus", "/", "org.freedesktop.DBus.Peer", "Ping");
+        REQUIRE_FALSE(failed(client.call(ping))); // the bus knows who listens
+        REQUIRE(waitFor([&] {
+            remote->show(now, place);
+            return heardOf.isActive();
+        }));
     }
 
     static bool failed(const QDBusMessage& answer) { return answer.type() != QDBusMessage::ReplyMessage; }
