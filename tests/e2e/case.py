@@ -8,6 +8,7 @@ import time
 import unittest
 
 import places
+import sounds
 from desk import Desk, Velmora, wait_for
 from reader import SHOWING
 
@@ -79,6 +80,39 @@ class Case(unittest.TestCase):
     def show_list(self):
         self.app.menu(self.main, "f", "l")
         return self.app.window(LIST)
+
+    def rows(self, title=LIST):
+        return [control.name for control in self.app.controls(title) if control.role == "list item"]
+
+    def wait_rows(self, paths):
+        """Every row stands, in this order."""
+        return wait_for(lambda: self.rows() == [str(path) for path in paths], f"the rows are {paths}")
+
+    def choose_row(self, number):
+        left, top, width, _ = places.LIST
+        self.app.click(self.app.window(LIST), (left, top + 60 + number * 225, width, 15))
+
+    @staticmethod
+    def lines(rows):
+        """What a list of them holds."""
+        return "".join(f"{row}\r\n" for row in rows).encode()
+
+    def name_list(self, path, kind=1):
+        """While the program is away: its note that this is the list at work."""
+        (self.app.folder / "vlmset.ini").write_text(f"[Playlist Editor]\r\nPlayList={path}\r\nFileType={kind}\r\n")
+
+    def keep_list(self, path, rows, kind=1):
+        path.write_bytes(self.lines(rows))
+        self.name_list(path, kind)
+
+    def copies_of_a_song(self, count):
+        """Their paths: a second of music under so many names."""
+        wav = sounds.write_wav(self.desk.folder / "a.wav", sounds.music(1))
+        mp3 = sounds.encode(wav, self.desk.music / "0.mp3").read_bytes()
+        paths = [self.desk.music / f"{number}.mp3" for number in range(count)]
+        for path in paths:
+            path.write_bytes(mp3)
+        return [str(path) for path in paths]
 
     # The workbench and its settings
 

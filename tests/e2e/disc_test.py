@@ -42,8 +42,7 @@ class Disc(case.Case):
     def record(self, sources):
         self.open_workbench("w")
         self.assertEqual(self.drop(sources), "copied")
-        wait_for(lambda: [c.name for c in self.app.controls(case.WORKBENCH) if c.role == "list item"]
-                 == [str(path) for path in sources], "the rows stand")
+        wait_for(lambda: self.rows(case.WORKBENCH) == [str(path) for path in sources], "the rows stand")
         self.app.press(case.WORKBENCH, "push button", "Write CD")
         self.app.window("CD created!")
         self.app.press("CD created!", "push button", "OK")

@@ -47,7 +47,7 @@ class Hostile(case.Case):
 
     def begin_with(self, list_file):
         self.app.kill()
-        (self.app.folder / "vlmset.ini").write_text(f"[Playlist Editor]\r\nPlayList={list_file}\r\nFileType=1\r\n")
+        self.name_list(list_file)
         self.start()
         self.list = self.show_list()
 
@@ -148,7 +148,7 @@ class Hostile(case.Case):
                 file.write(f"{row}{number:07}\r\n".encode())
         before = self.memory()
         self.app.kill()
-        (self.app.folder / "vlmset.ini").write_text(f"[Playlist Editor]\r\nPlayList={own}\r\nFileType=1\r\n")
+        self.name_list(own)
         begun = time.monotonic()
         self.start()
         print(f"shown in {time.monotonic() - begun:.1f} s, {self.memory():.0f} MB after {before:.0f}", flush=True)
@@ -158,27 +158,35 @@ class Hostile(case.Case):
         limit = min(300e6, 3 * own.stat().st_size) / 2**20
         self.assertLess(self.memory() - before, limit)
 
+    def rubbish(self):
+        """A neighbour on the bus; each call of what is returned sends nine things that make no sense, and says how many."""
+        bus = dbus.bus.BusConnection(self.desk.environment["DBUS_SESSION_BUS_ADDRESS"])
+        calls = [("Seek", "x", [1]), ("SetPosition", "ox", ["/none/such", 2**62]), ("Seek", "x", [-2**63 + 1]),
+                 ("Play", "s", ["<b>" * 1000]), ("No\u0041Such", "", []), ("OpenUri", "s", ["file:///etc/passwd"]),
+                 ("Get", "ss", ["x" * 10000, "%s%n"]), ("Set", "ssv", [PLAYER, "Volume", "loud"]), ("Play", "", [])]
+
+        def send():
+            for member, signature, arguments in calls:
+                message = dbus.lowlevel.MethodCallMessage(SERVICE, PATH, PLAYER, member)
+                message.append(signature=signature, *arguments)
+                message.set_no_reply(True)
+                bus.send_message(message)
+            bus.flush()
+            return len(calls)
+        return send
+
     def test_a_neighbour_on_the_bus_that_floods_and_talks_rubbish_stops_nothing(self):
         self.play(sounds.write_wav(self.desk.music / "a.wav", sounds.counter(60 * sounds.RATE, 1)), 0)
         self.wait_clock(1)
         remote = self.remote()
-        before = self.memory()
+        status = lambda: remote.Get(PLAYER, "PlaybackStatus", dbus_interface=PROPERTIES)
         end = threading.Event()
         sent = [0]
 
         def flood():
-            bus = dbus.bus.BusConnection(self.desk.environment["DBUS_SESSION_BUS_ADDRESS"])
-            calls = [("Seek", "x", [1]), ("SetPosition", "ox", ["/none/such", 2**62]), ("Seek", "x", [-2**63 + 1]),
-                     ("Play", "s", ["<b>" * 1000]), ("No\u0041Such", "", []), ("OpenUri", "s", ["file:///etc/passwd"]),
-                     ("Get", "ss", ["x" * 10000, "%s%n"]), ("Set", "ssv", [PLAYER, "Volume", "loud"]), ("Play", "", [])]
+            send = self.rubbish()
             while not end.is_set():
-                for member, signature, arguments in calls:
-                    message = dbus.lowlevel.MethodCallMessage(SERVICE, PATH, PLAYER, member)
-                    message.append(signature=signature, *arguments)
-                    message.set_no_reply(True)
-                    bus.send_message(message)
-                    sent[0] += 1
-                bus.flush()
+                sent[0] += send()
 
         threads = [threading.Thread(target=flood) for _ in range(2)]
         for thread in threads:
@@ -191,12 +199,25 @@ class Hostile(case.Case):
             for thread in threads:
                 thread.join()
         self.assert_answers()
-        self.assertEqual(remote.Get(PLAYER, "PlaybackStatus", dbus_interface=PROPERTIES), "Playing")
-        print(f"{sent[0]} calls, {before:.0f} MB before, {self.memory():.0f} MB after", flush=True)
-        self.assertLess(self.memory(), before + 50)
+        self.assertEqual(status(), "Playing")
         self.app.click(self.main, places.STOP)
         self.wait_label(places.TIME, "0:00")
         self.assert_at_rest()
+
+    def test_a_neighbour_on_the_bus_that_talks_rubbish_leaves_no_memory_taken(self):
+        status = self.remote().get_dbus_method("Get", PROPERTIES)
+        send = self.rubbish()
+
+        def talk(rounds):
+            for number in range(rounds):
+                send()
+                if number % 20 == 0:
+                    status(PLAYER, "PlaybackStatus")  # what waits to be heard takes memory, rightly
+            return self.memory()
+        before = talk(300)
+        after = talk(1500)
+        print(f"{before:.1f} MB before, {after:.1f} MB after", flush=True)
+        self.assertLess(after, before + 5)  # of 22 MB that were sent
 
     def test_a_sheet_of_ten_thousand_tracks_is_a_drive_without_a_disc(self):
         discs = self.desk.music / "Velmora Discs"
@@ -207,7 +228,7 @@ class Hostile(case.Case):
         (discs / "outside.cue").write_text('FILE "/etc/passwd" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n')
         self.open_workbench("c")
         self.app.press(case.WORKBENCH, "push button", "REFRESH")
-        self.assertEqual([c.name for c in self.app.controls(case.WORKBENCH) if c.role == "list item"], [])
+        self.assertEqual(self.rows(case.WORKBENCH), [])
 
 
 if __name__ == "__main__":

@@ -10,7 +10,6 @@ import time
 
 import case
 import places
-import sounds
 from desk import wait_for
 
 KILLS = int(os.environ.get("VELMORA_TEST_KILLS", "12"))
@@ -28,31 +27,13 @@ class ListUnderFire(case.Case):
     def setUp(self):
         super().setUp()
         self.chance = random.Random(int(os.environ.get("VELMORA_TEST_SEED", "1")))
-        wav = sounds.write_wav(self.desk.folder / "a.wav", sounds.music(1))
-        mp3 = sounds.encode(wav, self.desk.music / "0.mp3").read_bytes()
-        self.paths = [str(self.desk.music / f"{number}.mp3") for number in range(8)]
-        for path in self.paths:
-            with open(path, "wb") as file:
-                file.write(mp3)
+        self.paths = self.copies_of_a_song(8)
         self.saved = {}  # what each list file may hold
         self.saving = {}  # what the save under way writes, by the file
 
     def refill(self, name=None):
         """While the program is away: a working copy with every row, as the program writes it, or a list of that name."""
-        kept = name or self.app.folder / "deflist.vlp"
-        kept.write_bytes(self.lines(self.paths))
-        (self.app.folder / "vlmset.ini").write_text(f"[Playlist Editor]\r\nPlayList={kept}\r\nFileType=2\r\n")
-
-    @staticmethod
-    def lines(rows):
-        return "".join(row + "\r\n" for row in rows).encode()
-
-    def rows(self):
-        return [control.name for control in self.app.controls(case.LIST) if control.role == "list item"]
-
-    def choose_row(self, number):
-        left, top, width, _ = places.LIST
-        self.app.click(self.list, (left, top + 60 + number * 225, width, 15))
+        self.keep_list(name or self.app.folder / "deflist.vlp", self.paths, kind=2)
 
     def move_up(self, rows):
         number = self.chance.randrange(1, len(rows))

@@ -25,10 +25,7 @@ class List(case.Case):
         for path in paths:
             self.app.menu(self.list, "o", "a")
             self.app.choose_file("Select .wav/.mp3 files to add to the playlist", path)
-        wait_for(lambda: self.rows() == [str(path) for path in paths], "the rows stand")
-
-    def rows(self):
-        return [control.name for control in self.app.controls(case.LIST) if control.role == "list item"]
+        self.wait_rows(paths)
 
     def row(self, number):
         return [control for control in self.app.controls(case.LIST) if control.role == "list item"][number]

@@ -17,9 +17,6 @@ class Lists(case.Case):
         super().start()
         self.list = self.show_list()
 
-    def rows(self):
-        return [control.name for control in self.app.controls(case.LIST) if control.role == "list item"]
-
     def wait_rows(self, paths):
         wait_for(lambda: self.rows() == [str(path) for path in paths], "the rows stand")
 

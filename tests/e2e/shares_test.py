@@ -41,11 +41,10 @@ class Shares(case.Case):
         (discs / "disc.bin").write_bytes(bytes(300 * 2352))
         (discs / "disc.cue").write_text('FILE "disc.bin" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n')
         sounds.encode(sounds.write_wav(self.desk.folder / "a.wav", sounds.music(1) * 30), self.song)
-        self.list_file.write_bytes(f"{self.song}\r\n".encode())
+        self.keep_list(self.list_file, [self.song])
         config = self.desk.home / ".config"
         config.mkdir(exist_ok=True)
         (config / "user-dirs.dirs").write_text('XDG_MUSIC_DIR="$HOME/share/Music"\n')
-        (self.app.folder / "vlmset.ini").write_text(f"[Playlist Editor]\r\nPlayList={self.list_file}\r\nFileType=1\r\n")
 
     def fall_silent(self):
         self.silence.touch()
@@ -66,13 +65,10 @@ class Shares(case.Case):
         finally:
             bus.close()
 
-    def rows(self):
-        return [control.name for control in self.app.controls(case.LIST) if control.role == "list item"]
-
     def end(self):
         self.remote("Quit")
         self.assertEqual(self.app.process.wait(LIMIT), 0)
-        self.assertEqual(self.list_file.read_bytes(), f"{self.song}\r\n".encode())
+        self.assertEqual(self.list_file.read_bytes(), self.lines([self.song]))
 
     def test_a_program_that_starts_beside_a_silent_share_shows_itself_and_keeps_the_way_to_its_list(self):
         self.app.kill()

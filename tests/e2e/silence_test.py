@@ -26,9 +26,7 @@ class Silence(case.Case):
     def begin_with(self, rows):
         """The program on a list of these rows."""
         self.app.kill()
-        (self.app.folder / "deflist.vlp").write_bytes("".join(f"{row}\r\n" for row in rows).encode())
-        (self.app.folder / "vlmset.ini").write_text(
-            f"[Playlist Editor]\r\nPlayList={self.app.folder / 'deflist.vlp'}\r\nFileType=1\r\n")
+        self.keep_list(self.app.folder / "deflist.vlp", rows)
         self.start()
         self.list = self.show_list()
 

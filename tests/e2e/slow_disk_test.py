@@ -3,38 +3,26 @@
 """A disk that takes two seconds to keep anything for good: the windows go on meanwhile, and a kill loses nothing whole."""
 import case
 import places
-import sounds
 from desk import wait_for
 
 
 class SlowDisk(case.Case):
     def start(self):
-        wav = sounds.write_wav(self.desk.folder / "a.wav", sounds.music(1))
-        mp3 = sounds.encode(wav, self.desk.music / "0.mp3").read_bytes()
-        self.paths = [str(self.desk.music / f"{number}.mp3") for number in range(4)]
-        for path in self.paths:
-            with open(path, "wb") as file:
-                file.write(mp3)
+        self.paths = self.copies_of_a_song(4)
         self.working_copy = self.app.folder / "deflist.vlp"
         self.saved = self.desk.home / "mine.vlp"
-        self.saved.write_bytes(self.lines(self.paths))
-        (self.app.folder / "vlmset.ini").write_text(f"[Playlist Editor]\r\nPlayList={self.saved}\r\nFileType=2\r\n")
+        self.keep_list(self.saved, self.paths, kind=2)
         self.forces = self.desk.folder / "forces.txt"
         self.app.environment = {"LD_PRELOAD": str(self.tool("libslow_forces.so")), "VELMORA_FORCES": str(self.forces)}
         super().start()
         self.list = self.show_list()
-        wait_for(lambda: [c.name for c in self.app.controls(case.LIST) if c.role == "list item"] == self.paths, "the rows stand")
-
-    @staticmethod
-    def lines(rows):
-        return "".join(row + "\r\n" for row in rows).encode()
+        self.wait_rows(self.paths)
 
     def noted(self):
         return self.forces.read_text().splitlines() if self.forces.exists() else []
 
     def move_up(self, number):
-        left, top, width, _ = places.LIST
-        self.app.click(self.list, (left, top + 60 + number * 225, width, 15))
+        self.choose_row(number)
         self.app.click(self.list, places.LIST_UP)
 
     def move_window(self):

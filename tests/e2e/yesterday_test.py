@@ -55,9 +55,6 @@ class Yesterday(case.Case):
         with contextlib.closing(sqlite3.connect(self.app.store_path())) as store:
             return {(section, key): value for section, key, value in store.execute("select section, key, value from settings")}
 
-    def rows(self):
-        return [c.name for c in self.app.controls(case.LIST) if c.role == "list item"]
-
     def volume(self):
         bus = dbus.bus.BusConnection(self.desk.environment["DBUS_SESSION_BUS_ADDRESS"])
         wait_for(lambda: bus.name_has_owner(SERVICE), "the player is on the bus")
