@@ -3,6 +3,7 @@
 
 #include "files/errand.h"
 #include "files/folders.h"
+#include "files/lost_parts.h"
 #include "files/output_file.h"
 #include "platform/paths.h"
 
@@ -148,8 +149,17 @@ StatePartNotes::~StatePartNotes()
         unlink(path_.c_str());
 }
 
+// Once for each target, which lists and settings are written to many times.
+bool StatePartNotes::isFirstOfTarget(const Text& partPath)
+{
+    const Lock guard(mutex_);
+    return targets_.insert(partPath.substr(0, partPath.rfind('.', partPath.rfind('.') - 1))).second;
+}
+
 void StatePartNotes::note(const Text& partPath)
 {
+    if (isFirstOfTarget(partPath))
+        removeLostParts(partPath);
     const Lock guard(mutex_);
     if (!file_)
         begin();

@@ -22,6 +22,7 @@ public:
     void whole(const std::vector<WholePart>& parts) override;
 
 private:
+    bool isFirstOfTarget(const Text& partPath);
     void begin() REQUIRES(mutex_);
 
     Mutex mutex_;
@@ -29,6 +30,7 @@ private:
     Text path_ GUARDED_BY(mutex_);
     Descriptor file_ GUARDED_BY(mutex_);
     std::set<Text> open_ GUARDED_BY(mutex_);
+    std::set<Text> targets_ GUARDED_BY(mutex_); // beside which no lost part lies any more
 };
 
 // For the program's start, over the part files that processes noted which ended without removing them: those

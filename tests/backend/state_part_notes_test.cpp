@@ -83,6 +83,32 @@ TEST_CASE("A part of a process that still runs stays")
     CHECK(std::filesystem::exists(state.part));
 }
 
+TEST_CASE(
+    "A part whose note went with the power goes when its target is written again, and nothing else does")
+{
+    const State state;
+    const auto putLongAgo = [&](const Text& name) {
+        putFile(state.folder / name, "half a song");
+        const auto now = std::filesystem::file_time_type::clock::now();
+        std::filesystem::last_write_time(state.folder / name, now - std::chrono::years(10));
+    };
+    const std::set<Text> others{"song.mp3.part",
+                                "song.mp3.0123456789abcde.part",
+                                "song.mp3.0123456789abcdex.part",
+                                "song.mp3.0123456789abcdef.part.txt",
+                                "other.mp3.0123456789abcdef.part",
+                                ".0123456789abcdef.part"};
+    for (const Text& name : others)
+        putLongAgo(name);
+    putLongAgo("song.mp3.0123456789abcdef.part");
+    putFile(state.folder / "song.mp3.fedcba9876543210.part", "another program is at work");
+    files::StatePartNotes notes(state.state);
+    notes.note(state.folder / "song.mp3.00000000000000ff.part");
+    auto wanted = others;
+    wanted.insert({"state", "song.mp3.fedcba9876543210.part"});
+    CHECK(namesInFolder(state.folder.path()) == wanted);
+}
+
 TEST_CASE("What was done is not removed, what was noted beside it is")
 {
     const State state;
