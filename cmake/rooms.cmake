@@ -15,6 +15,13 @@ if(VELMORA_SANITIZE)
   target_link_options(velmora_code INTERFACE -fsanitize=${VELMORA_SANITIZE})
 endif()
 
+# Where the whole program is linked from what the compiler thought of it, no two types have one name. What it guesses there
+# of sizes in the libraries' headers is wrong.
+if(CMAKE_INTERPROCEDURAL_OPTIMIZATION AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  target_link_options(velmora_code INTERFACE -Werror=odr -Werror=lto-type-mismatch
+                                             -Wno-alloc-size-larger-than -Wno-stringop-overflow)
+endif()
+
 # What people run is hardened, for it reads what strangers made: the check `hardening` holds the built files against it.
 # Bound at the start: the tables of addresses are read-only then.
 include(CheckCXXCompilerFlag)
