@@ -13,6 +13,12 @@ constexpr std::int32_t lookupLimit = 30000; // milliseconds
 constexpr const char* titledNames = "Track - Artist - Title";
 constexpr const char* numberedNames = "Track";
 
+// A start that fails is none.
+bool cannotStart(ACD& reader)
+{
+    return holdsOrFails([&] { return reader.Init() != 0; });
+}
+
 }
 
 void Settings::wireCdToWavTab()
@@ -32,7 +38,7 @@ void Settings::init()
 {
     Mp3Encoder& workbench = program_.mp3Encoder();
     ACD& reader = *workbench.CDtoWAV;
-    if (reader.Init() != 0) {
+    if (cannotStart(reader)) {
         program_.tell("Can\u00B4t initialize ASPI! Please use a newer version of ASPI.");
         return;
     }
@@ -40,7 +46,8 @@ void Settings::init()
     workbench.pc_len.setCaption(textOf(workbench.ProgressBarCDtoWAVat.Max()));
     workbench.ProgressBarCDtoWAVat.setValue(0);
     workbench.ProgressBarCDtoWAVtt.setValue(0);
-    const std::int16_t count = reader.DriveCount();
+    std::int16_t count = 0;
+    skipping([&] { count = reader.DriveCount(); });
     for (listIndex = 1; listIndex <= count; ++listIndex)
         succeeds([&] { CDDrives.AddItem(reader.DriveName(listIndex)); });
     skipping([&] { reader.SelectDrive(1); });
@@ -52,7 +59,7 @@ void Settings::get_tracks_fsd()
     Mp3Encoder& workbench = program_.mp3Encoder();
     ACD& reader = *workbench.CDtoWAV;
     CdBase& titles = *workbench.CdBase1;
-    if (reader.Init() != 0)
+    if (cannotStart(reader))
         return;
     const auto& store = program_.settingsStore();
     succeeds([&] {

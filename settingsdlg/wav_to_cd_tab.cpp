@@ -14,6 +14,14 @@ using Buttons = MessageBoxes::Buttons;
 
 bool isKnownType(std::int16_t type) { return type >= 1 && type < 100; }
 
+// None where they cannot be counted.
+std::int16_t driveCount(ACDWRITE& writer)
+{
+    std::int16_t count = 0;
+    skipping([&] { count = writer.DriveCount(); });
+    return count;
+}
+
 }
 
 void Settings::wireWavToCdTab()
@@ -41,7 +49,7 @@ void Settings::start_up()
     if (!hasWriter())
         return;
     SetWAVtoCDcdwriter.setText("");
-    if (program_.mp3Encoder().CDWriter->Init() != 0) {
+    if (holdsOrFails([this] { return program_.mp3Encoder().CDWriter->Init() != 0; })) {
         program_.tell("Can\u00B4t initialize ASPI or no CD-recorder found!");
         return;
     }
@@ -70,7 +78,7 @@ bool Settings::hasWriter()
 void Settings::listWriters()
 {
     ACDWRITE& writer = *program_.mp3Encoder().CDWriter;
-    const std::int16_t count = writer.DriveCount();
+    const std::int16_t count = driveCount(writer);
     for (listIndex = 1; listIndex <= count; ++listIndex)
         succeeds(
             [&] { SetWAVtoCDcddrives.AddItem(writer.DriveName(static_cast<std::int16_t>(listIndex - 1))); });
@@ -79,7 +87,7 @@ void Settings::listWriters()
 // The first drive whose type the control knows is the writer; none found leaves the last one tried.
 void Settings::detectWriter()
 {
-    const std::int16_t count = program_.mp3Encoder().CDWriter->DriveCount();
+    const std::int16_t count = driveCount(*program_.mp3Encoder().CDWriter);
     for (listIndex = 1; listIndex <= count; ++listIndex)
         if (takeWriter(static_cast<std::int16_t>(listIndex - 1)))
             listIndex = 100;

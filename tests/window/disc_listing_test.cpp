@@ -131,6 +131,30 @@ TEST_CASE("Starting passes over a drive without a name and a drive that cannot b
     CHECK(p.platform.boxes.shown.empty());
 }
 
+TEST_CASE("Drives that cannot be counted leave an empty list, and the first one is gone to all the same")
+{
+    DiscProgram p;
+    p.fails("CDtoWAV.DriveCount");
+    CHECK(failureOf([&] { p.settings.init(); }) == 0);
+    CHECK(rowsOf(p.settings.CDDrives).empty());
+    CHECK(p.calls() == "CDtoWAV.Init\nCDtoWAV.DriveCount\nCDtoWAV.SelectDrive(1)\n");
+    CHECK_FALSE(p.message());
+}
+
+TEST_CASE("A reader whose start fails is told like one that cannot start, and lists nothing")
+{
+    DiscProgram p;
+    p.list({length(3, 25)});
+    p.fails("CDtoWAV.Init");
+    CHECK(failureOf([&] { p.settings.get_tracks_fsd(); }) == 0);
+    CHECK_FALSE(p.message());
+    CHECK(failureOf([&] { p.settings.init(); }) == 0);
+    CHECK(p.message() == cannotStart);
+    CHECK(p.calls() == "CDtoWAV.Init\nCDtoWAV.Init\n");
+    CHECK(rowsOf(p.settings.CDDrives) == std::vector<Text>{"Drive one", "Drive two"});
+    CHECK(p.tracks().size() == 1);
+}
+
 TEST_CASE("A reader that cannot start is told at each opening, and all lists stay as they were")
 {
     DiscProgram p;

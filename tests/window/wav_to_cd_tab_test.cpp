@@ -218,6 +218,16 @@ TEST_CASE("A writer that cannot start is told, and nothing is searched")
     }
 }
 
+TEST_CASE("A writer whose start fails is told like one that cannot start")
+{
+    Tab t({{"First", 5}});
+    t.fails("CDWriter.Init");
+    CHECK(failureOf([&] { t.settings.start_up(); }) == 0);
+    CHECK(t.calls() == "CDWriter.Init\n");
+    CHECK(t.message() == "Can\u00B4t initialize ASPI or no CD-recorder found!");
+    CHECK(stateOf(t.settings) == "'' '5' list off, name off, type off, button off");
+}
+
 TEST_CASE("A failing step of the search is passed over")
 {
     struct Case {
@@ -230,6 +240,7 @@ TEST_CASE("A failing step of the search is passed over")
         {"CDWriter.SelectDrive(0)", "'Second' '5' list off, name off, type off, button off", 1},
         {"CDWriter.SetWriterType", "'Second' '5' list off, name off, type off, button off", 1},
         {"CDWriter.DriveName(1)", "'' '5' list on, name off, type off, button off", 1},
+        {"CDWriter.DriveCount", "'' '' list on, name off, type off, button off", 1},
     };
     for (const auto& c : cases) {
         CAPTURE(c.call);
