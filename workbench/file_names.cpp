@@ -30,5 +30,5 @@ float percentOf(std::int32_t position, std::int32_t length)
     if (product > std::numeric_limits<std::int32_t>::max() ||
         product < std::numeric_limits<std::int32_t>::min())
         throw Failure(Trouble::overflow);
-    return static_cast<float>(product) / static_cast<float>(length);
+    return static_cast<float>(static_cast<double>(product) / length);
 }

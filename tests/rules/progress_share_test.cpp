@@ -5,7 +5,8 @@
 
 #include <doctest/doctest.h>
 
-TEST_CASE("A progress bar's share is the position's hundredfold over the length, in single precision")
+TEST_CASE(
+    "A progress bar's share is the position's hundredfold over the length, rounded once to single precision")
 {
     struct Row {
         Text what;
@@ -21,6 +22,9 @@ TEST_CASE("A progress bar's share is the position's hundredfold over the length,
         {"the greatest position", 21474836, 21474836, 100},
         {"the smallest position", -21474836, 21474836, -100},
         {"a length that single precision does not know exactly", 21474836, 2147483647, 1},
+        // The quotient alone is rounded, not what is divided: an hour and a half in milliseconds.
+        {"a hundredfold that single precision does not know exactly", 3059907, 5231821, 58.4864616F},
+        {"neither of the two is known exactly", 3946603, 4061292, 97.1760483F},
     };
     for (const auto& row : rows) {
         CAPTURE(row.what);
