@@ -425,6 +425,47 @@ TEST_CASE("A file's end empties the panel and the bar before the next one begins
     });
 }
 
+TEST_CASE("A file's path, panel and flag stand before its engine hears of it")
+{
+    inEachFlow([](Bench& b) {
+        b.select({"a"});
+        b.flow.finished = 1;
+        int opens = 0;
+        b.platform.log.onCall = [&](const Text& call) {
+            if (!call.starts_with(b.flow.engine + ".Open("))
+                return;
+            ++opens;
+            CHECK(b.flow.finished == 0);
+            CHECK(b.flow.input == b.folder / ("a." + b.flow.source));
+            CHECK(b.flow.workField.Text() == "a." + b.flow.target);
+            CHECK(b.flow.panel.Text() == "a." + b.flow.target);
+        };
+        b.thenDone();
+        b.click();
+        CHECK(opens == 1);
+    });
+}
+
+TEST_CASE("A file's end empties the panel first, then the bar, and frees the run last")
+{
+    inEachFlow([](Bench& b) {
+        b.flow.panel.setText("a." + b.flow.target);
+        b.flow.bar.setValue(40);
+        b.flow.finished = 0;
+        int changes = 0;
+        b.flow.panel.Change.calls([&] {
+            ++changes;
+            CHECK(b.flow.panel.Text().empty());
+            CHECK(b.flow.bar.Value() == 40);
+            CHECK(b.flow.finished == 0);
+        });
+        b.flow.done.raise();
+        CHECK(changes == 1);
+        CHECK(b.flow.bar.Value() == 0);
+        CHECK(b.flow.finished == 1);
+    });
+}
+
 TEST_CASE("The decoder closes its file with the face already clean and the flag not yet set")
 {
     Bench b(decoding);

@@ -379,6 +379,7 @@ TEST_CASE("The flag is cleared before a track starts, so that an end within the 
     r.reader().onRead = [&] {
         ++reads;
         CHECK_FALSE(r.workbench.trackReadFinished);
+        CHECK(r.workbench.tracksStartedCount == 1);
     };
     r.everyTrackEnds(1);
     r.start();

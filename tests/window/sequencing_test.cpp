@@ -239,10 +239,14 @@ TEST_CASE("The stop operation has raised the flag and silenced the engine before
     Player start({});
     start.current("/now.mp3", kind::mp3);
     start.player.Image3.setEnabled(true);
+    start.player.pbar.setValue(40);
+    start.player.Timer.setEnabled(false);
     start.sound.absent = {"/now.mp3"};
     start.meanwhile({[&] {
         CHECK(start.flag() == "1");
         CHECK_FALSE(start.sound.mp3Plays);
+        CHECK(start.player.pbar.Value() == 0);
+        CHECK(start.player.Timer.Enabled());
         CHECK(start.player.Image3.Enabled());
         start.sound.absent.clear();
     }});
@@ -670,6 +674,58 @@ TEST_CASE("A row whose file does not open is tried on, and the commands work mea
     // The inner run is over; the open that was being tried goes on with the file that is current now.
     CHECK(start.sound.mp3File == "/1.mp3");
     CHECK(start.sound.mp3Plays);
+    CHECK(start.platform.log.count("Mp3Player.Play") == 2);
+}
+
+TEST_CASE("Next and Stop at a row whose file is missing wait for it, too, until another file is opened")
+{
+    Player start({"/gone.mp3", "/1.mp3"});
+    start.sound.absent = {"/gone.mp3"};
+    int ended = 0;
+    start.meanwhile({[&] {
+                         start.list.Nextimg1_Click();
+                         ++ended;
+                         CHECK(start.list.RunIndex == 1);
+                     },
+                     [&] {
+                         start.list.Stopimg1_Click();
+                         ++ended;
+                     },
+                     [&] {
+                         CHECK(ended == 0);
+                         CHECK(start.platform.log.count("Mp3Player.Play") == 0);
+                         start.current("/1.mp3", kind::mp3);
+                     },
+                     [&] { // the row that Next leads to
+                         CHECK(ended == 1);
+                         CHECK(start.sound.mp3File == "/1.mp3");
+                         start.sound.trackEnds();
+                     },
+                     [&] { start.sound.trackEnds(); }}); // what the first run was trying, with that file
+    start.list.Playimg1_Click();
+    CHECK(ended == 2);
+    CHECK(start.platform.log.count("Mp3Player.Play") == 2);
+    CHECK(start.platform.scriptedPump.steps.empty());
+}
+
+TEST_CASE("After a cancelled dialog of the MP3 kind the list's Play waits for a file; menu Start does not")
+{
+    Player start({"/0.mp3"});
+    start.current("", kind::mp3);
+    bool startIsOver = false;
+    start.meanwhile({[&] {
+                         CHECK(start.flag() == "1");
+                         CHECK(start.platform.log.count("Mp3Player.Play") == 0);
+                         start.choose(11);
+                         startIsOver = true;
+                     },
+                     [&] {
+                         CHECK(start.sound.mp3File == "/0.mp3");
+                         CHECK(start.sound.mp3Plays);
+                         start.sound.trackEnds();
+                     }});
+    CHECK(waitsForEver([&] { start.list.Playimg1_Click(); })); // what was waiting plays the row again
+    CHECK(startIsOver);
     CHECK(start.platform.log.count("Mp3Player.Play") == 2);
 }
 
