@@ -5,6 +5,8 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QFontMetrics>
+#include <QGridLayout>
 #include <QKeyEvent>
 #include <QMessageBox>
 
@@ -63,6 +65,18 @@ private:
     bool isQuestion() const { return standardButtons().testFlag(QMessageBox::No); }
 };
 
+// The library makes a box as wide as its text: of a short one the frame's picture and buttons would leave no
+// room for the title.
+void makeRoomForTitle(QMessageBox& box)
+{
+    constexpr int besideTitle = 140; // pixels
+    QFont bold = box.font();
+    bold.setBold(true);
+    const int width = QFontMetrics(bold).horizontalAdvance(box.windowTitle()) + besideTitle;
+    auto& rows = static_cast<QGridLayout&>(*box.layout());
+    rows.addItem(new QSpacerItem(width, 0), rows.rowCount(), 0, 1, rows.columnCount());
+}
+
 MessageBoxes::Answer answerOf(int button)
 {
     switch (button) {
@@ -85,6 +99,7 @@ MessageBoxes::Answer QtMessageBoxes::show(const Text& text, const Text& title, I
     box.setTextFormat(Qt::PlainText);
     box.setText(shown(text).replace("\r\n", "\n"));
     box.setWindowModality(Qt::ApplicationModal);
+    makeRoomForTitle(box);
     return answerOf(box.exec());
 }
 

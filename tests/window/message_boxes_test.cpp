@@ -24,13 +24,13 @@ void pressEscape(QWidget& widget)
 }
 
 // The answer to a box with which a person does `what`, once it is shown.
-Answer answerTo(Buttons buttons, const std::function<void(QMessageBox&)>& what)
+Answer answerTo(Buttons buttons, const std::function<void(QMessageBox&)>& what, const Text& title = "Title")
 {
     QTimer::singleShot(0, [&] {
         REQUIRE(shownBox() != nullptr);
         what(*shownBox());
     });
-    return desktop::QtMessageBoxes().show("Text", "Title", MessageBoxes::Icon::none, buttons);
+    return desktop::QtMessageBoxes().show("Text", title, MessageBoxes::Icon::none, buttons);
 }
 
 }
@@ -70,4 +70,23 @@ TEST_CASE("A question of Yes and No stays until one of them is pressed")
         box.button(QMessageBox::Yes)->click();
     };
     CHECK(answerTo(Buttons::yesNo, tryAround) == Answer::yes);
+}
+
+TEST_CASE("A box has room for its title beside what a frame has there, however short its text")
+{
+    for (const Text title : {"CD created!", "No CD-R Found", "Default directory does not exist!", ""}) {
+        CAPTURE(title);
+        int width = 0;
+        answerTo(
+            Buttons::ok,
+            [&](QMessageBox& box) {
+                width = box.width();
+                box.close();
+            },
+            title);
+        QFont bold = QApplication::font();
+        bold.setBold(true);
+        CHECK(width >= QFontMetrics(bold).horizontalAdvance(QString::fromStdString(title)) + 120);
+        CHECK(width < 400);
+    }
 }
