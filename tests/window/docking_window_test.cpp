@@ -490,6 +490,32 @@ TEST_CASE("A main window that the system minimised is not saved, its list is")
     CHECK(p.calls() == saved("20010", "20010", "") + "Store.Position PlayList Editor/SHOWN = YES\n");
 }
 
+TEST_CASE("While the position thumb is held nothing snaps, follows or is saved; the release brings all of it")
+{
+    struct Ticking final : FakePlatform {
+        Toolkit ticking{Toolkit::Timers::run};
+        Toolkit& toolkit() override { return ticking; }
+    } platform;
+    placeMain(platform);
+    Program program(platform);
+    StartUp& window = program.startUp();
+    PlayListEditor& list = program.playListEditor();
+    list.Show();
+    window.window_active = true;
+    window.posbar_img2.MouseDown.raise(ctl::Button::left, 0, 0, 0);
+    window.setLeft(6000);
+    list.setTop(9180);
+    platform.log.clear();
+    REQUIRE(waitFor([&] { return platform.log.of("Profile").size() > 3; })); // the list's own timer goes on
+    CHECK(list.Left() == 3000);
+    CHECK(list.Top() == 9180);
+    CHECK(platform.log.of("Store").empty());
+
+    window.posbar_img2.MouseUp.raise(ctl::Button::left, 0, 0, 0);
+    CHECK(waitFor([&] { return list.Left() == 6000 && list.Top() == 8985; }));
+    CHECK(waitFor([&] { return platform.store.values[{listPlace, "Left"}] == "6000"; }));
+}
+
 TEST_CASE("The main window leads while it is active, and after the list was left")
 {
     Docking p;

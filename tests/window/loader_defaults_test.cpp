@@ -189,6 +189,20 @@ TEST_CASE("A directory that the look-up finds and the list cannot enter is a fai
     CHECK(w.workbench.outputdir.Caption() == "/");
 }
 
+TEST_CASE("The tracks' label has the directory before the list that cannot enter it fails")
+{
+    Workshop w;
+    const TemporaryFolder folder;
+    w.save(section::encoder, {{key::saveDirectory, "/"}});
+    w.save(section::decoder, {{key::saveDirectory, "/"}});
+    w.platform.outputDirectory = folder / "gone";
+    w.platform.scan.folders[w.platform.outputDirectory + "/*.*"] = {{FoundFile::directory, "."}};
+    w.workbench.CDtoWAVTB.setCaption("-");
+    CHECK_FALSE(succeeds([&] { w.load(); }));
+    CHECK(w.workbench.CDtoWAVsavedir.Caption() == w.platform.outputDirectory);
+    CHECK(w.workbench.CDtoWAVTB.Caption() == "-"); // the failure ends the load there
+}
+
 TEST_CASE("The defaults put a dialog back that was changed and never saved")
 {
     Workshop w;

@@ -185,6 +185,8 @@ TEST_CASE("The dialog's load lists the drives once more after the settings, then
                           "CDWriter.SelectDrive(0)\nCDWriter.WriterType\nCDWriter.SetWriterType(5)\n"
                           "CDWriter.WriterType\nCDWriter.DriveName(0)\n"));
     CHECK(p.program.settings().SetWAVtoCDcdwriter.Text() == "A writer");
+    CHECK(p.program.settings()
+              .SetWAVtoCDApp.Enabled()); // the find marks its tab, behind the load's own cleaning
 }
 
 TEST_CASE("The dialog's own load leaves no CD drive selected, although the settings had selected one")
