@@ -1,0 +1,65 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+"""Runs the cases that reach a mutant, cheapest first, until one fails. Before them those that killed its neighbours. A
+failure has to repeat, and a slow case to pass without the mutant: a loaded machine kills nobody."""
+import re
+from collections import Counter
+
+slow = 1.0 # seconds
+chunks = (1, 4, 16)
+longest = 64
+
+
+def limits(cases):
+    """Seconds, and the processor's seconds."""
+    return 10 * sum(case.seconds for case in cases) + 15, 10 * sum(case.cost for case in cases) + 5
+
+
+class Judge:
+    def __init__(self, cases):
+        self.cases, self.runner, self.killers = cases, cases.runner, {}
+
+    def order(self, mutant):
+        cases = [case for case in self.cases.by_mutant.get(mutant.number, []) if case.well]
+        before = [name for name, _ in self.killers.get(mutant.file, Counter()).most_common(3)]
+        first = [case for case in cases if case.name in before and case.cost < 2]
+        return first + [case for case in cases if case not in first]
+
+    def portions(self, cases):
+        """Few cases at first, then more in a process: a process costs as much as several cases."""
+        sizes = iter(chunks)
+        while cases:
+            size = next(sizes, longest)
+            of_one = [case for case in cases[:size] if case.group == cases[0].group and case.cost < 1]
+            portion = of_one or cases[:1]
+            cases = [case for case in cases if case not in portion]
+            yield portion
+
+    def verdict(self, mutant):
+        """("killed", by whom), ("survived", of how many) or ("unreached", "")."""
+        order = self.order(mutant)
+        for portion in self.portions(order):
+            killer = self.killer(mutant, portion)
+            if killer:
+                self.killers.setdefault(mutant.file, Counter())[killer.name] += 1
+                return "killed", f"{killer.group}/{killer.file}: {killer.name}"
+        return ("survived", f"{len(order)} cases") if order else ("unreached", "")
+
+    def killer(self, mutant, portion):
+        ending = self.runner.run(portion, *limits(portion), mutant.number)
+        if not ending.failed:
+            return None
+        if len(portion) == 1 and ending.late:
+            return portion[0] if self.passes_without(portion[0]) else None
+        named = re.search(r"^TEST CASE:  (.*)$", ending.said, re.M)
+        ahead = [case for case in portion if named and case.name == named[1]]
+        for case in ahead or portion:
+            if self.runner.run([case], *limits([case]), mutant.number).failed and self.passes_without(case):
+                return case
+        return None
+
+    def passes_without(self, case):
+        if case.seconds < slow or not self.runner.run([case], *limits([case])).failed:
+            return True
+        print(f"judges nobody any more: {case.group}/{case.file}: {case.name}", flush=True)
+        case.well = False
+        return False
