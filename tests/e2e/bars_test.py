@@ -33,7 +33,7 @@ class Bars(case.Case):
         start = self.thumb(thumb)
         travel = thumb[2] - 105
         end = left + round((thumb[0] + travel * share) / 15), top + round((thumb[1] + thumb[3] / 2) / 15)
-        self.desk.run("xdotool", "mousemove", *map(str, start), "mousedown", "1")
+        self.desk.hand("mousemove", *map(str, start), "mousedown", "1")
         self.app.pull(start, end)
         self.app.release()
 
@@ -57,7 +57,7 @@ class Bars(case.Case):
         wait_for(lambda: self.loudest() == (0, 0), "nothing is heard")
         left, top, _, _ = self.app.geometry(self.main)
         before = self.thumb(places.VOLUME_TRACK)
-        self.desk.run("xdotool", "mousemove", str(left + (360 + 1300) // 15), str(top + 1970 // 15), "click",
+        self.desk.hand("mousemove", str(left + (360 + 1300) // 15), str(top + 1970 // 15), "click",
                       "--repeat", "3", "--delay", "200", "1")
         wait_for(lambda: 0 < max(self.loudest()) < 2000, "presses on the track make it a little louder")
         self.assertGreater(self.thumb(places.VOLUME_TRACK)[0], before[0])

@@ -139,10 +139,10 @@ class Case(unittest.TestCase):
     def select_rows(self, title, names):
         """One by a click, the others by clicks with the control key."""
         self.app.click_control(self.wait_row(title, names[0]))
-        self.desk.run("xdotool", "keydown", "ctrl")
+        self.desk.hand("keydown", "ctrl")
         for name in names[1:]:
             self.app.click_control(self.wait_row(title, name))
-        self.desk.run("xdotool", "keyup", "ctrl")
+        self.desk.hand("keyup", "ctrl")
 
     def drop(self, paths):
         """Drags the files out of another program's window into the workbench's list. Returns what that one was told."""
@@ -155,7 +155,7 @@ class Case(unittest.TestCase):
         left, top, width, height = next(c for c in self.app.controls(WORKBENCH) if c.role == "list").place()
         x, y, _, _ = self.app.geometry(window)
         middle = (left + width // 2, top + height // 2)
-        self.desk.run("xdotool", "mousemove", str(x + 40), str(y + 30), "mousedown", "1")
+        self.desk.hand("mousemove", str(x + 40), str(y + 30), "mousedown", "1")
         self.app.pull((x + 40, y + 30), middle, steps=20)
         for _ in range(20):  # a hand is never quite still, and the two programs talk on each move
             self.app.pull(middle, (middle[0] + 3, middle[1]), steps=1)
@@ -170,7 +170,7 @@ class Case(unittest.TestCase):
                         "the tracks are listed")
         for row in rows:
             left, top, _, height = row.place()
-            self.desk.run("xdotool", "mousemove", str(left + round(9 * self.desk.scale)), str(top + height // 2), "click", "1")
+            self.desk.hand("mousemove", str(left + round(9 * self.desk.scale)), str(top + height // 2), "click", "1")
 
     def assert_alive(self):
         self.assertTrue(self.app.alive(), self.app.said())

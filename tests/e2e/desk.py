@@ -20,6 +20,7 @@ import time
 
 import dbus
 
+import desktops
 from reader import ScreenReader
 
 LIMIT = float(os.environ.get("VELMORA_TEST_LIMIT", "120"))
@@ -68,10 +69,12 @@ class Desk:
     open_desks = []
 
     def __init__(self, size="1280x900", sound=True, manager=True, scale=1, accessible=True, screen_file=False,
-                 home=None):
+                 home=None, portal=False):
+        self.desktop = desktops.chosen()
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="velmora-desk-"))
         self.home = pathlib.Path(home or self.folder / "home")
         self.scale = scale
+        self.size = size
         self.music = self.home / "Music"
         self.runtime = self.folder / "run"
         self.music.mkdir(parents=True)
@@ -83,19 +86,18 @@ class Desk:
         self.environment.update(
             HOME=str(self.home), XDG_RUNTIME_DIR=str(self.runtime), LC_ALL="C.UTF-8",
             PULSE_RUNTIME_PATH=str(self.runtime / "pulse"), PULSE_STATE_PATH=str(self.runtime / "pulse-state"),
-            PULSE_SERVER=f"unix:{self.runtime}/native", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1")
+            PULSE_SERVER=f"unix:{self.runtime}/{self.desktop.sound.socket}", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
+            **self.desktop.environment)
         if not accessible:
             del self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"]
         self.screen_file = screen_file
-        if scale != 1:
-            self.environment["QT_SCALE_FACTOR"] = str(scale)
-        self.sound = self.bus = self.reader = None
+        self.sound = self.bus = self.reader = self.hand = None
         Desk.open_desks.append(self)
         try:
-            self._start_display(size)
-            self._start_bus()
-            if manager:
-                self._start_manager()
+            self._choose_services(portal)
+            self.desktop.display.open(self, size, manager)
+            if scale != 1:
+                self.desktop.enlarge(self, scale)
             if sound:
                 self.start_sound()
         except BaseException:
@@ -129,8 +131,8 @@ class Desk:
     def close(self):
         if self in Desk.open_desks:
             Desk.open_desks.remove(self)
-        if self.reader:
-            self.reader.close()
+        for ear_or_hand in filter(None, (self.reader, self.hand)):
+            ear_or_hand.close()
         for process in reversed(self.processes):
             self.end(process)
         for recording in self.recordings:
@@ -142,16 +144,9 @@ class Desk:
     def run(self, *command):
         return run(*command, env=self.environment)
 
-    def _start_display(self, size):
-        read, write = os.pipe()
-        self.spawn("Xvfb", "-displayfd", str(write), "-screen", "0", f"{size}x24", "-nolisten", "tcp",
-                   "-noreset", *(["-fbdir", str(self.folder)] if self.screen_file else []), pass_fds=[write])
-        os.close(write)
-        with os.fdopen(read) as answer:
-            number = answer.readline().strip()
-        if not number:
-            raise AssertionError("Xvfb did not start")
-        self.environment["DISPLAY"] = f":{number}"
+    @staticmethod
+    def wait_for(condition, what):
+        return wait_for(condition, what)
 
     # What the bus starts on demand belongs to its process group.
     @staticmethod
@@ -161,7 +156,7 @@ class Desk:
         except ProcessLookupError:
             pass
 
-    def _start_bus(self):
+    def start_bus(self):
         read, write = os.pipe()
         self.bus = self.spawn("dbus-daemon", "--session", "--nofork", "--nopidfile", f"--print-address={write}",
                               pass_fds=[write])
@@ -172,22 +167,22 @@ class Desk:
         self.environment["DBUS_SYSTEM_BUS_ADDRESS"] = self.environment["DBUS_SESSION_BUS_ADDRESS"]
         self.reader = ScreenReader(self.environment["DBUS_SESSION_BUS_ADDRESS"], self.scale)
 
-    def _start_manager(self):
-        self.spawn("openbox", "--sm-disable")
-        wait_for(lambda: "window id" in subprocess.run(["xprop", "-root", "_NET_SUPPORTING_WM_CHECK"],
-                                                       env=self.environment, capture_output=True, text=True).stdout,
-                 "the window manager answers")
+    def _choose_services(self, portal):
+        """A desktop's portal that is installed here is no part of a desk, unless it is asked for. The one for documents, which
+        would mount a folder, never is."""
+        folder = self.runtime / "dbus-1/services"
+        folder.mkdir(parents=True)
+        for name in ("Documents", *([] if portal else ["Desktop"])):
+            (folder / f"{name}.service").write_text(f"[D-BUS Service]\nName=org.freedesktop.portal.{name}\nExec=/bin/false\n")
+        if portal:
+            self.environment["QT_QPA_PLATFORMTHEME"] = "xdgdesktopportal"
 
     def start_sound(self):
-        socket = f"{self.runtime}/native"
-        pathlib.Path(socket).unlink(missing_ok=True)
-        self.sound = self.spawn(
-            "pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1", "--disallow-exit=yes",
-            "--realtime=no", "--high-priority=no", "-L",
-            "module-null-sink sink_name=testsink format=s16le rate=44100 channels=2 norewinds=1", "-L",
-            f"module-native-protocol-unix socket={socket} auth-anonymous=1")
-        wait_for(lambda: subprocess.run(["pactl", "info"], env=self.environment, capture_output=True).returncode == 0,
-                 "the sound server answers")
+        self.sound = self.desktop.sound.start(self)
+
+    def mend_sound(self):
+        """After the end of what programs speak with."""
+        self.sound = self.desktop.sound.mend(self)
 
     def pixels(self, twips):
         return round(twips / TWIPS * self.scale)
@@ -196,8 +191,11 @@ class Desk:
         """Nothing while none is."""
         return subprocess.run(["xdotool", "getactivewindow"], env=self.environment, capture_output=True, text=True).stdout.strip()
 
-    def screenshot(self, path, window="root"):
-        self.run("import", "-window", str(window), str(path))
+    def screenshot(self, path, window=None):
+        if window:
+            self.run("import", "-window", str(window), str(path))
+        else:
+            self.desktop.display.picture(self, path)
 
     def picture_of_failure(self):
         """What the desk looked like when a condition did not come true, for whoever looks into it."""
@@ -271,6 +269,7 @@ class Velmora:
                                            env={**self.desk.environment, **self.environment})
         if wait:
             self.window("Velmora v2.0")
+            self.desk.hand.reach()
         return self
 
     def said(self):
@@ -348,30 +347,30 @@ class Velmora:
     # Mouse and keys. Places are in twips of a window.
 
     def point(self, window, left, top):
-        self.desk.run("xdotool", "mousemove", "--window", str(window), str(self.desk.pixels(left)),
+        self.desk.hand("mousemove", "--window", str(window), str(self.desk.pixels(left)),
                       str(self.desk.pixels(top)))
 
     def click(self, window, place, button=1, times=1):
         """Into the middle of a control's place: left, top, width, height."""
         left, top, width, height = place
         self.point(window, left + width / 2, top + height / 2)
-        self.desk.run("xdotool", "click", "--repeat", str(times), "--delay", "60", str(button))
+        self.desk.hand("click", "--repeat", str(times), "--delay", "60", str(button))
 
     def grip(self, window, place):
         """Presses the button on a control and keeps it down. Returns the pointer's place on the screen."""
         left, top, _, _ = self.geometry(window)
         x, y = left + self.desk.pixels(place[0] + place[2] / 2), top + self.desk.pixels(place[1] + place[3] / 2)
-        self.desk.run("xdotool", "mousemove", str(x), str(y), "mousedown", "1")
+        self.desk.hand("mousemove", str(x), str(y), "mousedown", "1")
         return x, y
 
     def pull(self, start, end, steps=8):
         """Moves the pointer, step by step."""
         for step in range(1, steps + 1):
             at = (round(a + (b - a) * step / steps) for a, b in zip(start, end))
-            self.desk.run("xdotool", "mousemove", *map(str, at))
+            self.desk.hand("mousemove", *map(str, at))
 
     def release(self):
-        self.desk.run("xdotool", "mouseup", "1")
+        self.desk.hand("mouseup", "1")
 
     def drag(self, window, place, by):
         """Drags a control by so many pixels."""
@@ -384,11 +383,11 @@ class Velmora:
         return track[0], track[1], 105, 75
 
     def key(self, *keys):
-        self.desk.run("xdotool", "key", "--delay", "30", *keys)
+        self.desk.hand("key", "--delay", "30", *keys)
 
     def type(self, text):
         """Letters that no key has are put on one for the moment, which takes all programs some time to learn."""
-        self.desk.run("xdotool", "type", "--delay", "4" if text.isascii() else "120", text)
+        self.desk.hand("type", "--delay", "4" if text.isascii() else "120", text)
 
     # The dialogs
 
@@ -399,8 +398,9 @@ class Velmora:
         self.focus(dialog)
         _, _, width, height = self.geometry(dialog)
         if filter_row is not None:
-            self._click_pixels(dialog, width // 2, height - round(23 * self.desk.scale))
-            wait_for(lambda: self.popups() > 0, "the list of the kinds of files opens")
+            self.settled(title)
+            kinds = (dialog, width // 2, height - round(23 * self.desk.scale))
+            wait_for(lambda: self._popup_opens(lambda: self._click_pixels(*kinds)), "the list of the kinds of files opens")
             self.key("Home", *["Down"] * filter_row, "Return")
             wait_for(lambda: self.popups() == 0, "the list of the kinds of files closes")
         before()
@@ -411,19 +411,22 @@ class Velmora:
         self.gone(title)
 
     def _click_pixels(self, window, x, y):
-        self.desk.run("xdotool", "mousemove", "--window", str(window), str(x), str(y), "click", "1")
+        self.desk.hand("mousemove", "--window", str(window), str(x), str(y), "click", "1")
 
     def popups(self):
         """How many menus are open."""
         return len(self.popup_windows())
 
     def popup_windows(self):
-        """The windows that no window manager manages."""
+        """The windows that no window manager manages, tips left out."""
         found = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "velmora"], capture_output=True,
                                text=True, env=self.desk.environment)
-        return [window for window in found.stdout.split()
-                if "not found" in subprocess.run(["xprop", "-id", window, "WM_STATE"], capture_output=True, text=True,
-                                                 env=self.desk.environment).stdout]
+
+        def is_popup(window):
+            told = subprocess.run(["xprop", "-id", window, "WM_STATE", "_NET_WM_WINDOW_TYPE"], capture_output=True, text=True,
+                                  env=self.desk.environment).stdout
+            return "WM_STATE:  not found" in told and "TOOLTIP" not in told
+        return list(filter(is_popup, found.stdout.split()))
 
     def menu(self, window, *mnemonics):
         """Opens the window's menu by its image and walks it by its underlined letters."""
@@ -433,14 +436,14 @@ class Velmora:
 
     def open_menu(self, window, *mnemonics):
         """As `menu`, but the menu that the last letter opens stays open."""
-        wait_for(lambda: self._menu_opens(window), "the menu opens")
+        wait_for(lambda: self._popup_opens(lambda: self.click(window, (0, 0, 240, 225))), "the menu opens")
         for depth, letter in enumerate(mnemonics, 1):
             self.key(letter)
             wait_for(lambda: self.popups() > depth, f"menu {depth + 1} opens")
 
-    def _menu_opens(self, window):
+    def _popup_opens(self, click):
         """A window manager that is still busy with another window may keep a click for itself: a person clicks again."""
-        self.click(window, (0, 0, 240, 225))
+        click()
         with contextlib.suppress(Impatient):
             return wait_for(lambda: self.popups() > 0, "a menu shows", limit=LIMIT / 6)
 
@@ -473,12 +476,12 @@ class Velmora:
 
     def click_control(self, control, times=1):
         self.point_at(control)
-        self.desk.run("xdotool", "click", "--repeat", str(times), "--delay", "60", "1")
+        self.desk.hand("click", "--repeat", str(times), "--delay", "60", "1")
 
     def point_at(self, control):
         left, top, width, height = control.place()
-        self.desk.run("xdotool", "mousemove", str(left + width // 2), str(top + height // 2))
+        self.desk.hand("mousemove", str(left + width // 2), str(top + height // 2))
 
     def click_meanwhile(self):
         """Clicks where the pointer is while the test goes on: it sees what begins from its first moment."""
-        self.desk.spawn("xdotool", "click", "1")
+        self.desk.hand.meanwhile("click", "1")

@@ -97,7 +97,7 @@ class Hostile(case.Case):
                                  if c.role == "list item" and c.name.endswith(".wav")], "the files are listed")
         self.assertEqual(len(rows), len(names))
         left, top, _, height = rows[0].place()  # which is wider than the list
-        self.desk.run("xdotool", "mousemove", str(left + 20), str(top + height // 2), "click", "1", "key", "ctrl+a")
+        self.desk.hand("mousemove", str(left + 20), str(top + height // 2), "click", "1", "key", "ctrl+a")
         self.app.press(case.WORKBENCH, "push button", "Encode")
         made = lambda: sorted(os.listdir(bytes_of(self.desk.music)))
         wanted = sorted(name + b".mp3" for name in names)

@@ -61,7 +61,7 @@ class Settings(case.Case):
         self.open_tab("d", "s")
         self.to_ripping_tab()
         self.app.point_at([c for c in self.app.controls(case.SETTINGS) if c.role == "list"][-1])
-        self.desk.run("xdotool", "click", "--repeat", "10", "--delay", "20", "5")  # the list is low: to its last row
+        self.desk.hand("click", "--repeat", "10", "--delay", "20", "5")  # the list is low: to its last row
         self.to_folder(case.SETTINGS, "waves")
         wait_for(lambda: self.button("Apply").has(ENABLED), "there is something to apply")
         box = wait_for(lambda: next((c for c in self.app.controls(case.SETTINGS) if c.role == "text"), None), "the box")

@@ -86,7 +86,7 @@ class Windows(WindowsCase):
         self.list = self.show_list()
         x, y = self.app.grip(self.list, TITLE)
         self.app.pull((x, y), (x + 30, y + 20))
-        self.desk.run("xdotool", "key", "alt+F4")
+        self.desk.hand("key", "alt+F4")
         self.app.gone(case.LIST)
         self.app.release()
         self.list = self.show_list()
@@ -152,7 +152,7 @@ class Windows(WindowsCase):
             def move(right, down):
                 nonlocal x, y
                 x, y = min(max(x + right, 100), 1100), min(max(y + down, 50), 700)
-                self.desk.run("xdotool", "mousemove", str(x), str(y))
+                self.desk.hand("mousemove", str(x), str(y))
                 shown.append((time.monotonic(), (x - hold[0], y - hold[1])))
                 shown.append((time.monotonic(), self.app.geometry(self.main)[:2]))
 
