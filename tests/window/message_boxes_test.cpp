@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/qt_message_boxes.h"
 
+#include "support/face.h"
+#include "support/waiting.h"
+#include "toolkit/later.h"
+#include "toolkit/toolkit.h"
+
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTimer>
 #include <doctest/doctest.h>
 
 namespace
@@ -26,7 +30,7 @@ void pressEscape(QWidget& widget)
 // The answer to a box with which a person does `what`, once it is shown.
 Answer answerTo(Buttons buttons, const std::function<void(QMessageBox&)>& what, const Text& title = "Title")
 {
-    QTimer::singleShot(0, [&] {
+    later(QCoreApplication::instance(), [&] {
         REQUIRE(shownBox() != nullptr);
         what(*shownBox());
     });
@@ -89,4 +93,19 @@ TEST_CASE("A box has room for its title beside what a frame has there, however s
         CHECK(width >= QFontMetrics(bold).horizontalAdvance(QString::fromStdString(title)) + 120);
         CHECK(width < 400);
     }
+}
+
+TEST_CASE("The program's timers go on behind a box")
+{
+    Toolkit toolkit(Toolkit::Timers::run);
+    Face face(toolkit);
+    int ticks = 0;
+    face.timer.Timer.calls([&] { ++ticks; });
+    answerTo(Buttons::ok, [&](QMessageBox& box) {
+        const int before = ticks;
+        CHECK(waitFor([&] { return ticks > before + 3; }));
+        CHECK(box.isVisible());
+        box.button(QMessageBox::Ok)->click();
+    });
+    CHECK(ticks > 3);
 }
