@@ -98,8 +98,8 @@ void StartUp::takeMp3File()
 {
     skipping([this] { Mp3Player->Stop(); }, [this] { Mp3Player->Close(); },
              [this] { mp3filename.setCaption(OpenSaveDialog1->FileName()); },
-             [this] { Mp3Player->Open(mp3filename.Caption(), ""); }, [this] { showFileInformation(); },
-             [this] { MMControl1->setCommand("Close"); });
+             [this] { Mp3Player->Open(mp3filename.Caption(), ""); },
+             [this] { showFileInformationSkipping(); }, [this] { MMControl1->setCommand("Close"); });
 }
 
 void StartUp::takeWavFile()
@@ -111,7 +111,7 @@ void StartUp::takeWavFile()
     skipping([this] { Mp3Player->Close(); }, [this] { MMControl1->setCommand("Close"); },
              [this] { MMControl1->setDeviceType("WaveAudio"); },
              [this] { MMControl1->setFileName(mp3filename.Caption()); },
-             [this] { MMControl1->setCommand("Open"); }, [this] { showLength(MMControl1->Length()); });
+             [this] { MMControl1->setCommand("Open"); }, [this] { showWavLengthSkipping(); });
 }
 
 void StartUp::editTag()

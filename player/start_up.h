@@ -181,7 +181,8 @@ private:
     void playWav();
     void startMp3Row();
     void showFileInformation();
-    void showLength(std::int32_t milliseconds);
+    void showFileInformationSkipping(); // where failures are skipped: each label by itself
+    void showWavLengthSkipping();       // likewise
 
     void readPosition();
     void savePlace();

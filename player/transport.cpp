@@ -8,6 +8,41 @@
 #include "playlist/play_list_editor.h"
 #include "program.h"
 
+#include <span>
+
+namespace
+{
+
+using Statement = void (*)(StartUp&);
+
+// clang-format off
+constexpr Statement fileInformation[] = {
+    [](StartUp& w) { w.stitle.setCaption(w.Mp3Player->Title()); },
+    [](StartUp& w) { w.sartist.setCaption(w.Mp3Player->Artist()); },
+    [](StartUp& w) { w.salbum.setCaption(w.Mp3Player->Album()); },
+    [](StartUp& w) { w.sgenre.setCaption(w.Mp3Player->GenreName(w.Mp3Player->GenreIndex())); },
+    [](StartUp& w) { w.total_min = wholeMinutes(w.Mp3Player->Length()); },
+    [](StartUp& w) { w.total_sec = twoDigitSeconds(w.Mp3Player->Length()); },
+    [](StartUp& w) { w.slength.setCaption(w.total_min + ":" + w.total_sec); },
+    [](StartUp& w) { w.sbitrate.setCaption(textOf(w.Mp3Player->Bitrate() / 1000.0)); },
+    [](StartUp& w) { w.sfrequency.setCaption(textOf(w.Mp3Player->Frequency() / 1000.0)); },
+};
+
+constexpr Statement wavLength[] = {
+    [](StartUp& w) { w.total_min = wholeMinutes(w.MMControl1->Length()); },
+    [](StartUp& w) { w.total_sec = twoDigitSeconds(w.MMControl1->Length()); },
+    [](StartUp& w) { w.slength.setCaption(w.total_min + ":" + w.total_sec); },
+};
+// clang-format on
+
+void skippingEach(std::span<const Statement> statements, StartUp& window)
+{
+    for (const auto statement : statements)
+        skipping([&] { statement(window); });
+}
+
+}
+
 void StartUp::prepareOpenDialog()
 {
     OpenSaveDialog1->setInitialName("");
@@ -30,21 +65,13 @@ void StartUp::retryingOpen()
 
 void StartUp::showFileInformation()
 {
-    stitle.setCaption(Mp3Player->Title());
-    sartist.setCaption(Mp3Player->Artist());
-    salbum.setCaption(Mp3Player->Album());
-    sgenre.setCaption(Mp3Player->GenreName(Mp3Player->GenreIndex()));
-    showLength(Mp3Player->Length());
-    sbitrate.setCaption(textOf(Mp3Player->Bitrate() / 1000.0));
-    sfrequency.setCaption(textOf(Mp3Player->Frequency() / 1000.0));
+    for (const auto statement : fileInformation)
+        statement(*this);
 }
 
-void StartUp::showLength(std::int32_t milliseconds)
-{
-    total_min = wholeMinutes(milliseconds);
-    total_sec = twoDigitSeconds(milliseconds);
-    slength.setCaption(total_min + ":" + total_sec);
-}
+void StartUp::showFileInformationSkipping() { skippingEach(fileInformation, *this); }
+
+void StartUp::showWavLengthSkipping() { skippingEach(wavLength, *this); }
 
 // Which of the two runs is judged once: after the dialog the file is known, and still only the first has run.
 void StartUp::Image1_Click()
@@ -69,14 +96,15 @@ void StartUp::playChosenFile()
     if (OpenSaveDialog1->FilterIndex() == kind::mp3)
         skipping([this] { mp3filename.setCaption(OpenSaveDialog1->FileName()); },
                  [this] { Mp3Player->Stop(); }, [this] { Mp3Player->Close(); },
-                 [this] { Mp3Player->Open(mp3filename.Caption(), ""); }, [this] { showFileInformation(); });
+                 [this] { Mp3Player->Open(mp3filename.Caption(), ""); },
+                 [this] { showFileInformationSkipping(); });
     else
         skipping([this] { mp3filename.setCaption(OpenSaveDialog1->FileName()); },
                  [this] { stitle.setCaption(OpenSaveDialog1->FileTitle()); },
                  [this] { MMControl1->setCommand("Close"); },
                  [this] { MMControl1->setDeviceType("WaveAudio"); },
                  [this] { MMControl1->setFileName(mp3filename.Caption()); },
-                 [this] { MMControl1->setCommand("Open"); }, [this] { showLength(MMControl1->Length()); });
+                 [this] { MMControl1->setCommand("Open"); }, [this] { showWavLengthSkipping(); });
 
     skipping([this] {
         program_.settingsStore().SaveSetting(section::general, key::fileType,

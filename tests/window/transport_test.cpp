@@ -304,6 +304,56 @@ TEST_CASE("From the dialog on, a step that fails is left out and the rest of Pla
     }
 }
 
+TEST_CASE("From the dialog on, a label whose question fails leaves the other labels to be filled")
+{
+    struct Row {
+        Text question;
+        Text shown;
+    };
+    const Row rows[] = {
+        {"Title", "old\nR&B\nAn album\nGenre 17\n3:07\n128\n44.1\n"},
+        {"Artist", "Salt & <b>Pepper</b>\nold\nAn album\nGenre 17\n3:07\n128\n44.1\n"},
+        {"Length", "Salt & <b>Pepper</b>\nR&B\nAn album\nGenre 17\n9:09\n128\n44.1\n"},
+    };
+    for (const auto& row : rows)
+        for (const bool byMenu : {false, true}) {
+            CAPTURE(row.question);
+            CAPTURE(byMenu);
+            Player p;
+            giveTag(p.mp3());
+            setOldLabels(p.window);
+            p.window.total_min = "9";
+            p.window.total_sec = "09";
+            bool asked = false;
+            p.mp3().onQuestion = [&](const Text& question) {
+                if (question != row.question)
+                    return;
+                asked = true;
+                throw Failure(Trouble::deviceInputOutput);
+            };
+            p.choose(song, kind::mp3);
+            byMenu ? p.platform.mainMenu->choose(2) : p.window.Image1_Click();
+            CHECK(asked);
+            CHECK(labelsOf(p.window) == row.shown);
+            CHECK(p.platform.boxes.shown.empty());
+            CHECK(p.stored("General Settings", "FileType") == "2");
+        }
+}
+
+TEST_CASE("Outside such a stretch a label whose question fails ends the handler there")
+{
+    Player p;
+    p.current(song, kind::mp3);
+    giveTag(p.mp3());
+    setOldLabels(p.window);
+    p.mp3().onQuestion = [](const Text& question) {
+        if (question == "Artist")
+            throw Failure(Trouble::deviceInputOutput);
+    };
+    CHECK_FALSE(succeeds([&] { p.window.Image1_Click(); }));
+    CHECK(labelsOf(p.window) == "Salt & <b>Pepper</b>\nold\nold\nold\nold\nold\nold\n");
+}
+
 TEST_CASE("Play on a known MP3 file starts it from its beginning and shows its information")
 {
     Player p;
