@@ -35,13 +35,13 @@ bool StartUp::FileOrDirExists(const Text& name, const Text& folder)
 
     DirectoryScan& scan = program_.platform().directoryScan();
     FoundFile found;
-    const auto handle = scan.FindFirstFile(joined(path, "*.*"), found);
+    auto handle = DirectoryScan::invalid;
+    succeeds([&] { handle = scan.FindFirstFile(joined(path, "*.*"), found); });
     if (handle == DirectoryScan::invalid)
         return false;
     bool exists = true;
-    if (seeksFile)
-        succeeds([&] { exists = scanFinds(scan, handle, found, Text(fileTitle(name))); });
-    scan.FindClose(handle);
+    skipping([&] { exists = !seeksFile || scanFinds(scan, handle, found, Text(fileTitle(name))); },
+             [&] { scan.FindClose(handle); });
     return exists;
 }
 

@@ -73,6 +73,28 @@ TEST_CASE("A file or a folder is looked up by walking through its folder")
     }
 }
 
+TEST_CASE("A look-up never fails, whatever the scan does")
+{
+    struct Row {
+        Text failing;
+        bool exists;
+    };
+    for (const auto& row : {Row{"Scan.FindFirstFile(/m/*.*)", false}, Row{"Scan.FindClose", true}}) {
+        CAPTURE(row.failing);
+        Player p(fill);
+        bool failed = false;
+        p.platform.log.onCall = [&](const Text& call) {
+            if (call != row.failing)
+                return;
+            failed = true;
+            throw Failure(Trouble::deviceInputOutput);
+        };
+        CHECK(p.window.FileOrDirExists("/m/a.mp3", "") == row.exists);
+        CHECK(p.window.FileOrDirExists("", "/m") == row.exists);
+        CHECK(failed);
+    }
+}
+
 TEST_CASE("A fixed-length text ends at its first character of code 0")
 {
     CHECK(StartUp::StripTerminator("") == "");
