@@ -410,10 +410,15 @@ TEST_CASE("A genre past the rows is a failure that nobody handles")
     Player p;
     p.current(song, kind::mp3);
     p.mp3().genreIndex = 81;
+    p.mp3().title = "A title";
+    p.program.editFileInfoForm().txtTitle.setText("old");
     int number = 0;
     guarded([&](const Failure& failure) { number = failure.number; }, [&] { choose(p, 5); });
     CHECK(number == 380);
-    CHECK_FALSE(p.program.editFileInfoForm().Visible());
+    auto& editor = p.program.editFileInfoForm();
+    CHECK_FALSE(editor.Visible());
+    CHECK(editor.filelocation.Text() == song); // what stands before the genre was done
+    CHECK(editor.txtTitle.Text().empty());
     CHECK(p.platform.boxes.shown.empty());
 }
 

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "support/player.h"
 #include "support/pointer.h"
+#include "toolkit/skin.h"
 
 #include <QApplication>
 #include <QLabel>
+#include <QPainter>
 #include <doctest/doctest.h>
 
 namespace
@@ -116,6 +118,7 @@ TEST_CASE("The labels stand in their rows, under these captions")
         {w.lblBitrate, "lblBitrate", "Bitrate:", {1920, 1680, 780, 255}},
         {w.sbitrate, "sbitrate", "", {2760, 1680, 495, 255}},
         {w.lblkbps, "lblkbps", "kbps", {3270, 1680, 495, 255}},
+        {w.lblSampleFreq, "lblSampleFreq", "Frequency:", {1920, 1920, 780, 255}},
         {w.sfrequency, "sfrequency", "", {2760, 1920, 495, 255}},
         {w.lblkHz, "lblkHz", "kHz", {3270, 1920, 495, 255}},
     };
@@ -125,10 +128,56 @@ TEST_CASE("The labels stand in their rows, under these captions")
         CHECK(c.label.Caption() == c.caption);
         CHECK(placeOf(c.label) == c.place);
     }
-    CHECK(w.lblSampleFreq.Caption() == "Frequency:");
-    CHECK(w.lblSampleFreq.Left() == 1920);
-    CHECK(w.lblSampleFreq.Top() == 1920);
     CHECK(w.mp3filename.Name() == Text("mp3filename"));
+}
+
+TEST_CASE("Frames go round the information, the time, the transport and the two small bars")
+{
+    Player p;
+    QWidget& page = *p.window.page();
+    QImage face(page.size(), QImage::Format_RGB32);
+    page.render(&face, {}, {}, QWidget::RenderFlags());
+    QImage bare(page.size(), QImage::Format_RGB32);
+    QPainter painter(&bare);
+    p.platform.toolkit().skin().draw(painter, "StartUp", Skin::State::normal, page.rect());
+    painter.end();
+
+    struct Row {
+        Text frame;
+        QRect rect;
+    };
+    const Row rows[] = {
+        {"Shape1", {125, 16, 281, 131}},
+        {"Shape2", {16, 16, 105, 49}},
+        {"Shape3", {16, 72, 105, 41}},
+        {"Shape4", {16, 120, 105, 42}},
+    };
+    const auto isFramed = [&](QPoint at) { return face.pixel(at) != bare.pixel(at); };
+    for (const auto& row : rows) {
+        CAPTURE(row.frame);
+        const QRect& rect = row.rect;
+        const QPoint middle = rect.center();
+        CHECK(isFramed({rect.left(), middle.y()}));
+        CHECK(isFramed({rect.right(), middle.y()}));
+        CHECK(isFramed({middle.x(), rect.top()}));
+        CHECK(isFramed({middle.x(), rect.bottom()}));
+        CHECK_FALSE(isFramed({rect.left() - 1, middle.y()}));
+        CHECK_FALSE(isFramed({rect.right() + 1, middle.y()}));
+        CHECK_FALSE(isFramed({middle.x(), rect.top() - 1}));
+        CHECK_FALSE(isFramed({middle.x(), rect.bottom() + 1}));
+    }
+}
+
+TEST_CASE("The three transport images have a pointer of their own")
+{
+    Player p;
+    const auto pointerOver = [&](const ctl::Image& image) {
+        return p.window.page()->findChild<QWidget*>(image.Name())->cursor().shape();
+    };
+    for (const auto* image : {&p.window.Image1, &p.window.Image2, &p.window.Image3})
+        CHECK(pointerOver(*image) == Qt::PointingHandCursor);
+    for (const auto* image : {&p.window.imgMenu, &p.window.closeVLMimg, &p.window.Minimizeimg})
+        CHECK(pointerOver(*image) == Qt::ArrowCursor);
 }
 
 TEST_CASE("The hidden sliders keep these ranges")
