@@ -198,19 +198,19 @@ TEST_CASE("The stored kind stands before the dialog opens")
         Text stored;
         std::int16_t opensOn;
     };
-    for (const auto& [stored, opensOn] :
+    for (const auto& row :
          {Row{"", 7}, Row{"1", 1}, Row{"2", 2}, Row{" 2 ", 2}, Row{"1.5", 2}, Row{"0", 0}}) {
-        CAPTURE(stored);
+        CAPTURE(row.stored);
         Player p;
         p.dialog().filterIndex = 7;
-        p.store("General Settings", "FileType", stored);
+        p.store("General Settings", "FileType", row.stored);
         std::int16_t seen = -1;
         p.platform.log.onCall = [&](const Text& call) {
             if (call == "OpenSaveDialog1.Flags = 4112")
                 seen = p.dialog().filterIndex;
         };
         p.window.Image1_Click();
-        CHECK(seen == opensOn);
+        CHECK(seen == row.opensOn);
     }
 }
 
