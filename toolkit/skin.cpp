@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QSvgRenderer>
 #include <array>
+#include <cmath>
 
 namespace
 {
@@ -24,6 +25,19 @@ QString groupOf(const QSvgRenderer& art, Skin::State state)
 {
     const QString group = groups[static_cast<std::size_t>(state)];
     return art.elementExists(group) ? group : QString(groups.front());
+}
+
+constexpr QColor shadow(0, 0, 0, 90); // over what a frame holds
+constexpr int rim = 4;                // pixels
+
+void paintFrame(QPainter& painter, const QRect& rect)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(QColor(255, 255, 255, lineStrength()), 1));
+    painter.setBrush(shadow);
+    painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), rim, rim);
+    painter.restore();
 }
 
 }
@@ -60,23 +74,36 @@ QIcon Skin::icon(const char* name)
     return icon;
 }
 
-void Skin::drawFrame(QPainter& painter, const QRect& rect, const QRegion& changed) const
+// Only the rim has curves, and a label that changes, over it or within, must not cost them again: the toolkit
+// wakes threads of its own for them.
+void Skin::drawFrame(QPainter& painter, const QRect& rect, const QRegion& changed)
 {
-    constexpr QColor shade(0, 0, 0, 90);
-    constexpr int rim = 4;
     const QRect part = (changed & rect).boundingRect();
     if (part.isEmpty())
         return;
-    // Only the rim has curves. A label that changes within must not cost the whole frame.
+    const qreal scale = painter.device()->devicePixelRatio();
     const QRect within = rect.adjusted(rim, rim, -rim, -rim);
     if (within.adjusted(1, 1, -1, -1).contains(part))
-        return painter.fillRect(within, shade);
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(QColor(255, 255, 255, lineStrength()), 1));
-    painter.setBrush(shade);
-    painter.drawRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), rim, rim);
-    painter.restore();
+        painter.fillRect(within, shadow);
+    else if (part == rect || scale != std::floor(scale))
+        paintFrame(painter, rect);
+    else
+        painter.drawPixmap(rect.topLeft(), frame(rect.size(), scale));
+}
+
+QPixmap Skin::frame(QSize size, qreal scale)
+{
+    const QString key =
+        QString("frame/%1x%2@%3/%4").arg(size.width()).arg(size.height()).arg(scale).arg(lineStrength());
+    QPixmap& known = pictures_[key];
+    if (known.isNull()) {
+        known = QPixmap(size * scale);
+        known.setDevicePixelRatio(scale);
+        known.fill(Qt::transparent);
+        QPainter painter(&known);
+        paintFrame(painter, QRect(QPoint(), size));
+    }
+    return known;
 }
 
 QSvgRenderer& Skin::renderer(const QString& name)

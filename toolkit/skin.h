@@ -39,7 +39,7 @@ public:
     QIcon icon(const char* name);
 
     // The rectangle that frames a group of controls; of it, what has changed.
-    void drawFrame(QPainter& painter, const QRect& rect, const QRegion& changed) const;
+    void drawFrame(QPainter& painter, const QRect& rect, const QRegion& changed);
 
 private:
     struct Kept {
@@ -50,6 +50,7 @@ private:
 
     QSvgRenderer& renderer(const QString& name);
     QPixmap picture(const QString& name, State state, QSize size, qreal scale);
+    QPixmap frame(QSize size, qreal scale);
     QImage painted(const QString& name, State state, QSize size, qreal scale);
     Kept& kept(qreal scale);
     void write();
