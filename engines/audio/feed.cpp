@@ -10,7 +10,7 @@ namespace
 {
 
 // How far decoding runs ahead: enough for a busy machine, little to throw away at a seek.
-constexpr int feedsPerSecond = 4;
+constexpr int feedsPerSecond = 2;
 constexpr int smallestFeed = 1024; // frames
 
 }

@@ -17,7 +17,7 @@ constexpr int runawayFactor = 4;
 constexpr auto runawayAllowance = 500ms;
 
 // Between looks the clock tells the position. The end of a feed is looked for at its own moment.
-constexpr Stream::Clock::duration lookEvery = 100ms;
+constexpr Stream::Clock::duration lookEvery = 200ms;
 constexpr Stream::Clock::duration lookForStart = 5ms;
 constexpr Stream::Clock::duration lookSoonest = 1ms;
 

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 namespace
 {
 
-constexpr auto refill = 80ms;     // of a feed that holds 250
+constexpr auto refill = 200ms;    // of a feed that holds 500
 constexpr auto pauseWatch = 20ms; // until a pause has been heard
 
 // What is decoded before the first of it is given away: more than an output asks for at once.
