@@ -83,28 +83,43 @@ class KeptByLibrary
 public:
     KeptByLibrary()
     {
-        const QSettings settings(scope, "QtProject");
+        const QSettings settings(file(), QSettings::NativeFormat);
         QStringList places{lastVisited, settings.value("FileDialog/lastVisited").toString()};
         for (const char* key : {"FileDialog/shortcuts", "FileDialog/history"})
             places << settings.value(key).toStringList();
         if (std::none_of(places.begin(), places.end(), isUnanswered))
             return;
-        folder_ = QFileInfo(settings.fileName()).path();
-        QSettings::setPath(QSettings::NativeFormat, scope, "/dev/null");
+        turnAway();
     }
-    ~KeptByLibrary()
-    {
-        if (!folder_.isEmpty())
-            QSettings::setPath(QSettings::NativeFormat, scope, folder_);
-    }
+    ~KeptByLibrary() { QSettings::setPath(QSettings::NativeFormat, scope, QFileInfo(file()).path()); }
     KeptByLibrary(const KeptByLibrary&) = delete;
     KeptByLibrary& operator=(const KeptByLibrary&) = delete;
+
+    // From now on the library finds nothing, and keeps nothing: it would wait until the disk has it for good.
+    static void turnAway() { QSettings::setPath(QSettings::NativeFormat, scope, "/dev/null"); }
+
+    // As the library keeps it, for the next dialog of any program.
+    static void keepView(QFileDialog::ViewMode view)
+    {
+        files::ErrandThread(
+            [view] {
+                QSettings settings(file(), QSettings::NativeFormat);
+                settings.setValue("FileDialog/viewMode", view == QFileDialog::List ? "List" : "Detail");
+            },
+            [] {});
+    }
 
     inline static QString lastVisited; // of this process, which the library knows before it keeps it
 
 private:
+    // Where it is while the library is not turned away.
+    static const QString& file()
+    {
+        static const QString path = QSettings(scope, "QtProject").fileName();
+        return path;
+    }
+
     static constexpr auto scope = QSettings::UserScope;
-    QString folder_;
 };
 
 // With its separator.
@@ -145,6 +160,12 @@ public:
         setIconProvider(&filePictures());
         setOption(DontUseCustomDirectoryIcons);
         connect(folders_, &QFileSystemModel::directoryLoaded, this, &FileDialog::noteLooked);
+    }
+    ~FileDialog() override
+    {
+        if (viewMode() != viewBefore_)
+            keepView(viewMode());
+        turnAway();
     }
 
     // Its end waits for the thread that looks at folders: while one does not answer, it comes later.
@@ -204,6 +225,7 @@ private:
     QFileSystemModel* folders_ = findChild<QFileSystemModel*>();
     FileDialogGate gate_{*this};
     QStringList looked_; // folders that have answered
+    const ViewMode viewBefore_ = viewMode();
     bool isOver_ = false;
 };
 

@@ -34,6 +34,11 @@ class SlowDisk(case.Case):
         self.app.menu(self.list, "f", "s")
         wait_for(lambda: self.saved.read_bytes() == self.lines(rows), "the list is saved")
 
+    def save_as(self, path, rows):
+        self.app.menu(self.list, "f", "a")
+        self.app.choose_file("Enter a filename", path)
+        wait_for(lambda: path.exists() and path.read_bytes() == self.lines(rows), "the list is saved under another name")
+
     def apply_a_setting(self):
         self.open_workbench("e", "s")
         self.app.press(case.SETTINGS, "radio button", "320")
@@ -51,6 +56,7 @@ class SlowDisk(case.Case):
         wait_for(lambda: self.label(places.BITRATE) != "", "the list runs")
         self.save(rows)
         self.app.click(self.list, places.LIST_STOP)
+        self.save_as(self.desk.home / "other.vlp", rows)
         self.apply_a_setting()
         self.assertIn("worker", wait_for(self.noted, "something is kept for good"))
         self.assertEqual([line for line in self.noted() if line != "worker"], [])

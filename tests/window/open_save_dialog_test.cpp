@@ -240,6 +240,31 @@ TEST_CASE("A folder for music that does not answer, where another program's dial
     settings.setValue("FileDialog/lastVisited", before);
 }
 
+TEST_CASE("The view that a person chose is the next dialog's, and what stays as it was is not written again")
+{
+    using enum QFileDialog::ViewMode;
+    Dialog dialog;
+    const QString kept = QSettings(QSettings::UserScope, "QtProject").fileName();
+    const auto viewAfter = [&](QFileDialog::ViewMode wanted) {
+        auto view = wanted;
+        dialog.open("Mp3 Files", [&](QFileDialog& window) {
+            view = window.viewMode();
+            window.setViewMode(wanted);
+            window.reject();
+        });
+        return view;
+    };
+    for (const auto wanted : {List, Detail, List, Detail}) {
+        viewAfter(wanted);
+        CHECK(waitFor([&] { return viewAfter(wanted) == wanted; }));
+    }
+    const auto written = std::filesystem::last_write_time(kept.toStdString());
+    for (int time = 0; time < 3; ++time)
+        CHECK(dialog.cancel("Mp3 Files") == cancelled);
+    CHECK(std::filesystem::last_write_time(kept.toStdString()) == written);
+    CHECK(QSettings(QSettings::UserScope, "QtProject").fileName() == kept);
+}
+
 namespace
 {
 
