@@ -101,9 +101,10 @@ void crash(int signal, siginfo_t* info, void*)
     const auto self = static_cast<pid_t>(syscall(SYS_gettid));
     pid_t nobody = 0;
     if (!crashed.compare_exchange_strong(nobody, self)) {
-        while (nobody != self)
+        if (nobody == self)
+            return endBy(signal);
+        for (;;)
             pause();
-        return endBy(signal);
     }
     std::signal(SIGALRM, SIG_DFL);
     alarm(patienceSeconds);
