@@ -104,7 +104,7 @@ void dressApplication()
     QApplication::setDesktopFileName(applicationId);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setStyle(new SkinStyle);
-    dressFor({});
+    dressFor({}); // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the application owns its style
     QPixmapCache::setCacheLimit(keptPicturesKb);
 }
 
