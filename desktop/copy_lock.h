@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Two copies of the program on one settings store, or in one application folder, would undo each other's
-// writes for ever: the second one finds the first by this lock.
+// writes for ever: the second one finds the first by this advisory lock.
 #pragma once
 
 #include "desktop/places.h"

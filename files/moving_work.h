@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Work that takes as long as it takes, such as copying a long file to a slow disk: it is waited for while it
-// comes on, and left behind when it stands still.
+// Work under a watchdog. It takes as long as it takes, such as copying a long file to a slow disk: it is
+// waited for while it comes on, and left behind when it stands still.
 #pragma once
 
 #include "files/errand.h"

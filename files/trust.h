@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// For how long a file is taken to hold what it was last seen to hold. What is saved many times a second asks
-// the disk only once: what somebody else did to the file is noticed a moment later.
+// A time to live: for how long a file is taken to hold what it was last seen to hold. What is saved many
+// times a second asks the disk only once: what somebody else did to the file is noticed a moment later.
 #pragma once
 
 #include <chrono>

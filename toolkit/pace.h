@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The rate of all timers: full while something moves or is typed, lower while a file just plays, slow in a
-// still program, so that a program that nobody uses hardly wakes the machine. All tick together.
+// The rate of all timers, with a debounce: full from a move or a key until there has been none for a while,
+// lower while a file just plays, slow in a still program, which hardly wakes the machine. All tick together.
 #pragma once
 
 #include "platform/activity.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Work on several cores.
+// A parallel for: work on several cores.
 #pragma once
 
 #include "platform/mutex.h"
