@@ -43,12 +43,12 @@ constexpr Colour colours[] = {
 
 constexpr Colour disabledText{QPalette::Text, 0xff7d848c, 0xffa4abb2};
 
-QColor colourIn(Tone tone, const Colour& colour)
+QColor colourIn(DesktopTone tone, const Colour& colour)
 {
-    return QColor::fromRgb(tone == Tone::usual ? colour.colour : colour.highContrast);
+    return QColor::fromRgb(tone == DesktopTone::usual ? colour.colour : colour.highContrast);
 }
 
-QPalette darkPalette(Tone tone)
+QPalette darkPalette(DesktopTone tone)
 {
     QPalette palette;
     for (const auto& row : colours)
@@ -110,7 +110,7 @@ void dressApplication()
 
 void dressFor(const DesktopWishes& wishes)
 {
-    setTone(wishes.highContrast ? Tone::highContrast : Tone::usual);
+    setTone(wishes.highContrast ? DesktopTone::highContrast : DesktopTone::usual);
     QApplication::setPalette(darkPalette(tone()));
     QApplication::setFont(typeOf(wishes.typeFactor));
     for (auto* widget : QApplication::allWidgets())

@@ -24,8 +24,8 @@ void leaveBus(const QString& connection)
 }
 
 // What the thread holds; any call to the bus may hang it.
-struct BusPresence::Meeting {
-    Meeting(const Text& busAddress, BusPlace where, QDBusVirtualObject& whose) :
+struct BusPresence::BusMeeting {
+    BusMeeting(const Text& busAddress, BusPlace where, QDBusVirtualObject& whose) :
         address(shown(busAddress)), place(std::move(where)), object(&whose)
     {
     }
@@ -65,7 +65,7 @@ struct BusPresence::Meeting {
 };
 
 BusPresence::BusPresence(const Text& busAddress, BusPlace place, QDBusVirtualObject& object) :
-    meeting_(std::make_shared<Meeting>(busAddress, std::move(place), object)),
+    meeting_(std::make_shared<BusMeeting>(busAddress, std::move(place), object)),
     thread_([meeting = meeting_] { meeting->run(); })
 {
 }

@@ -37,9 +37,9 @@ public:
     std::optional<QDBusConnection> bus() const;
 
 private:
-    struct Meeting;
+    struct BusMeeting;
 
-    std::shared_ptr<Meeting> meeting_;
+    std::shared_ptr<BusMeeting> meeting_;
     Thread thread_;
 };
 

@@ -15,13 +15,13 @@ namespace
 
 QIcon pictureOf(const char* name) { return QIcon(QString(":/skin/%1.svg").arg(name)); }
 
-struct Kind {
+struct FileKind {
     const char* ending;
     const char* picture;
 };
 
 // clang-format off
-constexpr Kind kinds[] = {
+constexpr FileKind kinds[] = {
     {"mp3", "file_music"}, {"wav", "file_music"}, {"vlp", "file_list"}, {"m3u", "file_list"}, {"m3u8", "file_list"},
 };
 // clang-format on

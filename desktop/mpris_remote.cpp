@@ -32,7 +32,7 @@ constexpr const char* propertiesInterface = "org.freedesktop.DBus.Properties";
 // would hold up its answer.
 enum class BehindBoxes { waits, runs };
 
-struct Command {
+struct BusCommand {
     const char* interface;
     const char* member;
     const char* signature;
@@ -64,7 +64,7 @@ void plainly(const MediaRemote& remote, const QVariantList&)
 using enum BehindBoxes;
 
 // clang-format off
-constexpr Command commands[] = {
+constexpr BusCommand commands[] = {
     {mpris::player, "Play",        "",   waits, plainly<&MediaRemote::Play>},
     {mpris::player, "Pause",       "",   waits, plainly<&MediaRemote::Pause>},
     {mpris::player, "PlayPause",   "",   waits, plainly<&MediaRemote::PlayPause>},
@@ -92,7 +92,7 @@ bool isFor(const QDBusMessage& message, const char* interface)
     return message.interface().isEmpty() || message.interface() == interface;
 }
 
-const Command* commandOf(const QDBusMessage& message)
+const BusCommand* commandOf(const QDBusMessage& message)
 {
     for (const auto& command : commands)
         if (message.member() == command.member && isFor(message, command.interface))
@@ -192,7 +192,8 @@ private:
         return bus.send(refusal(message, QDBusError::UnknownInterface, interface));
     }
 
-    bool answersAndCarriesOut(const Command& command, const QDBusMessage& message, const QDBusConnection& bus)
+    bool answersAndCarriesOut(const BusCommand& command, const QDBusMessage& message,
+                              const QDBusConnection& bus)
     {
         const QDBusMessage answer = answerTo(command, message);
         const bool isSent = bus.send(answer);
@@ -205,7 +206,7 @@ private:
         return isSent;
     }
 
-    QDBusMessage answerTo(const Command& command, const QDBusMessage& message) const
+    QDBusMessage answerTo(const BusCommand& command, const QDBusMessage& message) const
     {
         if (message.signature() != command.signature)
             return refusal(message, QDBusError::InvalidArgs, message.signature());
@@ -214,7 +215,7 @@ private:
         return message.createReply();
     }
 
-    void carryOut(const Command& command, const QVariantList& arguments)
+    void carryOut(const BusCommand& command, const QVariantList& arguments)
     {
         post_.post([this, command, arguments] {
             if (command.behindBoxes == runs || !hasBox())
@@ -224,7 +225,7 @@ private:
 
     // The process that ends takes along what has not left it yet: the bus is asked something behind the
     // answer.
-    void carryOutBehindAnswers(const Command& command, const QDBusConnection& bus)
+    void carryOutBehindAnswers(const BusCommand& command, const QDBusConnection& bus)
     {
         const auto ping = QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
                                                          "org.freedesktop.DBus.Peer", "Ping");

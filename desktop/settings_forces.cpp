@@ -32,9 +32,9 @@ void SettingsForces::begin()
 {
     if (isUnderWay())
         return;
-    *state_ = State::underWay;
+    *state_ = ForceState::underWay;
     worker_.add([path = path_, state = state_](const std::stop_token&) {
-        *state = bringOver(path) ? State::ended : State::idle;
+        *state = bringOver(path) ? ForceState::ended : ForceState::idle;
     });
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Brings the log of the settings' file into the file itself, and has the disk take both, behind the window
-// thread: a disk may take half a second for that.
+// Checkpoints the write-ahead log of the settings' file: brings it into the file itself, and has the disk
+// take both, behind the window thread. A disk may take half a second for that.
 #pragma once
 
 #include "platform/text.h"
@@ -21,15 +21,19 @@ public:
     void begin();
 
     // Once for each time that all of the log was brought over: it may be cut off, if nothing came since.
-    bool hasEnded() { return *state_ == State::ended && state_->exchange(State::idle) == State::ended; }
+    bool hasEnded()
+    {
+        return *state_ == ForceState::ended && state_->exchange(ForceState::idle) == ForceState::ended;
+    }
 
-    bool isUnderWay() const { return *state_ == State::underWay; }
+    bool isUnderWay() const { return *state_ == ForceState::underWay; }
 
 private:
-    enum class State { idle, underWay, ended };
+    enum class ForceState { idle, underWay, ended };
 
     Text path_;
-    std::shared_ptr<std::atomic<State>> state_ = std::make_shared<std::atomic<State>>(State::idle);
+    std::shared_ptr<std::atomic<ForceState>> state_ =
+        std::make_shared<std::atomic<ForceState>>(ForceState::idle);
     Worker worker_{Worker::AtEnd::abandons};
 };
 

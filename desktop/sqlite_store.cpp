@@ -33,7 +33,7 @@ SqliteStore::Outcome SqliteStore::open()
 }
 
 // Twice at most: the second time on the file that took a damaged one's place.
-SqliteStore::Outcome SqliteStore::attempt(const Call& call)
+SqliteStore::Outcome SqliteStore::attempt(const DatabaseCall& call)
 {
     for (int tries = 0; tries < 2; ++tries) {
         Outcome outcome = open();

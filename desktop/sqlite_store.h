@@ -37,10 +37,10 @@ public:
 
 private:
     using Outcome = SettingsDatabase::Outcome;
-    using Call = std::function<Outcome(SettingsDatabase&)>;
+    using DatabaseCall = std::function<Outcome(SettingsDatabase&)>;
 
     Outcome open();
-    Outcome attempt(const Call& call);
+    Outcome attempt(const DatabaseCall& call);
     void close();
     void lookForOutsiders();
     Text stored(const SettingName& name);

@@ -40,12 +40,12 @@ char stateOf(pid_t thread)
 }
 
 // The one that comes first settles it: the work with its end, or the asker who has waited long enough.
-struct ErrandThread::State {
-    enum class Outcome { open, done, abandoned };
+struct ErrandThread::Shared {
+    enum class Fate { open, done, abandoned };
 
-    bool settles(Outcome as)
+    bool settles(Fate as)
     {
-        auto open = Outcome::open;
+        auto open = Fate::open;
         return outcome.compare_exchange_strong(open, as);
     }
 
@@ -68,19 +68,19 @@ struct ErrandThread::State {
                stateOf(id) != 'R';
     }
 
-    std::atomic<Outcome> outcome = Outcome::open;
+    std::atomic<Fate> outcome = Fate::open;
     std::atomic<pid_t> thread = 0; // 0 until it begins
     clockid_t processorTime = 0;
 };
 
 ErrandThread::ErrandThread(std::function<void()> work, std::function<void()> late) :
-    state_(std::make_shared<State>()), thread_(std::make_shared<Thread>())
+    state_(std::make_shared<Shared>()), thread_(std::make_shared<Thread>())
 {
     try {
         *thread_ = Thread([work = std::move(work), late = std::move(late), state = state_] {
             state->begins();
             work();
-            if (!state->settles(State::Outcome::done))
+            if (!state->settles(Shared::Fate::done))
                 late();
         });
     } catch (const std::system_error&) { // no thread to be had
@@ -90,8 +90,8 @@ ErrandThread::ErrandThread(std::function<void()> work, std::function<void()> lat
 bool ErrandThread::isDoneWithin(std::chrono::milliseconds limit) const
 {
     thread_->endsWithin(limit);
-    state_->settles(State::Outcome::abandoned);
-    return state_->outcome == State::Outcome::done;
+    state_->settles(Shared::Fate::abandoned);
+    return state_->outcome == Shared::Fate::done;
 }
 
 bool ErrandThread::isDoneInOwnTime(std::chrono::milliseconds limit) const

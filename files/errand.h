@@ -45,8 +45,8 @@ public:
     bool hasEnded() const;
 
 private:
-    struct State;
-    std::shared_ptr<State> state_;
+    struct Shared;
+    std::shared_ptr<Shared> state_;
     std::shared_ptr<Thread> thread_;
 };
 
@@ -108,12 +108,12 @@ template <typename Answer>
 Answer answerOrFailure(std::chrono::milliseconds limit, const Text& question,
                        const std::function<Answer()>& ask)
 {
-    struct Outcome {
+    struct Attempt {
         std::optional<Answer> answer;
         Failure failure;
     };
-    auto outcome = answerWithin<Outcome>(limit, question, [ask] {
-        Outcome each;
+    auto outcome = answerWithin<Attempt>(limit, question, [ask] {
+        Attempt each;
         guarded([&](const Failure& failure) { each.failure = failure; }, [&] { each.answer = ask(); });
         return each;
     });

@@ -45,7 +45,7 @@ std::optional<std::string_view> rawValue(std::string_view line)
 }
 
 // Walks over the lines; `line` is without its LF.
-struct Lines {
+struct LineCursor {
     std::string_view text;
     std::size_t next = text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
     std::string_view line = {};
@@ -66,7 +66,7 @@ struct EntryPlace {
     std::optional<std::size_t> insertAt; // where a new line of the section goes; nothing without the section
 };
 
-EntryPlace findEntry(Lines lines, std::string_view key, std::size_t insertAt)
+EntryPlace findEntry(LineCursor lines, std::string_view key, std::size_t insertAt)
 {
     while (lines.step() && !sectionName(lines.line)) {
         if (!isComment(lines.line) && equalWithoutCase(keyName(lines.line), key))
@@ -79,7 +79,7 @@ EntryPlace findEntry(Lines lines, std::string_view key, std::size_t insertAt)
 
 EntryPlace find(std::string_view text, std::string_view section, std::string_view key)
 {
-    Lines lines{text};
+    LineCursor lines{text};
     while (lines.step())
         if (const auto name = sectionName(lines.line); name && equalWithoutCase(*name, trimmed(section)))
             return findEntry(lines, trimmed(key), lines.next);

@@ -13,10 +13,10 @@
 namespace
 {
 
-using Statement = void (*)(StartUp&);
+using SkippedStep = void (*)(StartUp&);
 
 // clang-format off
-constexpr Statement fileInformation[] = {
+constexpr SkippedStep fileInformation[] = {
     [](StartUp& w) { w.stitle.setCaption(w.Mp3Player->Title()); },
     [](StartUp& w) { w.sartist.setCaption(w.Mp3Player->Artist()); },
     [](StartUp& w) { w.salbum.setCaption(w.Mp3Player->Album()); },
@@ -28,14 +28,14 @@ constexpr Statement fileInformation[] = {
     [](StartUp& w) { w.sfrequency.setCaption(textOf(w.Mp3Player->Frequency() / 1000.0)); },
 };
 
-constexpr Statement wavLength[] = {
+constexpr SkippedStep wavLength[] = {
     [](StartUp& w) { w.total_min = wholeMinutes(w.MMControl1->Length()); },
     [](StartUp& w) { w.total_sec = twoDigitSeconds(w.MMControl1->Length()); },
     [](StartUp& w) { w.slength.setCaption(w.total_min + ":" + w.total_sec); },
 };
 // clang-format on
 
-void skippingEach(std::span<const Statement> statements, StartUp& window)
+void skippingEach(std::span<const SkippedStep> statements, StartUp& window)
 {
     for (const auto statement : statements)
         skipping([&] { statement(window); });

@@ -9,7 +9,7 @@ namespace
 
 using Chosen = void (PlayListEditor::*)();
 
-struct MenuItem {
+struct ListMenuItem {
     const char* caption;
     std::int32_t parent; // the number of the item above; 0: top level
     Chosen chosen = nullptr;
@@ -17,7 +17,7 @@ struct MenuItem {
 
 // An item's number is its place in this table, counted from 1.
 // clang-format off
-constexpr MenuItem menu[] = {
+constexpr ListMenuItem menu[] = {
     {"&File",                 0},
     {"&New",                  1, &PlayListEditor::GoDoNew},
     {"&Open",                 1, &PlayListEditor::GoDoOpen},

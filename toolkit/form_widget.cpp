@@ -214,9 +214,9 @@ bool FormWidget::eventFilter(QObject*, QEvent* event)
     if (!menuImage_)
         return false;
     const auto answer = menuKeys_.saw(*event);
-    if (answer == ctl::MenuKeys::Answer::open)
+    if (answer == ctl::MenuKeys::Handling::open)
         form_.toolkit().outermost([this] { menuImage_->Click.raise(); });
-    return answer != ctl::MenuKeys::Answer::pass;
+    return answer != ctl::MenuKeys::Handling::pass;
 }
 
 void FormWidget::changeEvent(QEvent* event)
@@ -317,7 +317,7 @@ void FormWidget::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
     Skin& skin = form_.toolkit().skin();
-    skin.draw(painter, form_.Name(), Skin::State::normal, rect());
+    skin.draw(painter, form_.Name(), Skin::ImageState::normal, rect());
     for (const auto& frame : frames_)
         skin.drawFrame(painter, frame, event->region());
 }

@@ -67,13 +67,13 @@ QPoint pixelAt(QPointF place) { return {qFloor(place.x()), qFloor(place.y())}; }
 Twips twipsAt(qreal pixels) { return static_cast<Twips>(pixels) * twipsPerPixel; }
 
 // A key of a slider: by how much it moves the value.
-struct Step {
+struct ClickStep {
     int key;
     std::int32_t by;
 };
 
 // clang-format off
-constexpr Step steps[] = {
+constexpr ClickStep steps[] = {
     {Qt::Key_Left, -1}, {Qt::Key_Down, -1}, {Qt::Key_Right, 1}, {Qt::Key_Up, 1},
     {Qt::Key_PageDown, -10}, {Qt::Key_PageUp, 10},
 };
@@ -131,13 +131,13 @@ bool ImageWidget::event(QEvent* event)
 void ImageWidget::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    auto state = Skin::State::normal;
+    auto state = Skin::ImageState::normal;
     if (!isEnabled())
-        state = Skin::State::disabled;
+        state = Skin::ImageState::disabled;
     else if (down_.testFlag(Qt::LeftButton) || (heldKey_ != 0 && image_.acts()))
-        state = Skin::State::pressed;
+        state = Skin::ImageState::pressed;
     else if (hovered_)
-        state = Skin::State::hover;
+        state = Skin::ImageState::hover;
     image_.toolkit().skin().draw(painter, image_.Name(), state, rect());
     if (thumb_)
         paintReach(painter);

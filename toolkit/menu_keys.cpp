@@ -32,7 +32,7 @@ bool isAskedByKey(const QEvent& event)
 namespace ctl
 {
 
-MenuKeys::Answer MenuKeys::saw(const QEvent& event)
+MenuKeys::Handling MenuKeys::saw(const QEvent& event)
 {
     switch (event.type()) {
     case QEvent::KeyPress:
@@ -40,32 +40,32 @@ MenuKeys::Answer MenuKeys::saw(const QEvent& event)
     case QEvent::KeyRelease:
         return released(static_cast<const QKeyEvent&>(event));
     case QEvent::ContextMenu:
-        return isAskedByKey(event) ? Answer::swallow : Answer::pass;
+        return isAskedByKey(event) ? Handling::swallow : Handling::pass;
     case QEvent::MouseButtonPress:
     case QEvent::Wheel:
     case QEvent::FocusOut:
     case QEvent::Move: // the window manager's own way to take a window by Alt and the pointer
         altAlone_ = false;
-        return Answer::pass;
+        return Handling::pass;
     default:
-        return Answer::pass;
+        return Handling::pass;
     }
 }
 
-MenuKeys::Answer MenuKeys::pressed(const QKeyEvent& key)
+MenuKeys::Handling MenuKeys::pressed(const QKeyEvent& key)
 {
     if (key.isAutoRepeat())
-        return isMenuKey(key) ? Answer::swallow : Answer::pass;
+        return isMenuKey(key) ? Handling::swallow : Handling::pass;
     const bool free = !areTaken();
     altAlone_ = free && key.key() == Qt::Key_Alt && (key.modifiers() & ~Qt::AltModifier) == Qt::NoModifier;
-    return free && isMenuKey(key) ? Answer::open : Answer::pass;
+    return free && isMenuKey(key) ? Handling::open : Handling::pass;
 }
 
-MenuKeys::Answer MenuKeys::released(const QKeyEvent& key)
+MenuKeys::Handling MenuKeys::released(const QKeyEvent& key)
 {
     const bool opens = altAlone_ && key.key() == Qt::Key_Alt && !key.isAutoRepeat() && !areTaken();
     altAlone_ = altAlone_ && key.isAutoRepeat();
-    return opens ? Answer::open : Answer::pass;
+    return opens ? Handling::open : Handling::pass;
 }
 
 }

@@ -12,14 +12,14 @@ namespace ctl
 class MenuKeys
 {
 public:
-    enum class Answer { pass, swallow, open };
+    enum class Handling { pass, swallow, open };
 
     // All that the window hears passes here first.
-    Answer saw(const QEvent& event);
+    Handling saw(const QEvent& event);
 
 private:
-    Answer pressed(const QKeyEvent& key);
-    Answer released(const QKeyEvent& key);
+    Handling pressed(const QKeyEvent& key);
+    Handling released(const QKeyEvent& key);
 
     bool altAlone_ = false; // Alt is down, and nothing else has happened since
 };

@@ -21,7 +21,7 @@ constexpr std::array groups{"normal", "hover", "pressed", "disabled"};
 
 QString fileOf(const QString& name) { return ":/skin/" + name + ".svg"; }
 
-QString groupOf(const QSvgRenderer& art, Skin::State state)
+QString groupOf(const QSvgRenderer& art, Skin::ImageState state)
 {
     const QString group = groups[static_cast<std::size_t>(state)];
     return art.elementExists(group) ? group : QString(groups.front());
@@ -60,7 +60,7 @@ void Skin::keepIn(const Text& folder, const Text& build, std::shared_ptr<PartNot
 
 bool Skin::has(const char* name) const { return QFile::exists(fileOf(name)); }
 
-void Skin::draw(QPainter& painter, const char* name, State state, const QRect& rect)
+void Skin::draw(QPainter& painter, const char* name, ImageState state, const QRect& rect)
 {
     if (has(name))
         painter.drawPixmap(rect, picture(name, state, rect.size(), painter.device()->devicePixelRatio()));
@@ -70,7 +70,7 @@ QIcon Skin::icon(const char* name)
 {
     QIcon icon;
     for (const int side : iconSides)
-        icon.addPixmap(picture(name, State::normal, {side, side}, 1));
+        icon.addPixmap(picture(name, ImageState::normal, {side, side}, 1));
     return icon;
 }
 
@@ -138,7 +138,7 @@ void Skin::write()
         }
 }
 
-QPixmap Skin::picture(const QString& name, State state, QSize size, qreal scale)
+QPixmap Skin::picture(const QString& name, ImageState state, QSize size, qreal scale)
 {
     const QString key = QString("%1/%2%6/%3x%4@%5")
                             .arg(name)
@@ -146,7 +146,7 @@ QPixmap Skin::picture(const QString& name, State state, QSize size, qreal scale)
                             .arg(size.width())
                             .arg(size.height())
                             .arg(scale)
-                            .arg(tone() == Tone::usual ? "" : "+");
+                            .arg(tone() == DesktopTone::usual ? "" : "+");
     QPixmap& shown = pictures_[key];
     if (!shown.isNull())
         return shown;
@@ -163,7 +163,7 @@ QPixmap Skin::picture(const QString& name, State state, QSize size, qreal scale)
     return shown;
 }
 
-QImage Skin::painted(const QString& name, State state, QSize size, qreal scale)
+QImage Skin::painted(const QString& name, ImageState state, QSize size, qreal scale)
 {
     QImage picture(size * scale, QImage::Format_ARGB32_Premultiplied);
     picture.setDevicePixelRatio(scale);

@@ -21,7 +21,7 @@ class QSvgRenderer;
 class Skin
 {
 public:
-    enum class State { normal, hover, pressed, disabled };
+    enum class ImageState { normal, hover, pressed, disabled };
 
     Skin();
     ~Skin();
@@ -33,7 +33,7 @@ public:
     bool has(const char* name) const;
 
     // Draws nothing for a name without artwork. A state that the artwork lacks looks as the normal one.
-    void draw(QPainter& painter, const char* name, State state, const QRect& rect);
+    void draw(QPainter& painter, const char* name, ImageState state, const QRect& rect);
 
     // In the sizes that window managers ask for.
     QIcon icon(const char* name);
@@ -49,9 +49,9 @@ private:
     };
 
     QSvgRenderer& renderer(const QString& name);
-    QPixmap picture(const QString& name, State state, QSize size, qreal scale);
+    QPixmap picture(const QString& name, ImageState state, QSize size, qreal scale);
     QPixmap frame(QSize size, qreal scale);
-    QImage painted(const QString& name, State state, QSize size, qreal scale);
+    QImage painted(const QString& name, ImageState state, QSize size, qreal scale);
     Kept& kept(qreal scale);
     void write();
 

@@ -202,7 +202,7 @@ void SkinStyle::drawControl(ControlElement element, const QStyleOption* option, 
     QProxyStyle::drawControl(element, option, painter, widget);
     if (element == CE_TabBarTabShape)
         drawTabState(*option, *painter);
-    if (element == CE_ProgressBarGroove && tone() == Tone::highContrast)
+    if (element == CE_ProgressBarGroove && tone() == DesktopTone::highContrast)
         outline(*painter, option->rect, false);
 }
 
@@ -211,7 +211,7 @@ void SkinStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
                               const QWidget* widget) const
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    if (tone() == Tone::usual || !framesText(element))
+    if (tone() == DesktopTone::usual || !framesText(element))
         return;
     outline(*painter, option->rect, element == PE_IndicatorRadioButton);
 }

@@ -8,7 +8,7 @@
 namespace
 {
 
-Tone current = Tone::usual;
+DesktopTone current = DesktopTone::usual;
 
 // What is dark becomes nearly black, what is light nearly white; the accent keeps its colour.
 QRgb strengthened(QRgb pixel)
@@ -29,15 +29,15 @@ QRgb strengthened(QRgb pixel)
 
 }
 
-Tone tone() { return current; }
+DesktopTone tone() { return current; }
 
-void setTone(Tone tone) { current = tone; }
+void setTone(DesktopTone tone) { current = tone; }
 
-int lineStrength() { return current == Tone::usual ? 26 : 190; }
+int lineStrength() { return current == DesktopTone::usual ? 26 : 190; }
 
 void bringIntoTone(QImage& picture)
 {
-    if (current == Tone::usual)
+    if (current == DesktopTone::usual)
         return;
     picture.convertTo(QImage::Format_ARGB32_Premultiplied);
     for (int y = 0; y < picture.height(); ++y) {

@@ -5,10 +5,10 @@
 
 class QImage;
 
-enum class Tone { usual, highContrast };
+enum class DesktopTone { usual, highContrast };
 
-Tone tone();
-void setTone(Tone tone);
+DesktopTone tone();
+void setTone(DesktopTone tone);
 
 // How much of white the lines have that frame things, of 255.
 int lineStrength();

@@ -4,14 +4,14 @@
 namespace audio
 {
 
-bool Run::continues(const Run& before) const
+bool NotedRun::continues(const NotedRun& before) const
 {
     if (kind != before.kind || serial != before.serial)
         return false;
     return kind == Heard::sound ? source - at == before.source - before.at : source == before.source;
 }
 
-void HearingLog::note(const Run& run)
+void HearingLog::note(const NotedRun& run)
 {
     const std::size_t writes = writes_.load();
     // With no place left the run stays unnoted for now; the next call will try again.
@@ -28,7 +28,7 @@ void HearingLog::collect()
         runs_.push_back(noted_[reads % places]);
 }
 
-const Run& HearingLog::runAt(std::int64_t at)
+const NotedRun& HearingLog::runAt(std::int64_t at)
 {
     collect();
     while (runs_.size() > 1 && runs_[1].at <= at)

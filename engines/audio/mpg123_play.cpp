@@ -142,7 +142,7 @@ Mpg123Play::Mpg123Play(SoundOutput& output, Post& post, Shell& shell, PartNotes&
                        UnopenedFiles& unopened, Text levelsFile) :
     output_(output),
     post_(post), shell_(shell), notes_(notes), unopened_(unopened),
-    voice_(output, AtEnd::rewinds, [&post] { post.post([] {}); }), levelsFile_(std::move(levelsFile)),
+    voice_(output, PlaceAtEnd::rewinds, [&post] { post.post([] {}); }), levelsFile_(std::move(levelsFile)),
     tag_(notes)
 {
 }
@@ -164,10 +164,11 @@ std::int16_t Mpg123Play::Open(const Text& path, const Text& output)
 std::int16_t Mpg123Play::openDecoding(const Text& path, const Text& output)
 {
     if (!jobs_)
-        jobs_.emplace(post_, shell_,
-                      codec::DecodeJobs::Events{[this](std::int32_t position) { Progress.raise(position); },
-                                                [this] { Done.raise(); }},
-                      notes_);
+        jobs_.emplace(
+            post_, shell_,
+            codec::DecodeJobs::DecodeEvents{[this](std::int32_t position) { Progress.raise(position); },
+                                            [this] { Done.raise(); }},
+            notes_);
     const std::int16_t status = jobs_->open(path, output);
     keepTagOf(status == opened ? jobs_->input() : "");
     return status;

@@ -6,10 +6,10 @@
 namespace audio
 {
 
-void Playback::enter(State state)
+void Playback::enter(PlayState state)
 {
-    const bool sounded = state_ == State::playing;
-    const bool sounds = state == State::playing;
+    const bool sounded = state_ == PlayState::playing;
+    const bool sounds = state == PlayState::playing;
     state_ = state;
     if (sounds && !sounded)
         activity_.begin();
@@ -35,7 +35,7 @@ void Playback::cut()
     flow(false);
     stream_ = nullptr;
     owesPlaying_ = false;
-    enter(State::idle);
+    enter(PlayState::idle);
     moveTo(0);
     ++cuts_;
 }
@@ -51,21 +51,21 @@ void Playback::load(std::shared_ptr<PcmSource> source, std::int64_t frames)
 bool Playback::play()
 {
     const Lock lock(mutex_);
-    if (source_ == nullptr || state_ == State::playing)
+    if (source_ == nullptr || state_ == PlayState::playing)
         return false;
     owesPlaying_ = true;
     flow(true);
-    enter(State::playing);
+    enter(PlayState::playing);
     return true;
 }
 
 void Playback::pause()
 {
     const Lock lock(mutex_);
-    if (state_ != State::playing)
+    if (state_ != PlayState::playing)
         return;
     flow(false);
-    enter(State::paused);
+    enter(PlayState::paused);
 }
 
 void Playback::stop()
@@ -80,7 +80,7 @@ void Playback::seek(std::int64_t frame)
     if (source_ == nullptr)
         return;
     // What is heard goes on until the new place is ready; in a pause the next thing heard is the new place.
-    if (state_ == State::paused)
+    if (state_ == PlayState::paused)
         stream_ = nullptr;
     moveTo(frame);
 }
@@ -90,10 +90,10 @@ bool Playback::isPlaying() const
     const Lock lock(mutex_);
     const bool owed = owesPlaying_;
     owesPlaying_ = false;
-    return state_ != State::idle || owed;
+    return state_ != PlayState::idle || owed;
 }
 
-Playback::State Playback::state() const
+Playback::PlayState Playback::state() const
 {
     const Lock lock(mutex_);
     return state_;
@@ -126,7 +126,7 @@ bool Playback::hearFrom(std::uint64_t serial, std::shared_ptr<Stream> stream)
     if (serial != serial_)
         return false;
     stream_ = std::move(stream);
-    flow(state_ == State::playing);
+    flow(state_ == PlayState::playing);
     return true;
 }
 
@@ -155,8 +155,8 @@ bool Playback::end(std::uint64_t serial)
     if (serial != serial_)
         return false;
     stream_ = nullptr;
-    enter(State::idle);
-    moveTo(atEnd_ == AtEnd::rewinds ? 0 : frames_);
+    enter(PlayState::idle);
+    moveTo(atEnd_ == PlaceAtEnd::rewinds ? 0 : frames_);
     return true;
 }
 

@@ -13,23 +13,23 @@
 namespace audio
 {
 
-enum class AtEnd { rewinds, stays }; // where the position is when the last frame was heard
+enum class PlaceAtEnd { rewinds, stays }; // where the position is when the last frame was heard
 
 class Playback
 {
 public:
-    enum class State { idle, playing, paused };
+    enum class PlayState { idle, playing, paused };
 
     // What there is to do, seen at one moment.
     struct Wish {
-        State state = State::idle;
+        PlayState state = PlayState::idle;
         std::shared_ptr<PcmSource> source;
         std::int64_t from = 0;    // frame
         std::uint64_t serial = 0; // another one: the sound must be heard from another frame
         std::uint64_t cut = 0;    // another one: what is under way to the listener must not be heard
     };
 
-    Playback(Activity& activity, AtEnd atEnd) : activity_(activity), atEnd_(atEnd) {}
+    Playback(Activity& activity, PlaceAtEnd atEnd) : activity_(activity), atEnd_(atEnd) {}
     ~Playback() { load(nullptr, 0); }
 
     // The window's thread.
@@ -39,7 +39,7 @@ public:
     void stop();
     void seek(std::int64_t frame); // held to 0 and the end
     bool isPlaying() const;        // true at least once after a `play` of a loaded source
-    State state() const;
+    PlayState state() const;
     std::int64_t position() const;
 
     // The engine's thread. Where `serial` is no longer current, these do nothing and are false.
@@ -50,17 +50,17 @@ public:
     bool end(std::uint64_t serial);                                      // the last frame was heard
 
 private:
-    void enter(State state) REQUIRES(mutex_);
+    void enter(PlayState state) REQUIRES(mutex_);
     void moveTo(std::int64_t frame) REQUIRES(mutex_);
     void cut() REQUIRES(mutex_);
     void flow(bool flowing) REQUIRES(mutex_);
     std::int64_t heardFrame() const REQUIRES(mutex_);
 
     Activity& activity_;
-    const AtEnd atEnd_;
+    const PlaceAtEnd atEnd_;
 
     mutable Mutex mutex_;
-    State state_ GUARDED_BY(mutex_) = State::idle;
+    PlayState state_ GUARDED_BY(mutex_) = PlayState::idle;
     std::shared_ptr<PcmSource> source_ GUARDED_BY(mutex_);
     std::int64_t frames_ GUARDED_BY(mutex_) = 0;
     std::int64_t from_ GUARDED_BY(mutex_) = 0;

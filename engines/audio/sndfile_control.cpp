@@ -20,7 +20,7 @@ class SndfileControl final : public MMControl
 {
 public:
     SndfileControl(SoundOutput& output, UnopenedFiles& unopened) :
-        unopened_(unopened), voice_(output, AtEnd::stays, [] {})
+        unopened_(unopened), voice_(output, PlaceAtEnd::stays, [] {})
     {
     }
 
@@ -51,11 +51,11 @@ private:
 
 void SndfileControl::setCommand(const Text& word)
 {
-    struct Command {
+    struct CommandWord {
         const char* word;
         void (SndfileControl::*run)();
     };
-    static constexpr Command commands[] = {
+    static constexpr CommandWord commands[] = {
         {"Open", &SndfileControl::open},
         {"Play", &SndfileControl::play},
         {"Stop", &SndfileControl::stop},

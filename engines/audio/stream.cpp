@@ -73,7 +73,7 @@ std::chrono::duration<double> Stream::heardTime() const
 std::optional<std::int64_t> Stream::position(std::uint64_t serial, Clock::time_point now) const
 {
     const Lock lock(mutex_);
-    const Run& run = report_.run;
+    const NotedRun& run = report_.run;
     if (run.kind == Heard::nothing || run.serial != serial)
         return std::nullopt;
     if (run.kind != Heard::sound)
@@ -138,7 +138,7 @@ void Stream::heard(std::int64_t frames, Clock::time_point now)
         bell_->ring();
         return;
     }
-    const Run run = log_.runAt(frames);
+    const NotedRun run = log_.runAt(frames);
 
     const Lock lock(mutex_);
     const bool isNews = run.kind == Heard::end && report_.run.kind != Heard::end;

@@ -59,8 +59,8 @@ public:
 
 private:
     // What was heard last.
-    struct Report {
-        Run run;
+    struct HeardReport {
+        NotedRun run;
         std::int64_t frames = 0; // of the stream
         bool isLast = false;     // nothing else has been written
         Clock::time_point when;
@@ -89,7 +89,7 @@ private:
     std::shared_ptr<Feed> owned_ GUARDED_BY(mutex_);
     std::int64_t given_ GUARDED_BY(mutex_) =
         0; // the source's frame up to which `owned_`, or the feed before, was given away
-    Report report_ GUARDED_BY(mutex_);
+    HeardReport report_ GUARDED_BY(mutex_);
 };
 
 }

@@ -7,7 +7,7 @@
 namespace audio
 {
 
-Voice::Voice(SoundOutput& output, AtEnd atEnd, std::function<void()> ended) :
+Voice::Voice(SoundOutput& output, PlaceAtEnd atEnd, std::function<void()> ended) :
     output_(output), ended_(std::move(ended)), playback_(output.activity(), atEnd)
 {
 }

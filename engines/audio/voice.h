@@ -19,7 +19,7 @@ class Voice
 {
 public:
     // `ended` is called on the voice's thread whenever the last frame of a source was heard.
-    Voice(SoundOutput& output, AtEnd atEnd, std::function<void()> ended);
+    Voice(SoundOutput& output, PlaceAtEnd atEnd, std::function<void()> ended);
     ~Voice();
 
     void load(std::shared_ptr<PcmSource> source,

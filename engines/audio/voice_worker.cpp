@@ -42,7 +42,7 @@ void VoiceWorker::run()
 Outlet::TimePoint VoiceWorker::serve(const Playback::Wish& wish)
 {
     accept(wish);
-    if (wish.state == Playback::State::playing)
+    if (wish.state == Playback::PlayState::playing)
         play(wish);
     else
         rest(wish);
@@ -131,7 +131,7 @@ void VoiceWorker::rest(const Playback::Wish& wish)
     const auto& stream = outlet_.stream();
     if (stream == nullptr)
         return;
-    const bool isHeard = wish.state == Playback::State::paused && connected_ && !stream->hasFailed();
+    const bool isHeard = wish.state == Playback::PlayState::paused && connected_ && !stream->hasFailed();
     if (isHeard && !stream->isSilent())
         return;
     stream->attach(nullptr);
@@ -142,11 +142,11 @@ void VoiceWorker::rest(const Playback::Wish& wish)
     disconnect();
 }
 
-Outlet::TimePoint VoiceWorker::nextTurn(Playback::State state) const
+Outlet::TimePoint VoiceWorker::nextTurn(Playback::PlayState state) const
 {
     const auto now = Stream::Clock::now();
     const auto next = outlet_.nextTurn(now);
-    if (state == Playback::State::playing)
+    if (state == Playback::PlayState::playing)
         return std::min(next, now + refill);
     return outlet_.stream() != nullptr ? std::min(next, now + pauseWatch) : next;
 }

@@ -33,7 +33,7 @@ private:
     void connect();
     void disconnect();
     void atEnd();
-    Outlet::TimePoint nextTurn(Playback::State state) const;
+    Outlet::TimePoint nextTurn(Playback::PlayState state) const;
 
     Playback& playback_;
     const std::function<void()> ended_;

@@ -8,9 +8,9 @@
 namespace codec
 {
 
-ConversionQueue::ConversionQueue(Post& post, Shell& shell, Text failed, Events events) :
+ConversionQueue::ConversionQueue(Post& post, Shell& shell, Text failed, ConversionEvents events) :
     post_(post), shell_(shell), failed_(std::move(failed)),
-    events_(std::make_shared<Events>(std::move(events)))
+    events_(std::make_shared<ConversionEvents>(std::move(events)))
 {
 }
 
@@ -24,7 +24,7 @@ void ConversionQueue::add(Conversion conversion)
 void ConversionQueue::convert(const Conversion& conversion, const std::stop_token& stop)
 {
     const Report report = [this](std::int32_t thousandths) {
-        deliver([thousandths](const Events& events) { events.progress(thousandths); });
+        deliver([thousandths](const ConversionEvents& events) { events.progress(thousandths); });
     };
     try {
         conversion.work(report, stop);
@@ -35,7 +35,7 @@ void ConversionQueue::convert(const Conversion& conversion, const std::stop_toke
     } catch (const std::exception& error) {
         tell(conversion.input, error.what());
     }
-    deliver([number = conversion.number](const Events& events) { events.done(number); });
+    deliver([number = conversion.number](const ConversionEvents& events) { events.done(number); });
 }
 
 void ConversionQueue::tell(const Text& input, const Text& reason)

@@ -20,7 +20,7 @@ class ConversionQueue
 public:
     // Both calls run on the window thread; no progress comes after its `done`. The number names the
     // conversion.
-    struct Events {
+    struct ConversionEvents {
         std::function<void(std::int32_t)> progress;
         std::function<void(std::uint64_t)> done;
     };
@@ -34,7 +34,7 @@ public:
     // `failed` heads what the desktop is told: "Encoding failed".
     // It ends on the window thread: the running conversion is broken off, and nothing is delivered
     // afterwards.
-    ConversionQueue(Post& post, Shell& shell, Text failed, Events events);
+    ConversionQueue(Post& post, Shell& shell, Text failed, ConversionEvents events);
 
     void add(Conversion conversion);
 
@@ -47,8 +47,8 @@ private:
     Post& post_;
     Shell& shell_;
     Text failed_;
-    std::shared_ptr<Events> events_;      // calls under way hold it weakly: they end with this object
-    Worker worker_{Worker::AtEnd::joins}; // the last member: it ends first
+    std::shared_ptr<ConversionEvents> events_; // calls under way hold it weakly: they end with this object
+    Worker worker_{Worker::AtEnd::joins};      // the last member: it ends first
 };
 
 }

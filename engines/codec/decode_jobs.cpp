@@ -21,7 +21,7 @@ bool isMp3(const Text& path)
 
 }
 
-DecodeJobs::DecodeJobs(Post& post, Shell& shell, Events events, PartNotes& notes) :
+DecodeJobs::DecodeJobs(Post& post, Shell& shell, DecodeEvents events, PartNotes& notes) :
     events_(std::move(events)), notes_(notes),
     queue_(post, shell, "Decoding failed",
            {[this](std::int32_t position) { events_.progress(position); },

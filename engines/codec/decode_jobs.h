@@ -19,14 +19,14 @@ class DecodeJobs
 {
 public:
     // Both calls run on the window thread. No progress comes after its `done`.
-    struct Events {
+    struct DecodeEvents {
         std::function<void(std::int32_t)> progress; // thousandths of the file
         std::function<void()> done;                 // exactly once for each `start`
     };
 
     // `post`, `shell` and `notes` outlive the jobs. Their end, on the window thread, breaks off the running
     // one, and nothing is delivered afterwards.
-    DecodeJobs(Post& post, Shell& shell, Events events, PartNotes& notes = NoPartNotes::instance());
+    DecodeJobs(Post& post, Shell& shell, DecodeEvents events, PartNotes& notes = NoPartNotes::instance());
 
     // Names the next job. 0 when `input` is an MP3 file and `output` another file; never aborts a running
     // job.
@@ -54,7 +54,7 @@ private:
 
     void deliver(std::uint64_t number);
 
-    Events events_;
+    DecodeEvents events_;
     PartNotes& notes_;
     std::uint64_t opened_ = 0;    // calls of `open`
     Decoding job_;                // opened last

@@ -13,7 +13,7 @@ BusyDevices::Claim::~Claim()
     devices_->freed_.notifyAll();
 }
 
-std::optional<BusyDevices::Claim> BusyDevices::claim(const Text& device, Use use)
+std::optional<BusyDevices::Claim> BusyDevices::claim(const Text& device, DeviceUse use)
 {
     const Lock guard(mutex_);
     if (!inUse_.emplace(device, use).second)
@@ -21,7 +21,7 @@ std::optional<BusyDevices::Claim> BusyDevices::claim(const Text& device, Use use
     return Claim(shared_from_this(), device);
 }
 
-std::optional<BusyDevices::Claim> BusyDevices::claimWhenFree(const Text& device, Use use,
+std::optional<BusyDevices::Claim> BusyDevices::claimWhenFree(const Text& device, DeviceUse use,
                                                              const std::stop_token& stop)
 {
     Lock guard(mutex_);
@@ -35,7 +35,7 @@ bool BusyDevices::isWriting(const Text& device)
 {
     const Lock guard(mutex_);
     const auto found = inUse_.find(device);
-    return found != inUse_.end() && found->second == Use::writing;
+    return found != inUse_.end() && found->second == DeviceUse::writing;
 }
 
 }

@@ -16,7 +16,7 @@ namespace disc
 class BusyDevices : public std::enable_shared_from_this<BusyDevices>
 {
 public:
-    enum class Use { reading, writing };
+    enum class DeviceUse { reading, writing };
 
     // Holds the device until it goes out of scope.
     class Claim
@@ -38,17 +38,17 @@ public:
     };
 
     // Nothing when the device is in use.
-    std::optional<Claim> claim(const Text& device, Use use);
+    std::optional<Claim> claim(const Text& device, DeviceUse use);
 
     // Waits until it is free; nothing after a stop.
-    std::optional<Claim> claimWhenFree(const Text& device, Use use, const std::stop_token& stop);
+    std::optional<Claim> claimWhenFree(const Text& device, DeviceUse use, const std::stop_token& stop);
 
     bool isWriting(const Text& device);
 
 private:
     Mutex mutex_;
     Condition freed_;
-    std::map<Text, Use> inUse_ GUARDED_BY(mutex_);
+    std::map<Text, DeviceUse> inUse_ GUARDED_BY(mutex_);
 };
 
 }

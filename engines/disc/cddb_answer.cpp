@@ -14,7 +14,13 @@ namespace
 constexpr std::size_t mostTracks = 99;
 constexpr std::size_t mostMatches = 100;
 
-enum Code { exactMatch = 200, noMatch = 202, severalExact = 210, severalInexact = 211, entryFollows = 210 };
+enum AnswerCode {
+    exactMatch = 200,
+    noMatch = 202,
+    severalExact = 210,
+    severalInexact = 211,
+    entryFollows = 210
+};
 
 std::string_view untilFirst(std::string_view text, std::string_view end)
 {

@@ -172,11 +172,12 @@ void DiscReader::startCopy(std::int16_t number, const Text& path)
         throw Failure{Trouble::permissionDenied, drive->name() + " is in use."};
     auto output = outputFor(path);
     copy_ = std::make_unique<TrackCopy>(
-        TrackCopy::Job{drive, number, track->sectors, path, std::move(output)}, devices_, shell_, sleepLock_,
-        TrackCopy::Events{[this](std::int32_t thousandths) {
-                              window_.post([=](DiscReader& self) { self.Progress.raise(thousandths); });
-                          },
-                          [this] { window_.post([](DiscReader& self) { self.finished(); }); }});
+        TrackCopy::CopyJob{drive, number, track->sectors, path, std::move(output)}, devices_, shell_,
+        sleepLock_,
+        TrackCopy::CopyEvents{[this](std::int32_t thousandths) {
+                                  window_.post([=](DiscReader& self) { self.Progress.raise(thousandths); });
+                              },
+                              [this] { window_.post([](DiscReader& self) { self.finished(); }); }});
 }
 
 std::shared_ptr<WavOutput> DiscReader::outputFor(const Text& path) const

@@ -133,7 +133,7 @@ std::int16_t DiscWriter::CheckMedia()
     if (writing_)
         return ok;
     auto& drive = current();
-    const auto claim = devices_->claim(drive.device(), BusyDevices::Use::writing);
+    const auto claim = devices_->claim(drive.device(), BusyDevices::DeviceUse::writing);
     return claim && drive.hasWritableDisc() ? ok : refused;
 }
 
@@ -157,13 +157,13 @@ void DiscWriter::startWriting()
     if (tracks_.empty() || tracks_.size() > mostTracks)
         throw Failure{Trouble::subscriptOutOfRange, "A disc has 1 to 99 tracks."};
     auto& drive = current();
-    auto claim = devices_->claim(drive.device(), BusyDevices::Use::writing);
+    auto claim = devices_->claim(drive.device(), BusyDevices::DeviceUse::writing);
     if (!claim)
         throw Failure{Trouble::permissionDenied, drive.name() + " is in use."};
     auto run = drive.prepare(openTracks(), settings_);
     writing_ = std::make_unique<DiscWriting>(
-        DiscWriting::Job{std::move(*claim), std::move(run)}, shell_, sleepLock_,
-        DiscWriting::Events{
+        DiscWriting::WritingJob{std::move(*claim), std::move(run)}, shell_, sleepLock_,
+        DiscWriting::WritingEvents{
             [this](std::int16_t percent) {
                 window_.post([=](DiscWriter& self) { self.Progress.raise(percent); });
             },

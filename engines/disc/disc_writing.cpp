@@ -17,7 +17,7 @@ constexpr std::int16_t failed = 1;
 
 }
 
-DiscWriting::DiscWriting(Job job, Shell& shell, SleepLock& sleepLock, Events events) :
+DiscWriting::DiscWriting(WritingJob job, Shell& shell, SleepLock& sleepLock, WritingEvents events) :
     job_(std::move(job)), shell_(shell), sleepLock_(sleepLock), events_(std::move(events)),
     writing_([this](const std::stop_token& stop) { run(stop); })
 {

@@ -18,18 +18,18 @@ namespace disc
 class DiscWriting
 {
 public:
-    struct Job {
+    struct WritingJob {
         BusyDevices::Claim device;
         std::unique_ptr<WriteRun> run;
     };
 
     // Both are called on the writing's own thread, `done` once and last, with 0 for a disc that was finished.
-    struct Events {
+    struct WritingEvents {
         WriteProgress progress; // rising, to 100 for a disc that was finished
         std::function<void(std::int16_t)> done;
     };
 
-    DiscWriting(Job job, Shell& shell, SleepLock& sleepLock, Events events);
+    DiscWriting(WritingJob job, Shell& shell, SleepLock& sleepLock, WritingEvents events);
     ~DiscWriting() = default; // gives up; waits until the recorder has let go
 
 private:
@@ -37,10 +37,10 @@ private:
     bool write(const std::stop_token& stop);
     void report(std::int16_t percent);
 
-    std::optional<Job> job_;
+    std::optional<WritingJob> job_;
     Shell& shell_;
     SleepLock& sleepLock_;
-    Events events_;
+    WritingEvents events_;
     std::int16_t reported_ = 0;
     std::jthread writing_; // the last member: it ends first
 };

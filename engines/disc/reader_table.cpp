@@ -37,14 +37,14 @@ void ReaderTable::scan()
     take(std::move(lists));
 }
 
-std::vector<ReaderTable::Drives> ReaderTable::listed()
+std::vector<ReaderTable::ReaderDrives> ReaderTable::listed()
 {
     const Lock guard(listing_);
-    std::vector<Drives> all;
+    std::vector<ReaderDrives> all;
     for (auto& [ask, last] : lists_) {
         const Text question = "drives " + std::to_string(reinterpret_cast<std::uintptr_t>(ask.get()));
-        auto now =
-            files::answerWithin<Drives>(files::patienceForFiles, question, [ask = ask] { return (*ask)(); });
+        auto now = files::answerWithin<ReaderDrives>(files::patienceForFiles, question,
+                                                     [ask = ask] { return (*ask)(); });
         if (now)
             last = *std::move(now);
         all.push_back(last);
@@ -53,9 +53,9 @@ std::vector<ReaderTable::Drives> ReaderTable::listed()
 }
 
 // What a drive knows of its disc stays when it is found again.
-void ReaderTable::take(std::vector<Drives> lists)
+void ReaderTable::take(std::vector<ReaderDrives> lists)
 {
-    Drives found;
+    ReaderDrives found;
     for (auto& listed : lists) {
         std::ranges::stable_sort(listed, {},
                                  [this](const auto& each) REQUIRES(mutex_) { return placeOf(*each); });
@@ -118,9 +118,9 @@ DiscContents ReaderTable::contents(ReaderDrive& drive)
     const auto last = seen(drive);
     if (last && last->isFresh)
         return last->contents;
-    const auto claim = devices_->claim(drive.device(), BusyDevices::Use::reading);
+    const auto claim = devices_->claim(drive.device(), BusyDevices::DeviceUse::reading);
     if (!claim)
-        return last.value_or(Seen()).contents;
+        return last.value_or(SeenContents()).contents;
     const auto now = drive.contents();
     const Lock guard(mutex_);
     seen_[drive.device()] = {now};
@@ -133,7 +133,7 @@ DiscContents ReaderTable::lastContents(ReaderDrive& drive)
     return last ? last->contents : contents(drive);
 }
 
-std::optional<ReaderTable::Seen> ReaderTable::seen(const ReaderDrive& drive)
+std::optional<ReaderTable::SeenContents> ReaderTable::seen(const ReaderDrive& drive)
 {
     const Lock guard(mutex_);
     const auto found = seen_.find(drive.device());

@@ -39,29 +39,29 @@ public:
     DiscContents lastContents(ReaderDrive& drive);
 
 private:
-    using Drives = std::vector<std::shared_ptr<ReaderDrive>>;
+    using ReaderDrives = std::vector<std::shared_ptr<ReaderDrive>>;
     struct List {
         std::shared_ptr<const ListReaders> ask;
-        Drives last;
+        ReaderDrives last;
     };
 
-    std::vector<Drives> listed() EXCLUDES(mutex_);
-    void take(std::vector<Drives> lists) REQUIRES(mutex_);
+    std::vector<ReaderDrives> listed() EXCLUDES(mutex_);
+    void take(std::vector<ReaderDrives> lists) REQUIRES(mutex_);
     std::size_t placeOf(const ReaderDrive& drive) const REQUIRES(mutex_);
     bool isKnown(const ReaderDrive& drive) const REQUIRES(mutex_);
 
-    struct Seen {
+    struct SeenContents {
         DiscContents contents;
         bool isFresh = true;
     };
-    std::optional<Seen> seen(const ReaderDrive& drive);
+    std::optional<SeenContents> seen(const ReaderDrive& drive);
 
     Mutex listing_; // before the other; held while the lists are asked
     std::vector<List> lists_ GUARDED_BY(listing_);
     std::shared_ptr<BusyDevices> devices_;
     Mutex mutex_;
     std::vector<std::shared_ptr<ReaderDrive>> drives_ GUARDED_BY(mutex_);
-    std::map<Text, Seen> seen_ GUARDED_BY(mutex_); // by device
+    std::map<Text, SeenContents> seen_ GUARDED_BY(mutex_); // by device
 };
 
 }

@@ -16,7 +16,7 @@ namespace
 constexpr std::int32_t whole = 1000;
 constexpr auto fastestReports = std::chrono::milliseconds(10); // more often than a window can show
 
-TrackPipe::Outcome read(ReaderDrive& drive, std::int16_t track, const Text& path, TrackPipe& pipe)
+TrackPipe::ReadOutcome read(ReaderDrive& drive, std::int16_t track, const Text& path, TrackPipe& pipe)
 {
     try {
         if (drive.readsFrom(path))
@@ -34,17 +34,17 @@ TrackPipe::Outcome read(ReaderDrive& drive, std::int16_t track, const Text& path
 void readInto(const std::shared_ptr<TrackPipe>& pipe, const std::shared_ptr<BusyDevices>& devices,
               ReaderDrive& drive, std::int16_t track, const Text& path)
 {
-    TrackPipe::Outcome outcome;
+    TrackPipe::ReadOutcome outcome;
     if (const auto claim =
-            devices->claimWhenFree(drive.device(), BusyDevices::Use::reading, pipe->stopToken()))
+            devices->claimWhenFree(drive.device(), BusyDevices::DeviceUse::reading, pipe->stopToken()))
         outcome = read(drive, track, path, *pipe);
     pipe->end(std::move(outcome));
 }
 
 }
 
-TrackCopy::TrackCopy(Job job, std::shared_ptr<BusyDevices> devices, Shell& shell, SleepLock& sleepLock,
-                     Events events) :
+TrackCopy::TrackCopy(CopyJob job, std::shared_ptr<BusyDevices> devices, Shell& shell, SleepLock& sleepLock,
+                     CopyEvents events) :
     job_(std::move(job)),
     devices_(std::move(devices)), shell_(shell), sleepLock_(sleepLock), events_(std::move(events)),
     writing_([this] { run(); })

@@ -21,7 +21,7 @@ namespace disc
 class TrackCopy
 {
 public:
-    struct Job {
+    struct CopyJob {
         std::shared_ptr<ReaderDrive> drive;
         std::int16_t track = 0;
         std::int32_t sectors = 0;
@@ -30,13 +30,13 @@ public:
     };
 
     // Both are called on a thread of the copy's own, `done` once and last.
-    struct Events {
+    struct CopyEvents {
         std::function<void(std::int32_t)> progress; // in thousandths, rising
         std::function<void()> done;
     };
 
-    TrackCopy(Job job, std::shared_ptr<BusyDevices> devices, Shell& shell, SleepLock& sleepLock,
-              Events events);
+    TrackCopy(CopyJob job, std::shared_ptr<BusyDevices> devices, Shell& shell, SleepLock& sleepLock,
+              CopyEvents events);
 
     // Gives up what is not done and leaves no file. The drive is let go when it next answers.
     ~TrackCopy();
@@ -53,11 +53,11 @@ private:
     void finish();
     void tell(const Text& title, const Text& message);
 
-    Job job_;
+    CopyJob job_;
     std::shared_ptr<BusyDevices> devices_;
     Shell& shell_;
     SleepLock& sleepLock_;
-    Events events_;
+    CopyEvents events_;
     std::shared_ptr<TrackPipe> pipe_ = std::make_shared<TrackPipe>();
     std::atomic<bool> givenUp_ = false;
     std::int32_t reported_ = 0;

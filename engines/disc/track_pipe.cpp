@@ -25,7 +25,7 @@ void TrackPipe::take(std::vector<std::byte> samples)
         changed_.notifyAll();
 }
 
-void TrackPipe::end(Outcome outcome)
+void TrackPipe::end(ReadOutcome outcome)
 {
     const Lock guard(mutex_);
     outcome_ = std::move(outcome);
@@ -46,10 +46,10 @@ std::optional<std::vector<std::byte>> TrackPipe::next()
     return samples;
 }
 
-TrackPipe::Outcome TrackPipe::outcome()
+TrackPipe::ReadOutcome TrackPipe::outcome()
 {
     const Lock guard(mutex_);
-    return outcome_.value_or(Outcome());
+    return outcome_.value_or(ReadOutcome());
 }
 
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The way of a track's sound from the thread that reads the drive to the one that writes the file. The
-// writing one can leave at any time, however long the drive holds the other.
+// A producer-consumer queue: a track's sound on its way from the thread that reads the drive to the one that
+// writes the file. The writing one can leave at any time, however long the drive holds the other.
 #pragma once
 
 #include "engines/disc/reader_drive.h"
@@ -15,20 +15,20 @@ namespace disc
 class TrackPipe final : public TrackSink
 {
 public:
-    struct Outcome {
+    struct ReadOutcome {
         std::int32_t unreadableSectors = 0;
         std::optional<Text> failure = std::nullopt;
     };
 
     // For the reading thread. After a stop nothing that it brings is taken.
     void take(std::vector<std::byte> samples) override;
-    void end(Outcome outcome);
+    void end(ReadOutcome outcome);
     std::stop_token stopToken() const { return stop_.get_token(); }
 
     // For the writing thread: the next samples, or nothing when all were taken that came before the end or
     // the stop. Waits for either.
     std::optional<std::vector<std::byte>> next();
-    Outcome outcome(); // when there is no next
+    ReadOutcome outcome(); // when there is no next
 
     void stop() { stop_.request_stop(); } // from any thread
 
@@ -38,7 +38,7 @@ private:
     Condition changed_;
     std::deque<std::vector<std::byte>> waiting_ GUARDED_BY(mutex_);
     std::size_t waitingBytes_ GUARDED_BY(mutex_) = 0;
-    std::optional<Outcome> outcome_ GUARDED_BY(mutex_);
+    std::optional<ReadOutcome> outcome_ GUARDED_BY(mutex_);
 };
 
 }

@@ -22,7 +22,7 @@ constexpr float halfPower = 0.70710678F;
 
 struct ChannelPlace {
     char name;
-    StereoMix::Frame weight;
+    StereoMix::StereoFrame weight;
 };
 
 constexpr ChannelPlace placeTable[] = {
@@ -31,7 +31,7 @@ constexpr ChannelPlace placeTable[] = {
     {'E', {0, 0}},
 };
 
-StereoMix::Frame weightOf(char name)
+StereoMix::StereoFrame weightOf(char name)
 {
     return std::ranges::find(placeTable, name, &ChannelPlace::name)->weight;
 }
@@ -62,7 +62,7 @@ float shareOf(float weight, float sum) { return sum > 0 ? weight / sum : 0; }
 
 StereoMix::StereoMix(int channels, std::uint32_t places)
 {
-    Frame sum{0, 0};
+    StereoFrame sum{0, 0};
     for (const char place : orderOf(static_cast<std::size_t>(channels), places)) {
         weights_.push_back(weightOf(place));
         sum.left += weights_.back().left;
@@ -72,9 +72,9 @@ StereoMix::StereoMix(int channels, std::uint32_t places)
         weight = {shareOf(weight.left, sum.left), shareOf(weight.right, sum.right)};
 }
 
-StereoMix::Frame StereoMix::operator()(std::span<const float> channels) const
+StereoMix::StereoFrame StereoMix::operator()(std::span<const float> channels) const
 {
-    Frame mixed{0, 0};
+    StereoFrame mixed{0, 0};
     for (std::size_t channel = 0; channel < weights_.size(); ++channel) {
         // What is no number would make one of neither side.
         const float value = std::isfinite(channels[channel]) ? channels[channel] : 0;

@@ -17,14 +17,14 @@ public:
     // the channels, their usual order holds.
     explicit StereoMix(int channels, std::uint32_t places = 0);
 
-    struct Frame {
+    struct StereoFrame {
         float left;
         float right;
     };
-    Frame operator()(std::span<const float> channels) const;
+    StereoFrame operator()(std::span<const float> channels) const;
 
 private:
-    std::vector<Frame> weights_;
+    std::vector<StereoFrame> weights_;
 };
 
 }

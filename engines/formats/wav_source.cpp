@@ -76,7 +76,7 @@ void WavSource::split(SoundBlock& block) const
 {
     for (std::size_t i = 0; i < block.frames(); ++i) {
         const auto frame = std::span(interleaved_).subspan(i * width(), width());
-        const auto stereo = width() > 2 ? mix_(frame) : StereoMix::Frame{frame.front(), frame.back()};
+        const auto stereo = width() > 2 ? mix_(frame) : StereoMix::StereoFrame{frame.front(), frame.back()};
         block.left[i] = stereo.left;
         block.right[i] = stereo.right;
     }

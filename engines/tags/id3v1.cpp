@@ -11,28 +11,31 @@ namespace tags
 namespace
 {
 
-struct Field {
+struct FixedField {
     std::size_t at;
     std::size_t size;
 };
 
 // clang-format off
-constexpr Field titlePlace  {  3, 30};
-constexpr Field artistPlace { 33, 30};
-constexpr Field albumPlace  { 63, 30};
-constexpr Field yearPlace   { 93,  4};
-constexpr Field wholeComment{ 97, 30};
-constexpr Field shortComment{ 97, 28}; // ID3v1.1: a zero and the track number follow
+constexpr FixedField titlePlace  {  3, 30};
+constexpr FixedField artistPlace { 33, 30};
+constexpr FixedField albumPlace  { 63, 30};
+constexpr FixedField yearPlace   { 93,  4};
+constexpr FixedField wholeComment{ 97, 30};
+constexpr FixedField shortComment{ 97, 28}; // ID3v1.1: a zero and the track number follow
 constexpr std::size_t trackAt = 126;
 constexpr std::size_t genreAt = 127;
 // clang-format on
 
 constexpr unsigned char noGenre = 255;
 
-std::string_view bytesAt(std::string_view block, Field place) { return block.substr(place.at, place.size); }
+std::string_view bytesAt(std::string_view block, FixedField place)
+{
+    return block.substr(place.at, place.size);
+}
 
 // A field without a closing zero is padded with blanks.
-Text textAt(std::string_view block, Field place)
+Text textAt(std::string_view block, FixedField place)
 {
     std::string_view bytes = upToZero(bytesAt(block, place));
     if (bytes.size() == place.size)
@@ -42,16 +45,16 @@ Text textAt(std::string_view block, Field place)
 
 bool hasTrack(std::string_view block) { return block[trackAt - 1] == '\0' && block[trackAt] != '\0'; }
 
-Field commentPlace(std::string_view block) { return hasTrack(block) ? shortComment : wholeComment; }
+FixedField commentPlace(std::string_view block) { return hasTrack(block) ? shortComment : wholeComment; }
 
-void put(Text& block, Field place, std::string_view bytes)
+void put(Text& block, FixedField place, std::string_view bytes)
 {
     Text field(bytes.substr(0, place.size));
     field.resize(place.size, '\0');
     block.replace(place.at, place.size, field);
 }
 
-void putText(Text& block, Field place, const Text& wanted, const Text& shown)
+void putText(Text& block, FixedField place, const Text& wanted, const Text& shown)
 {
     const Text held = textAt(block, place);
     const bool keptAsItWas = wanted == shown && !held.empty() && !isLatin1(wanted);

@@ -91,18 +91,18 @@ bool mayLeadTo(const Text& url, const Text& next)
            (scheme == "https" || scheme == part(url, CURLUPART_SCHEME));
 }
 
-struct Page {
+struct WebPage {
     Text text;
     Text next; // the address that it sends to
 };
 
-std::optional<Page> pageAt(const Text& url, Deadline deadline)
+std::optional<WebPage> pageAt(const Text& url, Deadline deadline)
 {
     const long left = millisecondsUntil(deadline);
     const Transfer transfer(left > 0 && isReady() ? curl_easy_init() : nullptr, curl_easy_cleanup);
     if (!transfer)
         return std::nullopt;
-    Page page;
+    WebPage page;
     limit(transfer, left);
     curl_easy_setopt(transfer.get(), CURLOPT_URL, url.c_str());
     curl_easy_setopt(transfer.get(), CURLOPT_WRITEFUNCTION, &keep);

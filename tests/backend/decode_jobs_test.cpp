@@ -20,8 +20,9 @@ struct Bench {
     bool closesWhenDone = true; // as the program does
     std::unique_ptr<codec::DecodeJobs> jobs = std::make_unique<codec::DecodeJobs>(
         window, desktop,
-        codec::DecodeJobs::Events{[this](std::int32_t position) { told.push_back(std::to_string(position)); },
-                                  [this] { finish(); }});
+        codec::DecodeJobs::DecodeEvents{
+            [this](std::int32_t position) { told.push_back(std::to_string(position)); },
+            [this] { finish(); }});
 
     Text mp3(const Text& name, std::int64_t frames = 30000)
     {

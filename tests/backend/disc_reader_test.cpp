@@ -744,7 +744,7 @@ TEST_CASE("A drive that is written is not read")
     r.reader->DriveCount();
     CHECK(r.reader->TrackCount() == 2);
     {
-        const auto claim = r.desk.devices->claim("/dev/sr0", disc::BusyDevices::Use::writing);
+        const auto claim = r.desk.devices->claim("/dev/sr0", disc::BusyDevices::DeviceUse::writing);
         REQUIRE(claim.has_value());
         CHECK(r.reader->ReadTrack(1, r.wav) != 0);
         CHECK(r.heard->end());

@@ -292,7 +292,7 @@ TEST_CASE("A refused writing has no end, says why, and holds nothing")
         w.desk.window.runPosted();
         CHECK(w.heard->done == 0);
         CHECK(w.desk.shell.told().size() == 1);
-        CHECK(w.desk.devices->claim("/dev/sr0", disc::BusyDevices::Use::reading).has_value());
+        CHECK(w.desk.devices->claim("/dev/sr0", disc::BusyDevices::DeviceUse::reading).has_value());
         CHECK(w.desk.sleepLock.held == 0);
     }
 }
@@ -356,7 +356,7 @@ TEST_CASE("A drive that is being read is not written, and has no disc to write")
 {
     Writing w;
     w.writer->AddTrack(w.wav, 0);
-    const auto claim = w.desk.devices->claim("/dev/sr0", disc::BusyDevices::Use::reading);
+    const auto claim = w.desk.devices->claim("/dev/sr0", disc::BusyDevices::DeviceUse::reading);
     CHECK(w.writer->CheckMedia() != 0);
     CHECK(w.writer->Write() != 0);
     CHECK(w.recorder->checks == 0);
@@ -413,7 +413,7 @@ TEST_CASE("A writer that goes stops its recorder, waits for it, and tells nobody
     w.writer.reset();
     CHECK(w.recorder->wasStopped);
     CHECK(w.desk.sleepLock.held == 0);
-    CHECK(w.desk.devices->claim("/dev/sr0", disc::BusyDevices::Use::reading).has_value());
+    CHECK(w.desk.devices->claim("/dev/sr0", disc::BusyDevices::DeviceUse::reading).has_value());
     w.desk.window.runPosted();
     CHECK(w.heard->done == 0);
     CHECK(w.desk.shell.told().empty());

@@ -62,7 +62,7 @@ TEST_CASE("A place in a stream tells what is heard there")
     };
     for (const auto& c : cases) {
         CAPTURE(c.at);
-        const audio::Run& run = log.runAt(c.at);
+        const audio::NotedRun& run = log.runAt(c.at);
         CHECK(run.kind == c.kind);
         CHECK(run.source == c.source);
         CHECK(run.serial == c.serial);

@@ -139,7 +139,7 @@ TEST_CASE("Frames go round the information, the time, the transport and the two 
     page.render(&face, {}, {}, QWidget::RenderFlags());
     QImage bare(page.size(), QImage::Format_RGB32);
     QPainter painter(&bare);
-    p.platform.toolkit().skin().draw(painter, "StartUp", Skin::State::normal, page.rect());
+    p.platform.toolkit().skin().draw(painter, "StartUp", Skin::ImageState::normal, page.rect());
     painter.end();
 
     struct Row {

@@ -21,7 +21,7 @@ struct Dressed {
     Dressed() : before(QApplication::font()) { QApplication::setStyle(new SkinStyle); }
     ~Dressed()
     {
-        setTone(Tone::usual);
+        setTone(DesktopTone::usual);
         QApplication::setFont(before);
         QApplication::setStyle("Fusion");
     }
@@ -149,7 +149,7 @@ TEST_CASE("In the tone of high contrast dark becomes darker, light lighter, and 
     QImage usual = picture;
     bringIntoTone(usual);
     CHECK(usual == picture);
-    setTone(Tone::highContrast);
+    setTone(DesktopTone::highContrast);
     bringIntoTone(picture);
     CHECK(picture.pixelColor(0, 0).lightness() < dark.lightness());
     CHECK(picture.pixelColor(1, 0).lightness() > 240);
@@ -160,7 +160,7 @@ TEST_CASE("In the tone of high contrast dark becomes darker, light lighter, and 
 TEST_CASE("Transparent parts of a picture stay transparent in any tone")
 {
     const Dressed dressed;
-    setTone(Tone::highContrast);
+    setTone(DesktopTone::highContrast);
     QImage picture(2, 2, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     bringIntoTone(picture);

@@ -27,7 +27,7 @@ QImage drawn(Skin& skin)
     QImage canvas(size, QImage::Format_ARGB32_Premultiplied);
     canvas.fill(Qt::transparent);
     QPainter painter(&canvas);
-    skin.draw(painter, "Image1", Skin::State::normal, QRect(QPoint(), size));
+    skin.draw(painter, "Image1", Skin::ImageState::normal, QRect(QPoint(), size));
     return canvas;
 }
 
