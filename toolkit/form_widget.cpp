@@ -194,6 +194,10 @@ void FormWidget::follow()
     grabMouse();
 }
 
+// Between whole scales the library asks for a size in steps of two pixels, and a window manager that counts
+// them from nothing would take one from an odd side.
+void FormWidget::keepSize() { windowHandle()->setBaseSize(size()); }
+
 // A dialog or another program in front takes nothing from the window: it goes on where it was left.
 bool FormWidget::event(QEvent* event)
 {
@@ -202,6 +206,8 @@ bool FormWidget::event(QEvent* event)
         letGo();
     if (event->type() == QEvent::WindowActivate)
         toolkit.outermost([&] { toolkit.activated(form_); });
+    if (event->type() == QEvent::WinIdChange && windowHandle())
+        keepSize();
     return QWidget::event(event);
 }
 

@@ -70,6 +70,7 @@ private:
     void appear();
     bool isFramed() const;
     void prepareKeys();
+    void keepSize();
     void cancel();
     void letGo();
     bool isUsersMove() const;

@@ -3,6 +3,7 @@
 """The two windows on the desk: how they cling together, and where they are found again."""
 import os
 import random
+import re
 import signal
 import time
 import unittest.mock
@@ -39,6 +40,12 @@ class WindowsCase(case.Case):
 
 
 class Windows(WindowsCase):
+    def setUp(self):
+        # The windows stand side by side on it: some window managers let none go over the edge.
+        self.desk = self.enterContext(desk.Desk(size="1600x900"))
+        self.app = self.program(self.desk, self.build)
+        self.start()
+
     def test_the_list_snaps_at_thirteen_pixels_and_not_at_fourteen(self):
         self.list = self.show_list()
         for side in ("bottom", "top", "right", "left"):
@@ -56,9 +63,12 @@ class Windows(WindowsCase):
             if start_again:
                 wait_for(lambda: self.app.setting("Position PlayList Editor", "POS") == "bottom", "the side is kept")
                 self.app.kill()
+                self.app.gone(case.LIST)
                 self.start()
                 self.list = self.app.window(case.LIST)
+            left, top = self.app.geometry(self.main)[:2]
             self.app.drag(self.main, TITLE, (-60, 25))
+            self.settled(self.main, (left - 60, top + 25))
             self.settled(self.list, self.beside("bottom", 0))
 
     def test_a_docked_list_can_be_drawn_off_also_after_a_dialog_was_in_front(self):
@@ -182,13 +192,26 @@ class BetweenPixels(WindowsCase):
 
     def setUp(self):
         self.enterContext(unittest.mock.patch.object(desk, "TWIPS", 10))
-        self.desk = self.enterContext(desk.Desk(size="1800x1300", scale=1.5))
+        self.desk = self.enterContext(desk.Desk(size="2300x1300", scale=1.5))
         self.app = self.program(self.desk, self.build)
         self.start()
 
     def drag_main_to(self, place):
         left, top = self.app.geometry(self.main)[:2]
         self.app.drag(self.main, TITLE, (place[0] - left, place[1] - top))
+
+    def test_a_window_manager_that_counts_in_steps_leaves_the_size_alone(self):
+        """KWin and mutter do: a window is as large as its base and so many steps."""
+        self.list = self.show_list()
+        for window in (self.main, self.list):
+            told = self.desk.run("xprop", "-id", window, "WM_NORMAL_HINTS")
+            wanted = re.search(r"minimum size: (\d+) by (\d+)", told).groups()
+            steps = re.search(r"increment: (\d+) by (\d+)", told)
+            base = re.search(r"base size: (-?\d+) by (-?\d+)", told)
+            if steps:
+                self.assertEqual([(int(size) - int(least)) % int(step)
+                                  for size, least, step in zip(wanted, base.groups(), steps.groups())], [0, 0], told)
+            self.assertEqual(self.app.geometry(window)[2:], tuple(map(int, wanted)))
 
     def test_docked_windows_meet_to_the_pixel_wherever_they_stand(self):
         self.list = self.show_list()
