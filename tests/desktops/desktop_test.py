@@ -72,7 +72,7 @@ class DesktopCase(case.Case):
 class Sound(DesktopCase):
     def test_stop_is_heard_within_60_ms(self):
         """From the click to the last sample, the recorder's own way included."""
-        recording = self.desk.record()
+        recording = self.desk.record(latency=10)
         self.play(self.wav(60), 0)
         times = []
         for _ in range(TRIES):  # the machine may be busy with something else at any one of them
@@ -191,13 +191,19 @@ class Portal(DesktopCase):
         path = self.wav(5)
         self.app.click(self.main, places.PLAY)
         wait_for(lambda: self.desk.reader.windows(OPEN), "the desktop's dialog shows")
-        self.assertEqual(self.app.windows(OPEN), [])
+        for window in self.app.windows(OPEN):
+            self.assertNotIn("velmora", self.desk.run("xprop", "-id", window, "WM_CLASS"))
         self.picture("portal")
         self.app.key("ctrl+l")
         self.app.type(str(path))
-        self.app.key("Return")
-        wait_for(lambda: not self.desk.reader.windows(OPEN), "the dialog goes")
+        wait_for(self.portal_takes, "the dialog goes", pause=1)
         self.wait_clock(1)
+
+    def portal_takes(self):
+        """It may still be about completing what was typed."""
+        if self.desk.reader.windows(OPEN):
+            self.app.key("Return")
+        return not self.desk.reader.windows(OPEN)
 
 
 if __name__ == "__main__":

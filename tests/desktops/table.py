@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Runs the checks on each desktop and writes docs/desktops.md from what they said.
 
-    table.py BUILD [NAME ...]
+    table.py BUILD [NAME[:WORD] ...]
 
 What is not run this time stays in the table as it was seen last.
 """
@@ -15,6 +15,7 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PAGE = ROOT / "docs/desktops.md"
+TRIES = 3
 OWN = "desktops/desktop"
 
 # clang-format off
@@ -26,7 +27,7 @@ CHECKS = [  # what is read in the table; the file below tests; the tests in it, 
      ["Upset.test_a_sound_server_that_dies_takes_the_sound_along_and_not_the_place",
       "Upset.test_a_sound_server_that_hangs_does_not_hang_the_window",
       "Upset.test_without_a_sound_server_files_play_silently"]),
-    ("Only what programs speak with dies", OWN, ["Sound.test_what_answers_programs_dies_and_comes_back"]),
+    ("Of the server, only what programs speak with dies", OWN, ["Sound.test_what_answers_programs_dies_and_comes_back"]),
     ("Docking, drawing off, minimising, closing, dialogs' frames", "e2e/windows", []),
     ("Size, frame, name, icon, menus", OWN, ["Looks"]),
     ("A day by keys alone", "e2e/keyboard", []),
@@ -51,8 +52,16 @@ def pictures(name):
     return folder
 
 
+def judged(build, name, file, tests):
+    """What the table says of it. What fails is tried again, which the table tells: a machine that does much else may be late."""
+    for number in range(1, TRIES + 1):
+        said = tried(build, name, file, tests)
+        if "failed" not in said:
+            break
+    return said if number == 1 or "failed" in said else f"{said}, at try {number}"
+
+
 def tried(build, name, file, tests):
-    """What the table says of it."""
     told = subprocess.run(
         ["/usr/bin/python3", f"tests/{file}_test.py", build, *tests], cwd=ROOT, text=True, errors="replace",
         stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
@@ -96,13 +105,18 @@ def write(seen):
                     .replace("@DATE@", time.strftime("%Y-%m-%d")))
 
 
+def chosen(names):
+    """The desktops and rows that are asked for: `mutter`, or the rows of it in which a word stands, `mutter:docking`."""
+    for name, _, word in (asked.partition(":") for asked in names or DESKTOPS):
+        yield from ((name, row) for row in CHECKS if word.lower() in row[0].lower())
+
+
 def main(build, *names):
     seen = {}
-    for name in names or DESKTOPS:
-        for what, file, tests in CHECKS:
-            seen[name, what] = tried(str(pathlib.Path(build).resolve()), name, file, tests)
-            print(f"{name}: {what}: {seen[name, what]}", flush=True)
-            write({**known(), **seen})
+    for name, (what, file, tests) in chosen(names):
+        seen[name, what] = judged(str(pathlib.Path(build).resolve()), name, file, tests)
+        print(f"{name}: {what}: {seen[name, what]}", flush=True)
+        write({**known(), **seen})
     return any("failed" in cell for cell in seen.values())
 
 

@@ -203,20 +203,21 @@ class Desk:
         if folder and "DISPLAY" in self.environment:
             self.screenshot(f"{folder}/{time.strftime('%H.%M.%S')}-{os.getpid()}.png")
 
-    def record(self):
-        self.recordings.append(Recording(self))
+    def record(self, latency=None):
+        """In milliseconds."""
+        self.recordings.append(Recording(self, latency or self.desktop.sound.latency))
         return self.recordings[-1]
 
 
 class Recording:
     """Everything that sounds from its start on: interleaved signed 16-bit stereo at 44100 Hz."""
 
-    def __init__(self, desk):
+    def __init__(self, desk, latency):
         self.desk = desk
         self.path = desk.folder / f"recording-{len(desk.processes)}.raw"
         self.file = open(self.path, "wb")
         self.process = desk.spawn("parec", "-d", "testsink.monitor", "--raw", "--format=s16le", "--rate=44100",
-                                  "--channels=2", "--latency-msec=10", stdout=self.file)
+                                  "--channels=2", f"--latency-msec={latency}", stdout=self.file)
         wait_for(lambda: self.path.stat().st_size > 0, "the recorder runs")
 
     def frames(self):

@@ -45,6 +45,7 @@ def answers(desk, *command):
 
 class PulseAudio:
     socket = "native"
+    latency = 10  # of whoever listens, in milliseconds
 
     @staticmethod
     def start(desk):
@@ -64,6 +65,7 @@ class PipeWire:
     """With WirePlumber, and asked as a PulseAudio server. Debian lets it run at 48000 Hz and convert whatever has another
     rate; to hear each sample as it was sent, it is told to run at that of the music."""
     socket = "pulse/native"
+    latency = 60  # one that asks for less makes all of its work smaller: a busy machine is late for that
     rate = "context.properties = { default.clock.rate = 44100 }\n"
 
     @staticmethod
@@ -192,8 +194,10 @@ class Mutter:
 
     @staticmethod
     def enlarge(desk, scale):
-        Mutter._scale(desk, [round(scale)])
-        desk.hand.speed = round(scale)
+        """It offers whole scales. What lies between them is larger type for it, which X programs are told of the same way."""
+        if scale == round(scale):
+            Mutter._scale(desk, [round(scale)])
+            desk.hand.speed = round(scale)
 
     @staticmethod
     def _scale(desk, scales):
