@@ -306,7 +306,9 @@ class Velmora:
         return found.stdout.split()
 
     def window(self, title, limit=LIMIT):
-        return wait_for(lambda: self.windows(title), f"the window {title!r} shows", limit)[-1]
+        window = wait_for(lambda: self.windows(title), f"the window {title!r} shows", limit)[-1]
+        self.desk.hand.notice(window)
+        return window
 
     def gone(self, title):
         """With its frame: as long as that stands there, it takes the clicks."""

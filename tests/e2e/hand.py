@@ -13,6 +13,8 @@ import dbus
 import dbus.bus
 
 REMOTE, SESSION = "org.gnome.Mutter.RemoteDesktop", "org.gnome.Mutter.RemoteDesktop.Session"
+HUMAN = 0.03  # seconds: what comes quicker than from any hand, before a window knows that the pointer is on it, may be lost
+SIGHT = 0.5  # seconds that a person needs at least to see what has come
 FAR = 20000  # pixels: no desk is larger
 BUTTONS = {1: 0x110, 2: 0x112, 3: 0x111}  # the left, the middle and the right one, as the system counts them
 WHEEL = {4: -1, 5: 1}
@@ -32,6 +34,9 @@ class XHand:
 
     def reach(self):
         """Returns when what it does reaches the window that has just come."""
+
+    def notice(self, window):
+        """A person sees a window before the hand goes there."""
 
     def close(self):
         pass
@@ -67,6 +72,7 @@ class RemoteHand:
         remote = dbus.Interface(self.bus.get_object(REMOTE, "/org/gnome/Mutter/RemoteDesktop"), REMOTE)
         self.session = dbus.Interface(self.bus.get_object(REMOTE, remote.CreateSession()), SESSION)
         self.session.Start()
+        self.noticed = set()
         self.speed = 1  # the compositor moves the pointer so many pixels for each one
         self.home()
 
@@ -74,6 +80,12 @@ class RemoteHand:
         words = list(words)
         while words:
             getattr(self, "_" + words.pop(0))(words)
+
+    def notice(self, window):
+        """The X server shows it before the compositor does."""
+        if window not in self.noticed:
+            self.noticed.add(window)
+            time.sleep(SIGHT)
 
     def home(self):
         """Wherever the pointer is: into the corner, from which on its way is known."""
@@ -96,6 +108,7 @@ class RemoteHand:
     def _to(self, x, y):
         self.session.NotifyPointerMotionRelative((x - self.at[0]) / self.speed, (y - self.at[1]) / self.speed)
         self.at = (x, y)
+        time.sleep(HUMAN)
 
     @staticmethod
     def _option(words, name, default):
@@ -135,6 +148,7 @@ class RemoteHand:
                 self.session.NotifyPointerAxisDiscrete(dbus.UInt32(0), WHEEL[number])
             else:
                 self._button(number, True)
+                time.sleep(HUMAN)
                 self._button(number, False)
             time.sleep(pause)
 
