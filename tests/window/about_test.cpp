@@ -5,6 +5,7 @@
 #include "support/widgets.h"
 
 #include <QCoreApplication>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -87,6 +88,16 @@ TEST_CASE("The About window names the program, its version and what it is for")
     CHECK(widgetOf<QPushButton>(frame, "cmdSysInfo")->text() == "&System Info...");
     CHECK(frame.picIcon.Width() == twipsOf(32));
     CHECK(frame.picIcon.Height() == twipsOf(32));
+}
+
+TEST_CASE("What the program is for and what its makers answer for stand in as many lines as they need")
+{
+    About a;
+    AboutFrame& frame = a.open();
+    for (const char* name : {"lblDescription", "lblDisclaimer"}) {
+        CAPTURE(name);
+        CHECK(widgetOf<QLabel>(frame, name)->wordWrap());
+    }
 }
 
 TEST_CASE("The About window has two tabs and opens on the first")

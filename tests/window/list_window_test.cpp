@@ -2,6 +2,7 @@
 #include "support/failures.h"
 #include "support/list_hand.h"
 #include "support/list_program.h"
+#include "support/pointer.h"
 
 #include <doctest/doctest.h>
 
@@ -828,4 +829,21 @@ TEST_CASE("Rows that cannot leave the working copy are not kept beside it on eac
     start.list.Timer1_Timer();
     CHECK(start.file(workingCopy) == "/a.mp3\r\n");
     CHECK_FALSE(start.platform.files.files.contains("/app/deflist.vlp.bak"));
+}
+
+TEST_CASE("The list and the player are moved by their title bars")
+{
+    ListProgram start;
+    const auto follows = [](Form& window, const ctl::Control& titleBar) {
+        window.Show();
+        window.setLeft(1500);
+        window.setTop(1500);
+        QApplication::processEvents();
+        Pointer pointer(window);
+        const QPointF grip = Pointer::centreOf(titleBar);
+        pointer.to(grip).press().to(grip + QPointF(40, 20)).release();
+        return window.Left() == 2100 && window.Top() == 1800;
+    };
+    CHECK(follows(start.list, start.list.PLETitleBarImg));
+    CHECK(follows(start.player, start.player.TitleBarImg));
 }

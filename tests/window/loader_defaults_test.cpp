@@ -226,6 +226,16 @@ TEST_CASE("The defaults put a dialog back that was changed and never saved")
     CHECK(w.settings.SetCDtoWavTB.Text() == "Track");
 }
 
+TEST_CASE("The defaults put back a simulated writing that was never saved")
+{
+    Workshop w;
+    w.settings.SetWAVtoCDtestmode.setValue(1);
+    REQUIRE_FALSE(w.settings.SetWAVtoCDclosedisc.Enabled());
+    w.load();
+    CHECK(w.settings.SetWAVtoCDtestmode.Value() == 0);
+    CHECK(w.settings.SetWAVtoCDclosedisc.Enabled());
+}
+
 TEST_CASE("The CD defaults leave the choice of titles alone, in the dialog and in the workbench")
 {
     Workshop w;

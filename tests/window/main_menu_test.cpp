@@ -203,8 +203,14 @@ TEST_CASE("The settings are loaded before the tab is set and the window shows")
             CHECK_FALSE(p.program.mp3Encoder().Visible());
             CHECK_FALSE(p.program.settings().Visible());
         };
+        bool activated = false;
+        p.program.settings().Activate.calls([&] {
+            activated = true;
+            CHECK(p.program.settings().SettingsTab.Tab() == 1);
+        });
         choose(p, item);
         CHECK(loaded);
+        CHECK(activated == (item == 14));
     }
 }
 

@@ -182,6 +182,17 @@ TEST_CASE("A WAV file that was only opened is stopped, and Play starts it")
     CHECK(played.platform.log.count("MMControl1.Play") == 1);
 }
 
+TEST_CASE("A file that sounds and says no length cannot be moved in")
+{
+    for (const std::int16_t fileKind : {kind::mp3, kind::wav}) {
+        CAPTURE(fileKind);
+        Played played(fileKind);
+        CHECK(played.shown().canSeek);
+        played.mp3().length = played.wav().length = 0;
+        CHECK_FALSE(played.shown().canSeek);
+    }
+}
+
 TEST_CASE("What is heard counts where the pause flag says otherwise")
 {
     for (const auto fileKind : {kind::wav, kind::mp3}) {
@@ -257,6 +268,7 @@ TEST_CASE("Each start of another row is another track, and one track stays one")
     played.program.playListEditor().PlayIndex = 1; // the same file once more
     const auto second = played.shown().track;
     CHECK(second != first);
+    CHECK(played.shown().track == second);
     played.player().mp3filename.setCaption("/music/b.mp3");
     const auto third = played.shown().track;
     CHECK(third != second);
