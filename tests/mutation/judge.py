@@ -15,14 +15,21 @@ def limits(cases):
 
 
 class Judge:
-    def __init__(self, cases):
-        self.cases, self.runner, self.killers = cases, cases.runner, {}
+    def __init__(self, cases, effort):
+        self.cases, self.runner, self.effort, self.killers = cases, cases.runner, effort, {}
 
     def order(self, mutant):
         cases = [case for case in self.cases.by_mutant.get(mutant.number, []) if case.well]
         before = [name for name, _ in self.killers.get(mutant.file, Counter()).most_common(3)]
         first = [case for case in cases if case.name in before and case.cost < 2]
-        return first + [case for case in cases if case not in first]
+        return list(self.affordable(first + [case for case in cases if case not in first]))
+
+    def affordable(self, cases):
+        spent = 0.0
+        for case in cases:
+            if spent < self.effort:
+                yield case
+            spent += case.cost
 
     def portions(self, cases):
         """Few cases at first, then more in a process: a process costs as much as several cases."""
@@ -42,7 +49,8 @@ class Judge:
             if killer:
                 self.killers.setdefault(mutant.file, Counter())[killer.name] += 1
                 return "killed", f"{killer.group}/{killer.file}: {killer.name}"
-        return ("survived", f"{len(order)} cases") if order else ("unreached", "")
+        all_of_them = len(self.cases.by_mutant.get(mutant.number, []))
+        return ("survived", f"{len(order)} of {all_of_them} cases") if order else ("unreached", "")
 
     def killer(self, mutant, portion):
         ending = self.runner.run(portion, *limits(portion), mutant.number)
