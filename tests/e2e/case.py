@@ -18,6 +18,11 @@ WORKBENCH = "Encoder / Decoder / CD => WAV / WAV => CD"
 SETTINGS = "Settings"
 TAGS = "Edit File Information"
 
+# Of files, from somebody who means harm.
+HOSTILE_NAMES = [b'quo"te\'s', b"100%s%n%d%20", b"x" * 251, b"inval\xff\xfeid\xc3", "turned \u202e3pm.exe".encode(),
+                 b"<b>bold<img src=x>&amp;<br>", b"-rf", b" blanks ", b"`touch pwned`$(touch pwned);|&", b"&mnemonic&&",
+                 b"#EXTM3U", b"http:", b"..."]
+
 
 class Case(unittest.TestCase):
     build = None
@@ -45,6 +50,12 @@ class Case(unittest.TestCase):
         lines = lambda: shown.read_text(errors="replace").splitlines()
         wait_for(lambda: lines() == ["ready"], "the desktop takes notifications")
         return lambda: lines()[1:]
+
+    def memory(self):
+        """Megabytes of its own."""
+        lines = pathlib.Path(f"/proc/{self.app.process.pid}/smaps_rollup").read_text().splitlines()
+        fields = dict(line.split()[:2] for line in lines[1:])
+        return (int(fields["Private_Dirty:"]) + int(fields["Private_Clean:"])) / 1024
 
     def processor_time(self):
         """Seconds, of all its threads."""

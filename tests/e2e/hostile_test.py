@@ -21,22 +21,12 @@ from desk import Impatient, wait_for
 SERVICE, PATH = "org.mpris.MediaPlayer2.velmora", "/org/mpris/MediaPlayer2"
 PLAYER, PROPERTIES = "org.mpris.MediaPlayer2.Player", "org.freedesktop.DBus.Properties"
 
-NAMES = [b'quo"te\'s', b"100%s%n%d%20", b"x" * 251, b"inval\xff\xfeid\xc3", "turned \u202e3pm.exe".encode(),
-         b"<b>bold<img src=x>&amp;<br>", b"-rf", b" blanks ", b"`touch pwned`$(touch pwned);|&", b"&mnemonic&&",
-         b"#EXTM3U", b"http:", b"..."]
-
 
 def bytes_of(path):
     return os.fsencode(path)
 
 
 class Hostile(case.Case):
-    def memory(self):
-        """Megabytes of its own."""
-        lines = pathlib.Path(f"/proc/{self.app.process.pid}/smaps_rollup").read_text().splitlines()
-        fields = dict(line.split()[:2] for line in lines[1:])
-        return (int(fields["Private_Dirty:"]) + int(fields["Private_Clean:"])) / 1024
-
     def assert_answers(self, limit=20):
         """The window is dragged. Returns how long that took."""
         begun = time.monotonic()
@@ -59,7 +49,7 @@ class Hostile(case.Case):
     def songs(self):
         """One under each name. They are heard for a second each."""
         made = sounds.encode(sounds.write_wav(self.desk.folder / "a.wav", sounds.music(1)), self.desk.folder / "a.mp3")
-        paths = [bytes_of(self.desk.music) + b"/" + name[:251] + b".mp3" for name in NAMES]
+        paths = [bytes_of(self.desk.music) + b"/" + name[:251] + b".mp3" for name in case.HOSTILE_NAMES]
         for path in paths:
             pathlib.Path(os.fsdecode(path)).write_bytes(made.read_bytes())
         return paths
@@ -87,7 +77,7 @@ class Hostile(case.Case):
     def test_files_of_any_name_are_encoded_under_their_own(self):
         source = self.desk.home / "source"
         source.mkdir()
-        names = [*NAMES, b"new\nline", b"tab\tand\x1b[31mred", b"carriage\rreturn"]
+        names = [*case.HOSTILE_NAMES, b"new\nline", b"tab\tand\x1b[31mred", b"carriage\rreturn"]
         sound = sounds.write_wav(self.desk.folder / "a.wav", sounds.music(0.2)).read_bytes()
         for name in names:
             (source / os.fsdecode(name + b".wav")).write_bytes(sound)
