@@ -143,6 +143,7 @@ TEST_CASE("A track title stays whole and in one line")
         {"control characters", "TTITLE0=a\x01\x1B\x7Fz\r\n", "a   z"},
         {"control characters beyond ASCII", "TTITLE0=a\u0085\u009Bz\r\n", "a  z"},
         {"control characters of Latin-1", "TTITLE0=a\x85\xE9z\r\n", "a \u00E9z"},
+        {"the first character of Latin-1 beyond ASCII", "TTITLE0=a\x80z\r\n", "a z"},
         {"separators of lines", "TTITLE0=a\u2028\u2029z\r\n", "a  z"},
         {"the direction of writing turned", "TTITLE0=a\u202Egpj.wav\u202C\u2066z\u2069\r\n", "a gpj.wav  z"},
         {"letters of other writings", "TTITLE0=\u05D0\u200F\u2026\u00A0z\r\n", "\u05D0\u200F\u2026\u00A0z"},
@@ -155,6 +156,14 @@ TEST_CASE("A track title stays whole and in one line")
     for (const auto& c : cases) {
         CAPTURE(c.what);
         CHECK(firstTitleIn(c.lines) == c.title);
+    }
+}
+
+TEST_CASE("A line that gives no key a value is passed over")
+{
+    for (const Text line : {"", "rubbish", "TTITLE0"}) {
+        CAPTURE(line);
+        CHECK(firstTitleIn(line + "\r\nTTITLE0=Song\r\n") == "Song");
     }
 }
 

@@ -148,6 +148,7 @@ TEST_CASE("A link keeps leading to the file that is written")
         {"a link to another link", "hop"},
         {"a link through another folder", "../lists/real.vlp"},
         {"a link to a file that does not exist yet", "new.vlp"},
+        {"a link to a name of one letter", "r"},
     };
     for (const auto& c : cases) {
         CAPTURE(c.what);

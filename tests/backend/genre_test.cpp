@@ -46,6 +46,14 @@ TEST_CASE("Every name that the tag editor has leads back to its number, and no o
     }
 }
 
+TEST_CASE("A name with a digit more is another name")
+{
+    for (const Text name : {"Rock0", "Rock 9", "Hip-Hop 0"}) {
+        CAPTURE(name);
+        CHECK(genreNumber(name) == -1);
+    }
+}
+
 TEST_CASE("A genre without a number is called what the text calls it")
 {
     struct Case {

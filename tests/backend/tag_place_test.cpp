@@ -434,6 +434,19 @@ TEST_CASE("What another program writes meanwhile is not undone")
     CHECK(holdsOnlyTheSong(folder));
 }
 
+TEST_CASE("What another program writes while the copy is looked at is not undone")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
+    const auto lookMeanwhile = [&](const Text&) { putSong(folder, withV2 + "more"); };
+    CHECK(failureOf([&] {
+              files::swapEnds({path, file, statusOf(path)}, {"", 0, 100, ""}, noNotes, lookMeanwhile);
+          }) == 75);
+    CHECK(fileBytes(path) == withV2 + "more");
+    CHECK(holdsOnlyTheSong(folder));
+}
+
 TEST_CASE("A copy that is not approved does not take the file's place")
 {
     const TemporaryFolder folder;
