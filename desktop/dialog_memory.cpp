@@ -44,7 +44,7 @@ void DialogMemory::write(const RememberedDialog& dialog) const
     if (path_.empty() || dialog.folder.find('\n') != Text::npos)
         return;
     const Text size = textOf(dialog.width) + ' ' + textOf(dialog.height);
-    files::replaceFile(path_, size + '\n' + dialog.folder + '\n', notes_);
+    succeeds([&] { files::replaceFile(path_, size + '\n' + dialog.folder + '\n', notes_); });
 }
 
 }

@@ -99,8 +99,10 @@ bool SqliteStore::write(const SettingName& name, const Text& value)
     const Outcome outcome = attempt([&](SettingsDatabase& database) { return database.write(name, value); });
     if (outcome != Outcome::done) {
         nextWrite_ = Clock::now() + betweenTries;
+        complaint_.failed(path_ + " takes nothing");
         return false;
     }
+    complaint_.succeeded();
     known_[name] = value;
     ++writes_;
     forceLog();

@@ -6,6 +6,7 @@
 #include "desktop/settings_forces.h"
 #include "files/set_aside.h"
 #include "files/trust.h"
+#include "platform/complaint.h"
 #include "platform/key_value_store.h"
 
 #include <chrono>
@@ -59,6 +60,7 @@ private:
     SettingsForces forces_;
     std::uint64_t writes_ = 0;
     std::uint64_t forcedWrites_ = 0;
+    Complaint complaint_{"The settings cannot be kept for now"};
     std::map<SettingName, Text> refused_; // holds for this process until the disk takes it
     Clock::time_point nextOpen_{};
     Clock::time_point nextWrite_{};

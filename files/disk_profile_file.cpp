@@ -68,7 +68,7 @@ bool DiskProfileFile::write(const Text& section, const Text& key, const Text& va
 
 bool DiskProfileFile::put(const Entry& entry)
 {
-    return succeeds([&] {
+    return complaint_.unless([&] {
         const Text old = contentOrNothing(files_, entry.file);
         const Text changed = profileWith(old, entry.section, entry.key, entry.value);
         if (changed != old)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "files/trust.h"
+#include "platform/complaint.h"
 #include "platform/profile_file.h"
 #include "platform/text_files.h"
 
@@ -37,6 +38,7 @@ private:
     TextFiles& files_;
     Entry last_; // written, or found to be there
     Trust trust_;
+    Complaint complaint_{"The settings of the list cannot be kept"};
 };
 
 }

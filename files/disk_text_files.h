@@ -19,13 +19,16 @@ namespace files
 class DiskTextFiles final : public TextFiles
 {
 public:
+    // `forceFailed` hears of a file that stands as it was written, and that the disk did not take for good.
     // `earlierContentKept` hears of a backup of what this process did not write: the user does not know that
     // it has gone.
     using BackupKept = std::function<void(const Text& backup)>;
     explicit DiskTextFiles(
-        PartNotes& notes, BackupKept earlierContentKept = [](const Text&) {}, Trust trust = Trust()) :
+        PartNotes& notes, BackupKept earlierContentKept = [](const Text&) {}, Trust trust = Trust(),
+        Forces::Failed forceFailed = [](const Text&) {}) :
         notes_(notes),
-        earlierContentKept_(std::move(earlierContentKept)), trust_(std::move(trust))
+        forces_(std::move(forceFailed)), earlierContentKept_(std::move(earlierContentKept)),
+        trust_(std::move(trust))
     {
     }
 

@@ -12,6 +12,8 @@ namespace files
 {
 
 struct Forces::Waiting {
+    explicit Waiting(Failed whatFailed) : failed(std::move(whatFailed)) {}
+
     struct Written {
         Text path;
         Descriptor file;
@@ -37,15 +39,20 @@ struct Forces::Waiting {
     void forceNext()
     {
         const Written first = next();
-        if (first.file && force(first.file))
+        if (!first.file)
+            return;
+        if (force(first.file))
             syncFolder(folderOf(first.path));
+        else
+            failed(first.path);
     }
 
+    const Failed failed;
     Mutex mutex;
     std::deque<Written> files GUARDED_BY(mutex);
 };
 
-Forces::Forces() : waiting_(std::make_shared<Waiting>()) {}
+Forces::Forces(Failed failed) : waiting_(std::make_shared<Waiting>(std::move(failed))) {}
 
 Forces::~Forces() = default;
 

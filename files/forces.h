@@ -6,13 +6,17 @@
 #include "files/descriptor.h"
 #include "platform/worker.h"
 
+#include <functional>
+
 namespace files
 {
 
 class Forces
 {
 public:
-    Forces();
+    // `failed` hears, on a thread of its own, of a file that the disk did not take.
+    using Failed = std::function<void(const Text& path)>;
+    explicit Forces(Failed failed = [](const Text&) {});
     ~Forces(); // leaves to the system's own time what a disk has not taken soon
 
     // `file` stands under `path`. One that is written again before its turn is forced once.

@@ -74,7 +74,7 @@ OutputFile::Target OutputFile::targetOf(const Text& path)
 }
 
 OutputFile::OutputFile(Text target, const std::optional<struct stat>& old, PartNotes& notes) :
-    target_(std::move(target)), path_(partPathFor(target_)), replacesFile_(old.has_value()), notes_(notes)
+    target_(std::move(target)), path_(partPathFor(target_)), notes_(notes)
 {
     if (!takesFiles(folderOf(path_)))
         failToMake(errno);
@@ -173,13 +173,12 @@ void OutputFile::finish()
     syncFolder(folderOf(target_));
 }
 
-bool replaceFile(const Text& path, std::string_view bytes, PartNotes& notes)
+void replaceFile(const Text& path, std::string_view bytes, PartNotes& notes)
 {
-    return makeFolders(folderOf(path)) && succeeds([&] {
-               OutputFile file(path, notes);
-               file.append(bytesOf(bytes));
-               file.takePlace();
-           });
+    makeFolders(folderOf(path));
+    OutputFile file(path, notes);
+    file.append(bytesOf(bytes));
+    file.takePlace();
 }
 
 // Some file systems, on the network above all, cannot do both in one step.

@@ -56,7 +56,6 @@ public:
 
     std::int64_t bytes() const { return bytes_; }  // appended so far
     const Text& partPath() const { return path_; } // where it stands until then
-    bool replacesFile() const { return replacesFile_; }
     const Descriptor& file() const { return file_; }
     Descriptor release() { return std::move(file_); }
 
@@ -73,14 +72,13 @@ private:
 
     Text target_;
     Text path_;
-    bool replacesFile_;
     PartNotes& notes_;
     Descriptor file_;
     std::int64_t bytes_ = 0;
 };
 
-// For what the program keeps for itself, and can do without: makes the folder, and waits for no disk.
-bool replaceFile(const Text& path, std::string_view bytes, PartNotes& notes);
+// For what the program keeps for itself: makes the folder, and waits for no disk.
+void replaceFile(const Text& path, std::string_view bytes, PartNotes& notes);
 
 // Without a step between in which another program could make a file under that name; false with EEXIST where
 // something stands there.

@@ -17,6 +17,7 @@
 #include "desktop/second_start.h"
 #include "desktop/sqlite_store.h"
 #include "desktop/tool_registry.h"
+#include "desktop/unforced_files.h"
 #include "desktop/wishes_reader.h"
 #include "engines/audio/mpg123_play.h"
 #include "engines/audio/sndfile_control.h"
@@ -69,11 +70,13 @@ struct Desktop::Parts {
     // A look-up of titles may outlive the rest.
     std::shared_ptr<PartNotes> partNotes =
         std::make_shared<files::StatePartNotes>(desktop::stateFolder(environment));
-    std::shared_ptr<files::DiskTextFiles> ownFiles =
-        std::make_shared<files::DiskTextFiles>(*partNotes, [this](const Text& backup) {
+    std::shared_ptr<files::DiskTextFiles> ownFiles = std::make_shared<files::DiskTextFiles>(
+        *partNotes,
+        [this](const Text& backup) {
             shell.notify("The list begins empty",
                          "Its last rows are in " + backup + ". Open that file as a list to have them back.");
-        });
+        },
+        files::Trust(), [this](const Text& path) { desktop::tellUnforced(path, applicationFolder, shell); });
     files::PatientTextFiles textFiles{ownFiles};
     files::DiskProfileFile profileFile{*ownFiles};
     desktop::FolderScan directoryScan;

@@ -112,7 +112,7 @@ void PlayListEditor::closeVLMimg_Click() { Hide(); }
 void PlayListEditor::Timer1_Timer()
 {
     setFolders();
-    skipping([this] { writeWorkingCopy(); },
+    skipping([this] { workingCopyTrouble_.unless([this] { writeWorkingCopy(); }); },
              [this] {
                  program_.startUp().AddToINI(ini::section, ini::playList,
                                              NamedListActive ? PlayListFileName.Text() : DefaultListPath,

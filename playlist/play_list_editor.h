@@ -3,6 +3,7 @@
 // or not.
 #pragma once
 
+#include "platform/complaint.h"
 #include "platform/mp3_play.h"
 #include "platform/open_save_dialog.h"
 #include "platform/popup_menu.h"
@@ -122,4 +123,5 @@ private:
     void waitForEnd();
 
     Program& program_;
+    Complaint workingCopyTrouble_{"The list at work cannot be kept"};
 };

@@ -3,7 +3,7 @@
 
 #include "files/folders.h"
 #include "files/output_file.h"
-#include "platform/failure.h"
+#include "platform/complaint.h"
 
 #include <QDataStream>
 #include <QFile>
@@ -89,10 +89,10 @@ QByteArray KeptPictures::packed(const Pictures& pictures) const
 void KeptPictures::write(const Pictures& pictures, PartNotes& notes) const
 {
     const QByteArray all = packed(pictures);
-    skipping([&] {
-        files::makeFolders(files::folderOf(path_));
+    files::makeFolders(files::folderOf(path_));
+    Complaint("Drawn pictures cannot be kept").unless([&] {
         files::OutputFile file(path_, notes);
         file.append(std::as_bytes(std::span(all.constData(), static_cast<std::size_t>(all.size()))));
-        file.takePlace();
+        file.finish();
     });
 }

@@ -22,7 +22,7 @@ public:
     // None where the file is missing, damaged, or of another build.
     Pictures read() const;
 
-    // Not forced to the disk: a file cut short counts for nothing, and is made anew. For worker threads.
+    // For worker threads: it waits for the disk.
     void write(const Pictures& pictures, PartNotes& notes) const;
 
 private:

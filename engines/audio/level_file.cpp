@@ -18,9 +18,10 @@ Levels::Pair LevelFile::read() const
     return {};
 }
 
-void LevelFile::write(Levels::Pair levels) const
+void LevelFile::write(Levels::Pair levels)
 {
-    files::replaceFile(path_, textOf(levels.left) + ' ' + textOf(levels.right) + '\n', notes_);
+    const Text line = textOf(levels.left) + ' ' + textOf(levels.right) + '\n';
+    complaint_.unless([&] { files::replaceFile(path_, line, notes_); });
 }
 
 }

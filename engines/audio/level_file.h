@@ -4,6 +4,7 @@
 #pragma once
 
 #include "engines/audio/levels.h"
+#include "platform/complaint.h"
 #include "platform/part_notes.h"
 
 namespace audio
@@ -15,11 +16,12 @@ public:
     LevelFile(Text path, PartNotes& notes) : path_(std::move(path)), notes_(notes) {}
 
     Levels::Pair read() const;
-    void write(Levels::Pair levels) const; // replaces the file in one step; makes its folder
+    void write(Levels::Pair levels); // replaces the file in one step; makes its folder
 
 private:
     Text path_;
     PartNotes& notes_;
+    Complaint complaint_{"The volume cannot be kept"};
 };
 
 }

@@ -62,13 +62,14 @@ std::int64_t soundBytes(const std::vector<CdSound>& tracks)
     return sectors * sectorBytes;
 }
 
-// The two files of a disc in the making.
+// The two files of a disc in the making, by one name for all discs: what one leaves that loses its power, the
+// next one finds.
 class NewImage
 {
 public:
     NewImage(Text folder, std::int64_t bytes, PartNotes& notes) :
-        folder_(std::move(folder)), notes_(notes), sound_(pathOf(".bin", begun_), notes),
-        sheet_(pathOf(".cue", begun_), notes)
+        folder_(std::move(folder)), notes_(notes), sound_(joined(folder_, "Disc in the making.bin"), notes),
+        sheet_(joined(folder_, "Disc in the making.cue"), notes)
     {
         sound_.makeRoom(bytes);
     }

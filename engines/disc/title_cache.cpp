@@ -2,7 +2,9 @@
 #include "engines/disc/title_cache.h"
 
 #include "engines/disc/disc_id.h"
+#include "files/folders.h"
 #include "files/output_file.h"
+#include "platform/complaint.h"
 #include "platform/paths.h"
 
 namespace disc
@@ -25,12 +27,17 @@ std::optional<Text> TitleCache::answer(const DiscContents& disc) const
     return bytes.substr(first.size());
 }
 
-// Not synced to the disk: an answer cut short shows as one, and counts for nothing.
+// On a worker, which can wait for the disk: when the power goes, the last answer is whole, or the one before.
 void TitleCache::keep(const DiscContents& disc, const Text& answer) const
 {
     if (this->answer(disc) == answer)
         return;
-    files::replaceFile(joined(folder_, discId(disc)), firstLine(disc) + answer, *notes_);
+    files::makeFolders(folder_);
+    Complaint("The titles of a disc cannot be kept").unless([&] {
+        files::OutputFile file(joined(folder_, discId(disc)), *notes_);
+        file.append(files::bytesOf(firstLine(disc) + answer));
+        file.finish();
+    });
 }
 
 }

@@ -37,8 +37,7 @@ std::int64_t WavOutput::soundBytes() const { return output_.bytes() - headerByte
 void WavOutput::finish()
 {
     completeHeader();
-    if (output_.replacesFile())
-        output_.force();
+    output_.force();
     output_.takePlace();
 }
 

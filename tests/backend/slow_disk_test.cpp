@@ -88,6 +88,15 @@ TEST_CASE("Files are forced in the order in which they came, one that is written
     CHECK(made < 20);
 }
 
+TEST_CASE("A file that the disk does not take for good is told of")
+{
+    Text told;
+    files::Forces forces([&](const Text& path) { told = path; });
+    forces.add("/music/mine.vlp", files::Descriptor(open("/dev/full", O_PATH | O_CLOEXEC))); // takes no force
+    forces.finish();
+    CHECK(told == "/music/mine.vlp");
+}
+
 TEST_CASE("A kill while the disk is behind leaves the list and the profile that were written last")
 {
     const Desk desk;
