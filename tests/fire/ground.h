@@ -9,10 +9,10 @@
 #include "platform/failure.h"
 #include "platform/shell.h"
 
-#include <chrono>
 #include <cstdio>
+#include <initializer_list>
 #include <memory>
-#include <thread>
+#include <unistd.h>
 
 struct Places {
     explicit Places(Text folder) : home(std::move(folder)) {}
@@ -63,23 +63,24 @@ struct Flow {
     void (*run)(Ground& ground);
 };
 
+using Flows = std::initializer_list<Flow>;
+
 // FLOW FOLDER [furnish]. What fails where no handler is, is told in a box, and ends the program.
-template <std::size_t count>
-int runFlow(const Flow (&flows)[count], int argc, char** argv)
+inline int runFlow(std::initializer_list<Flows> all, int argc, char** argv)
 {
-    for (const Flow& flow : flows) {
-        if (argc < 3 || Text(argv[1]) != flow.name)
-            continue;
-        if (argc > 3)
-            return flow.furnish(Places(argv[2])), 0;
-        Ground ground(argv[2]);
-        const auto tell = [](const Failure& failure) { say("told", failure.description); };
-        guarded(tell, [&] { flow.run(ground); });
-        _exit(0);
-    }
-    std::fprintf(stderr, "FLOW FOLDER [furnish]; the flows:");
-    for (const Flow& flow : flows)
-        std::fprintf(stderr, " %s", flow.name);
-    std::fprintf(stderr, "\n");
+    for (const Flows& flows : all)
+        for (const Flow& flow : flows) {
+            if (argc < 3 || Text(argv[1]) != flow.name)
+                continue;
+            if (argc > 3) {
+                flow.furnish(Places(argv[2]));
+                _exit(0);
+            }
+            Ground ground(argv[2]);
+            guarded([](const Failure& failure) { say("told", failure.description); },
+                    [&] { flow.run(ground); });
+            _exit(0);
+        }
+    std::fprintf(stderr, "FLOW FOLDER [furnish]\n");
     return 2;
 }

@@ -1,5 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Whether anything was lost: right after a fault, and after the next use of the same flow."""
+import os
+
 from scene import NOTES
 
 
@@ -21,6 +23,11 @@ def is_new(scene, files):
     return scene.seen(files) in (scene.seen(scene.new), scene.seen(scene.again))
 
 
+def is_of_user(path):
+    """A folder, and the program's own book, cost nobody a file."""
+    return not os.path.isdir(path) and "/state/parts/" not in path
+
+
 def telling(scene, ended, files):
     """What did not succeed is said, in the way of its flow, and only then."""
     if scene.was_killed(ended):
@@ -28,7 +35,7 @@ def telling(scene, ended, files):
     if ended.status != 0:
         yield f"it ended with {ended.status}: {ended.trouble[-3:]}"
     told, said = ended.words("told"), [line for line in ended.trouble if line.startswith("Velmora: ")]
-    force_failed = any(call.kind == "force" and call.what == "EIO" for call in ended.calls)
+    force_failed = any(call.kind == "force" and call.what == "EIO" and is_of_user(call.path) for call in ended.calls)
     succeeded = is_new(scene, files) and not (force_failed and scene.flow.is_told)
     if scene.flow.is_told and not succeeded and not told:
         yield "the user was told nothing"
@@ -59,8 +66,8 @@ def left_over(scene, files):
     pages = [data for name, data in files.items() if NOTES.match(name)]
     if len(pages) > 1 or any(pages):
         yield f"after the next use the book has {len(pages)} pages: {pages}"
-    known = {*scene.old, *scene.new, *scene.again, "state/parts"}
-    over = sorted(name for name in files if name not in known and not NOTES.match(name))
+    known = {*scene.seen(scene.old), *scene.seen(scene.new), *scene.seen(scene.again)}
+    over = sorted({*(name for name in files if name.endswith((".part", ".damaged"))), *(set(scene.seen(files)) - known)})
     if over:
         yield f"after the next use there is too much: {over}"
 

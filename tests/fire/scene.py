@@ -105,7 +105,7 @@ class Scene:
     def run(self, fault="", at=0, arguments=(), keep_bytes=False):
         self.log.unlink(missing_ok=True)
         environment = {
-            "PATH": os.environ["PATH"], "HOME": str(self.home), "TZ": "UTC", "QT_QPA_PLATFORM": "offscreen",
+            "PATH": os.environ["PATH"], "HOME": str(self.home), "TZ": "UTC", "QT_QPA_PLATFORM": "offscreen", "QT_HASH_SEED": "0",
             "XDG_RUNTIME_DIR": str(self.folder), "DBUS_SESSION_BUS_ADDRESS": "disabled:",
             "VELMORA_FIRE_BELOW": str(self.home), "VELMORA_FIRE_LOG": str(self.log), "VELMORA_FIRE_FAULT": fault,
             "VELMORA_FIRE_AT": str(at), "VELMORA_FIRE_BYTES": "1" if keep_bytes else "",
