@@ -47,7 +47,7 @@ def telling(scene, ended, files):
         yield f"standard error: {ended.trouble[:3]}"
 
 
-def next_use(scene):
+def next_use(scene, has_notes=True):
     """The same once more, undisturbed: it works, and nothing is left over."""
     ended = scene.run()
     if ended.status != 0 or ended.trouble or ended.words("told"):
@@ -58,16 +58,22 @@ def next_use(scene):
         new = scene.seen(scene.new)
         yield "after the next use: " + ", ".join(f"{name}: {shown(seen.get(name))} in place of {shown(new.get(name))}"
                                                  for name in sorted({*seen, *new}) if seen.get(name) != new.get(name))
-    yield from left_over(scene, files)
+    yield from left_over(scene, files, lambda name: has_notes or was_written(scene, ended, name))
 
 
-def left_over(scene, files):
+def was_written(scene, ended, part):
+    """The part's target, in that use: a part whose note went with the power goes then."""
+    target = str(scene.home / part[:-len(".0123456789abcdef.part")])
+    return any(call.kind == "open" and call.path.startswith(target) for call in ended.calls)
+
+
+def left_over(scene, files, must_go):
     """Of the program's own book, which each start begins anew, one empty page."""
     pages = [data for name, data in files.items() if NOTES.match(name)]
     if len(pages) > 1 or any(pages):
         yield f"after the next use the book has {len(pages)} pages: {pages}"
     known = {*scene.seen(scene.old), *scene.seen(scene.new), *scene.seen(scene.again)}
-    over = sorted({*(name for name in files if name.endswith((".part", ".damaged"))), *(set(scene.seen(files)) - known)})
+    over = sorted({*(name for name in files if name.endswith(".damaged") or name.endswith(".part") and must_go(name)), *(set(scene.seen(files)) - known)})
     if over:
         yield f"after the next use there is too much: {over}"
 
@@ -78,4 +84,4 @@ def losses_of(scene, ended):
 
 
 def losses_without_power(scene, files):
-    return [*files_between(scene, files), *next_use(scene)]
+    return [*files_between(scene, files), *next_use(scene, has_notes=False)]
