@@ -213,15 +213,17 @@ TEST_CASE("Progress goes over all tracks, rises, and never passes a hundred")
 
 TEST_CASE("The speed is the recorder's nearest to the factor")
 {
-    const std::pair<std::int16_t, int> speeds[] = {{1, 177},   {4, 706}, {10, 1764},
-                                                   {16, 2823}, {0, 177}, {-5, 177}};
-    for (const auto& [factor, kilobytes] : speeds) {
-        CAPTURE(factor);
+    struct Speed {
+        std::int16_t factor;
+        int kilobytes;
+    };
+    for (const Speed& speed : {Speed{1, 177}, {4, 706}, {10, 1764}, {16, 2823}, {0, 177}, {-5, 177}}) {
+        CAPTURE(speed.factor);
         Recording r;
-        r.settings.speed = factor;
+        r.settings.speed = speed.factor;
         r.add(4);
         r.write();
-        CHECK(r.drive.now().writeSpeed == kilobytes);
+        CHECK(r.drive.now().writeSpeed == speed.kilobytes);
     }
 }
 

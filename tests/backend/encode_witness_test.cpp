@@ -127,14 +127,18 @@ TEST_CASE("Other programs find nothing to say against what is encoded")
 TEST_CASE("Other programs decode a sound to its own length wherever the format tells it")
 {
     TemporaryFolder folder;
-    for (const auto& [half, kilobits] : {std::pair{false, 128}, {false, 320}, {true, 64}})
+    struct Made {
+        bool half;
+        int kilobits;
+    };
+    for (const Made& made : {Made{false, 128}, {false, 320}, {true, 64}})
         for (const auto& length : lengths()) {
-            const int rate = half ? 22050 : 44100;
+            const int rate = made.half ? 22050 : 44100;
             const auto samples = length.seconds * rate + length.samples;
-            CAPTURE(kilobits);
+            CAPTURE(made.kilobits);
             CAPTURE(Text(length.what));
             putPcmWav(folder / "source.wav", music(samples, rate));
-            encodeFile(folder / "source.wav", folder / "made.mp3", {kilobits * 1000, half}, 2);
+            encodeFile(folder / "source.wav", folder / "made.mp3", {made.kilobits * 1000, made.half}, 2);
             runTool({"mpg123", "-q", "-w", folder / "made.wav", folder / "made.mp3"});
             CHECK(readWav(folder / "made.wav").frames() == samples);
         }

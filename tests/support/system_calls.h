@@ -12,7 +12,8 @@
 #include <cstdio>
 #include <cstring>
 
-namespace systemCalls
+// Each library's own: what stands behind a call depends on who asks.
+namespace [[gnu::visibility("hidden")]] systemCalls
 {
 
 template <typename Function>
