@@ -393,6 +393,27 @@ TEST_CASE("The application folder is taken as the system gives it")
     CHECK(p.window.conf_path == "//conf.mp3");
 }
 
+TEST_CASE("Who starts the program again while its start waits is told what it waits for")
+{
+    FakePlatform platform;
+    platform.onMp3Play = [](RecordingMp3Play& engine, const Text& name) {
+        if (name == "Mp3Player")
+            engine.openResults.assign(50, 7);
+    };
+    Program program(platform);
+    bool raised = false;
+    platform.scriptedPump.steps.assign(1, [&] {
+        program.raise();
+        raised = true;
+    });
+    CHECK_THROWS_AS(program.start(), StillWaiting);
+    CHECK(raised);
+    CHECK(platform.recordingShell.told ==
+          std::vector<Text>{
+              "Velmora is still starting: /app/conf.mp3 cannot be opened. Velmora waits until it can: "
+              "put an undamaged one in its place."});
+}
+
 TEST_CASE("A conf.mp3 that cannot be opened keeps the start waiting, with events going on")
 {
     FakePlatform platform;

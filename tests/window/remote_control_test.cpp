@@ -83,6 +83,22 @@ TEST_CASE("The desktop's Pause pauses once, and its Play goes on")
     CHECK(played.player().paused_flag == 0);
 }
 
+TEST_CASE("The desktop's one key for play and pause pauses what plays")
+{
+    Played played;
+    played.remote().PlayPause.raise();
+    CHECK(played.engineCalls("Mp3Player") == "Mp3Player.Pause\n");
+    CHECK(played.player().paused_flag == 1);
+}
+
+TEST_CASE("A file that halts without the pause flag is shown as stopped")
+{
+    Played played;
+    played.hears(State::halted, 1000);
+    CHECK(played.player().paused_flag == 0);
+    CHECK(played.shown().status == Status::stopped);
+}
+
 TEST_CASE("The desktop's Play leaves a playing file alone")
 {
     Played played;
@@ -146,6 +162,26 @@ TEST_CASE("The desktop's Raise brings both windows within reach, a docked list b
         CHECK(player.Left() == 0);
         CHECK(list.Left() == 0);
         CHECK((list.Top() == player.Top() + player.Height()) == isDocked);
+    }
+}
+
+TEST_CASE("The desktop's Raise brings a list along that is docked at any side")
+{
+    for (bool StartUp::*const side :
+         {&StartUp::dock_bottom, &StartUp::dock_top, &StartUp::dock_right, &StartUp::dock_left}) {
+        Played played;
+        PlayListEditor& list = played.program.playListEditor();
+        StartUp& player = played.player();
+        list.Show();
+        player.dock_bottom = player.dock_top = player.dock_right = player.dock_left = false;
+        player.*side = true;
+        player.setTop(4500);
+        list.setLeft(-480000);
+        played.remote().Raise.raise();
+        CHECK((list.Top() == player.Top() + player.Height()) == (side == &StartUp::dock_bottom));
+        CHECK((list.Top() + list.Height() == player.Top()) == (side == &StartUp::dock_top));
+        CHECK((list.Left() == player.Left() + player.Width()) == (side == &StartUp::dock_right));
+        CHECK((list.Left() + list.Width() == player.Left()) == (side == &StartUp::dock_left));
     }
 }
 
