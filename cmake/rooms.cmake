@@ -22,6 +22,14 @@ if(CMAKE_INTERPROCEDURAL_OPTIMIZATION AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
                                              -Wno-alloc-size-larger-than -Wno-stringop-overflow)
 endif()
 
+# Counts lie in a file that is the counters' own memory: those of a process that is killed are not lost.
+add_library(velmora_counted INTERFACE)
+if(VELMORA_COVERAGE)
+  target_compile_options(velmora_counted INTERFACE -fprofile-instr-generate -fcoverage-mapping -O0
+                                                   "SHELL:-mllvm -runtime-counter-relocation")
+  target_link_options(velmora_code INTERFACE -fprofile-instr-generate)
+endif()
+
 # What people run is hardened, for it reads what strangers made: the check `hardening` holds the built files against it.
 # Bound at the start: the tables of addresses are read-only then.
 include(CheckCXXCompilerFlag)
@@ -37,7 +45,8 @@ endif()
 # What code of the program itself is held to beside that; the tests' own is not.
 add_library(velmora_careful INTERFACE)
 target_compile_options(velmora_careful INTERFACE -Wconversion -Wsign-conversion -Wold-style-cast -Wextra-semi)
-if(NOT VELMORA_SANITIZE)
+target_link_libraries(velmora_careful INTERFACE velmora_counted)
+if(NOT VELMORA_SANITIZE AND NOT VELMORA_COVERAGE)
   target_compile_options(velmora_careful INTERFACE
     $<$<CONFIG:RelWithDebInfo>:-U_FORTIFY_SOURCE> $<$<CONFIG:RelWithDebInfo>:-D_FORTIFY_SOURCE=2>)
 endif()
