@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What a program under soak may not do, and how that is seen from outside."""
+import contextlib
 import os
 import pathlib
 import subprocess
@@ -15,6 +16,7 @@ GROWTH = 2  # megabytes
 SETTLED_AFTER = 600  # seconds of a program's life
 SANITIZERS = ("ERROR: AddressSanitizer", "ERROR: LeakSanitizer", "runtime error:", "WARNING: ThreadSanitizer")
 DEFECT = "by a defect of its own"
+PAUSE = "34"  # the system's number for it, on x86-64
 MESSAGE = "Velmora"
 FAILED = 1  # the status of a program that ended by its message
 REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
@@ -41,6 +43,8 @@ def stacks(process):
 class Judge:
     """Of one life of the program."""
 
+    settled_after = SETTLED_AFTER
+
     def __init__(self, case, sanitized, note):
         self.case, self.sanitized, self.note = case, sanitized, note
         self.app, self.process = case.app, case.app.process.pid
@@ -48,6 +52,7 @@ class Judge:
         self.said_before = len(self.app.said()) if sanitized else 0
         self.face = self._face()
         self.bounds = {}
+        self.stood_still = False
         self.worded = False  # the end that a failure has, with its word and number
         self.longest = 0
 
@@ -70,22 +75,39 @@ class Judge:
 
     def judge_answer(self):
         patience = PATIENCE * (4 if self.sanitized else 1)
-        try:
-            delayed, start = waited_for_processor(self.process), time.monotonic()
-            self.face.GetChildren(dbus_interface=ACCESSIBLE, timeout=FINALLY)
-            taken = time.monotonic() - start - (waited_for_processor(self.process) - delayed)
-        except (dbus.DBusException, FileNotFoundError, ProcessLookupError):
-            if self.app.alive() and time.monotonic() - start >= FINALLY:
-                raise Fault(f"no answer for {FINALLY} s\n{stacks(self.process)}") from None
-            return
+        delayed, start = waited_for_processor(self.process), time.monotonic()
+        while not self._answers():
+            if not self.app.alive():
+                return
+            if self._stands_still():
+                self.stood_still = True
+                self.app.kill()
+                return
+            if time.monotonic() - start > FINALLY:
+                raise Fault(f"no answer for {FINALLY} s\n{stacks(self.process)}")
+        taken = time.monotonic() - start - (waited_for_processor(self.process) - delayed)
         self.longest = max(self.longest, taken)
         if taken > patience:
             raise Fault(f"no answer for {taken:.1f} s, waiting for a processor left out")
+
+    def _answers(self):
+        try:
+            self.face.GetChildren(dbus_interface=ACCESSIBLE, timeout=5)
+        except dbus.DBusException:
+            return False
+        return True
+
+    def _stands_still(self):
+        """A list file without a line ends in that: the window thread waits for a signal that nobody sends."""
+        with contextlib.suppress(OSError):
+            return pathlib.Path(f"/proc/{self.process}/syscall").read_text().split()[0] == PAUSE
 
     def judge_end(self):
         """The program is gone: was it one of its own ends?"""
         status = self.app.process.wait()
         self.judge_words()
+        if self.stood_still:
+            return "a standstill"
         if status == 0 or status == FAILED and self.worded:
             return status
         raise Fault(f"it ended with {status}\n{self.app.said()[-6000:]}")
@@ -118,7 +140,7 @@ class Judge:
 
     def _judge_bound(self, what, measure, growth):
         """Threads that are left behind, and what was taken for a moment, may take a while to go."""
-        young = time.monotonic() - self.begun < SETTLED_AFTER
+        young = time.monotonic() - self.begun < self.settled_after
         now = measure()
         if young or now <= self.bounds.get(what, now) + growth:
             if young:
@@ -130,4 +152,4 @@ class Judge:
             now = measure()
             if now <= self.bounds[what] + growth:
                 return
-        raise Fault(f"{what}: {now:.6g} after {self.bounds[what]:.6g} in the first {SETTLED_AFTER} s")
+        raise Fault(f"{what}: {now:.6g} after {self.bounds[what]:.6g} in the first {self.settled_after:g} s")

@@ -9,6 +9,7 @@ seconds, a processor that is busy at rest, memory, threads or descriptors that g
 settings that a start finds otherwise than the end left them."""
 import argparse
 import pathlib
+import re
 import subprocess
 import sys
 import time
@@ -17,7 +18,7 @@ import traceback
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "e2e"))
 
 from fence import UNKNOWN  # noqa: E402
-from judge import Fault  # noqa: E402
+from judge import SETTLED_AFTER, Fault, Judge  # noqa: E402
 from session import FENCE, Session  # noqa: E402
 
 RUN = 15  # minutes
@@ -59,8 +60,8 @@ def keep_picture(session, path):
 
 def cut_down(build, tools, seed, sanitized, log_path):
     """The last minute of a run that failed, from its first action on a desk of its own."""
-    lines = [line.split(maxsplit=2) for line in log_path.read_text(errors="replace").splitlines() if line[:8].strip()]
-    acted = [(float(line[0]), int(line[1])) for line in lines if len(line) == 3 and line[1].isdigit()]
+    acted = [(float(moment), int(number)) for moment, number in
+             re.findall(r"^ *(\d+\.\d) (\d+) ", log_path.read_text(errors="replace"), re.MULTILINE)]
     if not acted:
         return
     numbers = [number for moment, number in acted if moment > acted[-1][0] - LAST_MINUTE]
@@ -77,12 +78,14 @@ def parsed():
     parser.add_argument("--asan", type=pathlib.Path, help="a build with sanitizers")
     parser.add_argument("--actions", type=int, help="so many, however long they take")
     parser.add_argument("--first", type=int, default=0, help="the action to begin with")
+    parser.add_argument("--settled", type=float, default=SETTLED_AFTER, help="the seconds after which nothing may grow any more")
     parser.add_argument("--logs", default="soak-logs", type=pathlib.Path)
     return parser.parse_args()
 
 
 def soak(arguments):
     failed = 0
+    Judge.settled_after = arguments.settled
     end = time.monotonic() + 60 * arguments.minutes
     number = 0
     arguments.logs.mkdir(parents=True, exist_ok=True)
