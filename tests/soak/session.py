@@ -156,7 +156,8 @@ class Session(case.Case):
 
     def kept_rows(self):
         path = self.app.folder / "deflist.vlp"
-        return path.read_bytes().decode(errors="replace").split("\r\n")[:-1] if path.exists() else []
+        lines = path.read_bytes().decode(errors="replace").split("\r\n")[:-1] if path.exists() else []
+        return [line for line in lines if line and not line.startswith("#")]
 
     def judge_list(self):
         if not self.app.windows(case.LIST):
