@@ -140,12 +140,12 @@ class Judge:
 
     def _judge_bound(self, what, measure, growth):
         """Threads that are left behind, and what was taken for a moment, may take a while to go."""
-        young = time.monotonic() - self.begun < self.settled_after
+        young = what not in self.bounds or time.monotonic() - self.begun < self.settled_after
         now = measure()
-        if young or now <= self.bounds.get(what, now) + growth:
-            if young:
-                self.bounds[what] = max(now, self.bounds.get(what, 0))
-            self.note(f"{what}: {now:.6g}")
+        self.note(f"{what}: {now:.6g}")
+        if young:
+            self.bounds[what] = max(now, self.bounds.get(what, 0))
+        if now <= self.bounds[what] + growth:
             return
         for _ in range(10):
             time.sleep(1)
