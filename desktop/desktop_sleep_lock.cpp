@@ -2,6 +2,7 @@
 #include "desktop/desktop_sleep_lock.h"
 
 #include "platform/mutex.h"
+#include "platform/out_of_memory.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -116,18 +117,24 @@ DesktopSleepLock::~DesktopSleepLock() = default;
 
 void DesktopSleepLock::begin(const Text& reason)
 {
-    {
+    persisting([&] {
         const Lock lock(asker_->mutex);
         asker_->reason = reason;
-    }
+    });
     ++asker_->wanted;
-    worker_.add([asker = asker_](const std::stop_token&) { asker->keepStep(); });
+    keepStep();
 }
 
 void DesktopSleepLock::end()
 {
     --asker_->wanted;
-    worker_.add([asker = asker_](const std::stop_token&) { asker->keepStep(); });
+    keepStep();
+}
+
+// A lock that nobody lets go would keep the system awake for ever.
+void DesktopSleepLock::keepStep()
+{
+    persisting([this] { worker_.add([asker = asker_](const std::stop_token&) { asker->keepStep(); }); });
 }
 
 }

@@ -23,6 +23,8 @@ private:
     struct Asker;
 
     std::shared_ptr<Asker> asker_;
+    void keepStep();
+
     Worker worker_{Worker::AtEnd::abandons};
 };
 

@@ -62,6 +62,7 @@ void BlockWriter::Run::writeThroughCache(std::int64_t from, std::int64_t to) con
 BlockWriter::BlockWriter(OutputFile& to, unsigned runs) :
     to_(to), direct_(to.openPastCache()), unmade_(runs + waitingBlocks)
 {
+    free_.reserve(unmade_); // the writing thread gives back without asking for memory
 }
 
 void BlockWriter::finish()
@@ -69,7 +70,7 @@ void BlockWriter::finish()
     worker_.finish();
     const Lock lock(mutex_);
     if (failure_)
-        throw *failure_;
+        std::rethrow_exception(failure_);
 }
 
 BlockWriter::Block BlockWriter::take()
@@ -78,7 +79,7 @@ BlockWriter::Block BlockWriter::take()
     while (!failure_ && free_.empty() && unmade_ == 0)
         isFree_.wait(lock);
     if (failure_)
-        throw *failure_;
+        std::rethrow_exception(failure_);
     if (free_.empty()) {
         Block made(static_cast<std::byte*>(std::aligned_alloc(blockBytes, blockBytes)), &std::free);
         if (!made)
@@ -121,9 +122,9 @@ void BlockWriter::write(const Full& full) noexcept
     direct_ = Descriptor();
     try {
         to_.write(bytes, full.at);
-    } catch (const Failure& failure) {
+    } catch (...) {
         const Lock lock(mutex_);
-        failure_ = failure;
+        failure_ = std::current_exception();
         isFree_.notifyAll();
     }
 }

@@ -81,7 +81,7 @@ private:
     Condition isFree_;
     std::size_t unmade_ GUARDED_BY(mutex_);
     std::vector<Block> free_ GUARDED_BY(mutex_);
-    std::optional<Failure> failure_ GUARDED_BY(mutex_);
+    std::exception_ptr failure_ GUARDED_BY(mutex_);
     Worker worker_{Worker::AtEnd::joins}; // the last member: it ends first
 };
 

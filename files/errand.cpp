@@ -9,7 +9,9 @@
 #include <algorithm>
 #include <atomic>
 #include <ctime>
+#include <exception>
 #include <fstream>
+#include <new>
 #include <system_error>
 #include <vector>
 
@@ -55,6 +57,17 @@ struct ErrandThread::Shared {
         thread = gettid();
     }
 
+    // Memory that runs out is the asker's to meet, as if it had done the work itself.
+    void run(const std::function<void()>& work)
+    {
+        begins();
+        try {
+            work();
+        } catch (const std::bad_alloc&) {
+            shortage = std::current_exception();
+        }
+    }
+
     // By something else than a processor that others have.
     bool isHeldUp(std::chrono::milliseconds limit) const
     {
@@ -71,6 +84,7 @@ struct ErrandThread::Shared {
     std::atomic<Fate> outcome = Fate::open;
     std::atomic<pid_t> thread = 0; // 0 until it begins
     clockid_t processorTime = 0;
+    std::exception_ptr shortage; // set before it is done
 };
 
 ErrandThread::ErrandThread(std::function<void()> work, std::function<void()> late) :
@@ -78,9 +92,8 @@ ErrandThread::ErrandThread(std::function<void()> work, std::function<void()> lat
 {
     try {
         *thread_ = Thread([work = std::move(work), late = std::move(late), state = state_] {
-            state->begins();
-            work();
-            if (!state->settles(Shared::Fate::done))
+            state->run(work);
+            if (!state->settles(Shared::Fate::done) && !state->shortage)
                 late();
         });
     } catch (const std::system_error&) { // no thread to be had
@@ -91,7 +104,11 @@ bool ErrandThread::isDoneWithin(std::chrono::milliseconds limit) const
 {
     thread_->endsWithin(limit);
     state_->settles(Shared::Fate::abandoned);
-    return state_->outcome == Shared::Fate::done;
+    if (state_->outcome != Shared::Fate::done)
+        return false;
+    if (state_->shortage)
+        std::rethrow_exception(state_->shortage);
+    return true;
 }
 
 bool ErrandThread::isDoneInOwnTime(std::chrono::milliseconds limit) const

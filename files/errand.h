@@ -33,7 +33,7 @@ public:
     // `late` is called behind `work` when nobody waits any more.
     ErrandThread(std::function<void()> work, std::function<void()> late);
 
-    // False when the work is abandoned: from the end of `limit` on, and when there is no thread to be had.
+    // False when the work is abandoned: from `limit` on, and without a thread. Fails where memory ran out.
     bool isDoneWithin(std::chrono::milliseconds limit) const;
 
     // The same, but what it waits for a processor that others have does not count: no disk is to blame for
@@ -54,8 +54,8 @@ template <typename Result>
 class Errand
 {
 public:
-    // `work` holds what it needs, and throws nothing. `late` gets the result that is abandoned, on the thread
-    // that made it.
+    // `work` holds what it needs, and fails for want of memory at most. `late` gets a result that is
+    // abandoned, on the thread that made it.
     explicit Errand(
         const std::function<Result()>& work, const std::function<void(Result)>& late = [](Result) {}) :
         thread_([work, result = result_] { *result = work(); },

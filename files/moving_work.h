@@ -31,7 +31,7 @@ private:
 };
 
 // The result of `work`; nothing when it takes no step for longer than `limit`, which gives it up, and at once
-// while the question has no answer from before. `work` throws nothing.
+// while the question has no answer from before. `work` throws nothing but for want of memory.
 template <typename Result>
 std::optional<Result> resultWhileMoving(std::chrono::milliseconds limit, const Text& question,
                                         const std::function<Result(Steps&)>& work)

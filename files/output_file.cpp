@@ -168,9 +168,10 @@ bool OutputFile::takeFreePlace(const Text& path)
 
 void OutputFile::finish()
 {
+    const Text folder = folderOf(target_); // what has its place has not failed any more
     force();
     takePlace();
-    syncFolder(folderOf(target_));
+    syncFolder(folder);
 }
 
 void replaceFile(const Text& path, std::string_view bytes, PartNotes& notes)

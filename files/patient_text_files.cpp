@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/patient_text_files.h"
 
+#include "platform/out_of_memory.h"
+
 namespace files
 {
 
@@ -19,15 +21,10 @@ public:
     {
     }
 
-    // What was not finished is removed from the disk, which takes its time, too.
     ~PatientOutput() override
     {
-        const auto last = std::make_shared<std::shared_ptr<TextOutput>>(std::move(output_));
-        if (*last)
-            answerWithin<bool>(patience_, question_, [last] {
-                last->reset();
-                return true;
-            });
+        if (output_)
+            leavingOut([this] { remove(); });
     }
 
     void write(std::string_view bytes) override { *bytes_ += bytes; }
@@ -44,6 +41,16 @@ public:
     }
 
 private:
+    // What was not finished is removed from the disk, which takes its time, too.
+    void remove()
+    {
+        const auto last = std::make_shared<std::shared_ptr<TextOutput>>(std::move(output_));
+        answerWithin<bool>(patience_, question_, [last] {
+            last->reset();
+            return true;
+        });
+    }
+
     Text question_;
     std::shared_ptr<TextOutput> output_;
     std::chrono::milliseconds patience_;

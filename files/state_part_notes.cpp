@@ -36,10 +36,14 @@ bool isLinked(const Descriptor& file)
 bool lock(const Descriptor& file, int how) { return file && flock(file.number(), LOCK_EX | how) == 0; }
 
 // One call, so that no kill leaves half a record. A disk that refuses it costs the note, not the part.
-void appendRecord(const Descriptor& file, const Text& path)
+void append(const Descriptor& file, const Text& record)
 {
-    const Text record = path + '\0';
     std::ignore = write(file.number(), record.data(), record.size());
+}
+
+Text targetOf(const Text& partPath)
+{
+    return partPath.substr(0, partPath.rfind('.', partPath.rfind('.') - 1));
 }
 
 Text recordOf(const std::vector<WholePart>& parts)
@@ -149,23 +153,26 @@ StatePartNotes::~StatePartNotes()
         unlink(path_.c_str());
 }
 
-// Once for each target, which lists and settings are written to many times.
-bool StatePartNotes::isFirstOfTarget(const Text& partPath)
+bool StatePartNotes::isKnown(const Text& target)
 {
     const Lock guard(mutex_);
-    return targets_.insert(partPath.substr(0, partPath.rfind('.', partPath.rfind('.') - 1))).second;
+    return targets_.contains(target);
 }
 
+// Lost parts are looked for once for each target: lists and settings are written to many times.
 void StatePartNotes::note(const Text& partPath)
 {
-    if (isFirstOfTarget(partPath))
+    const Text target = targetOf(partPath);
+    const Text record = partPath + '\0';
+    if (!isKnown(target))
         removeLostParts(partPath);
     const Lock guard(mutex_);
+    targets_.insert(target);
     if (!file_)
         begin();
     open_.insert(partPath);
     if (file_)
-        appendRecord(file_, partPath);
+        append(file_, record);
 }
 
 // Records are only added, and all go when the last one is done: no open part is ever without its record.
@@ -183,7 +190,7 @@ void StatePartNotes::whole(const std::vector<WholePart>& parts)
     const Lock guard(mutex_);
     if (!file_)
         return;
-    appendRecord(file_, recordOf(parts));
+    append(file_, recordOf(parts) + '\0');
     force(file_);
 }
 

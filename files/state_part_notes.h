@@ -22,7 +22,7 @@ public:
     void whole(const std::vector<WholePart>& parts) override;
 
 private:
-    bool isFirstOfTarget(const Text& partPath);
+    bool isKnown(const Text& target);
     void begin() REQUIRES(mutex_);
 
     Mutex mutex_;

@@ -2,6 +2,7 @@
 #include "platform/thread.h"
 
 #include "platform/mutex.h"
+#include "platform/out_of_memory.h"
 
 #include <utility>
 
@@ -28,7 +29,7 @@ struct Thread::End {
 
 Thread::Thread(std::function<void()> work) :
     end_(std::make_shared<End>()), thread_([work = std::move(work), end = end_]() mutable {
-        work();
+        leavingOut(work);
         work = nullptr;
         end->come();
     })

@@ -2,8 +2,9 @@
 #include "platform/worker.h"
 
 #include "platform/mutex.h"
+#include "platform/out_of_memory.h"
 
-#include <deque>
+#include <list>
 #include <optional>
 #include <utility>
 
@@ -14,7 +15,7 @@ struct Worker::Queue {
     void run()
     {
         for (Call call; take(call);)
-            call(stop.get_token());
+            leavingOut([&] { call(stop.get_token()); });
         turn = nullptr;
     }
 
@@ -38,7 +39,13 @@ struct Worker::Queue {
         return isAtWork = true;
     }
 
-    Thread::TimePoint turned() const { return turn ? turn() : Thread::TimePoint::max(); }
+    Thread::TimePoint turned() const
+    {
+        auto next = Thread::TimePoint::max();
+        if (turn)
+            persisting([&] { next = turn(); });
+        return next;
+    }
 
     // Most workers of a run have nothing to do: their threads are never made.
     void add(Call call, const std::shared_ptr<Queue>& self)
@@ -66,7 +73,7 @@ struct Worker::Queue {
 
     void end()
     {
-        std::deque<Call> leftOut;
+        std::list<Call> leftOut;
         const Lock lock(mutex);
         stop.request_stop();
         leftOut.swap(waiting);
@@ -77,7 +84,7 @@ struct Worker::Queue {
     std::stop_source stop;
     Mutex mutex;
     Condition changed;
-    std::deque<Call> waiting GUARDED_BY(mutex);
+    std::list<Call> waiting GUARDED_BY(mutex); // an empty one needs no memory, at the end either
     bool isAtWork GUARDED_BY(mutex) = false;
     std::optional<Thread> thread GUARDED_BY(mutex); // its own work holds this, too, until it ends
 };

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <new>
 
 struct Toolkit::Parts final : QObject, Post {
     Parts(Toolkit& owner, Timers timers) : toolkit(owner), pace(timers == Timers::run)
@@ -46,6 +47,13 @@ struct Toolkit::Parts final : QObject, Post {
         later(this, [this, call = std::move(call)] { toolkit.outermost(call); });
     }
 
+    void end(const Failure& failure)
+    {
+        toolkit.stopTimers();
+        if (!std::exchange(ending, true) && toolkit.unhandled)
+            toolkit.unhandled(failure);
+    }
+
     Toolkit& toolkit;
     Pace pace;
     Skin skin;
@@ -58,14 +66,17 @@ Toolkit::Toolkit(Timers timers) : parts_(std::make_unique<Parts>(*this, timers))
 // A call that never ran may hold a window, which takes its leave of a whole toolkit.
 Toolkit::~Toolkit() { QCoreApplication::removePostedEvents(parts_.get()); }
 
+// Also the words of the end may find no memory.
 void Toolkit::outermost(const std::function<void()>& call)
 {
     try {
-        call();
-    } catch (const Failure& failure) {
-        stopTimers();
-        if (!std::exchange(parts_->ending, true) && unhandled)
-            unhandled(failure);
+        try {
+            call();
+        } catch (const Failure& failure) {
+            parts_->end(failure);
+        } catch (const std::bad_alloc&) {
+            parts_->end(Failure(Trouble::outOfMemory));
+        }
     } catch (const std::exception& defect) {
         std::cerr << "Velmora ends by a defect of its own: " << defect.what() << '\n';
         std::abort();

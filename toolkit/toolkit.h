@@ -28,8 +28,8 @@ public:
     ~Toolkit();
 
     // Stands at every place where the window system calls the program. A failure that arrives here was
-    // handled nowhere: the timers stop, then `unhandled` has it. Any other exception is a defect and ends the
-    // process.
+    // handled nowhere: the timers stop, then `unhandled` has it; memory that runs out is failure 7. Any other
+    // exception is a defect and ends the process.
     void outermost(const std::function<void()>& call);
 
     std::function<void(const Failure&)> unhandled;

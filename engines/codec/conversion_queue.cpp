@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/codec/conversion_queue.h"
 
-#include "platform/failure.h"
-
-#include <exception>
+#include "platform/out_of_memory.h"
 
 namespace codec
 {
@@ -27,15 +25,14 @@ void ConversionQueue::convert(const Conversion& conversion, const std::stop_toke
         deliver([thousandths](const ConversionEvents& events) { events.progress(thousandths); });
     };
     try {
-        conversion.work(report, stop);
+        toldInWords([&](std::string_view reason) { tell(conversion.input, Text(reason)); },
+                    [&] { conversion.work(report, stop); });
     } catch (const Stopped&) {
         return;
-    } catch (const Failure& failure) {
-        tell(conversion.input, failure.description);
-    } catch (const std::exception& error) {
-        tell(conversion.input, error.what());
     }
-    deliver([number = conversion.number](const ConversionEvents& events) { events.done(number); });
+    persisting([&] {
+        deliver([number = conversion.number](const ConversionEvents& events) { events.done(number); });
+    });
 }
 
 void ConversionQueue::tell(const Text& input, const Text& reason)

@@ -13,22 +13,25 @@ BusyDevices::Claim::~Claim()
     devices_->freed_.notifyAll();
 }
 
+// The name is copied first: nobody would let go a device that was noted before memory ran out.
 std::optional<BusyDevices::Claim> BusyDevices::claim(const Text& device, DeviceUse use)
 {
+    Text name = device;
     const Lock guard(mutex_);
     if (!inUse_.emplace(device, use).second)
         return std::nullopt;
-    return Claim(shared_from_this(), device);
+    return Claim(shared_from_this(), std::move(name));
 }
 
 std::optional<BusyDevices::Claim> BusyDevices::claimWhenFree(const Text& device, DeviceUse use,
                                                              const std::stop_token& stop)
 {
+    Text name = device;
     Lock guard(mutex_);
     if (!freed_.wait(guard, stop, [&]() REQUIRES(mutex_) { return !inUse_.contains(device); }))
         return std::nullopt;
     inUse_.emplace(device, use);
-    return Claim(shared_from_this(), device);
+    return Claim(shared_from_this(), std::move(name));
 }
 
 bool BusyDevices::isWriting(const Text& device)

@@ -7,13 +7,12 @@
 #include "engines/disc/window_calls.h"
 #include "files/errand.h"
 #include "files/folders.h"
-#include "platform/failure.h"
 #include "platform/numbers.h"
+#include "platform/out_of_memory.h"
 
 #include <algorithm>
 #include <limits>
 #include <map>
-#include <system_error>
 
 namespace disc
 {
@@ -148,14 +147,11 @@ std::int16_t DiscReader::ReadTrack(std::int16_t track, const Text& wanted)
     if (copy_)
         return refused;
     const Text path = fittingTrackPath(wanted, track);
-    try {
-        startCopy(track, path);
+    const auto tell = [&](std::string_view reason) {
+        shell_.notify("A track could not be read", (path + ": ").append(reason));
+    };
+    if (toldInWords(tell, [&] { startCopy(track, path); }))
         return started;
-    } catch (const Failure& failure) {
-        shell_.notify("A track could not be read", path + ": " + failure.description);
-    } catch (const std::system_error& error) {
-        shell_.notify("A track could not be read", path + ": " + error.what());
-    }
     window_.post([](DiscReader& self) { self.Done.raise(); });
     return refused;
 }

@@ -4,8 +4,8 @@
 #include "engines/disc/disc_writing.h"
 #include "engines/disc/window_calls.h"
 #include "files/file_to_open.h"
-#include "platform/failure.h"
 #include "platform/numbers.h"
+#include "platform/out_of_memory.h"
 
 #include <map>
 #include <system_error>
@@ -139,15 +139,10 @@ std::int16_t DiscWriter::CheckMedia()
 
 std::int16_t DiscWriter::Write()
 {
-    try {
-        startWriting();
-        return ok;
-    } catch (const Failure& failure) {
-        shell_.notify("The disc could not be written", failure.description);
-    } catch (const std::system_error& error) {
-        shell_.notify("The disc could not be written", error.what());
-    }
-    return refused;
+    const auto tell = [this](std::string_view reason) {
+        shell_.notify("The disc could not be written", Text(reason));
+    };
+    return toldInWords(tell, [this] { startWriting(); }) ? ok : refused;
 }
 
 void DiscWriter::startWriting()

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/disc_writing.h"
 
-#include "platform/failure.h"
-
-#include <exception>
+#include "platform/out_of_memory.h"
 
 namespace disc
 {
@@ -29,24 +27,19 @@ void DiscWriting::run(const std::stop_token& stop)
     const bool isWritten = write(stop);
     job_.reset();
     sleepLock_.end();
-    events_.done(isWritten ? finished : failed);
+    persisting([&] { events_.done(isWritten ? finished : failed); });
 }
 
 bool DiscWriting::write(const std::stop_token& stop)
 {
-    Text reason;
-    try {
+    const auto tell = [&](std::string_view reason) {
+        if (!stop.stop_requested())
+            shell_.notify("The disc could not be written", Text(reason));
+    };
+    return toldInWords(tell, [&] {
         job_->run->write([this](std::int16_t percent) { report(percent); }, stop);
         report(whole);
-        return true;
-    } catch (const Failure& failure) {
-        reason = failure.description;
-    } catch (const std::exception& error) {
-        reason = error.what();
-    }
-    if (!stop.stop_requested())
-        shell_.notify("The disc could not be written", reason);
-    return false;
+    });
 }
 
 void DiscWriting::report(std::int16_t percent)

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engines/disc/track_copy.h"
 
-#include "platform/failure.h"
+#include "platform/out_of_memory.h"
 #include "platform/thread.h"
 
 #include <algorithm>
-#include <exception>
 
 namespace disc
 {
@@ -18,15 +17,9 @@ constexpr auto fastestReports = std::chrono::milliseconds(10); // more often tha
 
 TrackPipe::ReadOutcome read(ReaderDrive& drive, std::int16_t track, const Text& path, TrackPipe& pipe)
 {
-    try {
-        if (drive.readsFrom(path))
-            return {0, "The disc image is made of this file."};
-        return {drive.readTrack(track, pipe, pipe.stopToken())};
-    } catch (const Failure& failure) {
-        return {0, failure.description};
-    } catch (const std::exception& error) {
-        return {0, error.what()};
-    }
+    if (drive.readsFrom(path))
+        return {0, "The disc image is made of this file."};
+    return {drive.readTrack(track, pipe, pipe.stopToken())};
 }
 
 // A drive may hold this thread for as long as it likes, also after the copy is gone. Whoever learns of the
@@ -35,9 +28,12 @@ void readInto(const std::shared_ptr<TrackPipe>& pipe, const std::shared_ptr<Busy
               ReaderDrive& drive, std::int16_t track, const Text& path)
 {
     TrackPipe::ReadOutcome outcome;
-    if (const auto claim =
-            devices->claimWhenFree(drive.device(), BusyDevices::DeviceUse::reading, pipe->stopToken()))
-        outcome = read(drive, track, path, *pipe);
+    const auto told = [&](std::string_view reason) { outcome = {0, Text(reason)}; };
+    toldInWords(told, [&] {
+        if (const auto claim =
+                devices->claimWhenFree(drive.device(), BusyDevices::DeviceUse::reading, pipe->stopToken()))
+            outcome = read(drive, track, path, *pipe);
+    });
     pipe->end(std::move(outcome));
 }
 
@@ -61,17 +57,12 @@ TrackCopy::~TrackCopy()
 void TrackCopy::run()
 {
     sleepLock_.begin("Reading a disc");
-    try {
-        copy();
-    } catch (const Failure& failure) {
-        tell("A track could not be read", job_.path + ": " + failure.description);
-    } catch (const std::exception& error) {
-        tell("A track could not be read", job_.path + ": " + error.what());
-    }
+    toldInWords([this](std::string_view reason) { tell("A track could not be read", reason); },
+                [this] { copy(); });
     pipe_->stop();
     job_.output.reset();
     sleepLock_.end();
-    events_.done();
+    persisting([this] { events_.done(); });
 }
 
 void TrackCopy::copy()
@@ -118,14 +109,16 @@ void TrackCopy::finish()
         throw Failure{Trouble::deviceInputOutput, *outcome.failure};
     job_.output->finish();
     if (outcome.unreadableSectors > 0)
-        tell("A disc is damaged", job_.path + ": sectors that could not be read and are silent: " +
-                                      std::to_string(outcome.unreadableSectors) + '.');
+        persisting([&] {
+            tell("A disc is damaged", "sectors that could not be read and are silent: " +
+                                          std::to_string(outcome.unreadableSectors) + '.');
+        });
 }
 
-void TrackCopy::tell(const Text& title, const Text& message)
+void TrackCopy::tell(const Text& title, std::string_view message)
 {
     if (!givenUp_)
-        shell_.notify(title, message);
+        shell_.notify(title, (job_.path + ": ").append(message));
 }
 
 }

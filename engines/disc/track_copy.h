@@ -13,6 +13,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <string_view>
 #include <thread>
 
 namespace disc
@@ -51,7 +52,7 @@ private:
     bool isWhole() const;
     void report();
     void finish();
-    void tell(const Text& title, const Text& message);
+    void tell(const Text& title, std::string_view message);
 
     CopyJob job_;
     std::shared_ptr<BusyDevices> devices_;

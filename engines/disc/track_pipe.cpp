@@ -19,8 +19,9 @@ void TrackPipe::take(std::vector<std::byte> samples)
     if (!changed_.wait(guard, token, [&]() REQUIRES(mutex_) { return waitingBytes_ < mostWaitingBytes; }) ||
         token.stop_requested())
         return;
-    waitingBytes_ += samples.size();
+    const auto bytes = samples.size();
     waiting_.push_back(std::move(samples));
+    waitingBytes_ += bytes;
     if (waiting_.size() == 1)
         changed_.notifyAll();
 }

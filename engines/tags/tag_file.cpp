@@ -9,7 +9,7 @@
 #include "engines/tags/tag_text.h"
 #include "files/file_swap.h"
 #include "files/folders.h"
-#include "platform/failure.h"
+#include "platform/out_of_memory.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -181,8 +181,8 @@ Tag readTag(const Text& path)
 Text writeTag(const Text& path, const Tag& tag, PartNotes& notes, const std::function<void()>& step)
 {
     Text reason;
-    guarded([&](const Failure& failure) { reason = failure.description; },
-            [&] { write(path, storable(tag), notes, step); });
+    toldInWords([&](std::string_view words) { reason = words; },
+                [&] { write(path, storable(tag), notes, step); });
     return reason;
 }
 

@@ -34,6 +34,17 @@ TEST_CASE("A failure that a click meets is handled nowhere else, and told once")
     CHECK(ending.unhandled == std::vector{13});
 }
 
+TEST_CASE("Memory that runs out in a click ends the program with its word, once")
+{
+    Ending ending;
+    ending.face.onClick = [] { throw std::bad_alloc(); };
+    ending.face.Show();
+    Pointer pointer(ending.face);
+    pointer.click(ending.face.key);
+    pointer.click(ending.face.key);
+    CHECK(ending.unhandled == std::vector{7});
+}
+
 TEST_CASE("A failure in an event that code raises reaches the raiser")
 {
     Ending ending;
