@@ -58,12 +58,11 @@ void Skin::keepIn(const Text& folder, const Text& build, std::shared_ptr<PartNot
     notes_ = std::move(notes);
 }
 
-bool Skin::has(const char* name) const { return QFile::exists(fileOf(name)); }
-
 void Skin::draw(QPainter& painter, const char* name, ImageState state, const QRect& rect)
 {
-    if (has(name))
-        painter.drawPixmap(rect, picture(name, state, rect.size(), painter.device()->devicePixelRatio()));
+    const QPixmap& shown = picture(name, state, rect.size(), painter.device()->devicePixelRatio());
+    if (!shown.isNull())
+        painter.drawPixmap(rect, shown);
 }
 
 QIcon Skin::icon(const char* name)
@@ -91,11 +90,9 @@ void Skin::drawFrame(QPainter& painter, const QRect& rect, const QRegion& change
         painter.drawPixmap(rect.topLeft(), frame(rect.size(), scale));
 }
 
-QPixmap Skin::frame(QSize size, qreal scale)
+const QPixmap& Skin::frame(QSize size, qreal scale)
 {
-    const QString key =
-        QString("frame/%1x%2@%3/%4").arg(size.width()).arg(size.height()).arg(scale).arg(lineStrength());
-    QPixmap& known = pictures_[key];
+    QPixmap& known = pictures_[{"frame", ImageState::normal, size.width(), size.height(), scale, tone()}];
     if (known.isNull()) {
         known = QPixmap(size * scale);
         known.setDevicePixelRatio(scale);
@@ -138,39 +135,51 @@ void Skin::write()
         }
 }
 
-QPixmap Skin::picture(const QString& name, ImageState state, QSize size, qreal scale)
+// It is drawn many times a second.
+const QPixmap& Skin::picture(const char* name, ImageState state, QSize size, qreal scale)
 {
-    const QString key = QString("%1/%2%6/%3x%4@%5")
-                            .arg(name)
-                            .arg(int(state))
-                            .arg(size.width())
-                            .arg(size.height())
-                            .arg(scale)
-                            .arg(tone() == DesktopTone::usual ? "" : "+");
-    QPixmap& shown = pictures_[key];
-    if (!shown.isNull())
-        return shown;
-    Kept& all = kept(scale);
-    QImage& picture = all.pictures[key];
+    const auto [known, isNew] =
+        pictures_.try_emplace({name, state, size.width(), size.height(), scale, tone()});
+    if (isNew && QFile::exists(fileOf(name)))
+        known->second = pictureOf(known->first);
+    return known->second;
+}
+
+QPixmap Skin::pictureOf(const Motif& motif)
+{
+    Kept& all = kept(motif.scale);
+    QImage& picture = all.pictures[keyOf(motif)];
     if (picture.isNull()) {
-        picture = painted(name, state, size, scale);
+        picture = painted(motif);
         all.isWritten = folder_.empty();
         if (!all.isWritten)
             settled_.start();
     }
-    shown = QPixmap::fromImage(picture, Qt::NoFormatConversion);
-    shown.setDevicePixelRatio(scale);
+    QPixmap shown = QPixmap::fromImage(picture, Qt::NoFormatConversion);
+    shown.setDevicePixelRatio(motif.scale);
     return shown;
 }
 
-QImage Skin::painted(const QString& name, ImageState state, QSize size, qreal scale)
+// As it is kept from run to run.
+QString Skin::keyOf(const Motif& motif)
 {
-    QImage picture(size * scale, QImage::Format_ARGB32_Premultiplied);
-    picture.setDevicePixelRatio(scale);
+    return QString("%1/%2%6/%3x%4@%5")
+        .arg(motif.name.c_str())
+        .arg(int(motif.state))
+        .arg(motif.width)
+        .arg(motif.height)
+        .arg(motif.scale)
+        .arg(motif.tone == DesktopTone::usual ? "" : "+");
+}
+
+QImage Skin::painted(const Motif& motif)
+{
+    QImage picture(motif.size() * motif.scale, QImage::Format_ARGB32_Premultiplied);
+    picture.setDevicePixelRatio(motif.scale);
     picture.fill(Qt::transparent);
     QPainter painter(&picture);
-    auto& art = renderer(name);
-    art.render(&painter, groupOf(art, state), QRectF(QPointF(), QSizeF(size)));
+    auto& art = renderer(motif.name.c_str());
+    art.render(&painter, groupOf(art, motif.state), QRectF(QPointF(), QSizeF(motif.size())));
     painter.end();
     bringIntoTone(picture);
     return picture;

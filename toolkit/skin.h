@@ -5,6 +5,7 @@
 
 #include "files/errand.h"
 #include "toolkit/kept_pictures.h"
+#include "toolkit/tone.h"
 
 #include <QIcon>
 #include <QPixmap>
@@ -30,8 +31,6 @@ public:
     // there is not painted again.
     void keepIn(const Text& folder, const Text& build, std::shared_ptr<PartNotes> notes);
 
-    bool has(const char* name) const;
-
     // Draws nothing for a name without artwork. A state that the artwork lacks looks as the normal one.
     void draw(QPainter& painter, const char* name, ImageState state, const QRect& rect);
 
@@ -48,14 +47,28 @@ private:
         bool isWritten = true;
     };
 
+    // What a picture shows: two of the same show the same.
+    struct Motif {
+        Text name;
+        ImageState state;
+        int width; // logical pixels
+        int height;
+        qreal scale;
+        DesktopTone tone;
+        auto operator<=>(const Motif&) const = default;
+        QSize size() const { return {width, height}; }
+    };
+
     QSvgRenderer& renderer(const QString& name);
-    QPixmap picture(const QString& name, ImageState state, QSize size, qreal scale);
-    QPixmap frame(QSize size, qreal scale);
-    QImage painted(const QString& name, ImageState state, QSize size, qreal scale);
+    const QPixmap& picture(const char* name, ImageState state, QSize size, qreal scale);
+    QPixmap pictureOf(const Motif& motif);
+    static QString keyOf(const Motif& motif);
+    const QPixmap& frame(QSize size, qreal scale);
+    QImage painted(const Motif& motif);
     Kept& kept(qreal scale);
     void write();
 
-    QHash<QString, QPixmap> pictures_;
+    std::map<Motif, QPixmap> pictures_; // a null one where there is no artwork
     QHash<QString, std::shared_ptr<QSvgRenderer>> renderers_;
 
     Text folder_; // "" without one

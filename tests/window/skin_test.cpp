@@ -116,8 +116,9 @@ TEST_CASE("A picture that an earlier run painted is shown as it painted it")
     const TemporaryFolder folder;
     Skin skin;
     const QImage painted = drawn(skin);
-    REQUIRE(skin.has("Image1"));
-    CHECK(painted != QImage(size, painted.format()));
+    QImage nothing(size, painted.format());
+    nothing.fill(Qt::transparent);
+    REQUIRE(painted != nothing);
     KeptPictures(folder / "skin-1", "a build").write({{key, red()}}, NoPartNotes::instance());
     CHECK(drawnWith(folder.path(), "a build") == red());
     CHECK(drawnWith(folder.path(), "another build") == painted);
