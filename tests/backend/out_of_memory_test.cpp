@@ -44,7 +44,9 @@ struct ScarceFile {
         return tryEach([this](long nth) {
             CAPTURE(nth);
             putFile(path, before);
-            const auto [end, wasRefused] = tried(nth, run);
+            const auto work = tried(nth, run);
+            const Text& end = work.end;
+            const bool wasRefused = work.wasRefused;
             CAPTURE(end);
             REQUIRE((end.empty() || (wasRefused && end.find("Out of memory") != Text::npos)));
             const Text bytes = fileBytes(path);
