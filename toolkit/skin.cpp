@@ -84,7 +84,7 @@ void Skin::drawFrame(QPainter& painter, const QRect& rect, const QRegion& change
     const QRect within = rect.adjusted(rim, rim, -rim, -rim);
     if (within.adjusted(1, 1, -1, -1).contains(part))
         painter.fillRect(within, shadow);
-    else if (part == rect || scale != std::floor(scale))
+    else if (scale != std::floor(scale))
         paintFrame(painter, rect);
     else
         painter.drawPixmap(rect.topLeft(), frame(rect.size(), scale));
