@@ -51,7 +51,7 @@ def starts(build, keep):
     with Desk(sound=False, accessible=False) as desk:
         own = Velmora(desk, build)
         commands = {"bare": ([str(build / "bench/bare_window")], lambda: True),
-                    "Velmora": ([str(own.folder / "velmora")], lambda: list((desk.home / ".cache").rglob("skin-*")))}
+                    "Velmora": ([str(own.folder / "velmora")], lambda: list((desk.home / ".cache").rglob("skin-1")))}
         counted = []
         for name, (command, left) in commands.items():
             warm(desk, command, left)
