@@ -79,10 +79,13 @@ protected:
         Control(container, name, place, widget, toolTip), widget_(widget)
     {
     }
-    ControlOf(Container& container, const char* name, Hidden) : Control(container, name, hidden) {}
+    ControlOf(Container& container, const char* name, Hidden) :
+        Control(container, name, hidden), widget_(nullptr)
+    {
+    }
     ~ControlOf() = default;
 
-    Widget* const widget_ = nullptr; // null for a hidden control
+    Widget* const widget_; // null for a hidden control
 };
 
 }
