@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/list_view.h"
 
+#include "platform/paths.h"
 #include "toolkit/key_codes.h"
 #include "toolkit/later.h"
 #include "toolkit/tip.h"
@@ -27,12 +28,23 @@ Text pathOf(const QUrl& url)
     return {path.constData(), static_cast<std::size_t>(path.size())};
 }
 
+// Of another computer's file there may be a namesake here, which nobody means.
+bool isHere(const QUrl& url)
+{
+    const QString host = url.host();
+    return host.isEmpty() || host == "localhost" ||
+           host.compare(QSysInfo::machineHostName(), Qt::CaseInsensitive) == 0;
+}
+
+// A name ends at a NUL for the system, not for the row that would show it.
+bool isPath(const Text& path) { return path.starts_with(pathSeparator) && path.find('\0') == Text::npos; }
+
 std::vector<Text> filesIn(const QMimeData& data)
 {
     std::vector<Text> paths;
     for (const auto& url : data.urls())
-        if (url.isLocalFile())
-            paths.push_back(pathOf(url));
+        if (const Text path = pathOf(url); url.isLocalFile() && isHere(url) && isPath(path))
+            paths.push_back(path);
     return paths;
 }
 

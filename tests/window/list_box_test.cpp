@@ -512,6 +512,33 @@ TEST_CASE("Dropped files arrive in their order, each as the bytes of its path")
     }
 }
 
+TEST_CASE("A dropped address that is no path of a file here is left out")
+{
+    const QByteArray here = "file://" + QSysInfo::machineHostName().toUtf8() + "/here.wav\r\n";
+    struct Case {
+        Text what;
+        QByteArray addresses;
+        std::vector<Text> paths;
+    };
+    const Case cases[] = {
+        {"another computer's file, of which there may be a namesake here",
+         "file://elsewhere.example/music/a.wav\r\nfile:///b.wav\r\n",
+         {"/b.wav"}},
+        {"this computer's file, by its name", here, {"/here.wav"}},
+        {"a path that begins nowhere", "file:music/a.wav\r\nfile:///b.wav\r\n", {"/b.wav"}},
+        {"a NUL, behind which no file's name goes on",
+         "file:///a.wav%00.txt\r\nfile:///b.wav\r\n",
+         {"/b.wav"}},
+        {"no path at all", "file://\r\nfile:///b.wav\r\n", {"/b.wav"}},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        Shown window(0);
+        CHECK(dropOn(window.hand, c.addresses, Qt::CopyAction).taken);
+        CHECK(window.form.dropped == c.paths);
+    }
+}
+
 TEST_CASE("Dropped files are taken as copies, also when the other program would rather move them")
 {
     Shown window(0);
