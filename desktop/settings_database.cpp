@@ -49,6 +49,14 @@ Outcome outcomeOf(int result)
     }
 }
 
+// A view in the table's place could ask without end, and a trigger undo what is saved: a table is all that is
+// wanted of the file.
+void refuseQuestions(sqlite3* connection)
+{
+    for (const int kind : {SQLITE_DBCONFIG_ENABLE_VIEW, SQLITE_DBCONFIG_ENABLE_TRIGGER})
+        sqlite3_db_config(connection, kind, 0, nullptr);
+}
+
 // Two processes that begin one file together get in each other's way, and SQLite does not wait then.
 int prepare(sqlite3* connection)
 {
@@ -95,6 +103,7 @@ SettingsDatabase::Outcome SettingsDatabase::open(const Text& path)
     int result = sqlite3_open_v2(path.c_str(), &connection, flags, nullptr);
     connection_.reset(connection);
     sqlite3_busy_timeout(connection, longestWaitMs);
+    refuseQuestions(connection);
     if (result == SQLITE_OK)
         result = prepare(connection);
     sqlite3_wal_hook(connection, &noteLog, this);

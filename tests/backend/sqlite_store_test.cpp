@@ -387,6 +387,29 @@ TEST_CASE("Somebody else's database is set aside")
     CHECK(Outsider(place.path + ".damaged").runs("SELECT colour FROM settings"));
 }
 
+TEST_CASE("A view in the place of the table, which may ask without end, is set aside and never asked")
+{
+    const Place place;
+    place.make();
+    REQUIRE(Outsider(place.path)
+                .runs("DROP TABLE settings; CREATE VIEW settings (application, section, key, value) AS"
+                      " SELECT 'Velmora', 'Position StartUp Window', 'Left', 'answered'"));
+    CHECK(place.get("Left").empty());
+    place.save("Left", "2");
+    CHECK(place.get("Left") == "2");
+    CHECK(Outsider(place.path + ".damaged").runs("SELECT value FROM settings"));
+}
+
+TEST_CASE("What somebody has tied to the saving of settings is not carried out")
+{
+    const Place place;
+    place.make();
+    REQUIRE(Outsider(place.path)
+                .runs("CREATE TRIGGER forgets AFTER INSERT ON settings BEGIN DELETE FROM settings; END"));
+    place.save("Left", "2");
+    CHECK(place.get("Left") == "2");
+}
+
 TEST_CASE("Damage in the middle of a run is met without a word")
 {
     const Place place;
