@@ -2,19 +2,13 @@
 // Any bytes as a CUE sheet: what is read of it holds together, and so does the disc that it makes of files of
 // any length.
 #include "engines/disc/image_layout.h"
+#include "tests/fuzz/input.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 namespace
 {
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 // The first bytes stand for the lengths of the files.
 std::int64_t takenLength(std::string_view& bytes)
@@ -59,7 +53,7 @@ void checkLayout(const disc::CueSheet& sheet, const disc::ImageLayout& layout)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    std::string_view text(reinterpret_cast<const char*>(data), size);
+    std::string_view text = asText(data, size);
     const std::int64_t lengths[] = {takenLength(text), takenLength(text), 300 * disc::sectorBytes, 0};
     const auto sheet = disc::cueSheetIn(text);
     if (!sheet)

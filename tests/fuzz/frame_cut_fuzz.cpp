@@ -6,7 +6,6 @@
 #include "tests/fuzz/input.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <optional>
 
 using namespace codec;
@@ -42,26 +41,20 @@ Samples decodedFromStart(const Input& file, int channels)
     return all;
 }
 
-void abortUnless(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
 void compare(const Input& file, const FrameTable& table)
 {
     const auto all = decoded(file, table, 0, table.frames());
     if (!all)
         return;
     const auto channels = table.first.channels;
-    abortUnless(Samples(all->begin() + table.trim.begin * channels,
-                        all->begin() + table.trim.end * channels) == decodedFromStart(file, channels));
+    require(Samples(all->begin() + table.trim.begin * channels, all->begin() + table.trim.end * channels) ==
+            decodedFromStart(file, channels));
     for (std::int64_t begin = 8; begin < table.frames(); begin += 8) {
         const std::int64_t end = std::min(begin + 8, table.frames());
         const auto cut = decoded(file, table, begin, end);
         const auto inFrame = table.first.samples * channels;
-        abortUnless(cut && std::equal(cut->begin(), cut->end(), all->begin() + begin * inFrame,
-                                      all->begin() + end * inFrame));
+        require(cut && std::equal(cut->begin(), cut->end(), all->begin() + begin * inFrame,
+                                  all->begin() + end * inFrame));
     }
 }
 

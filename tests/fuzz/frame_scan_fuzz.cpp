@@ -5,7 +5,6 @@
 #include "tests/fuzz/input.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
@@ -16,10 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (!table)
         return 0;
     const auto& places = table->positions;
-    if (places.empty() || places.front() < 0 || places.back() > file->size() ||
-        std::adjacent_find(places.begin(), places.end(), std::greater_equal<>()) != places.end())
-        std::abort();
-    if (table->trim.begin < 0 || table->trim.end > table->frames() * table->first.samples)
-        std::abort();
+    require(!places.empty() && places.front() >= 0 && places.back() <= file->size());
+    require(std::adjacent_find(places.begin(), places.end(), std::greater_equal<>()) == places.end());
+    require(table->trim.begin >= 0 && table->trim.end <= table->frames() * table->first.samples);
     return 0;
 }

@@ -2,18 +2,10 @@
 // Any bytes as a private profile: reading stays inside them, and what was written is read back and written
 // once.
 #include "files/profile_text.h"
-
-#include <cstdint>
-#include <cstdlib>
+#include "tests/fuzz/input.h"
 
 namespace
 {
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 // The text up to the next bar, which goes too.
 std::string_view taken(std::string_view& rest)
@@ -40,7 +32,7 @@ bool isFramed(std::string_view value)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    std::string_view text(reinterpret_cast<const char*>(data), size);
+    std::string_view text = asText(data, size);
     const std::string_view section = taken(text);
     const std::string_view key = taken(text);
     const std::string_view value = taken(text);

@@ -1,13 +1,31 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A fuzzer's bytes as a file without a disk.
+// What fuzzers share: their bytes as a text or as a file, and what ends them.
 #pragma once
 
 #include "files/input_file.h"
+#include "tests/support/files.h"
+#include "tests/support/temporary_folder.h"
 
 #include <cstdint>
+#include <cstdlib>
+#include <iostream>
 #include <sys/mman.h>
 #include <unistd.h>
 
+inline void require(bool holds, const char* what = "")
+{
+    if (holds)
+        return;
+    std::cerr << what << "\n";
+    std::abort();
+}
+
+inline std::string_view asText(const std::uint8_t* bytes, std::size_t size)
+{
+    return {reinterpret_cast<const char*>(bytes), size};
+}
+
+// Without a disk.
 class FuzzedFile
 {
 public:
@@ -25,3 +43,10 @@ public:
 private:
     int descriptor_;
 };
+
+// For readers of a file that they also write, or of more than one. It lasts as long as the fuzzer.
+inline const TemporaryFolder& memory()
+{
+    static const TemporaryFolder folder(memoryFolder());
+    return folder;
+}

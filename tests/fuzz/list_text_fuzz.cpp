@@ -2,18 +2,10 @@
 // Any bytes as a list file: the lines are those that counting characters one by one gives, and together they
 // are the text.
 #include "playlist/playlist_format.h"
-
-#include <cstdint>
-#include <cstdlib>
+#include "tests/fuzz/input.h"
 
 namespace
 {
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 std::vector<Text> charactersOf(std::string_view text)
 {
@@ -55,7 +47,7 @@ std::vector<Text> linesByCounting(const std::vector<Text>& characters)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::string_view text = asText(data, size);
     const auto lines = splitListText(text, lineEnd);
     require(lines.has_value() == !text.empty());
     if (!lines)

@@ -7,10 +7,10 @@
 #include "engines/tags/tag_file.h"
 
 #include "engines/tags/tag_parts.h"
+#include "tests/fuzz/input.h"
 #include "tests/support/mp3_files.h"
 
 #include <algorithm>
-#include <iostream>
 
 using namespace tags;
 
@@ -25,14 +25,6 @@ const Tag newTags[] = {
     {Text(60, 'x'), "", "\xF0\x9F\x8E\xB5", Text(29, 'c'), 32767, -1},
     {},
 };
-
-void require(bool holds, const char* what)
-{
-    if (holds)
-        return;
-    std::cerr << what << "\n";
-    std::abort();
-}
 
 // A genre without a number stays under 80 and under none.
 Tag saying(Tag wanted, const Tag& shown)
@@ -67,10 +59,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     if (size < 3)
         return 0;
-    static const TemporaryFolder folder(memoryFolder());
-    const Text input(reinterpret_cast<const char*>(data), size);
+    const Text input(asText(data, size));
     const Text before = fileOf(input);
-    const Text path = putSong(folder, before);
+    const Text path = putSong(memory(), before);
     const Tag shown = readTag(path);
     for (const Text* text : {&shown.title, &shown.artist, &shown.album, &shown.comment, &shown.genreName})
         require(isValidUtf8(*text) && text->find_first_of("\r\n") == Text::npos,
@@ -81,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         wanted.title = shown.title;
     const Text reason = writeTag(path, wanted);
     const Text after = fileBytes(path);
-    require(namesInFolder(folder.path()).size() == 1, "a copy stayed");
+    require(namesInFolder(memory().path()).size() == 1, "a copy stayed");
     require(after.find(soundIn(before)) != Text::npos, "the audio is damaged");
     if (reason.empty())
         require(readTag(path) == saying(wanted, shown), "the tag does not say what it should");

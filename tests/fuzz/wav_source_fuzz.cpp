@@ -5,7 +5,6 @@
 #include "tests/fuzz/input.h"
 
 #include <cmath>
-#include <cstdlib>
 
 namespace
 {
@@ -16,8 +15,7 @@ void readSome(formats::WavSource& source)
     for (int i = 0; i < 20; ++i) {
         source.read(block, 1000);
         for (const float sample : block.left)
-            if (!(std::abs(sample) <= 32768.5f))
-                std::abort();
+            require(std::abs(sample) <= 32768.5f);
     }
 }
 
@@ -29,8 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const auto file = files::InputFile::openOrFail(fuzzed.path());
     succeeds([&] {
         formats::WavSource source(file);
-        if (source.channels() < 1 || source.channels() > 2 || source.frames() < 0)
-            std::abort();
+        require(source.channels() >= 1 && source.channels() <= 2 && source.frames() >= 0);
         readSome(source);
         source.seek(source.frames() / 2);
         readSome(source);
