@@ -83,9 +83,10 @@ void bind(sqlite3_stmt* statement, const SettingName& name)
     bind(statement, 3, name.key);
 }
 
+// As text: a database that somebody made may keep it in another encoding.
 Text column(sqlite3_stmt* statement)
 {
-    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, 0));
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(statement, 0));
     return {bytes ? bytes : "", static_cast<std::size_t>(sqlite3_column_bytes(statement, 0))};
 }
 

@@ -401,6 +401,17 @@ TEST_CASE("A view in the place of the table, which may ask without end, is set a
     CHECK(Outsider(place.path + ".damaged").runs("SELECT value FROM settings"));
 }
 
+TEST_CASE("A database that keeps its texts as UTF-16 gives back what was saved")
+{
+    const Place place;
+    place.make();
+    std::filesystem::remove(place.path);
+    REQUIRE(Outsider(place.path).runs("PRAGMA encoding = 'UTF-16be'; CREATE TABLE other (colour TEXT)"));
+    place.save("Left", "12 caf\xC3\xA9");
+    CHECK(place.get("Left") == "12 caf\xC3\xA9");
+    CHECK(Outsider(place.path).runs("SELECT colour FROM other"));
+}
+
 TEST_CASE("What somebody has tied to the saving of settings is not carried out")
 {
     const Place place;
