@@ -10,7 +10,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 {
     const FuzzedFile fuzzed(bytes, size);
     const auto file = files::InputFile::openOrFail(fuzzed.path());
-    formats::probeMp3(file);
+    if (const auto facts = formats::probeMp3(file)) {
+        require(facts->samples() >= 0 && facts->bitsPerSecond >= 0);
+        const int channels = formats::channelsAt(facts->place, file);
+        require(channels == 1 || channels == 2);
+    }
     const auto table = formats::scanFrames(file);
     if (!table)
         return 0;
