@@ -124,7 +124,8 @@ void BlockWriter::write(const Full& full) noexcept
         to_.write(bytes, full.at);
     } catch (...) {
         const Lock lock(mutex_);
-        failure_ = std::current_exception();
+        if (!failure_) // who has been told of the first may still be reading it
+            failure_ = std::current_exception();
         isFree_.notifyAll();
     }
 }
