@@ -18,6 +18,8 @@ bool isRefused()
     return true;
 }
 
+void* taken(std::size_t size) { return isRefused() ? nullptr : std::malloc(std::max<std::size_t>(size, 1)); }
+
 }
 
 ScarceMemory::ScarceMemory(long nth)
@@ -30,16 +32,18 @@ ScarceMemory::~ScarceMemory() { before = 0; }
 
 bool ScarceMemory::hasRefused() const { return refused; }
 
-// In the place of the library's own; its other forms come this way.
+// In the place of the library's own; those for memory of a given alignment stay its.
 void* operator new(std::size_t size)
 {
-    void* const memory = isRefused() ? nullptr : std::malloc(std::max<std::size_t>(size, 1));
+    void* const memory = taken(size);
     if (!memory)
         throw std::bad_alloc();
     return memory;
 }
 
 void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return taken(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return taken(size); }
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 void operator delete[](void* memory) noexcept { std::free(memory); }
