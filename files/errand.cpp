@@ -104,8 +104,10 @@ bool ErrandThread::isDoneWithin(std::chrono::milliseconds limit) const
 {
     thread_->endsWithin(limit);
     state_->settles(Shared::Fate::abandoned);
-    if (state_->outcome != Shared::Fate::done)
+    if (state_->outcome != Shared::Fate::done) {
+        thread_->leave(); // or it would be kept for a question that may never come
         return false;
+    }
     if (state_->shortage)
         std::rethrow_exception(state_->shortage);
     return true;

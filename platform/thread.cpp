@@ -43,11 +43,7 @@ Thread& Thread::operator=(Thread&& other) noexcept
     return *this;
 }
 
-Thread::~Thread()
-{
-    if (thread_.joinable())
-        thread_.detach();
-}
+Thread::~Thread() { leave(); }
 
 bool Thread::hasEnded() const { return !end_ || end_->comesBy({}); }
 
@@ -68,4 +64,10 @@ void Thread::join()
 {
     if (thread_.joinable())
         thread_.join();
+}
+
+void Thread::leave()
+{
+    if (thread_.joinable())
+        thread_.detach();
 }

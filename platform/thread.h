@@ -29,6 +29,7 @@ public:
     bool endsWithin(std::chrono::milliseconds limit);
 
     void join();
+    void leave(); // its end can still be asked for
 
 private:
     struct End;
