@@ -7,7 +7,8 @@
 
 #include <csignal>
 
-#if defined(__x86_64__) && defined(PR_SET_SYSCALL_USER_DISPATCH)
+// The thread sanitizer asks the system for something itself before it hands a signal on.
+#if defined(__x86_64__) && defined(PR_SET_SYSCALL_USER_DISPATCH) && !defined(__SANITIZE_THREAD__)
 
 namespace
 {
