@@ -22,9 +22,9 @@ public:
 private:
     struct Asker;
 
-    std::shared_ptr<Asker> asker_;
     void keepStep();
 
+    std::shared_ptr<Asker> asker_;
     Worker worker_{Worker::AtEnd::abandons};
 };
 
