@@ -21,12 +21,7 @@ namespace
 constexpr int narrowest = 85; // per cent
 constexpr int air = 2;        // pixels between a caption and what stands beside it
 
-QFont narrowed(const QFont& font, int wanted, int width)
-{
-    QFont narrow = font;
-    narrow.setStretch(std::max(narrowest, width * 100 / wanted));
-    return narrow;
-}
+qreal narrowness(int wanted, int width) { return std::max(narrowest / 100.0, qreal(width) / wanted); }
 
 // 20 twips to the point of type.
 int typePixels(int points) { return pixelsOf(static_cast<Twips>(points) * 20); }
@@ -67,9 +62,12 @@ protected:
         painter.setFont(type);
         if (wanted <= room())
             return painter.drawText(place(), static_cast<int>(alignment()), text());
-        painter.setFont(narrowed(type, wanted, room()));
-        painter.drawText(place(), static_cast<int>(alignment()),
-                         painter.fontMetrics().elidedText(text(), Qt::ElideRight, place().width()));
+        // Asking for a narrow font instead would have every font of the system looked through.
+        const qreal narrow = narrowness(wanted, room());
+        painter.scale(narrow, 1);
+        const QRectF wide(place().x() / narrow, place().y(), place().width() / narrow, place().height());
+        painter.drawText(wide, static_cast<int>(alignment()),
+                         QFontMetricsF(type).elidedText(text(), Qt::ElideRight, wide.width()));
     }
 
 private:
@@ -84,9 +82,7 @@ private:
     bool isWholeLine() const
     {
         const int wanted = QFontMetrics(lineFont()).horizontalAdvance(text());
-        return wanted <= room() ||
-               QFontMetrics(narrowed(lineFont(), wanted, room())).horizontalAdvance(text()) <=
-                   place().width();
+        return wanted <= room() || wanted * narrowness(wanted, room()) <= place().width();
     }
 
     QFont lineFont() const

@@ -3,6 +3,7 @@
 #include "toolkit/toolkit.h"
 
 #include <QAccessible>
+#include <QFontMetrics>
 #include <QImage>
 #include <QPixmap>
 #include <doctest/doctest.h>
@@ -20,6 +21,16 @@ struct Shown {
     {
         face.caption.setCaption(caption);
         return face.widgetOf(face.caption)->grab().toImage();
+    }
+
+    // As many per cent of what has room.
+    Text captionOf(int percent)
+    {
+        const auto& label = *face.widgetOf(face.caption);
+        Text caption;
+        while (QFontMetrics(label.font()).horizontalAdvance(caption.c_str()) * 100 < label.width() * percent)
+            caption += 'i';
+        return caption;
     }
 };
 
@@ -61,4 +72,16 @@ TEST_CASE("A caption is kept byte for byte, also one that cannot be shown")
         s.pictureOf(text);
         CHECK(s.face.caption.Caption() == text);
     }
+}
+
+TEST_CASE(
+    "A caption a little too wide is narrowed until its last letter is seen, a wider one ends in an ellipsis")
+{
+    Shown s;
+    const Text fits = s.captionOf(80);
+    const Text little = s.captionOf(108);
+    const Text far = s.captionOf(140);
+    CHECK(s.pictureOf(fits + "l") != s.pictureOf(fits + "j"));
+    CHECK(s.pictureOf(little + "l") != s.pictureOf(little + "j"));
+    CHECK(s.pictureOf(far + "l") == s.pictureOf(far + "j"));
 }
