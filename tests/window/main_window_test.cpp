@@ -16,6 +16,15 @@ const Text confMissing = "The default mp3 configuration file (conf.mp3) was not 
 
 void withoutConf(FakePlatform& platform) { platform.scan.folders["/app/*.*"].pop_back(); }
 
+// What its opens answer, one after the other, until it is taken.
+void refuseConf(FakePlatform& platform, const std::vector<std::int16_t>& answers)
+{
+    platform.onMp3Play = [answers](RecordingMp3Play& engine, const Text& name) {
+        if (name == "Mp3Player")
+            engine.openResults = {answers.begin(), answers.end()};
+    };
+}
+
 struct Levels {
     Text what;
     std::int16_t left;
@@ -396,10 +405,7 @@ TEST_CASE("The application folder is taken as the system gives it")
 TEST_CASE("Who starts the program again while its start waits is told what it waits for")
 {
     FakePlatform platform;
-    platform.onMp3Play = [](RecordingMp3Play& engine, const Text& name) {
-        if (name == "Mp3Player")
-            engine.openResults.assign(50, 7);
-    };
+    refuseConf(platform, std::vector<std::int16_t>(50, 7));
     Program program(platform);
     bool raised = false;
     platform.scriptedPump.steps.assign(1, [&] {
@@ -417,10 +423,7 @@ TEST_CASE("Who starts the program again while its start waits is told what it wa
 TEST_CASE("A conf.mp3 that cannot be opened keeps the start waiting, with events going on")
 {
     FakePlatform platform;
-    platform.onMp3Play = [](RecordingMp3Play& engine, const Text& name) {
-        if (name == "Mp3Player")
-            engine.openResults.assign(50, 7);
-    };
+    refuseConf(platform, std::vector<std::int16_t>(50, 7));
     Program program(platform);
     int ticks = 0;
     platform.scriptedPump.steps.assign(4, [&] {
@@ -438,10 +441,7 @@ TEST_CASE("A conf.mp3 that cannot be opened keeps the start waiting, with events
 TEST_CASE("A conf.mp3 that opens at the third try is read then")
 {
     FakePlatform platform;
-    platform.onMp3Play = [](RecordingMp3Play& engine, const Text& name) {
-        if (name == "Mp3Player")
-            engine.openResults = {1, 1};
-    };
+    refuseConf(platform, {1, 1});
     platform.scriptedPump.steps = {{}, {}};
     Program program(platform);
     program.startUp();
