@@ -23,6 +23,7 @@ namespace
 
 constexpr int urlOfPlace = Qt::UserRole + 1;
 constexpr const char* side = "sidebar";
+constexpr std::chrono::milliseconds untilAskedAgain{500};
 
 // What the dialog does for each letter that is typed.
 constexpr const char* asksForName = "_q_autoCompleteFileName(QString)";
@@ -85,19 +86,25 @@ FileDialogGate::FileDialogGate(QFileDialog& dialog) :
         }
 }
 
-// The button follows the name: where nothing answers it stays as it is.
+// The button follows the name: where nothing answers it stays as it is until something does.
 void FileDialogGate::standBeforeName()
 {
     disconnect(name_, &QLineEdit::textChanged, &dialog_, nullptr);
     connect(name_, &QLineEdit::textChanged, this, &FileDialogGate::pass);
+    again_.setSingleShot(true);
+    connect(&again_, &QTimer::timeout, this, [this] {
+        if (dialog_.isVisible())
+            pass(name_->text());
+    });
 }
 
-void FileDialogGate::pass(const QString& text) const
+void FileDialogGate::pass(const QString& text)
 {
+    again_.stop();
     const auto soon = [](const QString& path) { return answers(path, files::patienceForLists); };
     const QStringList paths = pathsIn(text);
     if (!std::all_of(paths.begin(), paths.end(), soon))
-        return;
+        return again_.start(untilAskedAgain);
     QMetaObject::invokeMethod(&dialog_, "_q_autoCompleteFileName", Q_ARG(QString, text));
     QMetaObject::invokeMethod(&dialog_, "_q_updateOkButton");
 }

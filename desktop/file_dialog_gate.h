@@ -6,6 +6,7 @@
 
 #include <QObject>
 #include <QStringList>
+#include <QTimer>
 
 class QAbstractItemView;
 class QFileDialog;
@@ -26,12 +27,13 @@ public:
 
 private:
     void standBeforeName();
-    void pass(const QString& text) const;
+    void pass(const QString& text);
     QStringList pathsIn(const QString& text) const;
     static bool leadsNowhere(const QAbstractItemView& view, const QEvent& event);
 
     QFileDialog& dialog_;
     QLineEdit* name_;
+    QTimer again_; // while what is typed has no answer
 };
 
 }

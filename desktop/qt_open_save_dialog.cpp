@@ -159,7 +159,6 @@ public:
     {
         setIconProvider(&filePictures());
         setOption(DontUseCustomDirectoryIcons);
-        connect(folders_, &QFileSystemModel::directoryLoaded, this, &FileDialog::noteLooked);
     }
     ~FileDialog() override
     {
@@ -168,14 +167,15 @@ public:
         turnAway();
     }
 
-    // Its end waits for the thread that looks at folders: while one does not answer, it comes later.
+    // The library's own end would wait for the thread that looks at folders, and one of those may not answer:
+    // it comes when that thread has done the last that it is asked for.
     static void end(FileDialog* dialog)
     {
         dialog->hide();
+        closePopups(*dialog);
         if (dialog->folders_)
-            lastVisited = QUrl::fromLocalFile(dialog->folders_->rootPath()).toString();
-        dialog->isOver_ = dialog->isLooking();
-        if (!dialog->isOver_)
+            dialog->endBehindLastLook(*dialog->folders_);
+        else
             delete dialog;
     }
 
@@ -198,17 +198,28 @@ private:
         return window && window->isVisible() ? window : nullptr;
     }
 
-    bool isLooking() const
+    // The list of completions would come again with each folder that is looked at.
+    static void closePopups(QFileDialog& dialog)
     {
-        const QString folder = folders_ ? folders_->rootPath() : QString();
-        return !folder.isEmpty() && !looked_.contains(folder);
+        if (auto* name = dialog.findChild<QLineEdit*>("fileNameEdit"))
+            name->setCompleter(nullptr);
+        if (auto* popup = QApplication::activePopupWidget())
+            popup->close();
     }
 
-    void noteLooked(const QString& folder)
+    void endBehindLastLook(QFileSystemModel& folders)
     {
-        looked_ << folder;
-        if (isOver_ && !isLooking())
-            deleteLater();
+        const QString shown = folders.rootPath();
+        lastVisited = QUrl::fromLocalFile(shown).toString();
+        folders.disconnect(this);
+        folders.setOption(QFileSystemModel::DontWatchForChanges);
+        const QString last =
+            shown == QDir::rootPath() ? QApplication::applicationDirPath() : QDir::rootPath();
+        connect(&folders, &QFileSystemModel::directoryLoaded, this, [this, last](const QString& folder) {
+            if (folder == last)
+                deleteLater();
+        });
+        folders.setRootPath(last);
     }
 
     static void settle(const QLineEdit& name, QItemSelectionModel& selection)
@@ -224,9 +235,7 @@ private:
 
     QFileSystemModel* folders_ = findChild<QFileSystemModel*>();
     FileDialogGate gate_{*this};
-    QStringList looked_; // folders that have answered
     const ViewMode viewBefore_ = viewMode();
-    bool isOver_ = false;
 };
 
 using Showing = std::unique_ptr<FileDialog, void (*)(FileDialog*)>;

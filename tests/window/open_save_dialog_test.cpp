@@ -11,11 +11,13 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
 #include <QTimer>
@@ -312,6 +314,29 @@ TEST_CASE("A path that is typed into a share that does not answer is not taken, 
     CHECK(s.dialog.control.FileName() == s.dialog.song);
 }
 
+TEST_CASE("A path that was typed while its share did not answer can be chosen once it does")
+{
+    ShareBeside s;
+    const Text song = s.share + "/song.wav";
+    putFile(song, "");
+    bool wasLocked = false;
+    bool isFree = false;
+    const int failure = s.dialog.open("Wav Files", [&](QFileDialog& window) {
+        const auto* open = window.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open);
+        {
+            const HungShare hung(s.share.c_str());
+            FileDialogHand().type(song);
+            wasLocked = !open->isEnabled();
+        }
+        isFree = waitFor([&] { return open->isEnabled(); });
+        isFree ? static_cast<QDialog&>(window).accept() : window.reject();
+    });
+    CHECK(wasLocked);
+    CHECK(isFree);
+    CHECK(failure == 0);
+    CHECK(s.dialog.control.FileName() == song);
+}
+
 TEST_CASE("A folder that does not answer is not gone to, from its row or from its place at the side")
 {
     ShareBeside s;
@@ -358,6 +383,38 @@ TEST_CASE("A dialog ends while a folder in what it shows does not answer")
         CHECK(waitFor([&] { return hung.waiting() == 1; })); // its thread has come to the share
         window.reject();
     }));
+}
+
+TEST_CASE("A dialog ends while a folder that it has seen does not answer any more")
+{
+    ShareBeside s;
+    std::optional<HungShare> hung;
+    CHECK(s.endsSoon([&](QFileDialog& window) {
+        bool isSeen = false;
+        QObject::connect(
+            window.findChild<QFileSystemModel*>(), &QFileSystemModel::directoryLoaded,
+            [&](const QString& folder) { isSeen |= folder.toStdString() == s.dialog.folder.path(); });
+        window.setDirectory(QString::fromStdString(s.dialog.folder.path()));
+        CHECK(waitFor([&] { return isSeen; }));
+        hung.emplace(s.share.c_str());
+        putFile(s.dialog.folder / "new.mp3", ""); // for which its thread looks at them all again
+        CHECK(waitFor([&] { return hung->waiting() == 1; }));
+        window.reject();
+    }));
+}
+
+TEST_CASE("A dialog that ends leaves no list of completions behind")
+{
+    Dialog dialog;
+    putFile(dialog.folder / "sounds.wav", "");
+    const auto open = [&](QFileDialog& window) {
+        window.setDirectory(QString::fromStdString(dialog.folder.path()));
+        FileDialogHand().type("so");
+        CHECK(waitFor([] { return QApplication::activePopupWidget() != nullptr; }));
+        window.reject();
+    };
+    CHECK(dialog.open("Wav Files", open) == cancelled);
+    CHECK(QApplication::activePopupWidget() == nullptr);
 }
 
 TEST_CASE("A place that the library kept and that does not answer holds no dialog up")
