@@ -18,7 +18,7 @@ namespace
 
 // A new level must be heard at once, and a busy machine must not leave gaps: this is as much as the one
 // allows, and enough for the other.
-constexpr int latencyMilliseconds = 50;
+constexpr int latencyMilliseconds = 55;
 
 // Never a short count: it would end the stream before its last sound is heard.
 long giveSound(cubeb_stream*, void* stream, const void*, void* samples, long frames)
