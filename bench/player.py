@@ -35,9 +35,15 @@ class Screen:
     def picture(self):
         return self.path.read_bytes()
 
+    def is_still(self):
+        before = self.picture()
+        time.sleep(0.3)
+        return self.picture() == before
+
 
 def first_paint(desk, command):
-    """Seconds from the start of the process to a changed screen, and the process."""
+    """Seconds from the start of the process to a changed screen, and the process. What ended before leaves the screen."""
+    wait_for(desk.screen.is_still, "the screen is still")
     before = desk.screen.picture()
     start = time.monotonic()
     process = desk.spawn(*command)
