@@ -51,11 +51,15 @@ class Case(unittest.TestCase):
         wait_for(lambda: lines() == ["ready"], "the desktop takes notifications")
         return lambda: lines()[1:]
 
-    def memory(self):
-        """Megabytes of its own."""
+    def memory(self, kinds=("Dirty", "Clean")):
+        """Megabytes of its own, of what it has mapped as well."""
         lines = pathlib.Path(f"/proc/{self.app.process.pid}/smaps_rollup").read_text().splitlines()
         fields = dict(line.split()[:2] for line in lines[1:])
-        return (int(fields["Private_Dirty:"]) + int(fields["Private_Clean:"])) / 1024
+        return sum(int(fields[f"Private_{kind}:"]) for kind in kinds) / 1024
+
+    def written_memory(self):
+        """Megabytes that it has written to. Libraries are its own or shared as other programs come and go."""
+        return self.memory(["Dirty"])
 
     def processor_time(self):
         """Seconds, of all its threads."""
