@@ -14,15 +14,13 @@ namespace files
 namespace
 {
 
-Text textOr(const char* text) { return text ? text : ""; }
-
 Account askDatabase()
 {
     std::array<char, 16 * 1024> buffer;
     passwd entry;
     passwd* found = nullptr;
     getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found);
-    return found ? Account{textOr(found->pw_name), textOr(found->pw_dir)} : Account{};
+    return found ? Account{found->pw_name, found->pw_dir} : Account{};
 }
 
 }

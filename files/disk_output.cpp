@@ -114,7 +114,9 @@ private:
         const auto size = static_cast<off_t>(bytes_.size());
         makeRoom(size);
         const Descriptor& file = standing_.file();
-        if (!writeAt(file, bytesOf(bytes_), 0) || ftruncate(file.number(), size) != 0 || !startForce(file))
+        if (!writeAt(file, bytesOf(bytes_), 0))
+            giveRoomBack(errno);
+        if (ftruncate(file.number(), size) != 0 || !startForce(file))
             fail(errno);
         stampPrecisely(file);
         left_(revision, standing_.release(), DiskNeeds::force);
@@ -125,10 +127,15 @@ private:
     {
         if (size <= oldSize_)
             return;
-        if (const int error = posix_fallocate(standing_.file().number(), 0, size); error != 0) {
-            std::ignore = ftruncate(standing_.file().number(), oldSize_);
-            fail(error);
-        }
+        if (const int error = posix_fallocate(standing_.file().number(), 0, size); error != 0)
+            giveRoomBack(error);
+    }
+
+    // Behind what stands there would be zeros, which are no rows.
+    [[noreturn]] void giveRoomBack(int systemError)
+    {
+        std::ignore = ftruncate(standing_.file().number(), oldSize_);
+        fail(systemError);
     }
 
     StandingText standing_;

@@ -29,14 +29,13 @@ constexpr auto betweenLooks = 10ms;
 constexpr int looksInARow = 2; // any thread stands still for a moment
 constexpr auto mostForTheProcessor = 10s;
 
-// What the system says of a thread of this process: 'R' when it runs, or would if it had a processor.
-char stateOf(pid_t thread)
+// Whether the system says of a thread of this process that it runs, or would if it had a processor.
+bool runs(pid_t thread)
 {
     std::ifstream file("/proc/self/task/" + std::to_string(thread) + "/stat");
     Text line;
     std::getline(file, line);
-    const auto name = line.rfind(") ");
-    return name == Text::npos || name + 2 >= line.size() ? '?' : line[name + 2];
+    return line.rfind(") R ") != Text::npos; // behind its name
 }
 
 }
@@ -75,10 +74,9 @@ struct ErrandThread::Shared {
         if (id == 0)
             return false;
         timespec used{};
-        if (clock_gettime(processorTime, &used) != 0)
-            return true;
+        clock_gettime(processorTime, &used);
         return std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec) >= limit ||
-               stateOf(id) != 'R';
+               !runs(id);
     }
 
     std::atomic<Fate> outcome = Fate::open;

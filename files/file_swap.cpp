@@ -100,8 +100,11 @@ void copyByHand(const Descriptor& from, OutputFile& to, CopyRange& stretch, cons
 // One copy with all bytes shared: nothing is read, and next to nothing is left to force to the disk.
 bool copyByReference(int from, int to, const NewEnds& ends)
 {
-    return ends.head.size() == ends.begin && ioctl(to, FICLONE, from) == 0 &&
-           ftruncate(to, static_cast<off_t>(ends.end)) == 0;
+    if (ends.head.size() != ends.begin || ioctl(to, FICLONE, from) != 0)
+        return false;
+    if (ftruncate(to, static_cast<off_t>(ends.end)) != 0)
+        throw fileFailure(errno);
+    return true;
 }
 
 // Room first: a full disk is found before anything is copied, and the copy lies in one piece.
@@ -190,7 +193,10 @@ void overwriteEnd(const StandingFile& file, std::uint64_t at, const Text& bytes)
     const Descriptor writable = openForWriting(file);
     requireUnchanged(file.status, statusOf(writable));
     const auto place = static_cast<std::int64_t>(at);
+    const auto standing = std::clamp<std::int64_t>(file.status.st_size - place, 0, std::ssize(bytes));
     const Text old = bytesAt(writable, bytes.size(), place);
+    if (std::ssize(old) < standing) // what could not be put back is not written over
+        failWith("The file could not be read", EIO);
     if (writeAt(writable, bytesOf(bytes), place) && force(writable))
         return;
     const int reason = errno;

@@ -14,6 +14,7 @@
 #include <climits>
 #include <cstdint>
 #include <memory>
+#include <tuple>
 
 namespace files
 {
@@ -39,9 +40,10 @@ Text linkTarget(const Text& path)
 
 bool makeFolders(const Text& folder)
 {
-    if (folder.empty() || isFolder(folder))
-        return !folder.empty();
-    return makeFolders(folderOf(folder)) && (mkdir(folder.c_str(), 0700) == 0 || isFolder(folder));
+    if (isFolder(folder))
+        return true;
+    const Text above = folderOf(folder);
+    return above != folder && makeFolders(above) && (mkdir(folder.c_str(), 0700) == 0 || isFolder(folder));
 }
 
 bool isFolder(const Text& path) { return hasType(path, S_IFDIR); }
@@ -103,8 +105,7 @@ Text resolvedLinks(const Text& path)
 Text randomName()
 {
     std::uint64_t number = 0;
-    while (getrandom(&number, sizeof number, 0) != sizeof number)
-        continue;
+    std::ignore = getrandom(&number, sizeof number, 0); // so few bytes are always there
     static constexpr char digits[] = "0123456789abcdef";
     Text name;
     for (int i = 0; i < 16; ++i, number >>= 4)

@@ -205,7 +205,9 @@ void StatePartNotes::begin()
         file_ = Descriptor(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_CLOEXEC, 0600));
         if (!file_ || (lock(file_, 0) && isLinked(file_)))
             return;
+        unlink(path_.c_str());
     }
+    file_ = Descriptor(); // without locks, nobody could tell who still runs
 }
 
 // The first that does not answer uses up the patience: it is likely that others lie on the same dead share.

@@ -418,6 +418,12 @@ TEST_CASE("A file is still what was left there until anything about it changes")
              std::filesystem::last_write_time(path, time);
          },
          false},
+        {"a forged time of long ago",
+         [](const Text& path) {
+             std::filesystem::last_write_time(path,
+                                              std::filesystem::last_write_time(path) - std::chrono::hours(1));
+         },
+         false},
         {"another mode", [](const Text& path) { chmod(path.c_str(), 0600); }, false},
     };
     for (const auto& c : cases) {

@@ -79,6 +79,22 @@ TEST_CASE("An errand that is late is abandoned, and its result goes where late o
     CHECK_FALSE(errand.result(30s));
 }
 
+TEST_CASE("An errand that is late and has no memory left goes nowhere")
+{
+    const HeldUp work;
+    std::atomic<bool> isTold{false};
+    files::Errand<Number> errand(
+        [work]() -> Number {
+            work();
+            throw std::bad_alloc();
+        },
+        [&](const Number&) { isTold = true; });
+    CHECK_FALSE(errand.result(1ms));
+    *work.isFree = true;
+    CHECK(waitUntil([&] { return errand.hasEnded(); }));
+    CHECK_FALSE(isTold);
+}
+
 TEST_CASE("An errand outlasts whoever sent it, and lets go of what it holds")
 {
     std::weak_ptr<std::atomic<bool>> held;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "files/file_to_open.h"
 
+#include "tests/support/failing_disk.h"
 #include "tests/support/mp3_files.h"
 #include "tests/support/recordings.h"
 #include "tests/support/sound_files.h"
@@ -9,6 +10,8 @@
 #include <doctest/doctest.h>
 
 #include <unistd.h>
+
+#include <cerrno>
 
 using namespace std::chrono_literals;
 
@@ -68,6 +71,22 @@ TEST_CASE("Of two files in other letters the first of a scan is taken, and a lin
         if (first.empty() && !entry.is_symlink())
             first = entry.path();
     CHECK(files::fileToOpen(folder / "a.mp3") == first);
+}
+
+TEST_CASE("A link to nowhere is no file in other letters")
+{
+    TemporaryFolder folder;
+    REQUIRE(symlink("nowhere", (folder / "A.mp3").c_str()) == 0);
+    CHECK(files::fileToOpen(folder / "a.mp3") == folder / "a.mp3");
+}
+
+TEST_CASE("A file that may not be read is left to who opens it")
+{
+    TemporaryFolder folder;
+    putFile(folder / "a.mp3", "x");
+    const FailingDisk refusing(folder.path(), "open", EACCES);
+    CHECK(files::fileToOpen(folder / "a.mp3") == folder / "a.mp3");
+    CHECK(refusing.failures() == 1);
 }
 
 TEST_CASE("The engines play a file whose name is in other letters")

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/forced_disk.h"
 
-#include <sys/syscall.h>
-#include <unistd.h>
+#include "tests/support/system_calls.h"
 
 #include <thread>
 
@@ -17,11 +16,11 @@ void ForcedDisk::waitAndCount()
 extern "C" int fsync(int file)
 {
     ForcedDisk::waitAndCount();
-    return static_cast<int>(syscall(SYS_fsync, file));
+    return systemCalls::next<int(int)>("fsync")(file);
 }
 
 extern "C" int fdatasync(int file)
 {
     ForcedDisk::waitAndCount();
-    return static_cast<int>(syscall(SYS_fdatasync, file));
+    return systemCalls::next<int(int)>("fdatasync")(file);
 }

@@ -10,9 +10,11 @@
 #include "files/disk_text_files.h"
 #include "files/errand.h"
 #include "files/patient_text_files.h"
+#include "tests/support/answer_of_child.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
 #include "tests/support/recordings.h"
+#include "tests/support/skip.h"
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
 #include "tests/support/wait_until.h"
@@ -350,6 +352,17 @@ TEST_CASE("A patient output says what the disk says")
     const auto output = l.patient.openForOutput(l.list);
     output->finish(1);
     CHECK(l.patient.stillHolds(l.list, 1));
+}
+
+TEST_CASE("A user whom the database does not know has no name and no home")
+{
+    if (geteuid() != 0)
+        return skipCase("only root can become a user whom nobody knows");
+    CHECK(answerOfChild([] {
+              endUnless(setresuid(54321, 54321, 54321) == 0, 1);
+              const auto account = files::accountOfUser();
+              return "name: " + account.name + ", home: " + account.home;
+          }) == "name: , home: ");
 }
 
 TEST_CASE("The user database tells who runs the program")

@@ -5,13 +5,13 @@
 #include "tests/support/disc_desk.h"
 #include "tests/support/failures.h"
 #include "tests/support/small_disk.h"
+#include "tests/support/system_calls.h"
 
 #include <doctest/doctest.h>
 
 #include <csignal>
 #include <regex>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace
@@ -110,7 +110,8 @@ extern "C" int renameat2(int fromFolder, const char* from, int toFolder, const c
     if (renamesLeft == 0)
         raise(SIGKILL);
     renamesLeft -= renamesLeft > 0 ? 1 : 0;
-    return static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
+    return systemCalls::next<int(int, const char*, int, const char*, unsigned)>("renameat2")(
+        fromFolder, from, toFolder, to, flags);
 }
 
 TEST_CASE("A disc that was whole when the program was killed is whole at its next start")

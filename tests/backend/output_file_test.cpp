@@ -4,6 +4,7 @@
 #include "files/folders.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
+#include "tests/support/skip.h"
 #include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
@@ -101,6 +102,32 @@ TEST_CASE("A link is written through, and the mode of the old file stays")
     struct stat status;
     REQUIRE(stat((folder / "real.mp3").c_str(), &status) == 0);
     CHECK((status.st_mode & 0777) == 0640);
+}
+
+TEST_CASE("A link that names its target from the root is written through, too")
+{
+    TemporaryFolder folder;
+    TemporaryFolder other;
+    putFile(other / "real.mp3", "old");
+    REQUIRE(symlink((other / "real.mp3").c_str(), (folder / "link.mp3").c_str()) == 0);
+    files::OutputFile part(folder / "link.mp3", NoPartNotes::instance());
+    write(part, "new", 0);
+    part.finish();
+    CHECK(fileBytes(other / "real.mp3") == "new");
+    CHECK(std::filesystem::is_symlink(folder / "link.mp3"));
+}
+
+TEST_CASE("A file of another group keeps it")
+{
+    TemporaryFolder folder;
+    putFile(folder / "a.mp3", "old");
+    if (chown((folder / "a.mp3").c_str(), geteuid(), getegid() + 1) != 0)
+        return skipCase("this user may not give files to another group");
+    files::OutputFile part(folder / "a.mp3", NoPartNotes::instance());
+    part.finish();
+    struct stat status;
+    REQUIRE(stat((folder / "a.mp3").c_str(), &status) == 0);
+    CHECK(status.st_gid == getegid() + 1);
 }
 
 TEST_CASE("What is no plain file is never replaced")

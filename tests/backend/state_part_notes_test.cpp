@@ -176,6 +176,23 @@ TEST_CASE("A cut note and rubbish in the folder do no harm")
     CHECK(namesInFolder(state.state + "/parts") == std::set<Text>{"folder"});
 }
 
+TEST_CASE("Parts that are said to be whole are moved nowhere when one of them is no part file")
+{
+    const State state;
+    const Text song = state.folder / "song.mp3";
+    Child([&] {
+        files::StatePartNotes notes(state.state);
+        notes.note(state.part);
+        putFile(state.part, "a song");
+        putFile(song, "a person's own");
+        notes.whole({{song, state.folder / "elsewhere.mp3"}, {state.part, state.folder / "new.mp3"}});
+        _exit(0);
+    }).wait();
+    files::removeNotedParts(state.state);
+    CHECK(fileBytes(song) == "a person's own");
+    CHECK(namesInFolder(state.folder.path()) == std::set<Text>{"song.mp3", "state"});
+}
+
 TEST_CASE("A start without a state folder has nothing to do")
 {
     const State state;

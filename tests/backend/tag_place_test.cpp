@@ -5,6 +5,7 @@
 #include "files/descriptor.h"
 #include "files/file_swap.h"
 #include "tests/support/answer_of_child.h"
+#include "tests/support/failing_disk.h"
 #include "tests/support/failures.h"
 #include "tests/support/files.h"
 #include "tests/support/forced_disk.h"
@@ -178,6 +179,19 @@ TEST_CASE("A link that leads nowhere, in a circle or to no file is refused and m
     }
     CHECK(writeTag("", wanted) != "");
     CHECK(namesInFolder(folder.path()).size() == 4);
+}
+
+TEST_CASE("A song that may not be read is refused with the reason, and stays")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, withV2);
+    {
+        const FailingDisk refusing(folder.path(), "open", EACCES);
+        CHECK(writeTag(path, wanted) == "The file could not be opened: Permission denied.");
+        CHECK(readTag(path) == Tag());
+    }
+    CHECK(fileBytes(path) == withV2);
+    CHECK(holdsOnlyTheSong(folder));
 }
 
 TEST_CASE("A pipe is refused at once")
@@ -432,6 +446,117 @@ TEST_CASE("What another program writes meanwhile is not undone")
     CHECK(failureOf([&] { files::overwriteEnd(standing, 0, "TAG"); }) == 75);
     CHECK(fileBytes(path) == withV2 + "more");
     CHECK(holdsOnlyTheSong(folder));
+}
+
+TEST_CASE("However little another program changes meanwhile, it is not undone")
+{
+    const struct {
+        const char* what;
+        std::function<void(const Text&)> change;
+    } cases[] = {
+        {"a file of the same size in its place",
+         [](const Text& path) {
+             const auto time = fs::last_write_time(path);
+             fs::copy_file(path, path + ".copy");
+             fs::last_write_time(path + ".copy", time);
+             fs::rename(path + ".copy", path);
+         }},
+        {"the same file, an hour later",
+         [](const Text& path) {
+             fs::last_write_time(path, fs::last_write_time(path) + std::chrono::hours(1));
+         }},
+        {"the same file, a moment later",
+         [](const Text& path) {
+             fs::last_write_time(path, fs::last_write_time(path) + std::chrono::nanoseconds(1));
+         }},
+        {"a link to another disk in its place",
+         [](const Text& path) {
+             fs::remove(path);
+             fs::create_symlink("/proc/self/status", path);
+         }},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        const TemporaryFolder folder;
+        const Text path = putSong(folder, withV2);
+        const files::Descriptor file(open(path.c_str(), O_RDONLY));
+        const auto status = statusOf(path);
+        c.change(path);
+        CHECK(failureOf([&] {
+                  files::swapEnds({path, file, status}, {"", 0, 100, ""}, noNotes, approved);
+              }) == 75);
+        CHECK(holdsOnlyTheSong(folder));
+    }
+}
+
+TEST_CASE("A disk that fails under an ID3v1 tag which is written in its place")
+{
+    const struct {
+        const char* what;
+        const char* calls;
+        FailingDisk::When when;
+        const char* words;
+        bool stands; // what stood there
+    } cases[] = {
+        {"at the writing", "pwrite", {.times = 1}, "The tag could not be written: Device I/O error.", true},
+        {"at the forcing", "fdatasync", {}, "The tag could not be written: Device I/O error.", true},
+        {"at every writing", "pwrite", {}, "The tag was written in part: Device I/O error.", true},
+        {"at the forcing, and at cutting it off again",
+         "fdatasync ftruncate",
+         {},
+         "The tag was written in part: Device I/O error.",
+         true},
+        {"at the reading of what stands there",
+         "pread",
+         {},
+         "The file could not be read: Device I/O error.",
+         true},
+    };
+    for (const auto& c : cases) {
+        CAPTURE(c.what);
+        const TemporaryFolder folder;
+        const Text path = putSong(folder, v1Alone);
+        const files::Descriptor file(open(path.c_str(), O_RDONLY));
+        Text words;
+        {
+            const FailingDisk failing(folder.path(), c.calls, EIO, c.when);
+            guarded([&](const Failure& failure) { words = failure.description; },
+                    [&] {
+                        files::overwriteEnd({path, file, statusOf(path)}, audio.size(), v1Tag({"New"}));
+                    });
+            CHECK(failing.failures() > 0);
+        }
+        CHECK(words == c.words);
+        CHECK((fileBytes(path) == v1Alone) == c.stands);
+    }
+}
+
+TEST_CASE("A copy that shares the file's bytes and cannot be cut to its length does not take its place")
+{
+    const TemporaryFolder folder;
+    const Text path = putSong(folder, v1Alone);
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
+    const Cloning system;
+    const FailingDisk failing(folder.path(), "ftruncate", EIO);
+    CHECK(failureOf([&] {
+              files::swapEnds({path, file, statusOf(path)}, {"", 0, audio.size(), ""}, noNotes, approved);
+          }) == 57);
+    CHECK(clones == 1);
+    CHECK(fileBytes(path) == v1Alone);
+    CHECK(holdsOnlyTheSong(folder));
+}
+
+TEST_CASE("An attribute that cannot be read is left out")
+{
+    const TemporaryFolder folder(memoryFolder());
+    const Text path = putSong(folder, withV2);
+    if (setxattr(path.c_str(), "user.rating", "5", 1, 0) != 0)
+        return skipCase("this file system keeps no attributes");
+    const FailingDisk failing(folder.path(), "fgetxattr", EIO);
+    CHECK(writeTag(path, wanted) == "");
+    CHECK(readTag(path).title == "New");
+    char value = 0;
+    CHECK(getxattr(path.c_str(), "user.rating", &value, 1) < 0);
 }
 
 TEST_CASE("What another program writes while the copy is looked at is not undone")

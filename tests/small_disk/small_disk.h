@@ -20,6 +20,10 @@ Disk& disk();
 bool holds(const char* path);
 bool holds(int file);
 
+// Whether a call of that name fails, as a failing disk is about it; the error is set then.
+bool fails(const char* call, const char* path);
+bool fails(const char* call, int file);
+
 // Bytes of the disk that no file takes.
 off_t room();
 

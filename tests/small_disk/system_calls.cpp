@@ -60,6 +60,8 @@ std::optional<std::size_t> takenOf(int file, off_t at, std::size_t bytes)
 ssize_t writeAt(const char* name, int file, const void* bytes, std::size_t size, off_t at)
 {
     auto* const call = next<ssize_t(int, const void*, std::size_t, off_t)>(name);
+    if (smallDisk::fails("pwrite", file))
+        return -1;
     if (!smallDisk::holds(file))
         return call(file, bytes, size, at);
     const std::lock_guard guard(writing());
@@ -74,11 +76,15 @@ bool fits(int file, off_t from, off_t size)
 
 int reserve(const char* name, int file, off_t from, off_t size)
 {
+    if (smallDisk::fails("posix_fallocate", file))
+        return errno;
     return fits(file, from, size) ? next<int(int, off_t, off_t)>(name)(file, from, size) : ENOSPC;
 }
 
 int reserve(const char* name, int file, int mode, off_t from, off_t size)
 {
+    if (smallDisk::fails("fallocate", file))
+        return -1;
     if (fits(file, from, size))
         return next<int(int, int, off_t, off_t)>(name)(file, mode, from, size);
     errno = ENOSPC;
@@ -87,7 +93,8 @@ int reserve(const char* name, int file, int mode, off_t from, off_t size)
 
 int opened(const char* name, const char* path, int flags, va_list rest)
 {
-    return refusesOpen(path, flags) ? -1 : systemCalls::openNext(name, flags, rest, path);
+    const bool fails = smallDisk::fails("open", path) || refusesOpen(path, flags);
+    return fails ? -1 : systemCalls::openNext(name, flags, rest, path);
 }
 
 }
@@ -115,6 +122,8 @@ int open64(const char* path, int flags, ...)
 ssize_t write(int file, const void* bytes, std::size_t size)
 {
     static auto* const call = next<ssize_t(int, const void*, std::size_t)>("write");
+    if (smallDisk::fails("write", file))
+        return -1;
     if (!smallDisk::holds(file))
         return call(file, bytes, size);
     const std::lock_guard guard(writing());
@@ -169,7 +178,8 @@ int faccessat(int folder, const char* path, int mode, int flags) noexcept
 
 int rename(const char* from, const char* to) noexcept
 {
-    return refusesChange(to) ? -1 : next<int(const char*, const char*)>("rename")(from, to);
+    const bool fails = smallDisk::fails("rename", to) || refusesChange(to);
+    return fails ? -1 : next<int(const char*, const char*)>("rename")(from, to);
 }
 
 int unlink(const char* path) noexcept
@@ -179,6 +189,9 @@ int unlink(const char* path) noexcept
 
 int mkdir(const char* path, mode_t mode) noexcept
 {
-    return refusesChange(path) ? -1 : next<int(const char*, mode_t)>("mkdir")(path, mode);
+    if (refusesChange(path))
+        return -1;
+    const int made = next<int(const char*, mode_t)>("mkdir")(path, mode);
+    return smallDisk::fails("mkdir", path) ? -1 : made; // as if somebody else had been quicker
 }
 }
