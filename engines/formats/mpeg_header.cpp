@@ -17,8 +17,6 @@ constexpr int kilobits[2][15] = {
 constexpr int rates[] = {44100, 48000, 32000};
 // clang-format on
 
-constexpr int maxFrameBytes = 1441;
-
 enum Version : unsigned { mpeg25 = 0, reserved = 1, mpeg2 = 2, mpeg1 = 3 };
 
 constexpr unsigned layerThree = 1;
@@ -63,7 +61,7 @@ std::optional<MpegHeader> mpegHeader(const std::uint8_t* fourBytes)
     if (header.isFreeFormat())
         return header;
     header.bytes = header.samples / 8 * header.bitsPerSecond / header.rate + header.padding;
-    if (header.bytes < header.sideInfo || header.bytes > maxFrameBytes)
+    if (header.bytes < header.sideInfo)
         return std::nullopt;
     return header;
 }

@@ -52,8 +52,7 @@ std::string orderOf(std::size_t channels, std::uint32_t places)
             order += loudspeakers[bit];
     const bool isWhole =
         order.size() == channels && static_cast<std::size_t>(std::popcount(places)) == channels;
-    const bool isHeard = order.find_first_not_of('E') != std::string::npos;
-    return channels > 2 && isWhole && isHeard ? order : usualOrder(channels);
+    return channels > 2 && isWhole ? order : usualOrder(channels);
 }
 
 float shareOf(float weight, float sum) { return sum > 0 ? weight / sum : 0; }

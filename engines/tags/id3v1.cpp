@@ -117,7 +117,7 @@ Text id3v1With(const Tag& wanted, const Tag& shown, std::string_view block)
     putText(result, albumPlace, wanted.album, shown.album);
     putComment(result, wanted.comment, shown.comment);
     putYear(result, wanted.year);
-    const bool hasPlace = wanted.genreIndex >= 0 && wanted.genreIndex < noGenre;
+    const bool hasPlace = wanted.genreIndex >= 0; // and below 255, as no tag holds more
     if (hasPlace || shown.genreName.empty())
         result[genreAt] = static_cast<char>(hasPlace ? wanted.genreIndex : noGenre);
     return result;

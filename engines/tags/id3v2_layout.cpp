@@ -44,13 +44,7 @@ Text nameOf(const Text& id)
     return id;
 }
 
-Text nameIn(int version, const Text& id)
-{
-    for (const auto& name : shortNames)
-        if (version == 2 && id == name.id)
-            return name.before;
-    return id;
-}
+Text shortNameOf(const Text& id) { return std::ranges::find(shortNames, id, &ShortName::id)->before; }
 
 std::size_t idSize(int version) { return version == 2 ? 3 : 4; }
 
@@ -240,7 +234,7 @@ Text makeFrame(int version, const Text& id, const Text& content)
         refuse("A text is too long for an ID3v2 tag.");
     const auto size = static_cast<std::uint32_t>(content.size());
     if (version == 2)
-        return nameIn(version, id) + toBigEndian(size, 3) + content;
+        return shortNameOf(id) + toBigEndian(size, 3) + content;
     return id + (version == 4 ? toSyncSafe(size) : toBigEndian(size)) + Text(2, '\0') + content;
 }
 

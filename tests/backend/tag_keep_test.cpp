@@ -180,6 +180,17 @@ TEST_CASE("A genre's name in APE is not hidden by a number in an ID3v2 tag that 
     CHECK(has(saved, apeItem("Genre", "Chillwave")));
 }
 
+TEST_CASE("A genre's name in APE also stays beside a number that another tag keeps")
+{
+    for (const Text number : {"(17)", "(80)"}) {
+        CAPTURE(number);
+        const Text ape = apeTag({apeItem("Genre", "Odd")});
+        const Text file = retitled(v2Tag(3, text3("TIT2", "Old") + text3("TCON", number)) + audio + ape);
+        CHECK(has(file, apeItem("Genre", "Odd")));
+        CHECK(has(file, text3("TCON", number)));
+    }
+}
+
 TEST_CASE("A number above the tag editor's is written as a number")
 {
     const Text saved =
@@ -385,6 +396,8 @@ TEST_CASE("A tag that cannot be kept is refused with a reason")
         {"compressed as a whole", v2Tag(2, v2Frame(2, "TT2", latin1Text("Old")), 0, 0x40) + audio},
         {"with no room for its checksum in 2.3", v2Tag(3, checksum3 + title, 10, 0x40) + audio},
         {"with no room for its checksum in 2.4", v2Tag(4, short4 + text4("TIT2", "Old"), 10, 0x40) + audio},
+        {"with an extended header that ends before its checksum in 2.4",
+         v2Tag(4, syncSafe(6) + Text("\1\x20", 2) + text4("TIT2", "Old"), 10, 0x40) + audio},
         {"with a checksum of another length", v2Tag(4, checksum4 + text4("TIT2", "Old"), 10, 0x40) + audio},
         {"with a damaged extended header", v2Tag(3, bigEndian(5000, 4) + title, 10, 0x40) + audio},
         {"with an encrypted title", v2Tag(3, v2Frame(3, "TIT2", "x" + latin1Text("Old"), 0x40)) + audio},

@@ -272,6 +272,56 @@ TEST_CASE("Tags of unusual form are read")
           "Title");
 }
 
+TEST_CASE("A long frame of 2.4 whose size is stored plainly is read wherever that leads on")
+{
+    const Text longTitle(300, 'x');
+    const Text plain = "TIT2" + bigEndian(301, 4) + Text(2, '\0') + latin1Text(longTitle);
+    const Text album = v2Frame(4, "TALB", utf8Text("Album"));
+    const Text v1 = v1Tag({"v1"});
+    CHECK(read(v2Tag(4, plain + album) + audio).title == longTitle);
+    CHECK(read(v2Tag(4, plain + album) + audio).album == "Album");
+    CHECK(read(v2Tag(4, plain) + audio).title == longTitle);
+    CHECK(read(v2Tag(4, plain, 50) + audio).title == longTitle);
+    CHECK(read(v2Tag(4, v2Frame(4, "TIT2", utf8Text(longTitle)) + album) + audio).title == longTitle);
+    CHECK(read(v2Tag(4, plain + "no frame") + audio + v1).title ==
+          longTitle.substr(0, 172)); // as 2.4 says it
+}
+
+TEST_CASE("A frame of 2.4 may say its length before its text, and be unsynchronised by itself")
+{
+    CHECK(read(v2Tag(4, v2Frame(4, "TIT2", syncSafe(6) + utf8Text("Title"), 0x0001)) + audio).title ==
+          "Title");
+    const Text scrambled = utf16Text(u"\u00FF").insert(2, 1, '\0').insert(5, 1, '\0');
+    CHECK(read(v2Tag(4, v2Frame(4, "TIT2", scrambled, 0x0002)) + audio).title == "\xC3\xBF");
+}
+
+TEST_CASE("Half a character of UTF-16 is a mark that something is missing")
+{
+    const Text mark = "\xEF\xBF\xBD";
+    CHECK(titled('\1' + Text("\xFF\xFE\x00\xD8", 4)) == mark);
+    CHECK(titled('\1' + Text("\xFF\xFE\x00\xD8\x61\x00", 6)) == mark + "a");
+    CHECK(titled('\1' + Text("\xFF\xFE\x61\x00\x00\xDC", 6)) == "a" + mark);
+}
+
+TEST_CASE("A tag that is scrambled and too long for the memory says nothing, and cannot be changed")
+{
+    const TemporaryFolder folder;
+    const std::size_t size = (64 << 20) + 1;
+    const Text path = putSong(folder, Text("ID3\3\0\x80", 6) + syncSafe(size) + Text(10, '\0'));
+    std::filesystem::resize_file(path, 10 + size);
+    std::ofstream(path, std::ios::binary | std::ios::app) << audio << v1Tag({"v1"});
+    CHECK(readTag(path).title == "v1");
+    CHECK(writeTag(path, {"New", "", "", "", 0, -1}) == "Its ID3v2 tag is too long.");
+}
+
+TEST_CASE("An APE tag whose items do not end, or are too long to be shown, leaves the field to the next tag")
+{
+    const Text v1 = v1Tag({"v1"});
+    const Text endless = littleEndian(5) + littleEndian(0) + Text(300, 'k');
+    CHECK(read(audio + apeTag({endless}) + v1).title == "v1");
+    CHECK(read(audio + apeTag({apeItem("Title", Text(70'000, 'x'))}) + v1).title == "v1");
+}
+
 TEST_CASE("A tag that announces an extended header and has none is read from where the header would be")
 {
     for (const int version : {3, 4}) {

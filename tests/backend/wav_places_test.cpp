@@ -155,6 +155,30 @@ TEST_CASE("Each channel is heard where ffmpeg puts it, played and encoded")
     }
 }
 
+TEST_CASE("Channels that are all on the left leave the right silent, and places that nobody knows are none")
+{
+    TemporaryFolder folder;
+    const Text path = folder / "a.wav";
+    putFile(path, tonesOn(3, 0x211));
+    for (const auto& ours : {played(path), encoderInput(path)}) {
+        REQUIRE(ours.size() == 3);
+        for (const Sides& each : ours) {
+            CHECK(each.left > 0);
+            CHECK(each.right == 0);
+        }
+    }
+    putFile(folder / "unknown.wav", tonesOn(3, 0x40000003));
+    putFile(folder / "more.wav", tonesOn(3, 0x40000007));
+    putFile(folder / "none.wav", tonesOn(3, 0));
+    const auto usual = encoderInput(folder / "none.wav");
+    for (const char* name : {"unknown.wav", "more.wav"}) {
+        const auto ours = encoderInput(folder / name);
+        REQUIRE(ours.size() == usual.size());
+        for (std::size_t i = 0; i < ours.size(); ++i)
+            CHECK(ours[i].left == doctest::Approx(usual[i].left));
+    }
+}
+
 TEST_CASE("A coding that cannot be entered in the middle is encoded like any other")
 {
     TemporaryFolder folder;
