@@ -2,6 +2,7 @@
 #include "toolkit/flush_windows.h"
 
 #include "toolkit/form_widget.h"
+#include "toolkit/x11_connection.h"
 
 #include <QApplication>
 #include <QScreen>
@@ -34,13 +35,13 @@ bool touch(Span one, Span other)
 
 void putOnScreen(const FormWidget& window, Direction direction, int place)
 {
-    auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11)
+    auto* connection = x11Connection();
+    if (!connection)
         return;
     const auto value = static_cast<std::uint32_t>(place);
-    xcb_configure_window(x11->connection(), static_cast<xcb_window_t>(window.winId()),
+    xcb_configure_window(connection, static_cast<xcb_window_t>(window.winId()),
                          direction == Direction::across ? XCB_CONFIG_WINDOW_X : XCB_CONFIG_WINDOW_Y, &value);
-    xcb_flush(x11->connection());
+    xcb_flush(connection);
 }
 
 void meet(const FormWidget& one, const FormWidget& other, Direction direction, double scale)
@@ -74,8 +75,7 @@ std::optional<Meeting> meetingOf(Span first, Span second, double scale)
 void standFlush(FormWidget& window)
 {
     const double scale = window.devicePixelRatioF();
-    if (scale == std::floor(scale) || QGuiApplication::platformName() != "xcb" ||
-        window.screen()->geometry().topLeft() != QPoint())
+    if (scale == std::floor(scale) || !x11Connection() || window.screen()->geometry().topLeft() != QPoint())
         return;
     for (auto* each : QApplication::topLevelWidgets()) {
         auto* other = dynamic_cast<FormWidget*>(each);

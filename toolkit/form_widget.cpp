@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "toolkit/form_widget.h"
 
+#include "toolkit/come_back.h"
 #include "toolkit/flush_windows.h"
 #include "toolkit/focus_mark.h"
 #include "toolkit/image_widget.h"
@@ -133,8 +134,10 @@ void FormWidget::setState(Form::State state)
     state_ = state;
     if (!isVisible())
         return;
-    const auto rest = windowState() & ~Qt::WindowMinimized;
-    setWindowState(state == Form::minimized ? rest | Qt::WindowMinimized : rest);
+    if (state == Form::minimized)
+        setWindowState(windowState() | Qt::WindowMinimized);
+    else
+        comeBack(*this);
 }
 
 void FormWidget::present()

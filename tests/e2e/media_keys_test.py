@@ -105,9 +105,9 @@ class MediaKeys(case.Case):
 
     def test_raise_brings_a_minimised_window_back_and_quit_ends_the_program(self):
         self.app.click(self.main, places.MINIMIZE)
-        self.app.gone(case.MAIN)
+        wait_for(lambda: not self.app.framed(case.MAIN), "it is minimised")
         self.player.Raise(dbus_interface=ROOT)
-        self.app.window(case.MAIN)
+        wait_for(lambda: self.app.framed(case.MAIN), "it is back")
         self.player.Quit(dbus_interface=ROOT)
         self.assertEqual(self.app.process.wait(60), 0)
 

@@ -91,6 +91,7 @@ class Windows(WindowsCase):
         self.desk.run("xdotool", "windowactivate", self.main)
         for title in (case.MAIN, case.LIST):
             wait_for(lambda: self.app.framed(title), f"{title!r} is back")
+        wait_for(lambda: self.desk.active_window() in (self.main, self.list), "the keys go to one of them")
 
     def test_a_drag_that_a_closing_window_cuts_off_leaves_the_pointer_free(self):
         self.list = self.show_list()
