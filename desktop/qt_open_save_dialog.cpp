@@ -20,6 +20,7 @@
 #include <QSettings>
 #include <QUrl>
 #include <algorithm>
+#include <iterator>
 #include <memory>
 
 namespace desktop
@@ -133,6 +134,13 @@ bool holdsLineEnd(const QStringList& paths)
 {
     return std::any_of(paths.begin(), paths.end(),
                        [](const QString& path) { return path.contains('\n') || path.contains('\r'); });
+}
+
+// The desktop's own dialog gives addresses, which hold a name's own bytes; as text, those that are no UTF-8
+// would be lost.
+Text bytesOfPath(const QString& path, const QUrl& address)
+{
+    return path.contains(QChar::ReplacementCharacter) ? pathOf(address) : bytesOf(path);
 }
 
 bool isFolder(const QModelIndex& row)
@@ -301,8 +309,8 @@ Text QtOpenSaveDialog::beginningFolder() const
 
 void QtOpenSaveDialog::take(QFileDialog& dialog)
 {
-    for (const auto& path : dialog.selectedFiles())
-        paths_.push_back(bytesOf(path));
+    const auto paths = dialog.selectedFiles();
+    std::ranges::transform(paths, dialog.selectedUrls(), std::back_inserter(paths_), bytesOfPath);
     filterIndex_ = chosenFilter(dialogFilters(filter_), dialog.selectedNameFilter());
     folder_ = folderOf(paths_.front());
 }

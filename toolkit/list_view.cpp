@@ -4,6 +4,7 @@
 #include "platform/paths.h"
 #include "toolkit/key_codes.h"
 #include "toolkit/later.h"
+#include "toolkit/qt_bridge.h"
 #include "toolkit/tip.h"
 
 #include <QDropEvent>
@@ -20,13 +21,6 @@ namespace
 {
 
 constexpr std::int16_t returnKey = 13;
-
-// The path's own bytes, also where they are no valid text.
-Text pathOf(const QUrl& url)
-{
-    const QByteArray path = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8());
-    return {path.constData(), static_cast<std::size_t>(path.size())};
-}
 
 // Of another computer's file there may be a namesake here, which nobody means.
 bool isHere(const QUrl& url)

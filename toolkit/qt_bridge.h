@@ -9,6 +9,7 @@
 #include <QByteArray>
 #include <QRect>
 #include <QString>
+#include <QUrl>
 
 // What the user sees of `text`; bytes that are no UTF-8 show as the replacement character.
 inline QString shown(const Text& text)
@@ -20,6 +21,13 @@ inline Text bytesOf(const QString& string)
 {
     const QByteArray utf8 = string.toUtf8();
     return {utf8.constData(), static_cast<std::size_t>(utf8.size())};
+}
+
+// Of a file; its path's own bytes, also where they are no valid text.
+inline Text pathOf(const QUrl& url)
+{
+    const QByteArray path = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8());
+    return {path.constData(), static_cast<std::size_t>(path.size())};
 }
 
 inline QRect pixelRect(const Place& place)

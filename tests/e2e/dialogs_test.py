@@ -1,7 +1,12 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""The file dialogs of the real program: what they cost, and what they remember."""
+"""The file dialogs of the real program: what they cost, what they remember, and which files the desktop's own can give."""
+import json
+import os
 import pathlib
+import subprocess
+import unittest
+import urllib.parse
 
 import case
 import places
@@ -9,6 +14,8 @@ import sounds
 from desk import wait_for
 
 TITLE = "Select a file to open"
+CHOOSER = pathlib.Path(__file__).with_name("chooser.py")
+PLUGIN = "qt6/plugins/platformthemes/libqxdgdesktopportal.so"
 
 
 class Dialogs(case.Case):
@@ -57,6 +64,36 @@ class Dialogs(case.Case):
                 self.app.key("Return")
                 self.app.gone(TITLE)
                 self.wait_label(places.LENGTH, "0:01")
+
+
+@unittest.skipUnless(any(pathlib.Path("/usr/lib").glob(f"*/{PLUGIN}")), "the library's way to the desktop's dialog is not there")
+class DesktopsOwn(case.Case):
+    def start(self):
+        self.app.environment = {"QT_QPA_PLATFORMTHEME": "xdgdesktopportal"}
+        told = self.desk.folder / "asked.txt"
+        with open(told, "wb") as output:
+            self.chooser = self.desk.spawn("/usr/bin/python3", str(CHOOSER), stdin=subprocess.PIPE, stdout=output, text=True)
+        self.addCleanup(self.chooser.stdin.close)
+        self.told = lambda: told.read_text().splitlines()
+        wait_for(lambda: self.told() == ["ready"], "the desktop has a file dialog")
+        super().start()
+
+    def ask(self):
+        before = len(self.told())
+        self.app.menu(self.main, "f", "o")
+        wait_for(lambda: self.told()[before:] == [TITLE], "the desktop is asked for a file")
+
+    def chosen(self, path, seconds):
+        """The program may not listen yet when it is told the first time."""
+        print(json.dumps(["file://" + urllib.parse.quote(path)]), file=self.chooser.stdin, flush=True)
+        return self.label(places.LENGTH) == f"0:0{seconds}"
+
+    def test_a_file_of_any_name_can_be_chosen_there(self):
+        for number, name in enumerate(case.HOSTILE_NAMES):
+            path = os.fsencode(self.desk.music) + b"/" + name + b".wav"
+            sounds.write_wav(pathlib.Path(os.fsdecode(path)), sounds.counter((number % 9 + 1) * sounds.RATE, 1))
+            self.ask()
+            wait_for(lambda: self.chosen(path, number % 9 + 1), f"{name} is open")
 
 
 if __name__ == "__main__":
