@@ -5,6 +5,8 @@
 #include "platform/paths.h"
 
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/vfs.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -48,6 +50,15 @@ void sendOff(const Descriptor& file, std::int64_t at, std::size_t count)
     constexpr std::size_t large = 1 << 18;
     if (count >= large)
         sync_file_range(file.number(), at, static_cast<off_t>(count), SYNC_FILE_RANGE_WRITE);
+}
+
+// Elsewhere a disk may come back from a power cut with the new name and none of the bytes. ext4 brings them
+// there before a rename that it has been told of; what is in memory is gone with the power in any case.
+bool bringsBytesBeforeNames(const Descriptor& file)
+{
+    struct statfs system;
+    return fstatfs(file.number(), &system) == 0 &&
+           (system.f_type == EXT4_SUPER_MAGIC || system.f_type == TMPFS_MAGIC);
 }
 
 }
@@ -149,8 +160,15 @@ void OutputFile::force()
         fail(errno);
 }
 
+void OutputFile::keepOrder()
+{
+    if (!bringsBytesBeforeNames(file_))
+        force();
+}
+
 void OutputFile::takePlace()
 {
+    keepOrder();
     if (rename(path_.c_str(), target_.c_str()) != 0)
         fail(errno);
     forget();
@@ -158,6 +176,7 @@ void OutputFile::takePlace()
 
 bool OutputFile::takeFreePlace(const Text& path)
 {
+    keepOrder();
     const bool hasTaken = renameWithoutReplacing(path_, path);
     if (!hasTaken && errno != EEXIST)
         fail(errno);

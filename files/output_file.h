@@ -45,7 +45,9 @@ public:
     void startForce(); // the disk begins with what was written
     void force();      // waits until the disk has it
 
-    void takePlace(); // what was written is the target now
+    // What was written is the target now. Waits for the disk, where else a power cut could leave the name
+    // with none of the bytes.
+    void takePlace();
 
     // The same under another name in the folder. False when that name is taken.
     bool takeFreePlace(const Text& path);
@@ -68,6 +70,7 @@ private:
     OutputFile(const Target& target, PartNotes& notes) : OutputFile(target.path, target.old, notes) {}
     static Target targetOf(const Text& path);
     bool resembles(const struct stat& old) const;
+    void keepOrder();
     void forget();
 
     Text target_;

@@ -13,6 +13,7 @@
 #include <doctest/doctest.h>
 
 #include <fcntl.h>
+#include <linux/magic.h>
 
 #include <algorithm>
 
@@ -57,6 +58,26 @@ TEST_CASE("Who saves a list or a profile waits for no force, and reads what was 
     std::ranges::sort(each);
     CHECK(each[50] < 50); // a busy machine takes some of them away
     CHECK(waitUntil([&] { return ForcedDisk::forces > before; }));
+}
+
+TEST_CASE("Where a name may be on the disk before its bytes, a list has its name when the disk has it")
+{
+    struct XfsDisk {
+        XfsDisk() { ForcedDisk::fileSystem = XFS_SUPER_MAGIC; }
+        ~XfsDisk()
+        {
+            ForcedDisk::fileSystem = EXT4_SUPER_MAGIC;
+            ForcedDisk::beforeForce = nullptr;
+        }
+    };
+    Desk desk;
+    desk.save("/music/old.mp3\r\n");
+    const XfsDisk xfs;
+    std::vector<Text> stoodThen;
+    ForcedDisk::beforeForce = [&] { stoodThen.push_back(fileBytes(desk.list)); };
+    desk.save("/music/new.mp3\r\n");
+    CHECK(stoodThen == std::vector<Text>{"/music/old.mp3\r\n"});
+    CHECK(fileBytes(desk.list) == "/music/new.mp3\r\n");
 }
 
 TEST_CASE("The end of the program leaves a slow disk to the system")

@@ -83,13 +83,9 @@ def fire_at(flow, build, share, seed, part, parts):
                        for loss in found or ()]
         states = worker.power_states(lambda orders: drawn(orders, powers, chance))
         for number in range(len(states))[part::parts]:
-            files, early = states[number]
-            found = worker.without_power(files)
+            found = worker.without_power(states[number])
             counts["power"] += 1
-            if early and found and not flow.is_forced:
-                counts["early"] += 1
-            else:
-                losses += [(f"power lost, state {number} of {len(states)}", loss) for loss in found]
+            losses += [(f"power lost, state {number} of {len(states)}", loss) for loss in found]
     return counts, losses
 
 
@@ -99,11 +95,11 @@ def fire_part(arguments):
 
 def table(rows):
     """As the page shows it."""
-    lines = ["| flow | calls | kills and faults | states without power | renamed early | minutes | losses |",
-             "|---|---|---|---|---|---|---|"]
+    lines = ["| flow | calls | kills and faults | states without power | minutes | losses |",
+             "|---|---|---|---|---|---|"]
     total = [sum(column) for column in zip(*rows.values())]
     for name, row in [*rows.items(), (f"all {len(rows)}", total)]:
-        lines.append("| {} | {} | {} | {} | {} | {:.1f} | {} |".format(name, *row))
+        lines.append("| {} | {} | {} | {} | {:.1f} | {} |".format(name, *row))
     return "\n".join(lines) + "\n"
 
 
@@ -128,7 +124,7 @@ def main():
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--page", help="the table goes into this page, too")
     parser.add_argument("flows", nargs="*", choices=[[], *flows.BY_NAME], metavar="FLOW")
-    given = parser.parse_args()
+    given = parser.parse_intermixed_args()
     if lacks := missing(given.build):
         print(f"skipped: {lacks} is not built")
         sys.exit(77)
@@ -144,9 +140,9 @@ def main():
             lost = [loss for result in results for loss in result[1]]
             for place, loss in lost:
                 print(f"LOST: {flow.name}: {place}: {loss}")
-            rows[flow.name] = (counts["calls"] // given.jobs, counts["points"], counts["power"], counts["early"],
+            rows[flow.name] = (counts["calls"] // given.jobs, counts["points"], counts["power"],
                                (time.monotonic() - began) / 60, len(lost))
-            print("{}: {} calls, {} points, {} states without power ({} renamed early), {:.1f} minutes, {} losses".format(
+            print("{}: {} calls, {} points, {} states without power, {:.1f} minutes, {} losses".format(
                 flow.name, *rows[flow.name]), flush=True)
     print(table(rows), end="")
     if given.page:

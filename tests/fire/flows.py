@@ -48,21 +48,20 @@ class Flow:
     program: str  # which of the two carries it out
     is_told: bool  # of a failure the user hears; otherwise a line on standard error says so
     seen: callable = as_it_is  # the files as they are compared
-    is_forced: bool = True  # before it is renamed; otherwise behind the window
 
 
 ALL = [
     Flow("settings", "fire_flow", False, settings_in),
-    Flow("ini", "fire_flow", False, entries_in, is_forced=False),
-    Flow("list", "fire_window", False, is_forced=False),
-    Flow("save", "fire_window", True, is_forced=False),
-    Flow("m3u", "fire_window", True, is_forced=False),
+    Flow("ini", "fire_flow", False, entries_in),
+    Flow("list", "fire_window", False),
+    Flow("save", "fire_window", True),
+    Flow("m3u", "fire_window", True),
     Flow("tag", "fire_flow", True),
     Flow("encode", "fire_flow", True),
     Flow("decode", "fire_flow", True),
     Flow("rip", "fire_flow", True),
     Flow("image", "fire_flow", True, discs_in),
-    Flow("levels", "fire_flow", False, is_forced=False),
+    Flow("levels", "fire_flow", False),
     Flow("titles", "fire_flow", False),
     Flow("skin", "fire_flow", False),
 ]

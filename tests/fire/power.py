@@ -86,28 +86,22 @@ def is_forced(calls, number, end):
                for later in calls[number + 1:end])
 
 
-def is_early(calls, number, end):
-    """The file has its new name before the disk has these bytes of it."""
-    return not is_name(calls[number]) and any(later.kind in ("rename", "exchange") and later.inode == calls[number].inode
-                                              for later in calls[number + 1:end])
-
-
 def orders(calls):
-    """What the disk took, and whether a file lacks bytes that had its name already."""
+    """What the disk took."""
     for end in range(len(calls) + 1):
-        yield calls[:end], False
+        yield calls[:end]
         loose = [number for number in range(end) if calls[number].kind != "force" and not is_forced(calls, number, end)]
         for number in loose:
-            yield calls[:number] + calls[number + 1:end], is_early(calls, number, end)
+            yield calls[:number] + calls[number + 1:end]
             if number + 1 in loose:
-                yield calls[:number] + [calls[number + 1], calls[number]] + calls[number + 2:end], False
+                yield calls[:number] + [calls[number + 1], calls[number]] + calls[number + 2:end]
 
 
 def states(disk, calls, draw):
     """Each different one once, of those that `draw` takes of all."""
     calls = [call for call in calls if call.what == "done"]
     known = set()
-    for order, early in draw(list(orders(calls))):
+    for order in draw(list(orders(calls))):
         state = disk.copy()
         for call in order:
             state.take(call)
@@ -115,4 +109,4 @@ def states(disk, calls, draw):
         key = hash(frozenset(files.items()))
         if key not in known:
             known.add(key)
-            yield files, early
+            yield files
