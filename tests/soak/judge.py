@@ -67,11 +67,11 @@ class Judge:
         return self.case.desk.wait_for(find, "the screen reader finds the program")
 
     def judge(self, titles):
-        """After each action."""
-        if MESSAGE in titles and not self.worded:
-            self.worded = any(control.name.startswith("Run-time error '") for control in self.app.controls(MESSAGE))
+        """After each action. One that answers nothing is not asked what it shows."""
         if self.app.alive():
             self.judge_answer()
+        if self.app.alive() and MESSAGE in titles and not self.worded:
+            self.worded = any(control.name.startswith("Run-time error '") for control in self.app.controls(MESSAGE))
 
     def judge_answer(self):
         patience = PATIENCE * (4 if self.sanitized else 1)

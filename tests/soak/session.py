@@ -107,6 +107,7 @@ class Session(case.Case):
             self.start_after_end()
         with contextlib.suppress(*NOT_THERE, FileNotFoundError, ProcessLookupError):
             self.close_windows()
+            self.judge.judge([])
         if not self.app.alive():
             self.start_after_end()
         self.unwind()

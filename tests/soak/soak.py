@@ -80,7 +80,7 @@ def parsed():
     parser.add_argument("--first", type=int, default=0, help="the action to begin with")
     parser.add_argument("--settled", type=float, default=SETTLED_AFTER, help="the seconds after which nothing may grow any more")
     parser.add_argument("--logs", default="soak-logs", type=pathlib.Path)
-    return parser.parse_args()
+    return parser.parse_intermixed_args()
 
 
 def soak(arguments):
