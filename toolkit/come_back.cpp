@@ -32,12 +32,13 @@ bool isMapped(const QWidget& window)
 
 void comeBack(QWidget& window)
 {
-    const bool isDeaf = window.isMinimized() && isMapped(window);
-    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-    if (!isDeaf)
+    if (!window.isMinimized())
         return;
     QWidget* active = QApplication::activeWindow();
-    window.activateWindow();
+    const bool hearsNothing = isMapped(window);
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    if (hearsNothing)
+        window.activateWindow();
     if (active && active != &window)
         active->activateWindow();
 }

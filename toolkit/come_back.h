@@ -4,7 +4,7 @@
 
 class QWidget;
 
-// As far as the window library can: by mapping the window. A window manager that keeps it mapped while it is
-// minimised, to have a picture of it, hears nothing of that; it is asked for the window as a taskbar would
-// ask for it, and the window that the user is in stays the active one.
+// The window that the user is in stays the active one. A window manager that keeps a minimised window mapped,
+// to have a picture of it, hears nothing when the window library maps it: it is asked for the window as a
+// taskbar would ask for it.
 void comeBack(QWidget& window);
