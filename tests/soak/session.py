@@ -80,7 +80,8 @@ class Session(case.Case):
             self.start_after_end()
         windows = self.shown_windows()
         if not windows:
-            self.desk.hand("windowmap", self.main)
+            with contextlib.suppress(*NOT_THERE):  # it may be about to end
+                self.desk.hand("windowmap", self.main)
             windows = [(self.main, case.MAIN, (0, 0, 430, 180))]
         try:
             what = self.hands.act(chance, windows)
