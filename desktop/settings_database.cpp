@@ -19,10 +19,12 @@ constexpr int longestWaitMs = 50;
 
 // A kill loses nothing that was written; only a power cut asks for a force, and no write of the window thread
 // waits for one: see `SettingsForces`. Pages are small because each write adds one to a log of up to a
-// thousand, which the next start reads.
+// thousand, which the next start reads. A write that finds all of a long log brought over begins it anew, and
+// gives back what lies behind that megabyte.
 constexpr const char* preparation = "PRAGMA synchronous = OFF;"
                                     "PRAGMA page_size = 1024;"
                                     "PRAGMA journal_mode = WAL;"
+                                    "PRAGMA journal_size_limit = 1048576;"
                                     "CREATE TABLE IF NOT EXISTS settings ("
                                     " application TEXT, section TEXT, key TEXT, value TEXT,"
                                     " PRIMARY KEY (application, section, key)) WITHOUT ROWID;";
