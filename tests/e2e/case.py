@@ -2,6 +2,7 @@
 """What the end-to-end tests share: a desk, the program on it, and short words for what a person does."""
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import time
@@ -36,6 +37,18 @@ class Case(unittest.TestCase):
     def start(self):
         self.app.start()
         self.main = self.app.window(MAIN)
+
+    def is_sanitized(self):
+        cache = pathlib.Path(self.build) / "CMakeCache.txt"
+        return cache.exists() and re.search("^VELMORA_SANITIZE:STRING=.", cache.read_text(), re.MULTILINE) is not None
+
+    def forget_freed_memory(self):
+        """A sanitizer keeps it for a while, to see who still goes there."""
+        if self.is_sanitized():
+            self.app.kill()
+            self.app.environment["ASAN_OPTIONS"] = ":".join((self.desk.environment["ASAN_OPTIONS"], "quarantine_size_mb=0",
+                                                             "thread_local_quarantine_size_kb=0"))
+            self.start()
 
     def tool(self, name):
         """A program that the build makes for these tests."""

@@ -13,6 +13,11 @@ class Crash(case.Case):
         self.shown = self.notifications()
         self.state = self.desk.home / ".local/state/Velmora"
 
+    def start(self):
+        for name in ("ASAN_OPTIONS", "TSAN_OPTIONS"):  # a sanitizer would take the signal for itself
+            self.app.environment[name] = self.desk.environment[name] + ":handle_segv=0"
+        super().start()
+
     def end_by(self, number):
         self.app.process.send_signal(number)
         self.assertEqual(self.app.process.wait(60), -number)

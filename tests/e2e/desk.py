@@ -88,6 +88,7 @@ class Desk:
             PULSE_RUNTIME_PATH=str(self.runtime / "pulse"), PULSE_STATE_PATH=str(self.runtime / "pulse-state"),
             PULSE_SERVER=f"unix:{self.runtime}/{self.desktop.sound.socket}", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
             **self.desktop.environment)
+        self._take_down_sanitizers()
         if not accessible:
             del self.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"]
         self.screen_file = screen_file
@@ -139,7 +140,22 @@ class Desk:
             recording.file.close()
         if self.bus:
             self._end_group(self.bus)
+        words = self.sanitizer_words()
         shutil.rmtree(self.folder, ignore_errors=True)
+        if words:
+            raise AssertionError(words)
+
+    def _take_down_sanitizers(self):
+        """What they say of a program, whoever started it, and whatever it does with its standard error. Before a sanitizer
+        stands what a test preloads."""
+        for name in ("ASAN", "LSAN", "UBSAN", "TSAN"):
+            options = [os.environ.get(f"{name}_OPTIONS", ""), f"log_path={self.folder}/sanitizer"]
+            if name == "ASAN":
+                options.append("verify_asan_link_order=0")
+            self.environment[f"{name}_OPTIONS"] = ":".join(filter(None, options))
+
+    def sanitizer_words(self):
+        return "\n".join(path.read_text(errors="replace")[:8000] for path in sorted(self.folder.glob("sanitizer.*")))
 
     def run(self, *command):
         return run(*command, env=self.environment)

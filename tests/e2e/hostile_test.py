@@ -146,6 +146,8 @@ class Hostile(case.Case):
         taken = self.assert_answers(60)
         print(f"answered in {taken:.1f} s, {self.written_memory():.0f} MB of {own.stat().st_size / 1e6:.0f} MB of list", flush=True)
         limit = min(300e6, 3 * own.stat().st_size) / 2**20
+        if self.is_sanitized():
+            self.skipTest("it opened and answered; a sanitizer's own memory for a million rows is more than the limit")
         self.assertLess(self.written_memory() - before, limit)
 
     def rubbish(self):
@@ -195,6 +197,7 @@ class Hostile(case.Case):
         wait_for(self.rests, "the rest of the flood is worked off")
 
     def test_a_neighbour_on_the_bus_that_talks_rubbish_leaves_no_memory_taken(self):
+        self.forget_freed_memory()
         status = self.remote().get_dbus_method("Get", PROPERTIES)
         send = self.rubbish()
 
