@@ -198,8 +198,11 @@ class BetweenPixels(WindowsCase):
         self.start()
 
     def drag_main_to(self, place):
+        """Where it stands only roughly: a pixel of its own is more than one of the screen's."""
         left, top = self.app.geometry(self.main)[:2]
         self.app.drag(self.main, TITLE, (place[0] - left, place[1] - top))
+        wait_for(lambda: all(abs(here - there) < 3 for here, there in zip(self.app.geometry(self.main), place)),
+                 "the main window is there")
 
     def test_a_window_manager_that_counts_in_steps_leaves_the_size_alone(self):
         """KWin and mutter do: a window is as large as its base and so many steps."""
@@ -221,11 +224,9 @@ class BetweenPixels(WindowsCase):
                 with self.subTest(f"{side} {place}"):
                     self.drag_list_to(self.beside(side, 90))
                     self.drag_main_to(place)
-                    wait_for(lambda: all(abs(here - there) < 3 for here, there in zip(self.app.geometry(self.main), place)),
-                             "the main window is there")
                     self.drag_list_to(self.beside(side, 9))
                     wait_for(lambda: self.app.geometry(self.list)[:2] == self.beside(side, 0), "they meet")
-                    self.app.drag(self.main, TITLE, (7, 5))
+                    self.drag_main_to((place[0] + 7, place[1] + 5))
                     wait_for(lambda: self.app.geometry(self.list)[:2] == self.beside(side, 0), "they meet after a move, too")
 
 
