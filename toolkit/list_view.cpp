@@ -42,15 +42,18 @@ std::vector<Text> filesIn(const QMimeData& data)
     return paths;
 }
 
-// As copies, whatever the other program offers first: a move would delete its files. What brings no files, a
-// link to the web for one, is turned away.
-bool offerCopy(QDropEvent& event)
+// What it brings is asked for when it is dropped, not while it passes: the other program may hang, and the
+// window library waits for its answer.
+bool mayBringFiles(const QDropEvent& event)
 {
-    const bool takes =
-        !filesIn(*event.mimeData()).empty() && event.possibleActions().testFlag(Qt::CopyAction);
+    return event.mimeData()->hasUrls() && event.possibleActions().testFlag(Qt::CopyAction);
+}
+
+// As copies, whatever the other program offers first: a move would delete its files.
+void answer(QDropEvent& event, bool takes)
+{
     event.setDropAction(Qt::CopyAction);
     event.setAccepted(takes);
-    return takes;
 }
 
 // Thin, so that it takes no row away.
@@ -299,15 +302,18 @@ void ListView::showEvent(QShowEvent* event)
     scrollTo(model()->index(list_.ListIndex(), 0));
 }
 
-void ListView::dragEnterEvent(QDragEnterEvent* event) { offerCopy(*event); }
+void ListView::dragEnterEvent(QDragEnterEvent* event) { answer(*event, mayBringFiles(*event)); }
 
-void ListView::dragMoveEvent(QDragMoveEvent* event) { offerCopy(*event); }
+void ListView::dragMoveEvent(QDragMoveEvent* event) { answer(*event, mayBringFiles(*event)); }
 
+// What brings no files, a link to the web for one, is turned away.
 void ListView::dropEvent(QDropEvent* event)
 {
-    if (!offerCopy(*event))
+    const auto paths = mayBringFiles(*event) ? filesIn(*event->mimeData()) : std::vector<Text>();
+    answer(*event, !paths.empty());
+    if (paths.empty())
         return;
-    const DroppedFiles files(filesIn(*event->mimeData()));
+    const DroppedFiles files(paths);
     list_.fromOutside([&] { list_.OLEDragDrop.raise(files); });
 }
 

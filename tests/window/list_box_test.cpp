@@ -512,6 +512,32 @@ TEST_CASE("Dropped files arrive in their order, each as the bytes of its path")
     }
 }
 
+TEST_CASE("What is dragged over a list is asked for when it is dropped, and not before: its program may hang")
+{
+    struct AskedFor final : QMimeData {
+        QVariant retrieveData(const QString& format, QMetaType type) const override
+        {
+            ++times;
+            return QMimeData::retrieveData(format, type);
+        }
+        mutable int times = 0;
+    };
+    Shown window(0);
+    AskedFor data;
+    data.setData("text/uri-list", "file:///music/a.wav\r\n");
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.hand.view().viewport(), &enter);
+    QDragMoveEvent move({6, 6}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.hand.view().viewport(), &move);
+    CHECK(enter.isAccepted());
+    CHECK(move.isAccepted());
+    CHECK(data.times == 0);
+    QDropEvent drop({6, 6}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.hand.view().viewport(), &drop);
+    CHECK(data.times == 1);
+    CHECK(window.form.dropped == std::vector<Text>{"/music/a.wav"});
+}
+
 TEST_CASE("A dropped address that is no path of a file here is left out")
 {
     const QByteArray here = "file://" + QSysInfo::machineHostName().toUtf8() + "/here.wav\r\n";
