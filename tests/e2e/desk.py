@@ -185,11 +185,12 @@ class Desk:
 
     def _choose_services(self, portal):
         """A desktop's portal that is installed here is no part of a desk, unless it is asked for. The one for documents, which
-        would mount a folder, never is."""
+        would mount a folder, never is. The bus reads a file there only if it has the service's whole name."""
         folder = self.runtime / "dbus-1/services"
         folder.mkdir(parents=True)
-        for name in ("Documents", *([] if portal else ["Desktop"])):
-            (folder / f"{name}.service").write_text(f"[D-BUS Service]\nName=org.freedesktop.portal.{name}\nExec=/bin/false\n")
+        for portal_name in ("Documents", *([] if portal else ["Desktop"])):
+            name = f"org.freedesktop.portal.{portal_name}"
+            (folder / f"{name}.service").write_text(f"[D-BUS Service]\nName={name}\nExec=/bin/false\n")
         if portal:
             self.environment["QT_QPA_PLATFORMTHEME"] = "xdgdesktopportal"
 

@@ -3,6 +3,7 @@
 own, and does not wait for what comes of it."""
 import contextlib
 import os
+import select
 import signal
 import subprocess
 import time
@@ -30,6 +31,7 @@ LIST_PLACES = (places.LIST_UP, places.LIST_DOWN, places.LIST_PREVIOUS, places.LI
 MAIN_PLACES = (places.PLAY, places.PLAY, places.PAUSE, places.STOP)
 TRACKS = (places.VOLUME_TRACK, places.BALANCE_TRACK, places.POSITION_TRACK)
 TITLE = (1200, 60, 300, 100)
+FETCHED_WITHIN = 10  # seconds: who is dropped on waits for the files of a program that is gone
 REMOTE = ("Play", "Pause", "PlayPause", "Stop", "Next", "Previous", "Raise")
 
 
@@ -277,7 +279,7 @@ class Hands:
             return "finds no box to drop into"
         paths = chance.sample((*self.material.good, *self.material.bad), 3)
         window, _, (left, top, width, height) = boxes[0]
-        source = self.desk.spawn(str(self.session.tools / "tests/e2e/file_source"), *map(os.fspath, paths))
+        source = self.desk.spawn(str(self.session.tools / "tests/e2e/file_source"), *map(os.fspath, paths), stdout=subprocess.PIPE)
         with contextlib.suppress(StopIteration):
             shown = next(found for found in map(self._source_window, range(100)) if found)
             self.desk.hand("windowmove", shown, str(max(left - 140, 0)), str(max(top - 20, 0)), "windowraise", shown)
@@ -285,7 +287,9 @@ class Hands:
             for _ in range(6):
                 self.desk.hand("mousemove", str(left + width // 2), str(top + height // 3), "mousemove_relative", "2", "0")
             self.desk.hand("mouseup", "1")
+            select.select([source.stdout], [], [], FETCHED_WITHIN)
         self.desk.end(source)
+        source.stdout.close()
         self.desk.processes.remove(source)
         return f"drops {[path.name for path in paths]}"
 

@@ -76,6 +76,7 @@ class Judge:
     def judge_answer(self):
         patience = PATIENCE * (4 if self.sanitized else 1)
         delayed, start = waited_for_processor(self.process), time.monotonic()
+        seen = ""
         while not self._answers():
             if not self.app.alive():
                 return
@@ -83,16 +84,17 @@ class Judge:
                 self.stood_still = True
                 self.app.kill()
                 return
+            seen = seen or stacks(self.process)
             if time.monotonic() - start > FINALLY:
-                raise Fault(f"no answer for {FINALLY} s\n{stacks(self.process)}")
+                raise Fault(f"no answer for {FINALLY} s\n{seen}")
         taken = time.monotonic() - start - (waited_for_processor(self.process) - delayed)
         self.longest = max(self.longest, taken)
         if taken > patience:
-            raise Fault(f"no answer for {taken:.1f} s, waiting for a processor left out")
+            raise Fault(f"no answer for {taken:.1f} s, waiting for a processor left out\n{seen}")
 
     def _answers(self):
         try:
-            self.face.GetChildren(dbus_interface=ACCESSIBLE, timeout=5)
+            self.face.GetChildren(dbus_interface=ACCESSIBLE, timeout=PATIENCE)
         except dbus.DBusException:
             return False
         return True
