@@ -139,17 +139,17 @@ std::size_t Mpg123Decoder::read(std::span<std::int16_t> samples)
     return bytes / sizeof(std::int16_t);
 }
 
-bool Mpg123Decoder::seek(std::int64_t sample)
+void Mpg123Decoder::seek(std::int64_t sample)
 {
     mpg123_param(handle_, MPG123_PREFRAMES, framesBeforeSeek, 0);
-    return mpg123_seek(handle_, sample, SEEK_SET) >= 0;
+    mpg123_seek(handle_, sample, SEEK_SET);
 }
 
-bool Mpg123Decoder::seekFrame(std::int64_t frame, int rate)
+void Mpg123Decoder::seekFrame(std::int64_t frame, int rate)
 {
     rate_ = nextRate_ = rate;
     mpg123_param(handle_, MPG123_PREFRAMES, framesBeforeSeek, 0);
-    return mpg123_seek_frame(handle_, frame, SEEK_SET) >= 0;
+    mpg123_seek_frame(handle_, frame, SEEK_SET);
 }
 
 std::int64_t Mpg123Decoder::countSamples()

@@ -52,8 +52,8 @@ public:
 
     int rate() const { return rate_; } // hertz, of what is given now
 
-    bool seek(std::int64_t sample);               // of each channel, skipped ones not counted
-    bool seekFrame(std::int64_t frame, int rate); // an Info frame not counted; `rate` is that frame's
+    void seek(std::int64_t sample);               // of each channel, skipped ones not counted
+    void seekFrame(std::int64_t frame, int rate); // an Info frame not counted; `rate` is that frame's
 
     // Reads every frame's header as the decoder itself does, and counts their samples.
     std::int64_t countSamples();
