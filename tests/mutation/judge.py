@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Runs the cases that reach a mutant, cheapest first, until one fails. Before them those that killed its neighbours. A
-failure has to repeat, and a slow case to pass without the mutant: a loaded machine kills nobody."""
+"""Runs the cases that reach a mutant, cheapest first, until one fails. Before them those that killed its neighbours, and
+those of the file of tests that has its source's name. A failure has to repeat, and a slow case to pass without the mutant: a loaded machine kills nobody."""
+import pathlib
 import re
 from collections import Counter
 
@@ -21,8 +22,10 @@ class Judge:
     def order(self, mutant):
         cases = [case for case in self.cases.by_mutant.get(mutant.number, []) if case.well]
         before = [name for name, _ in self.killers.get(mutant.file, Counter()).most_common(3)]
+        namesake = pathlib.Path(mutant.file).stem + "_test.cpp"
         first = [case for case in cases if case.name in before and case.cost < 2]
-        return list(self.affordable(first + [case for case in cases if case not in first]))
+        own = [case for case in cases if case.file == namesake and case not in first]
+        return list(self.affordable(first + own + [case for case in cases if case not in first + own]))
 
     def affordable(self, cases):
         spent = 0.0
@@ -58,9 +61,8 @@ class Judge:
             return None
         if len(portion) == 1 and ending.late:
             return portion[0] if self.passes_without(portion[0]) else None
-        named = re.search(r"^TEST CASE:  (.*)$", ending.said, re.M)
-        ahead = [case for case in portion if named and case.name == named[1]]
-        for case in ahead or portion:
+        told = re.findall(r"^TEST CASE:  (.*)$", ending.said, re.M) # those before the last only had something to say
+        for case in sorted(portion, key=lambda case: not told or case.name != told[-1]):
             if self.runner.run([case], *limits([case]), mutant.number).failed and self.passes_without(case):
                 return case
         return None

@@ -14,12 +14,21 @@ def rows(path):
     return [line.split("\t") for line in lines if line and not line.startswith("#")]
 
 
+def told_apart(row):
+    return row["file"], row["kind"], row["change"], row["text"]
+
+
+def equivalent():
+    return {tuple(row[:4]) for row in rows(here / "equivalent.tsv")}
+
+
 class Results:
     def __init__(self, root, path, state, again):
         self.root, self.path, self.lock = root, path, threading.Lock()
         same = path.exists() and path.read_text().splitlines()[:1] == [f"# {state}"]
         before = [dict(zip(columns, row)) for row in rows(path)] if same else []
-        self.known = {int(row["number"]): row for row in before if not (again and row["verdict"] in ("survived", "unreached"))}
+        left = [row for row in before if row["verdict"] != "killed" and told_apart(row) not in equivalent()]
+        self.known = {int(row["number"]): row for row in before if not (again and row in left)}
         path.write_text(f"# {state}\n" + "".join(self.line(row) for row in self.known.values()))
 
     def line(self, row):
@@ -41,11 +50,10 @@ class Results:
                 print(f"{verdict}: {mutant.file}:{row['line']}: {mutant.kind} {mutant.change}: {row['text']}", flush=True)
 
     def summary(self, options):
-        equivalent = {tuple(row[:4]) for row in rows(here / "equivalent.tsv")}
+        same = equivalent()
         folders = {}
         for row in self.known.values():
-            said = (row["file"], row["kind"], row["change"], row["text"])
-            verdict = "equivalent" if row["verdict"] != "killed" and said in equivalent else row["verdict"]
+            verdict = "equivalent" if row["verdict"] != "killed" and told_apart(row) in same else row["verdict"]
             folder = str(pathlib.Path(row["file"]).parent).replace(".", "program.cpp")
             for name in (folder, "all"):
                 folders.setdefault(name, Counter())[verdict] += 1
