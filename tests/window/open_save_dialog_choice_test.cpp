@@ -134,6 +134,26 @@ TEST_CASE("What is clicked is the answer, quotes included")
     }
 }
 
+TEST_CASE("A file whose name would be two lines of a list is not taken, and the dialog goes on")
+{
+    Desk desk(openingOne);
+    putFile(desk.folder / "two\nlines.mp3", "");
+    int dialogs = 1;
+    const int failure = desk.show([&](FileDialogHand& hand) {
+        hand.click("two\nlines.mp3");
+        QTimer::singleShot(0, [&] {
+            ++dialogs;
+            FileDialogHand again;
+            again.click("b.mp3");
+            again.accept();
+        });
+        hand.accept();
+    });
+    CHECK(failure == 0);
+    CHECK(dialogs == 2);
+    CHECK(desk.control.FileName() == desk.folder / "b.mp3");
+}
+
 TEST_CASE("A double click takes the file, quotes included")
 {
     Desk desk(openingOne);

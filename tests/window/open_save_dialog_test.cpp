@@ -155,6 +155,33 @@ TEST_CASE("Each dialog begins anew: no name, no selection, the filter and the ti
     CHECK(dialog.openedOn == "All Files");
 }
 
+TEST_CASE("Saving asks before it replaces a file where that is set, and nowhere else")
+{
+    for (const std::int32_t flags : {0, std::int32_t{OpenSaveDialog::askBeforeOverwriting}}) {
+        CAPTURE(flags);
+        Dialog dialog;
+        dialog.control.setFlags(flags);
+        std::optional<bool> asks;
+        later(qApp, [&] {
+            auto& window = dynamic_cast<QFileDialog&>(*QApplication::activeModalWidget());
+            asks = !window.testOption(QFileDialog::DontConfirmOverwrite);
+            window.reject();
+        });
+        CHECK(failureOf([&] { dialog.control.ShowSave(); }) == cancelled);
+        CHECK(asks == (flags != 0));
+    }
+}
+
+TEST_CASE("Without filters every file can be chosen, and the kind is the first")
+{
+    Dialog dialog;
+    dialog.control.setFilter("");
+    dialog.control.setFilterIndex(2);
+    CHECK(dialog.choose("") == 0);
+    CHECK(dialog.control.FileName() == dialog.song);
+    CHECK(dialog.control.FilterIndex() == 1);
+}
+
 TEST_CASE("A dialog that opens over another of the same control is a window of its own")
 {
     Dialog dialog;
