@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/child.h"
 #include "tests/support/disc_desk.h"
+#include "tests/support/failing_disk.h"
 #include "tests/support/hung_share.h"
 #include "tests/support/scripted_reader.h"
 #include "tests/support/small_disk.h"
@@ -234,6 +235,7 @@ TEST_CASE("A title that is too long for a name is cut between two characters, in
         Text made;
     } cases[] = {
         {"Latin letters", "01 - " + Text(400, 'x') + ".wav", "01 - " + Text(246, 'x') + ".wav"},
+        {"as long as a name can be", "01 - " + Text(245, 'x') + " .wav", "01 - " + Text(245, 'x') + " .wav"},
         {"Cyrillic letters", "01 - " + repeated("\u0436", 200) + ".wav",
          "01 - " + repeated("\u0436", 123) + ".wav"},
         {"an odd number of bytes before them", "01 - x" + repeated("\u0436", 200) + ".wav",
@@ -580,13 +582,16 @@ TEST_CASE("A track is never copied over its own image")
 
 TEST_CASE("Sectors that could not be read are told, and the file stays")
 {
-    Reading r;
-    r.drive->unreadable = 3;
-    REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
-    CHECK(r.heard->end());
-    CHECK(soundOfWav(r.wav) == r.drive->sound(1));
-    REQUIRE(r.desk.shell.told().size() == 1);
-    CHECK(r.desk.shell.told()[0].find("are silent: 3.") != Text::npos);
+    for (const int unreadable : {3, 1}) {
+        CAPTURE(unreadable);
+        Reading r;
+        r.drive->unreadable = unreadable;
+        REQUIRE(r.reader->ReadTrack(1, r.wav) == 0);
+        CHECK(r.heard->end());
+        CHECK(soundOfWav(r.wav) == r.drive->sound(1));
+        REQUIRE(r.desk.shell.told().size() == 1);
+        CHECK(r.desk.shell.told()[0].find("are silent: " + std::to_string(unreadable) + '.') != Text::npos);
+    }
 }
 
 TEST_CASE("Stop answers at once and keeps what was read, however long the drive holds on")
@@ -802,6 +807,33 @@ TEST_CASE("A full disk fails, leaves no file and keeps the old one")
     REQUIRE(r.desk.shell.told().size() == 2);
     CHECK(r.desk.shell.told()[0].find("Disk full") != Text::npos);
     r.checkIdle();
+}
+
+TEST_CASE("A track that the disk does not take for good leaves the old file")
+{
+    ImageReading r;
+    putFile(r.desk.output + "/Track1.wav", "an old track");
+    const FailingDisk broken(r.desk.output, "fdatasync", EIO);
+    REQUIRE(r.reader->ReadTrack(1, r.desk.output + "/Track1.wav") == 0);
+    CHECK(r.heard->end());
+    CHECK(fileBytes(r.desk.output + "/Track1.wav") == "an old track");
+    CHECK(namesInFolder(r.desk.output).size() == 1);
+    CHECK(r.desk.shell.told().size() == 1);
+}
+
+TEST_CASE("A share that refuses a track's bytes when its file is closed gets none, and keeps the old one")
+{
+    ImageReading r;
+    const Text share = r.desk.folder / "share";
+    std::filesystem::create_directory(share);
+    putFile(share + "/Track1.wav", "an old track");
+    const FailingDisk refusing(share, "close", EDQUOT);
+    REQUIRE(r.reader->ReadTrack(1, share + "/Track1.wav") == 0);
+    CHECK(r.heard->end());
+    CHECK(fileBytes(share + "/Track1.wav") == "an old track");
+    CHECK(namesInFolder(share).size() == 1);
+    REQUIRE(r.desk.shell.told().size() == 1);
+    CHECK(r.desk.shell.told()[0].find("Disk full") != Text::npos);
 }
 
 TEST_CASE("Bytes that are no text name a file like any other")

@@ -296,6 +296,28 @@ TEST_CASE("A disk that was full for a while keeps the old file, too: rows would 
     CHECK(namesInFolder(disk) == std::set<Text>{"list.vlp"});
 }
 
+TEST_CASE("What the system takes in pieces is written whole, also in place")
+{
+    Desk desk;
+    const Text disk = desk.folder / "disk";
+    SmallDisk small(disk, 64);
+    small.takePieces();
+    Text rows;
+    for (int row = 0; row < 500; ++row)
+        rows += "/music/" + std::to_string(row) + ".mp3\r\n";
+    desk.write(disk + "/list.vlp", rows);
+    CHECK(fileBytes(disk + "/list.vlp") == rows);
+    chmod((disk + "/list.vlp").c_str(), 0666);
+    chmod(disk.c_str(), 0555);
+    chmod(desk.folder.path().c_str(), 0755);
+    Child child([&] {
+        becomeNobody();
+        endUnless(desk.writeFailure(disk + "/list.vlp", "/one more.mp3\r\n" + rows) == 0, 1);
+    });
+    CHECK(child.wait() == 0);
+    CHECK(fileBytes(disk + "/list.vlp") == "/one more.mp3\r\n" + rows);
+}
+
 TEST_CASE("A full disk keeps the old file also where it is written in place")
 {
     Desk desk;

@@ -49,6 +49,7 @@ TEST_CASE("An image on a share that does not answer is an empty disc, soon, and 
         const HungShare hung(s.desk.discs.c_str());
         CHECK(timeOf([&] { CHECK(reader->TrackCount() == 0); }) < bound);
         CHECK(holdsUp(hung, 1));
+        CHECK(disc::makeImageDrive(s.sheet)->contents() == disc::DiscContents{{}, 0, files::noAnswer});
         CHECK(s.desk.shell.told() ==
               std::vector<Text>{Text("A disc could not be read | Disc image: a: ") + files::noAnswer});
         CHECK(timeOf([&] {

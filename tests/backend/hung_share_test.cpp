@@ -9,6 +9,7 @@
 #include "files/account.h"
 #include "files/disk_text_files.h"
 #include "files/errand.h"
+#include "files/file_to_open.h"
 #include "files/patient_text_files.h"
 #include "tests/support/answer_of_child.h"
 #include "tests/support/failures.h"
@@ -168,6 +169,18 @@ TEST_CASE("A file whose share falls silent after its first bytes is not open, so
         CHECK(s.parts.mp3->Open(s.parts.folder / "song.mp3", "") == 0);
     }
     CHECK(waitUntil([&] { return s.parts.mp3->Open(song, "") == 0; }));
+}
+
+TEST_CASE("A file that a share's memory knows, and of which it gives no byte, is not to be opened, soon")
+{
+    Shares s;
+    const Text song = s.share + "/song.mp3";
+    {
+        const HungShare hung(s.share.c_str(), HungShare::Holds::reads);
+        CHECK(timeOf([&] { CHECK_FALSE(files::fileToOpen(song)); }) < bound);
+        CHECK(holdsUp(hung, 1));
+    }
+    CHECK(waitUntil([&] { return files::fileToOpen(song) == song; }));
 }
 
 TEST_CASE("A song that opened late plays at the next try")

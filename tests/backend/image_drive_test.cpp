@@ -267,7 +267,9 @@ TEST_CASE("A sheet that begins with track 4 has its sound in track 4")
                     "TRACK 05 AUDIO\nINDEX 01 00:04:00\n");
     const Text sound = noise(700 * bytesOfSector);
     putFile(disc.folder / "a.bin", sound);
-    CHECK(disc.drive->contents().tracks.size() == 5);
+    REQUIRE(disc.drive->contents().tracks.size() == 5);
+    for (std::size_t missing = 0; missing < 3; ++missing)
+        CHECK(disc.drive->contents().tracks[missing] == disc::DiscTrack{false, 0, 0, true});
     CHECK(disc.track(4) == sound.substr(0, 300 * bytesOfSector));
     CHECK(disc.track(5) == sound.substr(300 * bytesOfSector));
 }
@@ -292,6 +294,13 @@ TEST_CASE("A damaged sheet is a drive without a disc")
         CHECK(disc.drive->contents().tracks.empty());
         CHECK(disc.drive->contents().trouble != "");
     }
+}
+
+TEST_CASE("A sheet of a megabyte is still one")
+{
+    const Text sheet = oneTrack + Text((1 << 20) - Text(oneTrack).size(), '\n');
+    CHECK(Disc(sheet).drive->contents().trouble == "");
+    CHECK(Disc(sheet + '\n').drive->contents().trouble == "It is no sheet of a disc that can be followed.");
 }
 
 TEST_CASE("What cannot be read is refused with its reason, and sends nothing of it")
@@ -328,6 +337,10 @@ TEST_CASE("A file that ends within its last sector is filled up with silence")
     const Text sound = noise(300 * bytesOfSector - 5);
     putFile(disc.folder / "a.bin", sound);
     CHECK(disc.track(1) == sound + Text(5, '\0'));
+    const Disc shorter(sheetOf("a.bin", {"00:00:00", "00:04:00"}));
+    putFile(shorter.folder / "a.bin", noise(299 * bytesOfSector));
+    shorter.drive->contents();
+    CHECK(shorter.refusal(1).find("cut short") != Text::npos); // a whole sector is missing
 }
 
 TEST_CASE("An image that changes between calls is seen anew")
@@ -344,6 +357,18 @@ TEST_CASE("An image that changes between calls is seen anew")
     CHECK(disc.drive->contents().tracks[1].sectors == 325);
     std::filesystem::remove(disc.folder / "disc.cue");
     CHECK(disc.drive->contents() == disc::DiscContents());
+}
+
+TEST_CASE("A sheet is read again only when its file tells of a change")
+{
+    const Disc disc(oneTrack);
+    setAge(disc.folder / "disc.cue", 10);
+    CHECK(disc.drive->contents().tracks.size() == 1);
+    putFile(disc.folder / "disc.cue", Text(Text(oneTrack).size(), 'x'));
+    setAge(disc.folder / "disc.cue", 10);
+    CHECK(disc.drive->contents().tracks.size() == 1);
+    setAge(disc.folder / "disc.cue", 9);
+    CHECK(disc.drive->contents().tracks.empty());
 }
 
 TEST_CASE("A disc that is another one by now is not read as the one that was listed")

@@ -4,6 +4,7 @@
 #include "tests/support/child.h"
 #include "tests/support/disc_desk.h"
 #include "tests/support/failures.h"
+#include "tests/support/forced_disk.h"
 #include "tests/support/small_disk.h"
 #include "tests/support/system_calls.h"
 
@@ -179,6 +180,15 @@ TEST_CASE("A disc is a sheet and a file of sectors, both named for the time")
                                            filledUp(noise(5 * bytesOfSecond + 4, 3), 376));
     CHECK(r.desk.parts.open().empty());
     CHECK(r.desk.shell.told().empty());
+}
+
+TEST_CASE("A disc's sound, its sheet and their folder are forced to the disk")
+{
+    Recording recording;
+    recording.add(noise(bytesOfSecond));
+    ForcedDisk::forces = 0;
+    recording.record();
+    CHECK(ForcedDisk::forces.load() == 3);
 }
 
 TEST_CASE("What was recorded is read back bit for bit")

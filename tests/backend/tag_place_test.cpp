@@ -308,6 +308,26 @@ TEST_CASE("A full file system leaves the old file and no copy")
     CHECK(namesInFolder(disk) == std::set<Text>{"song.mp3"});
 }
 
+TEST_CASE("A disk without room for the copy is told before anything is copied")
+{
+    const TemporaryFolder folder;
+    const Text disk = folder / "disk";
+    const SmallDisk small(disk, 11'000);
+    const Text path = disk + "/song.mp3";
+    const Text whole(6'000'000, 's');
+    putFile(path, whole);
+    const files::Descriptor file(open(path.c_str(), O_RDONLY));
+    int pieces = 0;
+    const auto count = [&] { ++pieces; };
+    CHECK(failureOf([&] {
+              files::swapEnds({path, file, statusOf(path)}, {"", 0, whole.size(), ""}, noNotes, approved,
+                              count);
+          }) == 61);
+    CHECK(pieces == 0);
+    CHECK(fileBytes(path) == whole);
+    CHECK(namesInFolder(disk) == std::set<Text>{"song.mp3"});
+}
+
 TEST_CASE("A file that is a mount of its own cannot be replaced: ID3v1 in its place, or a reason")
 {
     const TemporaryFolder folder;

@@ -10,6 +10,8 @@
 
 #include <doctest/doctest.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -55,6 +57,21 @@ TEST_CASE("What is kept is the answer, and another one takes its place")
         CHECK(cache.answer(inserted) == Text(answer));
     }
     CHECK(files::namesIn(folder / "titles").size() == 1);
+}
+
+TEST_CASE("An answer that is kept already is not written again")
+{
+    const TemporaryFolder folder;
+    const TitleCache cache(folder / "titles");
+    const auto fileOf = [&](const char* answer) {
+        cache.keep(inserted, answer);
+        struct stat status = {};
+        stat((folder / "titles/" + files::namesIn(folder / "titles").front()).c_str(), &status);
+        return status.st_ino;
+    };
+    const auto first = fileOf("answer\n");
+    CHECK(fileOf("answer\n") == first);
+    CHECK(fileOf("another\n") != first);
 }
 
 TEST_CASE("A folder that cannot be made keeps nothing, and nothing fails")

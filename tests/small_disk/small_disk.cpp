@@ -43,9 +43,11 @@ off_t growth(int file, off_t at, off_t bytes)
 SmallDisk::SmallDisk(const Text& folder, int kilobytes)
 {
     std::filesystem::create_directory(folder);
-    smallDisk::disk() = {folder, off_t{kilobytes} * 1024, false};
+    smallDisk::disk() = {folder, off_t{kilobytes} * 1024};
 }
 
 SmallDisk::~SmallDisk() { smallDisk::disk() = {}; }
 
 void SmallDisk::becomeReadOnly() { smallDisk::disk().isReadOnly = true; }
+
+void SmallDisk::takePieces() { smallDisk::disk().takesPieces = true; }

@@ -13,6 +13,7 @@ struct Disk {
     std::string folder; // "" while there is none
     off_t bytes = 0;
     bool isReadOnly = false;
+    bool takesPieces = false;
 };
 
 Disk& disk();

@@ -45,10 +45,13 @@ bool refusesOpen(const char* path, int flags)
 // A write past the cache is of whole blocks.
 constexpr off_t wholeBlocks = ~off_t{4095};
 
+constexpr std::size_t mostOfPiece = 1000;
+
 // How many bytes of a write the disk still takes; nothing, with the error set, when that is none.
 std::optional<std::size_t> takenOf(int file, off_t at, std::size_t bytes)
 {
-    const auto wanted = static_cast<off_t>(bytes);
+    const auto wanted =
+        static_cast<off_t>(smallDisk::disk().takesPieces ? std::min(bytes, mostOfPiece) : bytes);
     const off_t missing = std::max<off_t>(smallDisk::growth(file, at, wanted) - smallDisk::room(), 0);
     const off_t taken = missing == 0 ? wanted : (wanted - missing) & wholeBlocks;
     if (taken > 0 || wanted == 0)

@@ -12,6 +12,7 @@ public:
     enum class Holds {
         everything,
         contents,    // openings, and what is read
+        reads,       // what is read, of files that can be opened
         secondReads, // what is read, but for the first piece of it
         writings,    // what is written, and the room for it
     };

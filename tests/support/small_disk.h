@@ -15,4 +15,5 @@ public:
     SmallDisk& operator=(const SmallDisk&) = delete;
 
     void becomeReadOnly();
+    void takePieces(); // of every write its first thousand bytes at most
 };
