@@ -92,6 +92,15 @@ TEST_CASE("The lock ends with its process, however that ends, and a new one take
     CHECK(desktop::CopyLock(places.first).holder() == 0);
 }
 
+TEST_CASE("A copy that has the lock is in the way before it has written its number, too")
+{
+    Places places;
+    const desktop::CopyLock lock(places.first);
+    for (const Text& name : namesInFolder(places.runtime))
+        fs::resize_file(places.runtime + '/' + name, 0);
+    CHECK(inTheWayOf(places.first) == "-1");
+}
+
 TEST_CASE("A program that was started holds no lock of the one that started it")
 {
     Places places;

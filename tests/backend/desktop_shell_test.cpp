@@ -15,6 +15,7 @@
 #include <sys/stat.h>
 
 #include <chrono>
+#include <csignal>
 #include <iterator>
 #include <sstream>
 #include <thread>
@@ -187,6 +188,26 @@ TEST_CASE("A started program is nobody's child, has a session of its own and no 
     CHECK(waitpid(-1, nullptr, WNOHANG) == -1); // no zombie, no child at all
 }
 
+TEST_CASE("A started program ignores and holds back no signal that this one does")
+{
+    Programs programs;
+    const Text report = programs.output + ".new";
+    const Text tool = programs.program("tool", "grep Sig[BI] /proc/$$/status > '" + report + "'; mv '" +
+                                                   report + "' '" + programs.output + "'");
+    const int numbers[] = {SIGPIPE, SIGHUP, SIGINT, SIGQUIT};
+    std::vector<sighandler_t> before;
+    for (const int number : numbers)
+        before.push_back(signal(number, SIG_IGN));
+    sigset_t all, maskBefore;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, &maskBefore);
+    const Text said = programs.started(tool);
+    pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr);
+    for (std::size_t i = 0; i < before.size(); ++i)
+        signal(numbers[i], before[i]);
+    CHECK(said == "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n");
+}
+
 TEST_CASE("A started program gets the stack that this one was given")
 {
     Programs programs;
@@ -267,6 +288,9 @@ TEST_CASE("The registry has nothing else")
     CHECK(registry.RegQueryValueEx(key, "path", type, buffer, size) == 234);
     CHECK(size == (programs.folder / "hardinfo").size() + 1);
     CHECK(buffer == "########");
+    buffer = Text(size, '#');
+    CHECK(registry.RegQueryValueEx(key, "path", type, buffer, size) == 0); // which just fits
+    CHECK(buffer == programs.folder / "hardinfo" + '\0');
     CHECK(registry.RegQueryValueEx(0, "PATH", type, buffer, size) == 6);
     CHECK(registry.RegCloseKey(0) == 6);
 }

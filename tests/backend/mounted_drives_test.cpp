@@ -117,6 +117,13 @@ TEST_CASE("What no person mounted is left out")
     }
 }
 
+TEST_CASE("What a person mounted below one of the system's folders is offered")
+{
+    Computer computer;
+    computer.line("/run/media/alice/share", "0:50", "cifs", "//server/share");
+    CHECK(computer.paths() == std::vector<Text>{"/", computer.home, "/run/media/alice/share"});
+}
+
 TEST_CASE("A device is offered once, at the first place where it can be read")
 {
     Computer computer;

@@ -439,10 +439,13 @@ TEST_CASE("Damage in the middle of a run is met without a word")
     const Place place;
     desktop::SqliteStore store(place.path);
     store.SaveSetting(app, section, "Left", "1");
+    store.SaveSetting(app, section, "Top", "5");
     REQUIRE(Outsider(place.path).runs("DROP TABLE settings"));
     store.SaveSetting(app, section, "Left", "2");
     CHECK(store.GetSetting(app, section, "Left") == "2");
     CHECK(place.get("Left") == "2");
+    store.SaveSetting(app, section, "Top", "5"); // which the new store does not have yet
+    CHECK(place.get("Top") == "5");
 }
 
 TEST_CASE("Two processes that meet the same damage agree on one new store")
