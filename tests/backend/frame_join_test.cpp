@@ -72,6 +72,8 @@ TEST_CASE("Frames are joined where the second encoder needs what the first one l
         {"nothing needed", {5, 7, 0, 9}, {0, 0, 0, 11}, {5, 7, 0, 11}, "83a 83b 83C 83D"},
         {"over two frames", {90, 80, 160, 90}, {0, 70, 150, 100}, {90, 80, 150, 100}, "16a 67A 83B 83C 83D"},
         {"over whole frames", {0, 80, 166, 90}, {0, 70, 166, 100}, {0, 80, 166, 100}, "83A 83B 83C 83D"},
+        {"a single byte", {0, 1}, {0, 1}, {0, 1}, "82a 1A 83B"},
+        {"the first leaves least", {10, 60, 70}, {0, 10, 20}, {0, 10, 20}, "83A 83B 83C"},
         {"the only frame", {33}, {0}, {0}, "83A"},
     };
     for (const auto& c : cases) {

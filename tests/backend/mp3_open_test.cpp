@@ -6,8 +6,10 @@
 #include "tests/support/sound_files.h"
 #include "tests/support/sound_parts.h"
 
+#include <algorithm>
 #include <ctime>
 #include <doctest/doctest.h>
+#include <random>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -131,6 +133,24 @@ TEST_CASE("A WAV file opens, too, without tags")
     CHECK(parts.mp3->Title().empty());
 }
 
+namespace
+{
+
+// With rubbish somewhere in it, in which a decoder may see frames where a look at the headers sees none, or
+// the other way round.
+Text damaged(Text bytes, unsigned seed)
+{
+    std::minstd_rand random(seed);
+    const std::size_t at = 2000 + random() % 2000;
+    const std::size_t end = std::min<std::size_t>(bytes.size(), at + 1 + random() % 3000);
+    std::generate(bytes.begin() + static_cast<std::ptrdiff_t>(at),
+                  bytes.begin() + static_cast<std::ptrdiff_t>(end),
+                  [&] { return static_cast<char>(random() >> 8); });
+    return bytes;
+}
+
+}
+
 TEST_CASE("The length is that of what the decoder gives, the rate and the bit rate are the file's")
 {
     const auto half = noise(second / 2);
@@ -159,6 +179,8 @@ TEST_CASE("The length is that of what the decoder gives, the rate and the bit ra
         {"a wrong byte count", infoFrameFor(5000, 12345) + silentFrames(100), 44100, 32000},
         {"damaged", mp3Bytes(half, {.hasInfoFrame = false}).replace(3000, 1500, Text(1500, 'x')), 44100,
          128000},
+        {"more frames than the headers promise", damaged(mp3Bytes(half, {.hasInfoFrame = false}), 18), 44100,
+         0},
     };
     SoundParts parts;
     for (const auto& c : cases) {
@@ -201,7 +223,9 @@ TEST_CASE("Joined files of different rates can be entered anywhere, at the rate 
     const auto sound = audio::openMp3Sound(path);
     REQUIRE(sound);
     auto& source = *sound->source;
-    const auto readAll = [&source] {
+    std::vector<int> rates;
+    const auto readAll = [&source, &rates] {
+        rates = {source.rate()};
         StereoFrames all;
         StereoFrames piece(1000);
         for (int rate = source.rate();;) {
@@ -209,10 +233,13 @@ TEST_CASE("Joined files of different rates can be entered anywhere, at the rate 
             all.insert(all.end(), piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(frames));
             if (frames == 0 && source.rate() == rate)
                 return all;
+            if (source.rate() != rate)
+                rates.push_back(source.rate());
             rate = source.rate();
         }
     };
     const auto all = readAll();
+    CHECK(rates == std::vector<int>{44100, 22050, 48000});
     CHECK(static_cast<std::int64_t>(all.size()) == sound->timeline.frames());
     struct Case {
         double second;
@@ -230,6 +257,8 @@ TEST_CASE("Joined files of different rates can be entered anywhere, at the rate 
         // The decoder's rounding may differ in a last bit.
         CHECK(largestDifference(rest, StereoFrames(all.begin() + frame, all.end())) <= 1);
     }
+    source.seek(static_cast<std::int64_t>(all.size()) + 100);
+    CHECK(readAll().empty());
 }
 
 TEST_CASE("A frame lasts what its samples last, and frames are counted from the start of the sound")

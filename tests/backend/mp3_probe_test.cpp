@@ -110,6 +110,7 @@ TEST_CASE("Tags and rubbish around the frames belong to no sound")
         {"rubbish", Text(3000, 'x'), ""},
         {"ID3v1", "", id3v1Tag()},
         {"APE", "", apeTag()},
+        {"APE without a header, for reading alone", "", apeTag().substr(32).replace(23, 1, "\1")},
         {"APE and ID3v1", "", apeTag() + id3v1Tag()},
         {"Lyrics3 and ID3v1", "", "LYRICSBEGIN000011LYRICS200" + id3v1Tag()},
         {"all", id3v2Tag(200), apeTag() + id3v1Tag()},
@@ -123,6 +124,48 @@ TEST_CASE("Tags and rubbish around the frames belong to no sound")
         CHECK(facts->stretches.front().frames == 50);
         CHECK(facts->isWhole);
     }
+}
+
+TEST_CASE("Behind rubbish a few frames of free format at the end are sound, unless all of them are the same")
+{
+    const Text silent = Text("\xFF\xFB\x00\x64", 4) + Text(900, '\0');
+    Text sounding = silent;
+    sounding[7] = '\x08'; // eight bits of sound
+    Text other = sounding;
+    other.back() = 'x';
+    const auto times = [](int count, const Text& frame) {
+        Text frames;
+        while (count-- > 0)
+            frames += frame;
+        return frames;
+    };
+    const Text rubbish(300, 'x');
+    CHECK(factsOf(rubbish + times(4, sounding) + other));
+    CHECK(factsOf(rubbish + times(3, sounding) + times(2, other)));
+    CHECK(factsOf(rubbish + times(4, silent)));
+    CHECK_FALSE(factsOf(rubbish + times(5, sounding)));
+    CHECK_FALSE(factsOf(rubbish + times(2, sounding) + other));
+    CHECK_FALSE(factsOf(rubbish + times(4, sounding) + other + "x"));
+}
+
+TEST_CASE("The channels are those of the frames, however large the tag before them is")
+{
+    TemporaryFolder folder;
+    Text stereo = silentFrames(20);
+    for (std::size_t at = 0; at < stereo.size(); at += silentFrameBytes)
+        stereo[at + 3] = '\x04';
+    const struct {
+        Text frames;
+        int channels;
+    } cases[] = {{silentFrames(20), 1}, {stereo, 2}, {silentFrames(20) + stereo, 2}};
+    for (const auto& c : cases)
+        for (const std::uint32_t tag : {10, 1'000'000}) {
+            putFile(folder / "a.mp3", id3v2Tag(tag) + c.frames);
+            const auto file = files::InputFile::open(folder / "a.mp3");
+            const auto place = findMp3(file);
+            REQUIRE(place);
+            CHECK(channelsAt(*place, file) == c.channels);
+        }
 }
 
 TEST_CASE("An Info frame is believed only where its byte count agrees with the file")

@@ -135,3 +135,29 @@ TEST_CASE("Levels scale each side by itself, and 100 changes no sample")
     for (std::size_t n = 0; n < loud.size(); n += 2)
         REQUIRE((loud[n] == -16384 && loud[n + 1] == 0));
 }
+
+TEST_CASE("A new level is reached in even steps within a two-hundredth of a second, and stays")
+{
+    const auto levels = std::make_shared<audio::Levels>();
+    audio::Gain gain(levels, 44100);
+    const auto heard = [&](audio::Levels::Pair set) {
+        levels->set(set);
+        std::vector<std::int16_t> samples(600, 10000);
+        gain.apply(samples.data(), samples.size() / 2);
+        return samples;
+    };
+    const auto down = heard({50, 100});
+    const auto up = heard({100, 20});
+    const auto after = heard({100, 20});
+    for (int frame = 0; frame < 300; ++frame) {
+        CAPTURE(frame);
+        const double share = std::min((frame + 1) / 221.0, 1.0);
+        const auto left = static_cast<std::size_t>(2 * frame);
+        CHECK(std::abs(down[left] - (10000 - 5000 * share)) < 2);
+        CHECK(down[left + 1] == 10000);
+        CHECK(std::abs(up[left] - (5000 + 5000 * share)) < 2);
+        CHECK(std::abs(up[left + 1] - (10000 - 8000 * share)) < 2);
+        CHECK(after[left] == 10000);
+        CHECK(after[left + 1] == 2000);
+    }
+}

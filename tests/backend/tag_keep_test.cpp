@@ -124,6 +124,8 @@ TEST_CASE("A new comment takes the place of the plain one, in its language, and 
     const Text file = changed(v2Tag(3, described + v2Comment(3, "deu", "", "Alt")) + audio, comment);
     CHECK(has(file, described + v2Comment(3, "deu", "", "New")));
     CHECK_FALSE(has(file, "Alt"));
+    CHECK(
+        has(changed(v2Tag(3, v2Comment(3, "deu", "", "")) + audio, comment), v2Comment(3, "deu", "", "New")));
     CHECK(has(changed(v2Tag(3, described) + audio, comment), described + v2Comment(3, "XXX", "", "New")));
     CHECK(has(changed(v2Tag(3, described) + audio, none), described + v2Comment(3, "XXX", "", "")));
     CHECK_FALSE(has(changed(v2Tag(3, v2Comment(3, "deu", "", "Alt")) + audio, none), "COMM"));
@@ -151,6 +153,9 @@ TEST_CASE("A genre that has no number outlives the change of another field")
 
     const Text other = changed(v2Tag(3, genre) + audio, [](Tag& tag) { tag.genreIndex = 17; });
     CHECK_FALSE(has(other, "Chillwave"));
+    const Text none =
+        changed(v2Tag(3, text3("TCON", "Blues")) + audio, [](Tag& tag) { tag.genreIndex = 80; });
+    CHECK_FALSE(has(none, "Blues")); // the first of the genres is one that the window tells from none
 }
 
 TEST_CASE("A common genre that the tag editor has no row for survives a saving in every format")
@@ -344,6 +349,10 @@ TEST_CASE("A checksum in the extended header is made anew")
     const Text file3 = retitled(v2Tag(3, extended3 + "CRC!" + text3("TIT2", "Old"), 50, 0x40) + audio);
     CHECK(file3.substr(0, 10) == v2Tag(3, Text(14, '\0') + title, 50, 0x40).substr(0, 10));
     CHECK(has(file3, extended3 + bigEndian(crc32Of(title), 4) + title + Text(50, '\0') + audio));
+
+    const Text unknown3 = bigEndian(6, 4) + Text("\x01\0", 2) + bigEndian(50, 4);
+    CHECK(has(retitled(v2Tag(3, unknown3 + text3("TIT2", "Old"), 50, 0x40) + audio),
+              unknown3 + title + Text(50, '\0') + audio)); // another flag, and no checksum
 
     const Text longer = changed(v2Tag(3, extended3 + "CRC!" + text3("TIT2", "Old"), 50, 0x40) + audio,
                                 [](Tag& tag) { tag.title = Text(100, 'x'); });

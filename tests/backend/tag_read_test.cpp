@@ -212,6 +212,23 @@ TEST_CASE("An APE tag is read with and without its header, and several values be
     CHECK(read(audio + apeTag({apeItem("Title", "binary", 2)})).title == "");
 }
 
+TEST_CASE("An APE item's key has two hundred and fifty-five letters at most")
+{
+    const Text title = apeItem("Title", "Title");
+    CHECK(read(audio + apeTag({apeItem(Text(255, 'k'), "x"), title})).title == "Title");
+    CHECK(read(audio + apeTag({apeItem(Text(256, 'k'), "x"), title})).title == "");
+}
+
+TEST_CASE("An APE tag of ten thousand items is read, and of one more is not")
+{
+    std::vector<Text> items{apeItem("Title", "Title")};
+    for (int number = 1; number < 10'000; ++number)
+        items.push_back(apeItem("Key" + std::to_string(number), "x"));
+    CHECK(read(audio + apeTag(items)).title == "Title");
+    items.push_back(apeItem("More", "x"));
+    CHECK(read(audio + apeTag(items)).title == "");
+}
+
 TEST_CASE("ID3v1 text is UTF-8 where it can be, otherwise Latin-1")
 {
     const auto title = [](const Text& bytes) { return read(audio + v1Tag({bytes})).title; };
@@ -320,6 +337,13 @@ TEST_CASE("An APE tag whose items do not end, or are too long to be shown, leave
     const Text endless = littleEndian(5) + littleEndian(0) + Text(300, 'k');
     CHECK(read(audio + apeTag({endless}) + v1).title == "v1");
     CHECK(read(audio + apeTag({apeItem("Title", Text(70'000, 'x'))}) + v1).title == "v1");
+}
+
+TEST_CASE("A frame whose name has the outermost letters and digits hides nothing behind it")
+{
+    const Text title = v2Frame(3, "TIT2", latin1Text("Title"));
+    CHECK(readV2(3, v2Frame(3, "AZ09", "any") + title).title == "Title");
+    CHECK(readV2(2, v2Frame(2, "ZA9", "any") + v2Frame(2, "TT2", latin1Text("Title"))).title == "Title");
 }
 
 TEST_CASE("A tag that announces an extended header and has none is read from where the header would be")

@@ -126,6 +126,7 @@ TEST_CASE("A rate that no output takes is brought down, and the length stays")
         const StereoFrames sound(static_cast<std::size_t>(c.rate), {1000, -500});
         const auto opened = audio::playable(*audio::openWavSound(putWav(folder / "a.wav", sound, c.rate)));
         CHECK(opened.source->rate() == c.playedAt);
+        CHECK(opened.timeline.rate() == c.playedAt);
         CHECK(opened.timeline.milliseconds(opened.timeline.frames()) == 1000);
         opened.source->seek(c.playedAt / 2);
         CHECK((readAll(*opened.source) ==

@@ -4,6 +4,7 @@
 #include "engines/codec/decode_file.h"
 #include "engines/codec/encode_file.h"
 #include "engines/formats/stereo_mix.h"
+#include "engines/formats/wav_layout.h"
 #include "tests/support/failures.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/wav_files.h"
@@ -181,6 +182,42 @@ TEST_CASE("What a truncated file still holds is encoded")
         decodeFile(folder / "cut.mp3", folder / "back.wav", 2);
         CHECK(readWav(folder / "back.wav").frames() == sound.frames);
     }
+}
+
+TEST_CASE("A thousand chunks are looked through for the sound, and no more")
+{
+    TemporaryFolder folder;
+    const Text whole = fileBytes(putPcmWav(folder / "a.wav", music(100)));
+    for (const int others : {998, 999}) { // beside the one of the format
+        CAPTURE(others);
+        Text chunks;
+        for (int i = 0; i < others; ++i)
+            chunks += Text("junk\2\0\0\0..", 10);
+        putFile(folder / "a.wav", whole.substr(0, 36) + chunks + whole.substr(36));
+        CHECK(formats::wavLayout(files::InputFile::open(folder / "a.wav")).has_value() == (others == 998));
+    }
+}
+
+TEST_CASE("The sound of an RF64 file is as long as the file's table of long sizes says")
+{
+    TemporaryFolder folder;
+    const Text whole = fileBytes(putWavAs(folder / "a.wav", music(30000), SF_FORMAT_RF64 | SF_FORMAT_PCM_16));
+    putFile(folder / "a.wav", whole + "LIST\4" + Text(3, '\0') + "INFO");
+    const auto layout = formats::wavLayout(files::InputFile::open(folder / "a.wav"));
+    REQUIRE(layout);
+    CHECK(layout->end - layout->begin == 30000 * 4);
+    CHECK(layout->sizeBytes == 8);
+}
+
+TEST_CASE("A sound of no length in front of a list takes nothing of it")
+{
+    TemporaryFolder folder;
+    const Text head = fileBytes(putPcmWav(folder / "a.wav", {})).substr(0, 40);
+    putFile(folder / "a.wav", head + Text(4, '\0') + "LIST\4" + Text(3, '\0') + "INFO");
+    const auto layout = formats::wavLayout(files::InputFile::open(folder / "a.wav"));
+    REQUIRE(layout);
+    CHECK(layout->end == layout->begin);
+    CHECK_FALSE(layout->isUnfilled);
 }
 
 TEST_CASE("What is no WAV is refused with a reason")
