@@ -3,7 +3,6 @@
 own, and does not wait for what comes of it."""
 import contextlib
 import os
-import select
 import signal
 import subprocess
 import time
@@ -31,7 +30,6 @@ LIST_PLACES = (places.LIST_UP, places.LIST_DOWN, places.LIST_PREVIOUS, places.LI
 MAIN_PLACES = (places.PLAY, places.PLAY, places.PAUSE, places.STOP)
 TRACKS = (places.VOLUME_TRACK, places.BALANCE_TRACK, places.POSITION_TRACK)
 TITLE = (1200, 60, 300, 100)
-FETCHED_WITHIN = 10  # seconds: who is dropped on waits for the files of a program that is gone
 REMOTE = ("Play", "Pause", "PlayPause", "Stop", "Next", "Previous", "Raise")
 
 
@@ -40,6 +38,7 @@ class Hands:
         self.session, self.desk, self.material = session, session.desk, session.material
         self.bus = dbus.bus.BusConnection(self.desk.environment["DBUS_SESSION_BUS_ADDRESS"])
         self.stopped_sound = False
+        self.sources = []
 
     @property
     def app(self):
@@ -279,19 +278,22 @@ class Hands:
             return "finds no box to drop into"
         paths = chance.sample((*self.material.good, *self.material.bad), 3)
         window, _, (left, top, width, height) = boxes[0]
-        source = self.desk.spawn(str(self.session.tools / "tests/e2e/file_source"), *map(os.fspath, paths), stdout=subprocess.PIPE)
+        self.sources.append(self.desk.spawn(str(self.session.tools / "tests/e2e/file_source"), *map(os.fspath, paths)))
         with contextlib.suppress(StopIteration):
             shown = next(found for found in map(self._source_window, range(100)) if found)
             self.desk.hand("windowmove", shown, str(max(left - 140, 0)), str(max(top - 20, 0)), "windowraise", shown)
             self.desk.hand("mousemove", "--window", shown, "40", "30", "mousedown", "1", "mousemove_relative", "8", "8")
             for _ in range(6):
                 self.desk.hand("mousemove", str(left + width // 2), str(top + height // 3), "mousemove_relative", "2", "0")
-            self.desk.hand("mouseup", "1")
-            select.select([source.stdout], [], [], FETCHED_WITHIN)
-        self.desk.end(source)
-        source.stdout.close()
-        self.desk.processes.remove(source)
+            self.desk.hand("mouseup", "1", "windowunmap", shown)
         return f"drops {[path.name for path in paths]}"
+
+    def end_sources(self):
+        """At rest: who is dropped on may fetch the files later, and waits for them."""
+        for source in self.sources:
+            self.desk.end(source)
+            self.desk.processes.remove(source)
+        self.sources = []
 
     def _source_window(self, _):
         self.pause()

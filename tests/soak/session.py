@@ -112,6 +112,7 @@ class Session(case.Case):
         if not self.app.alive():
             self.start_after_end()
         self.unwind()
+        self.hands.end_sources()
         self.judge.judge_rest()
         self.judge_list()
         self.rests += 1
