@@ -84,7 +84,10 @@ class Judge:
                 self.stood_still = True
                 self.app.kill()
                 return
-            seen = seen or stacks(self.process)
+            if not seen:
+                looking = time.monotonic()
+                seen = stacks(self.process)
+                start += time.monotonic() - looking  # it was held meanwhile
             if time.monotonic() - start > FINALLY:
                 raise Fault(f"no answer for {FINALLY} s\n{seen}")
         taken = time.monotonic() - start - (waited_for_processor(self.process) - delayed)
@@ -94,7 +97,7 @@ class Judge:
 
     def _answers(self):
         try:
-            self.face.GetChildren(dbus_interface=ACCESSIBLE, timeout=PATIENCE)
+            self.face.GetChildren(dbus_interface=ACCESSIBLE, timeout=2.5 * PATIENCE)
         except dbus.DBusException:
             return False
         return True
