@@ -192,7 +192,7 @@ TEST_CASE("A started program ignores and holds back no signal that this one does
 {
     Programs programs;
     const Text report = programs.output + ".new";
-    const Text tool = programs.program("tool", "grep Sig[BI] /proc/$$/status > '" + report + "'; mv '" +
+    const Text tool = programs.program("tool", "grep Sig[BI] /proc/self/status > '" + report + "'; mv '" +
                                                    report + "' '" + programs.output + "'");
     const int numbers[] = {SIGPIPE, SIGHUP, SIGINT, SIGQUIT};
     std::vector<sighandler_t> before;

@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <doctest/doctest.h>
+#include <numeric>
 
 using namespace codec;
 using namespace formats;
@@ -236,6 +237,9 @@ TEST_CASE("Progress goes from nothing to a thousand and never back")
     REQUIRE(told.size() > 100);
     CHECK(std::adjacent_find(told.begin(), told.end(), std::greater_equal<>()) == told.end());
     CHECK(told.back() == 1000);
+    std::vector<std::int32_t> steps(told.size());
+    std::adjacent_difference(told.begin(), told.end(), steps.begin());
+    CHECK(*std::max_element(steps.begin(), steps.end()) < 50); // nobody thinks that it hangs
 }
 
 TEST_CASE("An encoding that is stopped leaves nothing")

@@ -209,11 +209,6 @@ TEST_CASE("A short file of free format is decoded whole")
     codec::decodeFile(parts.folder / "a.mp3", parts.folder / "a.wav", 1);
     CHECK(readWav(parts.folder / "a.wav").frames() == 10 * 1152);
     CHECK(takersOfBytes(parts, frames.substr(0, 3 * 904)) == "pdt");
-    frames.replace(500, 4, frames, 0,
-                   4); // what looks like a header begins no frame without another behind it
-    putFile(parts.folder / "a.mp3", frames);
-    codec::decodeFile(parts.folder / "a.mp3", parts.folder / "a.wav", 1);
-    CHECK(readWav(parts.folder / "a.wav").frames() == 10 * 1152);
 }
 
 TEST_CASE("Frames in a WAV file play and decode, and take no tag")

@@ -148,6 +148,18 @@ TEST_CASE("Behind rubbish a few frames of free format at the end are sound, unle
     CHECK_FALSE(factsOf(rubbish + times(4, sounding) + other + "x"));
 }
 
+TEST_CASE("What looks like a header in a frame of free format, with none behind it, does not cut the frame")
+{
+    Text frames;
+    for (int i = 0; i < 10; ++i)
+        frames += Text("\xFF\xFB\x00\x64", 4) + Text(900, '\0');
+    frames.replace(500, 4, frames, 0, 4);
+    const auto facts = factsOf(frames);
+    REQUIRE(facts);
+    CHECK(facts->stretches.front().frames == 10);
+    CHECK(facts->isWhole);
+}
+
 TEST_CASE("The channels are those of the frames, however large the tag before them is")
 {
     TemporaryFolder folder;
@@ -207,6 +219,10 @@ TEST_CASE("The bit rate is the file's own if constant, otherwise the average in 
         CHECK(average % 1000 == 0);
         CHECK(average == doctest::Approx(static_cast<double>(bytes.size()) * 8 / 2).epsilon(0.05));
     }
+    Text mixed = silentFrames(54);
+    for (int i = 0; i < 46; ++i)
+        mixed += Text("\xff\xfb\x20\xc4", 4) + Text(126, '\0'); // 40 kbit/s
+    CHECK(factsOf(mixed)->bitsPerSecond == 36000);              // 35.51
 }
 
 TEST_CASE("Joined files of different rates are stretches")

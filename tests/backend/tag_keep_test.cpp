@@ -372,6 +372,17 @@ TEST_CASE("A checksum in the extended header is made anew")
               all4 + sum4(frame4 + Text(50, '\0')) + Text("\1\x2A", 2) + frame4));
 }
 
+TEST_CASE("The size of a long text is written as its version writes sizes")
+{
+    const Text longTitle(300, 'x');
+    for (const int version : {3, 4}) {
+        CAPTURE(version);
+        const Text tag = v2Tag(version, v2Frame(version, "TIT2", latin1Text("Old")), 1000);
+        const auto lengthen = [](Tag& shown) { shown.title = Text(300, 'x'); };
+        CHECK(has(changed(tag + audio, lengthen), v2Frame(version, "TIT2", latin1Text(longTitle))));
+    }
+}
+
 TEST_CASE("A tag with unsynchronisation keeps it")
 {
     const Text plain = v2Frame(3, "PRIV", Text("a\0\xFF\xE0\xFF\0\xFF", 7));
