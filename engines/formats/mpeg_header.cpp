@@ -61,9 +61,7 @@ std::optional<MpegHeader> mpegHeader(const std::uint8_t* fourBytes)
     if (header.isFreeFormat())
         return header;
     header.bytes = header.samples / 8 * header.bitsPerSecond / header.rate + header.padding;
-    if (header.bytes < header.sideInfo)
-        return std::nullopt;
-    return header;
+    return header; // the shortest, of 24 bytes, has room for its side information
 }
 
 }

@@ -69,7 +69,7 @@ TEST_CASE("Without a sound server a file plays silently at the pace of the clock
         return millisecondsSince(then);
     };
     CHECK(playing() >= 1000);
-    CHECK(parts.post.count() == 1);
+    CHECK(waitUntil([&] { return parts.post.count() == 1; })); // a busy machine tells it later
     CHECK(atBest(1200, playing) < 1200);
 }
 
