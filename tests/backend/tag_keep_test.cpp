@@ -97,7 +97,7 @@ TEST_CASE("A year that changes replaces the whole date")
 TEST_CASE("Pictures, other frames and their order stay")
 {
     const Text others[] = {
-        v2Frame(3, "APIC", Text("\0image/png\0\3\0\x89PNG\0\0\xFF\x00\xFF\xE0", 24)),
+        v2Frame(3, "APIC", Text("\0image/png\0\3\0\x89PNG\0\0\xFF\x00\xFF\xE0", 23)),
         v2Frame(3, "UFID", Text("http://owner\0id", 15)),
         v2Frame(3, "TXXX", Text("\0name\0value", 11)),
         v2Frame(3, "XXXX", "unknown"),

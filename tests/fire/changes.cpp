@@ -47,7 +47,7 @@ struct Fault {
 struct Watch {
     const std::string folder = given("VELMORA_FIRE_BELOW");
     const bool keepsBytes = *given("VELMORA_FIRE_BYTES") != '\0';
-    const Fault fault;
+    const Fault fault{};
     const int log = static_cast<int>(syscall(SYS_openat, AT_FDCWD, given("VELMORA_FIRE_LOG"),
                                              O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600));
     std::mutex mutex;
