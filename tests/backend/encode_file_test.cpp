@@ -3,6 +3,7 @@
 
 #include "engines/codec/decode_file.h"
 #include "engines/codec/lame_encoder.h"
+#include "engines/formats/mp3_probe.h"
 #include "tests/support/info_reader.h"
 #include "tests/support/lame_alone.h"
 #include "tests/support/temporary_folder.h"
@@ -240,6 +241,17 @@ TEST_CASE("Progress goes from nothing to a thousand and never back")
     std::vector<std::int32_t> steps(told.size());
     std::adjacent_difference(told.begin(), told.end(), steps.begin());
     CHECK(*std::max_element(steps.begin(), steps.end()) < 50); // nobody thinks that it hangs
+}
+
+TEST_CASE("A file without sound becomes one of two frames, which every player knows as an MP3 file")
+{
+    Workplace place;
+    putPcmWav(place.folder / "source.wav", Pcm{44100, 2, {}});
+    encodeFile(place.folder / "source.wav", place.folder / "made.mp3", {}, 2);
+    const auto facts = formats::probeMp3(files::InputFile::open(place.folder / "made.mp3"));
+    REQUIRE(facts);
+    CHECK(facts->stretches.front().frames == 2);
+    CHECK(facts->samples() == 0);
 }
 
 TEST_CASE("An encoding that is stopped leaves nothing")
