@@ -396,6 +396,8 @@ TEST_CASE("An encrypted, compressed or grouped frame leaves the field to the nex
         CHECK(title(3, flags) == "open");
     for (const unsigned flags : {0x40, 0x08, 0x04})
         CHECK(title(4, flags) == "open");
+    CHECK(title(3, 0x001F) == "hidden"); // flags that mean nothing
+    CHECK(title(4, 0x00B0) == "hidden");
     CHECK(title(3, 0xE000) == "hidden"); // what other programs should do with the frame
     CHECK(title(4, 0x7000) == "hidden");
 }
