@@ -115,7 +115,12 @@ class Judge:
             return "a standstill"
         if status == 0 or status == FAILED and self.worded:
             return status
-        raise Fault(f"it ended with {status}\n{self.app.said()[-6000:]}")
+        raise Fault(f"it ended with {status}\n{self.app.said()[-6000:]}\n{self._trace()}")
+
+    def _trace(self):
+        """What the program leaves of a crash."""
+        trace = self.case.desk.home / ".local/state/Velmora/crash.txt"
+        return trace.read_text(errors="replace") if trace.exists() else "no trace of a crash"
 
     def judge_words(self):
         said = self.app.said()
