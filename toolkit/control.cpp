@@ -103,6 +103,6 @@ void Control::setGrey() { new WindowGround(*outside_); }
 
 Toolkit& Control::toolkit() const { return form_.toolkit(); }
 
-void Control::enter(const std::function<void()>& call) const { toolkit().outermost(call); }
+void Control::enter(const std::function<void()>& call) const { toolkit().outermostOfPosted(call); }
 
 }

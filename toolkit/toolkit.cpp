@@ -8,6 +8,7 @@
 #include "toolkit/pace.h"
 #include "toolkit/skin.h"
 
+#include <QAbstractEventDispatcher>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QScreen>
@@ -44,7 +45,7 @@ struct Toolkit::Parts final : QObject, Post {
 
     void post(std::function<void()> call) override
     {
-        later(this, [this, call = std::move(call)] { toolkit.outermost(call); });
+        later(this, [this, call = std::move(call)] { toolkit.outermostOfPosted(call); });
     }
 
     void end(const Failure& failure)
@@ -81,6 +82,12 @@ void Toolkit::outermost(const std::function<void()>& call)
         std::cerr << "Velmora ends by a defect of its own: " << defect.what() << '\n';
         std::abort();
     }
+}
+
+void Toolkit::outermostOfPosted(const std::function<void()>& call)
+{
+    QAbstractEventDispatcher::instance()->wakeUp();
+    outermost(call);
 }
 
 void Toolkit::stopTimers() { parts_->pace.stop(); }

@@ -32,6 +32,10 @@ public:
     // exception is a defect and ends the process.
     void outermost(const std::function<void()>& call);
 
+    // The same for a call that may have been posted: a loop that begins in it would take what was posted
+    // right behind it for delivered, and leave that until something else comes.
+    void outermostOfPosted(const std::function<void()>& call);
+
     std::function<void(const Failure&)> unhandled;
 
     // No timer ticks again, so that nothing writes behind a closing message.
