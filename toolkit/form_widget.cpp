@@ -121,7 +121,10 @@ void FormWidget::carryOut()
     forgetOldMoves();
     askedAt_ = Clock::now();
     asked_ = place_;
-    ownMoves_.push_back({place_, askedAt_});
+    // Where the library takes the window to be already, because it heard of an older move just now, it asks
+    // for nothing: that is done when the last echo tells of another place.
+    if (pos() != place_)
+        ownMoves_.push_back({place_, askedAt_});
     moving_ = true;
     move(place_);
     moving_ = false;
@@ -220,12 +223,30 @@ bool FormWidget::eventFilter(QObject*, QEvent* event)
     touched_ = touched_ || isTouch(*event);
     if (grip_ && hasNoButtons(*event))
         letGo(); // the release went elsewhere
+    if (event->type() == QEvent::MouseButtonPress && passOn(static_cast<const QMouseEvent&>(*event)))
+        return true;
     if (!menuImage_)
         return false;
     const auto answer = menuKeys_.saw(*event);
     if (answer == ctl::MenuKeys::Handling::open)
         form_.toolkit().outermost([this] { menuImage_->Click.raise(); });
     return answer != ctl::MenuKeys::Handling::pass;
+}
+
+// Until a busy program has heard of the end of a drag, the screen gives it every press for the window that
+// was dragged; a quick hand has moved on to another one by then.
+bool FormWidget::passOn(const QMouseEvent& press)
+{
+    if (grip_ || press.buttons() != press.button() || rect().contains(press.position().toPoint()))
+        return false;
+    QWindow* meant = QGuiApplication::topLevelAt(press.globalPosition().toPoint());
+    if (!meant || meant == windowHandle() || QGuiApplication::modalWindow())
+        return false;
+    QMouseEvent passed(press.type(), meant->mapFromGlobal(press.globalPosition()), press.globalPosition(),
+                       press.button(), press.buttons(), press.modifiers());
+    passed.setTimestamp(press.timestamp());
+    QCoreApplication::sendEvent(meant, &passed);
+    return true;
 }
 
 void FormWidget::changeEvent(QEvent* event)

@@ -73,6 +73,7 @@ private:
     void keepSize();
     void cancel();
     void letGo();
+    bool passOn(const QMouseEvent& press);
     bool isUsersMove() const;
     void noteCorrection();
     bool isLetStand() const;

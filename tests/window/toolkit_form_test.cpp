@@ -115,6 +115,22 @@ TEST_CASE("What the window manager says of a window's own moves does not change 
     }
 }
 
+TEST_CASE("A place that was asked for before the word on two older moves had come is the window's in the end")
+{
+    Toolkit toolkit(Toolkit::Timers::byHand);
+    CHECK(waitFor([&] { // it comes within a second, in which a busy machine may do nothing
+        Face face(toolkit);
+        face.Show();
+        Pointer(face).to({5, 5}).press();
+        face.setLeft(1500);
+        face.setLeft(3000);
+        face.page()->move(100, 0);
+        face.setLeft(1500);
+        face.page()->move(200, 0);
+        return face.Left() == 1500 && face.page()->x() == 100;
+    }));
+}
+
 TEST_CASE("Until the user touches a window that has a place, the window manager's choice does not count")
 {
     Toolkit toolkit(Toolkit::Timers::byHand);
@@ -614,6 +630,36 @@ TEST_CASE("A drag whose release goes elsewhere ends, and the pointer is free")
         box.hide();
         QApplication::processEvents();
     }
+}
+
+TEST_CASE("A press that comes for the window that was just dragged goes to the one under it")
+{
+    Pair pair;
+    pair.one.Show();
+    pair.other.setLeft(6000);
+    pair.other.Show();
+    QApplication::processEvents();
+    const QPointF inOther(415, 15); // on its key, as the other window counts
+    Pointer pointer(pair.one);
+    pointer.to(inOther).press();
+    CHECK(pair.other.heard == "key down 1 0 at 75, 75\n");
+    CHECK(pair.one.heard.empty());
+}
+
+TEST_CASE("A press that comes past a dialog is passed on to no window")
+{
+    Pair pair;
+    pair.one.Show();
+    pair.other.setLeft(6000);
+    pair.other.Show();
+    QDialog box;
+    box.setModal(true);
+    box.show();
+    QApplication::processEvents();
+    QMouseEvent press(QEvent::MouseButtonPress, QPointF(415, 15), QPointF(415, 15), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(pair.one.page()->windowHandle(), &press);
+    CHECK(pair.other.heard.empty());
 }
 
 TEST_CASE("Without a button down there is nothing to drag")
