@@ -13,6 +13,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QCompleter>
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QLineEdit>
@@ -176,11 +177,12 @@ public:
     }
 
     // The library's own end would wait for the thread that looks at folders, and one of those may not answer:
-    // it comes when that thread has done the last that it is asked for.
+    // it comes when that thread has done the last that it is asked for. No key finds the dialog meanwhile.
     static void end(FileDialog* dialog)
     {
         dialog->hide();
         closePopups(*dialog);
+        dialog->destroy();
         if (dialog->folders_)
             dialog->endBehindLastLook(*dialog->folders_);
         else
@@ -206,28 +208,28 @@ private:
         return window && window->isVisible() ? window : nullptr;
     }
 
-    // The list of completions would come again with each folder that is looked at.
+    // The list of completions would come again with each folder that is looked at. Closed alone, it may still
+    // be where the keys go, and crashes with the next one.
     static void closePopups(QFileDialog& dialog)
     {
-        if (auto* name = dialog.findChild<QLineEdit*>("fileNameEdit"))
-            name->setCompleter(nullptr);
+        delete dialog.findChild<QCompleter*>();
         if (auto* popup = QApplication::activePopupWidget())
             popup->close();
     }
 
+    // The model looks once into each folder, but again into one that was its root before.
     void endBehindLastLook(QFileSystemModel& folders)
     {
-        const QString shown = folders.rootPath();
-        lastVisited = QUrl::fromLocalFile(shown).toString();
+        lastVisited = QUrl::fromLocalFile(folders.rootPath()).toString();
         folders.disconnect(this);
         folders.setOption(QFileSystemModel::DontWatchForChanges);
-        const QString last =
-            shown == QDir::rootPath() ? QApplication::applicationDirPath() : QDir::rootPath();
+        const QString last = QDir::rootPath();
         connect(&folders, &QFileSystemModel::directoryLoaded, this, [this, last](const QString& folder) {
             if (folder == last)
                 deleteLater();
         });
-        folders.setRootPath(last);
+        for (const QString& folder : {last, QString(), last})
+            folders.setRootPath(folder);
     }
 
     static void settle(const QLineEdit& name, QItemSelectionModel& selection)

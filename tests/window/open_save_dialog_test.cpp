@@ -17,6 +17,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QPushButton>
 #include <QSettings>
 #include <QStandardPaths>
@@ -418,8 +419,9 @@ TEST_CASE("A dialog ends while a folder that it has seen does not answer any mor
     std::optional<HungShare> hung;
     CHECK(s.endsSoon([&](QFileDialog& window) {
         bool isSeen = false;
+        const QObject asLongAsThat; // the dialog looks further
         QObject::connect(
-            window.findChild<QFileSystemModel*>(), &QFileSystemModel::directoryLoaded,
+            window.findChild<QFileSystemModel*>(), &QFileSystemModel::directoryLoaded, &asLongAsThat,
             [&](const QString& folder) { isSeen |= folder.toStdString() == s.dialog.folder.path(); });
         window.setDirectory(QString::fromStdString(s.dialog.folder.path()));
         CHECK(waitFor([&] { return isSeen; }));
@@ -434,14 +436,37 @@ TEST_CASE("A dialog that ends leaves no list of completions behind")
 {
     Dialog dialog;
     putFile(dialog.folder / "sounds.wav", "");
+    QPointer<QWidget> completions;
     const auto open = [&](QFileDialog& window) {
         window.setDirectory(QString::fromStdString(dialog.folder.path()));
         FileDialogHand().type("so");
-        CHECK(waitFor([] { return QApplication::activePopupWidget() != nullptr; }));
+        CHECK(waitFor([&] { return (completions = QApplication::activePopupWidget()) != nullptr; }));
         window.reject();
     };
     CHECK(dialog.open("Wav Files", open) == cancelled);
     CHECK(QApplication::activePopupWidget() == nullptr);
+    CHECK(completions.isNull()); // a window that is hidden can be where keys go
+}
+
+TEST_CASE("A dialog goes when it has ended, whatever path was typed into it")
+{
+    for (const char* typed : {"", "so", "/", "/home/", "/usr/bin/"}) {
+        CAPTURE(typed);
+        Dialog dialog;
+        QPointer<QFileDialog> shown;
+        dialog.open("Wav Files", [&](QFileDialog& window) {
+            shown = &window;
+            bool isRootSeen = false;
+            const QObject asLongAsThat;
+            QObject::connect(window.findChild<QFileSystemModel*>(), &QFileSystemModel::directoryLoaded,
+                             &asLongAsThat, [&](const QString& folder) { isRootSeen |= folder == "/"; });
+            FileDialogHand().type(typed);
+            CHECK((typed[0] != '/' || waitFor([&] { return isRootSeen; })));
+            window.reject();
+        });
+        CHECK((shown.isNull() || !shown->windowHandle()));
+        CHECK(waitFor([&] { return shown.isNull(); }, 20));
+    }
 }
 
 TEST_CASE("A place that the library kept and that does not answer holds no dialog up")
