@@ -2,12 +2,10 @@
 #include "desktop/only_copy.h"
 
 #include "tests/support/answer_of_child.h"
+#include "tests/support/silent_server.h"
 #include "tests/support/temporary_folder.h"
 
 #include <doctest/doctest.h>
-
-#include <sys/socket.h>
-#include <sys/un.h>
 
 #include <filesystem>
 #include <optional>
@@ -15,29 +13,6 @@
 
 namespace
 {
-
-// A bus that takes who comes and never says a word.
-struct SilentBus {
-    explicit SilentBus(const Text& path)
-    {
-        sockaddr_un address{AF_UNIX, {}};
-        path.copy(address.sun_path, sizeof address.sun_path - 1);
-        REQUIRE(bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0);
-        REQUIRE(listen(listener, 1) == 0);
-    }
-    ~SilentBus()
-    {
-        close(guest);
-        close(listener);
-    }
-    SilentBus(const SilentBus&) = delete;
-    SilentBus& operator=(const SilentBus&) = delete;
-
-    void await() { guest = accept(listener, nullptr, nullptr); }
-
-    int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    int guest = -1;
-};
 
 struct Copies {
     TemporaryFolder folder;
@@ -67,7 +42,7 @@ TEST_CASE("A start while the first copy does not answer ends with a failure")
 TEST_CASE("A start while the first copy is ending goes on in its place")
 {
     Copies copies;
-    SilentBus bus(copies.folder / "socket");
+    SilentServer bus(copies.folder / "socket");
     copies.environment.busAddress = "unix:path=" + copies.folder / "socket";
     std::optional<desktop::CopyLock> first(copies.environment);
     std::thread ending([&] {

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A server that takes who comes and never says a word.
+#pragma once
+
+#include "platform/text.h"
+
+#include <stdexcept>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+class SilentServer
+{
+public:
+    explicit SilentServer(const Text& path) : path_(path)
+    {
+        sockaddr_un address{AF_UNIX, {}};
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        if (bind(listener_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+            listen(listener_, 1) != 0)
+            throw std::runtime_error("no server at " + path);
+    }
+    ~SilentServer()
+    {
+        close(guest_);
+        close(listener_);
+        unlink(path_.c_str());
+    }
+    SilentServer(const SilentServer&) = delete;
+    SilentServer& operator=(const SilentServer&) = delete;
+
+    void await() { guest_ = accept(listener_, nullptr, nullptr); }
+
+private:
+    Text path_;
+    int listener_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    int guest_ = -1;
+};
