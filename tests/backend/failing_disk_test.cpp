@@ -52,6 +52,13 @@ struct Disk {
     inline static const Text oldRows = "/music/old one.mp3\r\n/music/old two.mp3\r\n";
 };
 
+struct FailingCall {
+    const char* what;
+    const char* call;
+    int error;
+    int number; // with which it is told
+};
+
 const Text longRows(300'000, 'r');
 
 // A list in a folder that takes no new file, written by somebody without rights.
@@ -132,12 +139,7 @@ TEST_CASE("What a signal interrupts is asked of the disk again")
 
 TEST_CASE("A list stays as it was, and nothing beside it, whatever the disk fails at")
 {
-    const struct {
-        const char* what;
-        const char* call;
-        int error;
-        int number;
-    } cases[] = {
+    const FailingCall cases[] = {
         {"looking at it", "fstat", EIO, 57},
         {"making the new file", "open", EIO, 57},
         {"a name that the system does not take", "open", ENAMETOOLONG, 75},
@@ -201,12 +203,7 @@ TEST_CASE("A list that is written in place is told of as failed when the disk fa
 
 TEST_CASE("A file is made whole or not at all, whatever the disk fails at")
 {
-    const struct {
-        const char* what;
-        const char* call;
-        int error;
-        int number;
-    } cases[] = {
+    const FailingCall cases[] = {
         {"asking for room", "fallocate", ENOSPC, 61},
         {"writing", "pwrite", EIO, 57},
         {"forcing", "fdatasync", EIO, 57},

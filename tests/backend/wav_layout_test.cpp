@@ -17,8 +17,8 @@ namespace
 Text little(std::uint64_t value, int bytes)
 {
     Text text;
-    for (int i = 0; i < bytes; ++i)
-        text += static_cast<char>(value >> 8 * i);
+    for (; bytes > 0; --bytes, value >>= 8)
+        text += static_cast<char>(value);
     return text;
 }
 

@@ -215,10 +215,16 @@ class Desk:
             self.desktop.display.picture(self, path)
 
     def picture_of_failure(self):
-        """What the desk looked like when a condition did not come true, for whoever looks into it."""
+        """What the desk looked like when a condition did not come true, and what it had heard and read from the program by
+        then, for whoever looks into it."""
         folder = os.environ.get("VELMORA_TEST_PICTURES")
-        if folder and "DISPLAY" in self.environment:
-            self.screenshot(f"{folder}/{time.strftime('%H.%M.%S')}-{os.getpid()}.png")
+        if not folder:
+            return
+        name = f"{folder}/{time.strftime('%H.%M.%S')}-{os.getpid()}"
+        if "DISPLAY" in self.environment:
+            self.screenshot(f"{name}.png")
+        for kept in [*self.folder.glob("recording-*.raw"), *self.folder.glob("output.txt")]:
+            shutil.copy(kept, f"{name}-{kept.name}")
 
     def record(self, latency=None):
         """In milliseconds."""
@@ -236,6 +242,7 @@ class Recording:
         self.process = desk.spawn("parec", "-d", "testsink.monitor", "--raw", "--format=s16le", "--rate=44100",
                                   "--channels=2", f"--latency-msec={latency}", stdout=self.file)
         wait_for(lambda: self.path.stat().st_size > 0, "the recorder runs")
+        desktops.put_before_other_work(self.process)
 
     def frames(self):
         data = self.path.read_bytes()

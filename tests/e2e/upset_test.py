@@ -140,10 +140,12 @@ class Upset(case.Case):
                 (self.app.store_path().parent / name).unlink(missing_ok=True)
             self.app.store_path().write_bytes(damage)
             self.start()
+            left, top = self.app.geometry(self.main)[:2]
+            place = left - 20, top + 10
             self.app.drag(self.main, (1200, 60, 300, 100), (-20, 10))
-            wait_for(lambda: self.app.setting("Position StartUp Window", "Top")
-                     == str(self.app.geometry(self.main)[1] * 15), "it is kept again")
-            place = self.app.geometry(self.main)[:2]
+            wait_for(lambda: self.app.geometry(self.main)[:2] == place, "the window was dragged")
+            kept = lambda: tuple(self.app.setting("Position StartUp Window", name) for name in ("Left", "Top"))
+            wait_for(lambda: kept() == tuple(str(each * 15) for each in place), "it is kept again")
             self.app.kill()
             self.start()
             wait_for(lambda: self.app.geometry(self.main)[:2] == place, "the window stands where it was")
