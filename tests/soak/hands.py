@@ -129,7 +129,7 @@ class Hands:
         if any(title in FILE_DIALOGS for _, title, _ in windows):
             return "looks"
         word = chance.choice(WORDS)
-        self.desk.hand("type", "--delay", "4", word)
+        self.app.type(word)
         return f"types {word!r}"
 
     def use_menu(self, chance, windows):
@@ -138,7 +138,7 @@ class Hands:
             return "finds no menu"
         window, title, _ = chance.choice(fitting)
         letters = chance.choice(MENUS[title])
-        self.desk.hand("windowfocus", window)
+        self.desk.hand("windowactivate", window)
         self.app.click(window, places.MENU)
         for letter in letters:
             self.pause()
@@ -191,7 +191,7 @@ class Hands:
 
     def answer_dialog(self, chance, dialog):
         window, title, (_, _, width, height) = dialog
-        self.desk.hand("windowfocus", window)
+        self.desk.hand("windowactivate", window)
         how = chance.random()
         if how < 0.2:
             self.app.key("Escape")

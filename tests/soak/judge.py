@@ -70,6 +70,10 @@ class Judge:
         """After each action. One that answers nothing is not asked what it shows."""
         if self.app.alive():
             self.judge_answer()
+        self.notice(titles)
+
+    def notice(self, titles):
+        """The word that an end has, before the next input answers it."""
         if self.app.alive() and MESSAGE in titles and not self.worded:
             self.worded = any(control.name.startswith("Run-time error '") for control in self.app.controls(MESSAGE))
 
@@ -97,7 +101,7 @@ class Judge:
 
     def _answers(self):
         try:
-            self.face.GetChildren(dbus_interface=ACCESSIBLE, timeout=2.5 * PATIENCE)
+            self.face.GetChildren(dbus_interface=ACCESSIBLE, timeout=1.1 * PATIENCE)
         except dbus.DBusException:
             return False
         return True
