@@ -51,19 +51,19 @@ bool pulseStands()
            isListenedTo(variable("XDG_RUNTIME_DIR") + "/pulse/native") || isListenedTo("/run/pulse/native");
 }
 
-bool jackStands()
-{
-    const Text named = variable("JACK_DEFAULT_SERVER");
-    const Text server = "/dev/shm/jack_" + (named.empty() ? "default" : named) + '_';
-    return isListenedTo(server + std::to_string(getuid()) + "_0") || isListenedTo(server + '0');
-}
-
 bool sndioStands()
 {
     return isListenedTo("/tmp/sndio-" + std::to_string(getuid()) + "/sock0") ||
            isListenedTo("/tmp/sndio/sock0");
 }
 
+}
+
+bool jackStands()
+{
+    const Text named = variable("JACK_DEFAULT_SERVER");
+    const Text server = "/dev/shm/jack_" + (named.empty() ? "default" : named) + '_';
+    return isListenedTo(server + std::to_string(getuid()) + "_0") || isListenedTo(server + '0');
 }
 
 const char* standingServer()

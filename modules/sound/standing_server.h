@@ -11,4 +11,6 @@ namespace audio
 // meanwhile leaves a lock below /dev/shm at which every later one of that user stands still.
 const char* standingServer();
 
+bool jackStands();
+
 }

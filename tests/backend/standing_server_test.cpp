@@ -10,6 +10,7 @@
 #include <sys/inotify.h>
 
 #include <optional>
+#include <thread>
 
 namespace
 {
@@ -29,7 +30,7 @@ public:
     SharedMemoryWatch()
     {
         const Text shared = name();
-        inotify_add_watch(watch_, "/dev/shm", IN_CREATE);
+        REQUIRE(inotify_add_watch(watch_, "/dev/shm", IN_CREATE) >= 0);
         inotify_add_watch(watch_, ("/dev/shm/" + shared).c_str(), IN_OPEN);
     }
     ~SharedMemoryWatch() { close(watch_); }
@@ -133,7 +134,26 @@ TEST_CASE("Without a server, what JACK's clients share is left alone")
     CHECK(!watch.saw());
 }
 
-TEST_CASE("A stream on a server that stands plays")
+TEST_CASE("A server that stands and refuses leads to no other that does not stand")
+{
+    Machine machine;
+    SilentServer server(machine.silence.pulseSocket());
+    CHECK(audio::standingServer() == Text("pulse")); // whose call waits there, too
+    std::thread refusing([&] {
+        for (int guest = 0; guest < 2; ++guest)
+            server.await();
+        server.refuse();
+    });
+    const SharedMemoryWatch watch;
+    audio::CubebClient client;
+    const auto stream = anyStream();
+    client.open(stream);
+    refusing.join();
+    CHECK(stream->hasFailed());
+    CHECK(!watch.saw());
+}
+
+TEST_CASE("A stream on a server that stands opens")
 {
     const SoundServer server;
     const SharedMemoryWatch watch;

@@ -1,10 +1,14 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
 """What goes wrong around the player: sound servers that die or hang, files that are none, a settings file in pieces."""
+import contextlib
+import glob
 import os
 import select
 import signal
+import socket
 import subprocess
+import threading
 import time
 
 import case
@@ -38,6 +42,29 @@ class Upset(case.Case):
         wait_for(lambda: any(recording.frames()), "the sound comes back")
         now = recording.heard_second() - heard
         self.assertAlmostEqual(now, time.monotonic() - died, delta=2)
+        self.assert_alive()
+
+    def test_a_sound_server_that_refuses_leads_to_no_start_of_another(self):
+        """JACK's client would leave what it shares behind."""
+        place = self.desk.folder / "refusing"
+        server = socket.create_server(str(place), family=socket.AF_UNIX)
+        self.addCleanup(server.close)
+        guests = []
+
+        def refuse():
+            with contextlib.suppress(OSError):
+                while True:
+                    guest, _ = server.accept()
+                    guests.append(guest.recv(1))  # a look at who listens says nothing
+                    guest.close()
+        threading.Thread(target=refuse, daemon=True).start()
+        shared = glob.glob("/dev/shm/jack_db-*")
+        self.app.kill()
+        self.app.environment["PULSE_SERVER"] = f"unix:{place}"
+        self.start()
+        self.play(self.wav(60), 0)
+        wait_for(lambda: len([guest for guest in guests if guest]) >= 2, "the server was asked, and asked again")
+        self.assertEqual(glob.glob("/dev/shm/jack_db-*"), shared)
         self.assert_alive()
 
     def test_a_sound_server_that_hangs_does_not_hang_the_window(self):

@@ -8,6 +8,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utility>
 
 class SilentServer
 {
@@ -30,6 +31,13 @@ public:
     SilentServer& operator=(const SilentServer&) = delete;
 
     void await() { guest_ = accept(listener_, nullptr, nullptr); }
+
+    // Who came is sent away, and so is everybody who comes.
+    void refuse()
+    {
+        shutdown(listener_, SHUT_RDWR);
+        close(std::exchange(guest_, -1));
+    }
 
 private:
     Text path_;
