@@ -256,11 +256,15 @@ class Recording:
         return self.path.stat().st_size // 4
 
     def heard_second(self):
-        """Where in a counting signal the sound is by now; the signal counts its frames from 1."""
+        """Where in a counting signal the sound is by now; the signal counts its frames from 1. A busy machine leaves gaps of
+        silence, which are no place in it."""
         with open(self.path, "rb") as file:
-            file.seek(max(self.length() - 1, 0) * 4)
-            left, right = array.array("h", file.read(4))
-        return (left | (right - 1) << 15) / 44100
+            for frame in range(self.length() - 1, -1, -1):
+                file.seek(frame * 4)
+                left, right = array.array("h", file.read(4))
+                if right:
+                    return (left | (right - 1) << 15) / 44100
+        return 0
 
     def stop(self):
         self.desk.end(self.process, signal.SIGINT)
