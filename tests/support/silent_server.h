@@ -30,7 +30,7 @@ public:
     SilentServer(const SilentServer&) = delete;
     SilentServer& operator=(const SilentServer&) = delete;
 
-    void await() { guest_ = accept(listener_, nullptr, nullptr); }
+    void await() { close(std::exchange(guest_, accept(listener_, nullptr, nullptr))); }
 
     // Who came is sent away, and so is everybody who comes.
     void refuse()
