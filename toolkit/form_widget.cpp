@@ -240,7 +240,7 @@ bool FormWidget::passOn(const QMouseEvent& press)
     if (grip_ || press.buttons() != press.button() || rect().contains(press.position().toPoint()))
         return false;
     QWindow* meant = QGuiApplication::topLevelAt(press.globalPosition().toPoint());
-    if (!meant || meant == windowHandle() || QGuiApplication::modalWindow())
+    if (!meant || meant == windowHandle())
         return false;
     QMouseEvent passed(press.type(), meant->mapFromGlobal(press.globalPosition()), press.globalPosition(),
                        press.button(), press.buttons(), press.modifiers());

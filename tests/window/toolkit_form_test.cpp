@@ -662,6 +662,9 @@ TEST_CASE("A press that comes past a dialog is passed on to no window")
         return !pair.other.heard.empty();
     };
     CHECK(press());
+    QMouseEvent release(QEvent::MouseButtonRelease, QPointF(15, 15), QPointF(415, 15), Qt::LeftButton,
+                        Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(pair.other.page()->windowHandle(), &release);
     QDialog box;
     box.setModal(true);
     box.setGeometry(600, 400, 100, 100); // beside the place of the press
