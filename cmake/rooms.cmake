@@ -51,6 +51,18 @@ if(NOT VELMORA_SANITIZE AND NOT VELMORA_COVERAGE)
     $<$<CONFIG:RelWithDebInfo>:-U_FORTIFY_SOURCE> $<$<CONFIG:RelWithDebInfo>:-D_FORTIFY_SOURCE=2>)
 endif()
 
+# What most sources of a target include is read and compiled once for all of them, which takes a third off a cold build.
+# Builds without the tests read it in each source, and so find the one that forgot an include.
+set(common_headers <algorithm> <chrono> <functional> <map> <memory> <optional> <sstream> <string> <vector>)
+set(qt_headers <QApplication> <QMouseEvent> <QPainter> <QTimer>)
+function(velmora_read_once target)
+  if(BUILD_TESTING)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
+                                             "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>") # for ccache
+  endif()
+endfunction()
+
 # The library `velmora_NAME` of the sources in this folder. SEES: rooms. LINKS: libraries from outside.
 function(velmora_room name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SEES;LINKS")
