@@ -63,13 +63,18 @@ function(velmora_read_once target)
   endif()
 endfunction()
 
-# The library `velmora_NAME` of the sources in this folder. SEES: rooms. LINKS: libraries from outside.
+# The library `velmora_NAME` of the sources in this folder. SEES: rooms. LINKS: libraries from outside. READS: headers that
+# most of the sources include, beside the common ones.
 function(velmora_room name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SEES;LINKS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SEES;LINKS;READS")
   file(GLOB sources CONFIGURE_DEPENDS *.cpp)
   add_library(velmora_${name} STATIC ${sources})
   list(TRANSFORM arg_SEES PREPEND velmora_)
   target_link_libraries(velmora_${name} PUBLIC velmora_code ${arg_SEES} PRIVATE velmora_careful ${arg_LINKS})
+  list(LENGTH sources count)
+  if(count GREATER 10)
+    velmora_read_once(velmora_${name} ${common_headers} ${arg_READS})
+  endif()
 endfunction()
 
 # A room in a file of its own, build/modules/velmora-NAME.so, which the program binds when it is first needed. What the
