@@ -3,13 +3,13 @@
 
 #include "files/account.h"
 #include "files/folders.h"
+#include "platform/environment_variable.h"
 #include "platform/paths.h"
 
 #include <unistd.h>
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <fstream>
 #include <optional>
 
@@ -69,12 +69,6 @@ std::optional<Text> musicEntry(std::string_view line, const Environment& environ
     return value && isAbsolute(*value) ? value : std::nullopt;
 }
 
-Text variable(const char* name)
-{
-    const char* value = std::getenv(name);
-    return value ? value : "";
-}
-
 Text executable()
 {
     constexpr std::string_view removed = " (deleted)";
@@ -88,18 +82,18 @@ Text executable()
 
 Environment environmentOfProcess()
 {
-    const Text home = variable("HOME");
+    const Text home = environmentVariable("HOME");
     return {.executable = executable(),
             .home = home,
             .accountHome = isAbsolute(home) ? Text() : files::accountOfUser().home, // asked only in need
-            .configHome = variable("XDG_CONFIG_HOME"),
-            .dataHome = variable("XDG_DATA_HOME"),
-            .stateHome = variable("XDG_STATE_HOME"),
-            .cacheHome = variable("XDG_CACHE_HOME"),
-            .runtimeFolder = variable("XDG_RUNTIME_DIR"),
-            .searchPath = variable("PATH"),
-            .busAddress = variable("DBUS_SESSION_BUS_ADDRESS"),
-            .systemBus = variable("DBUS_SYSTEM_BUS_ADDRESS")};
+            .configHome = environmentVariable("XDG_CONFIG_HOME"),
+            .dataHome = environmentVariable("XDG_DATA_HOME"),
+            .stateHome = environmentVariable("XDG_STATE_HOME"),
+            .cacheHome = environmentVariable("XDG_CACHE_HOME"),
+            .runtimeFolder = environmentVariable("XDG_RUNTIME_DIR"),
+            .searchPath = environmentVariable("PATH"),
+            .busAddress = environmentVariable("DBUS_SESSION_BUS_ADDRESS"),
+            .systemBus = environmentVariable("DBUS_SYSTEM_BUS_ADDRESS")};
 }
 
 Text homeFolder(const Environment& environment)

@@ -3,10 +3,10 @@
 
 #include "files/errand.h"
 #include "files/folders.h"
+#include "platform/environment_variable.h"
 #include "platform/paths.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 
 namespace fs = std::filesystem;
@@ -88,8 +88,8 @@ Names pathDownTo(const Text& path)
 
 Text homeFolder()
 {
-    const char* home = std::getenv("HOME");
-    return home && isFolder(home) ? Text(home) : Text(driveRoot);
+    const Text home = environmentVariable("HOME");
+    return isFolder(home) ? home : Text(driveRoot);
 }
 
 }

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "modules/sound/standing_server.h"
 
-#include "platform/text.h"
+#include "platform/environment_variable.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <string_view>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -15,12 +14,6 @@ namespace audio
 
 namespace
 {
-
-Text variable(const char* name)
-{
-    const char* value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
 
 // Someone listens there. A server that is too busy to take the call listens, too.
 bool isListenedTo(const Text& path)
@@ -42,13 +35,14 @@ bool isListenedTo(const Text& path)
 bool pulseStands()
 {
     constexpr std::string_view ofSocket = "unix:";
-    const Text named = variable("PULSE_SERVER");
+    const Text named = environmentVariable("PULSE_SERVER");
     if (named.starts_with(ofSocket))
         return isListenedTo(named.substr(ofSocket.size()));
     if (!named.empty())
         return named.front() != '/' || isListenedTo(named); // another machine's is the library's to find
-    return isListenedTo(variable("PULSE_RUNTIME_PATH") + "/native") ||
-           isListenedTo(variable("XDG_RUNTIME_DIR") + "/pulse/native") || isListenedTo("/run/pulse/native");
+    return isListenedTo(environmentVariable("PULSE_RUNTIME_PATH") + "/native") ||
+           isListenedTo(environmentVariable("XDG_RUNTIME_DIR") + "/pulse/native") ||
+           isListenedTo("/run/pulse/native");
 }
 
 bool sndioStands()
@@ -61,7 +55,7 @@ bool sndioStands()
 
 bool jackStands()
 {
-    const Text named = variable("JACK_DEFAULT_SERVER");
+    const Text named = environmentVariable("JACK_DEFAULT_SERVER");
     const Text server = "/dev/shm/jack_" + (named.empty() ? "default" : named) + '_';
     return isListenedTo(server + std::to_string(getuid()) + "_0") || isListenedTo(server + '0');
 }
