@@ -18,7 +18,10 @@ namespace
 
 // The application in the program's style, for as long as this lives.
 struct Dressed {
-    Dressed() : before(QApplication::font()) { QApplication::setStyle(new SkinStyle); }
+    Dressed() : before(QApplication::font())
+    {
+        QApplication::setStyle(new SkinStyle);
+    } // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): the application owns its style
     ~Dressed()
     {
         setTone(DesktopTone::usual);
