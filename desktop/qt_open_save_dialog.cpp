@@ -5,6 +5,7 @@
 #include "desktop/file_dialog_gate.h"
 #include "desktop/file_dialog_look.h"
 #include "desktop/file_pictures.h"
+#include "desktop/raw_names.h"
 #include "files/errand.h"
 #include "platform/failure.h"
 #include "platform/paths.h"
@@ -15,14 +16,15 @@
 #include <QApplication>
 #include <QCompleter>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QFileSystemModel>
 #include <QLineEdit>
 #include <QScreen>
 #include <QSettings>
 #include <QUrl>
 #include <algorithm>
-#include <iterator>
 #include <memory>
+#include <optional>
 
 namespace desktop
 {
@@ -159,6 +161,8 @@ QString nameOf(const QModelIndexList& rows)
     return names.size() == 1 ? names.front() : '"' + names.join("\" \"") + '"';
 }
 
+}
+
 // The answer is the selection while the name's field tells it, and otherwise what is typed there. Qt 6.4
 // alone would take every selection, and while a path is typed, it selects the folders on the way.
 class FileDialog final : KeptByLibrary, public QFileDialog
@@ -189,6 +193,24 @@ public:
             delete dialog;
     }
 
+    // Not where one is saved: the library would write over it unasked.
+    void offerRawNames()
+    {
+        if (folders_)
+            rawNames_.emplace(*folders_);
+    }
+
+    std::vector<Text> chosenPaths() const
+    {
+        const auto addresses = selectedUrls();
+        std::vector<Text> paths;
+        for (const QString& path : selectedFiles()) {
+            const auto raw = rawNames_ ? rawNames_->pathOf(path) : std::nullopt;
+            paths.push_back(raw ? *raw : bytesOfPath(path, addresses[static_cast<qsizetype>(paths.size())]));
+        }
+        return paths;
+    }
+
     void accept() override
     {
         if (!gate_.unanswered().isEmpty())
@@ -197,7 +219,10 @@ public:
         const auto* files = findChild<QAbstractItemView*>("listView"); // the other shares its selection
         if (name && files && !name->text().isEmpty())
             settle(*name, *files->selectionModel());
-        QFileDialog::accept();
+        if (standUnderRawNames(selectedFiles()))
+            QDialog::accept();
+        else
+            QFileDialog::accept();
     }
 
 private:
@@ -222,6 +247,7 @@ private:
     {
         lastVisited = QUrl::fromLocalFile(folders.rootPath()).toString();
         folders.disconnect(this);
+        rawNames_.reset();
         folders.setOption(QFileSystemModel::DontWatchForChanges);
         const QString last = QDir::rootPath();
         connect(&folders, &QFileSystemModel::directoryLoaded, this, [this, last](const QString& folder) {
@@ -230,6 +256,15 @@ private:
         });
         for (const QString& folder : {last, QString(), last})
             folders.setRootPath(folder);
+    }
+
+    // The library would look for them under the names that it shows.
+    bool standUnderRawNames(const QStringList& paths) const
+    {
+        const auto isRaw = [this](const QString& path) { return rawNames_ && rawNames_->pathOf(path); };
+        const auto stands = [&](const QString& path) { return isRaw(path) || QFileInfo(path).isFile(); };
+        return std::any_of(paths.begin(), paths.end(), isRaw) &&
+               std::all_of(paths.begin(), paths.end(), stands);
     }
 
     static void settle(const QLineEdit& name, QItemSelectionModel& selection)
@@ -245,8 +280,12 @@ private:
 
     QFileSystemModel* folders_ = findChild<QFileSystemModel*>();
     FileDialogGate gate_{*this};
+    std::optional<RawNames> rawNames_;
     const ViewMode viewBefore_ = viewMode();
 };
+
+namespace
+{
 
 using Showing = std::unique_ptr<FileDialog, void (*)(FileDialog*)>;
 
@@ -258,6 +297,7 @@ void QtOpenSaveDialog::ShowOpen()
 {
     const Showing dialog = dialogIn(beginningFolder());
     dialog->setAcceptMode(QFileDialog::AcceptOpen);
+    dialog->offerRawNames();
     if (flags_ & severalFiles)
         dialog->setFileMode(QFileDialog::ExistingFiles);
     else
@@ -274,7 +314,7 @@ void QtOpenSaveDialog::ShowSave()
     show(*dialog);
 }
 
-void QtOpenSaveDialog::show(QFileDialog& dialog)
+void QtOpenSaveDialog::show(FileDialog& dialog)
 {
     const QStringList names = nameFilters(dialogFilters(filter_));
     dialog.setWindowTitle(shown(title_));
@@ -309,10 +349,9 @@ Text QtOpenSaveDialog::beginningFolder() const
     return firstFolder();
 }
 
-void QtOpenSaveDialog::take(QFileDialog& dialog)
+void QtOpenSaveDialog::take(FileDialog& dialog)
 {
-    const auto paths = dialog.selectedFiles();
-    std::ranges::transform(paths, dialog.selectedUrls(), std::back_inserter(paths_), bytesOfPath);
+    paths_ = dialog.chosenPaths();
     filterIndex_ = chosenFilter(dialogFilters(filter_), dialog.selectedNameFilter());
     folder_ = folderOf(paths_.front());
 }

@@ -4,10 +4,10 @@
 #include "desktop/dialog_memory.h"
 #include "platform/open_save_dialog.h"
 
-class QFileDialog;
-
 namespace desktop
 {
+
+class FileDialog;
 
 class QtOpenSaveDialog final : public OpenSaveDialog
 {
@@ -28,8 +28,8 @@ public:
     void GetFileList(Text& folder, std::vector<Text>& names, std::int32_t& count) const override;
 
 private:
-    void show(QFileDialog& dialog);
-    void take(QFileDialog& dialog);
+    void show(FileDialog& dialog);
+    void take(FileDialog& dialog);
     Text beginningFolder() const;
 
     DialogMemory memory_;

@@ -67,6 +67,17 @@ class Dialogs(case.Case):
                 self.app.gone(TITLE)
                 self.wait_label(places.LENGTH, "0:01")
 
+    def test_a_file_whose_name_is_no_text_can_be_clicked(self):
+        for seconds, name in ((3, b"na\xefve.wav"), (4, b"na\xeeve.wav")):
+            path = os.fsencode(self.desk.music) + b"/" + name
+            sounds.write_wav(pathlib.Path(os.fsdecode(path)), sounds.counter(seconds * sounds.RATE, 1))
+        for shown, length in (("na\ufffdve.wav", "0:04"), ("na\ufffd\ufffdve.wav", "0:03")):
+            self.app.menu(self.main, "f", "o")
+            row = wait_for(lambda: next((c for c in self.app.controls(TITLE) if c.name == shown), None), f"{shown} shows")
+            self.app.click_control(row, times=2)
+            self.app.gone(TITLE)
+            self.wait_label(places.LENGTH, length)
+
 
 @unittest.skipUnless(any(pathlib.Path("/usr/lib").glob(f"*/{PLUGIN}")), "the library's way to the desktop's dialog is not there")
 class DesktopsOwn(case.Case):

@@ -161,6 +161,95 @@ TEST_CASE("A double click takes the file, quotes included")
     CHECK(desk.control.FileName() == desk.folder / "7\" mix.mp3");
 }
 
+TEST_CASE("A file whose name is no UTF-8 is shown as such names are, and taken under its own bytes")
+{
+    Desk desk(openingSeveral);
+    for (const char* name : {"na\xefve.mp3", "na\xeeve.mp3", ".na\xefve.mp3"})
+        putFile(desk.folder / name, "");
+    std::filesystem::create_directory(desk.folder / "fo\xeflder");
+    std::set<Text> seen;
+    const int failure = desk.show([&](FileDialogHand& hand) {
+        hand.click("na\uFFFDve.mp3");
+        hand.click("na\uFFFD\uFFFDve.mp3", Qt::ControlModifier);
+        hand.click("a.mp3", Qt::ControlModifier);
+        seen = hand.shownFiles();
+        hand.accept();
+    });
+    CHECK(failure == 0);
+    CHECK(desk.chosen() == Lines{"a.mp3", "na\xeeve.mp3", "na\xefve.mp3"});
+    CHECK(seen.size() == 7); // those two, and what lies there always
+}
+
+TEST_CASE("A name that looks like one that is no UTF-8 is told from it")
+{
+    const Text looksAlike = "na\uFFFDve.mp3";
+    for (const Text& chosen : {looksAlike, Text("na\xefve.mp3")}) {
+        Desk desk(openingOne);
+        putFile(desk.folder / looksAlike, "");
+        putFile(desk.folder / "na\xefve.mp3", "");
+        const int failure = desk.show([&](FileDialogHand& hand) {
+            CHECK(waitFor([&] { return hand.shownFiles().contains("na\uFFFD\uFFFDve.mp3"); }));
+            hand.doubleClick(chosen == looksAlike ? looksAlike : "na\uFFFD\uFFFDve.mp3");
+        });
+        CHECK(failure == 0);
+        CHECK(desk.control.FileName() == desk.folder / chosen);
+    }
+}
+
+TEST_CASE("A name that is no UTF-8 can be typed as it shows, and comes back when its folder changes")
+{
+    Desk desk(openingOne);
+    putFile(desk.folder / "na\xefve.mp3", "");
+    const int failure = desk.show([&](FileDialogHand& hand) {
+        CHECK(waitFor([&] { return hand.shownFiles().contains("na\uFFFDve.mp3"); }));
+        putFile(desk.folder / "new.mp3", "");
+        CHECK(waitFor([&] { return hand.shownFiles().contains("new.mp3"); }));
+        CHECK(waitFor([&] { return hand.shownFiles().contains("na\uFFFDve.mp3"); }));
+        hand.type("na\uFFFDve.mp3");
+        hand.accept();
+    });
+    CHECK(failure == 0);
+    CHECK(desk.control.FileName() == desk.folder / "na\xefve.mp3");
+}
+
+TEST_CASE("A filter leaves out names that are no UTF-8, too")
+{
+    Desk desk(openingOne);
+    desk.control.setFilterIndex(1);
+    putFile(desk.folder / "na\xefve.mp3", "");
+    putFile(desk.folder / "li\xefst.VLP", "");
+    putFile(desk.folder / "b.vlp", "");
+    std::set<Text> seen;
+    const int failure = failureOf([&] {
+        QTimer::singleShot(0, [&] {
+            FileDialogHand hand;
+            hand.goTo(desk.folder.path());
+            CHECK(waitFor([&] { return hand.shownFiles().contains("li\uFFFDst.VLP"); }));
+            seen = hand.shownFiles();
+            hand.doubleClick("li\uFFFDst.VLP");
+        });
+        desk.control.ShowOpen();
+    });
+    CHECK(failure == 0);
+    CHECK(desk.control.FileName() == desk.folder / "li\xefst.VLP");
+    CHECK(seen == std::set<Text>{"sub", "b.vlp", "li\uFFFDst.VLP"});
+}
+
+TEST_CASE("Who saves is offered no name that is no UTF-8")
+{
+    Desk desk(saving);
+    putFile(desk.folder / "na\xefve.mp3", "old");
+    const int failure = desk.show([&](FileDialogHand& hand) {
+        putFile(desk.folder / "new.mp3", "");
+        CHECK(waitFor([&] { return hand.shownFiles().contains("new.mp3"); }));
+        CHECK(hand.shownFiles().size() == 6);
+        hand.type("na\uFFFDve.mp3");
+        hand.accept();
+    });
+    CHECK(failure == 0);
+    CHECK(desk.control.FileName() == desk.folder / "na\uFFFDve.mp3");
+}
+
 TEST_CASE("Saving on a clicked file replaces that file")
 {
     for (const Text name : {"a.mp3", "7\" mix.mp3", "\"live\".mp3"}) {
