@@ -166,6 +166,14 @@ public:
         require(heard_ - before <= int{isAnswered}, "a refused call has done something");
     }
 
+    // What is told next depends on what was told before: each input begins alike, and so takes the same edges
+    // in every run.
+    void rests()
+    {
+        remote_->show({}, 0);
+        QCoreApplication::processEvents();
+    }
+
 private:
     QDBusMessage call(const char* interface, const char* member, const QVariantList& arguments)
     {
@@ -190,17 +198,29 @@ private:
     int heard_ = 0;
 };
 
+Neighbour& neighbour()
+{
+    static Neighbour only;
+    return only;
+}
+
+}
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    neighbour().rests();
+    return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
-    static Neighbour neighbour;
     FuzzedDataProvider input(bytes, size);
-    neighbour.plays(song(input), input.ConsumeIntegral<std::int32_t>());
+    neighbour().plays(song(input), input.ConsumeIntegral<std::int32_t>());
     for (int calls = 0; calls < 8 && input.remaining_bytes() > 0; ++calls) {
         const char* interface = oneOf(interfaces, input);
         const Member& member = oneOf(members, input);
-        neighbour.asks(interface, member.name, arguments(member.signature, input));
+        neighbour().asks(interface, member.name, arguments(member.signature, input));
     }
+    neighbour().rests();
     return 0;
 }
