@@ -13,6 +13,8 @@ if(VELMORA_SANITIZE)
   target_compile_options(velmora_code INTERFACE -fsanitize=${VELMORA_SANITIZE} -fno-omit-frame-pointer
                                                 -fno-sanitize-recover=all)
   target_link_options(velmora_code INTERFACE -fsanitize=${VELMORA_SANITIZE})
+  target_sources(velmora_code INTERFACE
+    $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:${PROJECT_SOURCE_DIR}/cmake/sanitizer_notes.cpp>)
 endif()
 
 # Where the whole program is linked from what the compiler thought of it, no two types have one name. What it guesses there

@@ -52,17 +52,6 @@ void skipCase(const std::string& why)
 
 DOCTEST_REGISTER_LISTENER("counter", 1, Counter);
 
-// Libraries are built without the thread sanitizer, which therefore sees none of the locks inside them. The
-// sound server's client hands used packets from one of its connections to the next by atomics of its own
-// making, and the C library keeps its time zone under a lock of its own. The sanitizer does not see the
-// locking of a timed mutex either, only its unlocking.
-extern "C" const char* __tsan_default_suppressions()
-{
-    return "race:libQt6\nrace:libglib-2.0\nrace:libdbus-1\nrace:libburn\n"
-           "race:pa_iochannel_read_with_ancil_data\nrace:pa_packet_new_data\nrace:tzset_internal\n"
-           "mutex:std::timed_mutex::unlock\n";
-}
-
 namespace
 {
 

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the libraries do inside themselves, and the sanitizers need not tell. Part of every program of a build
+// that has one.
+
+#ifdef __SANITIZE_ADDRESS__
+extern "C" const char* __lsan_default_suppressions();
+
+const char* __lsan_default_suppressions()
+{
+    // The ALSA library's copy of its configuration, made while the sound server is away.
+    return "leak:snd_config_make\n"
+           "leak:snd_config_set_string\n";
+}
+#endif
+
+#ifdef __SANITIZE_THREAD__
+extern "C" const char* __tsan_default_suppressions();
+
+// Libraries are built without the thread sanitizer, which therefore sees none of the locks inside them. The
+// sound server's client hands used packets from one of its connections to the next by atomics of its own
+// making, and the C library keeps its time zone under a lock of its own. The sanitizer does not see the
+// locking of a timed mutex either, only its unlocking.
+const char* __tsan_default_suppressions()
+{
+    return "race:libQt6\nrace:libglib-2.0\nrace:libdbus-1\nrace:libburn\n"
+           "race:pa_iochannel_read_with_ancil_data\nrace:pa_packet_new_data\nrace:tzset_internal\n"
+           "mutex:std::timed_mutex::unlock\n";
+}
+#endif
