@@ -15,6 +15,10 @@ const char* __lsan_default_suppressions()
 
 #ifdef __SANITIZE_THREAD__
 extern "C" const char* __tsan_default_suppressions();
+extern "C" const char* __tsan_default_options();
+
+// Tests make a process of a test's own from one that has threads, and threads in it.
+const char* __tsan_default_options() { return "die_after_fork=0"; }
 
 // Libraries are built without the thread sanitizer, which therefore sees none of the locks inside them. The
 // sound server's client hands used packets from one of its connections to the next by atomics of its own

@@ -5,16 +5,14 @@
 
 #include <doctest/doctest.h>
 
-#include <unistd.h>
-
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 
 #ifdef VELMORA_WINDOW_TESTS
 #include "tests/support/temporary_folder.h"
 
 #include <QApplication>
-#include <cstdlib>
 #endif
 
 namespace
@@ -88,6 +86,6 @@ int main(int argc, char** argv)
 #else
     std::cout.flush();
     std::fflush(nullptr);
-    _exit(status);
+    std::quick_exit(status);
 #endif
 }

@@ -12,6 +12,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <list>
 
 using systemCalls::next;
 
@@ -19,33 +20,40 @@ namespace
 {
 
 struct Fault {
-    std::atomic<bool> stands = false;
-    std::string folder;
-    std::string names; // each between two blanks
-    int error = 0;
-    FailingDisk::When when;
+    Fault(const Text& place, const Text& callNames, int number, FailingDisk::When time) :
+        folder(place), names(' ' + callNames + ' '), error(number), when(time)
+    {
+    }
+
+    const Text folder;
+    const Text names; // each between two blanks
+    const int error;
+    const FailingDisk::When when;
     std::atomic<int> calls = 0;
     std::atomic<int> failures = 0;
 };
 
-Fault& fault()
+// None goes before the tests do, as another thread may look at it.
+std::list<Fault>& faults()
 {
-    static Fault only;
-    return only;
+    static std::list<Fault> all;
+    return all;
 }
 
-bool isMeant(const char* call)
+std::atomic<Fault*> standing = nullptr;
+
+bool isMeant(const Fault& fault, const char* call)
 {
-    return fault().stands && fault().names.find(std::string(" ") + call + ' ') != std::string::npos;
+    return fault.names.find(Text(" ") + call + ' ') != Text::npos;
 }
 
-bool failsNow()
+bool failsNow(Fault& fault)
 {
-    const int call = fault().calls++ - fault().when.after;
-    if (call < 0 || call >= fault().when.times)
+    const int call = fault.calls++ - fault.when.after;
+    if (call < 0 || call >= fault.when.times)
         return false;
-    ++fault().failures;
-    errno = fault().error;
+    ++fault.failures;
+    errno = fault.error;
     return true;
 }
 
@@ -56,29 +64,27 @@ namespace smallDisk
 
 bool fails(const char* call, const char* path)
 {
-    return isMeant(call) && systemCalls::liesBelow(path, fault().folder.c_str()) && failsNow();
+    Fault* const fault = standing;
+    return fault != nullptr && isMeant(*fault, call) && systemCalls::liesBelow(path, fault->folder.c_str()) &&
+           failsNow(*fault);
 }
 
 bool fails(const char* call, int file)
 {
-    return isMeant(call) && fails(call, systemCalls::PathOfOpen(file).get());
+    const Fault* const fault = standing;
+    return fault != nullptr && isMeant(*fault, call) && fails(call, systemCalls::PathOfOpen(file).get());
 }
 
 }
 
 FailingDisk::FailingDisk(const Text& folder, const char* calls, int error, When when)
 {
-    fault().names = std::string(" ") + calls + ' ';
-    fault().error = error;
-    fault().when = when;
-    fault().calls = fault().failures = 0;
-    fault().folder = folder;
-    fault().stands = true;
+    standing = &faults().emplace_back(folder, calls, error, when);
 }
 
-FailingDisk::~FailingDisk() { fault().stands = false; }
+FailingDisk::~FailingDisk() { standing = nullptr; }
 
-int FailingDisk::failures() const { return fault().failures; }
+int FailingDisk::failures() const { return faults().back().failures; }
 
 // A call as it stands in the C library, behind the fault. Of `place`, a path or what is open.
 #define FAILING(call, place, result, name, parameters, how, ...)                                             \
@@ -95,6 +101,7 @@ FAILING("pread", file, ssize_t, pread64, (int file, void* into, std::size_t size
 FAILING("stat", path, int, stat, (const char* path, struct stat* status), noexcept, path, status)
 FAILING("lstat", path, int, lstat, (const char* path, struct stat* status), noexcept, path, status)
 FAILING("fstat", file, int, fstat, (int file, struct stat* status), noexcept, file, status)
+FAILING("fstat", file, int, __fxstat, (int version, int file, struct stat* status), noexcept, version, file, status) // as the thread sanitizer asks
 FAILING("fsync", file, int, fsync, (int file), , file)
 FAILING("fdatasync", file, int, fdatasync, (int file), , file)
 FAILING("ftruncate", file, int, ftruncate, (int file, off_t size), noexcept, file, size)
@@ -109,9 +116,10 @@ FAILING("renameat2", to, int, renameat2, (int at, const char* from, int toAt, co
 int close(int file)
 {
     const bool fails = smallDisk::fails("close", file);
+    const int error = errno;
     const int answer = next<int(int)>("close")(file);
     if (fails)
-        errno = fault().error;
+        errno = error;
     return fails ? -1 : answer;
 }
 }

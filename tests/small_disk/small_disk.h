@@ -2,18 +2,20 @@
 // What the small disk of a test is at the moment, for the calls that stand in its place.
 #pragma once
 
+#include "tests/support/system_calls.h"
+
 #include <sys/types.h>
 
-#include <string>
+#include <atomic>
 
-namespace smallDisk
+namespace [[gnu::visibility("hidden")]] smallDisk
 {
 
 struct Disk {
-    std::string folder; // "" while there is none
-    off_t bytes = 0;
-    bool isReadOnly = false;
-    bool takesPieces = false;
+    systemCalls::Place folder;
+    std::atomic<off_t> bytes = 0;
+    std::atomic<bool> isReadOnly = false;
+    std::atomic<bool> takesPieces = false;
 };
 
 Disk& disk();

@@ -10,7 +10,6 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <type_traits>
 
 using systemCalls::next;
 using systemCalls::PathOfOpen;
@@ -20,7 +19,7 @@ namespace
 
 constexpr int mostSteps = 6000; // of ten milliseconds
 
-char folder[PATH_MAX];
+systemCalls::Place folder;
 const char* sign = nullptr; // a file without which nothing hangs yet
 std::atomic<bool> hangs{false};
 std::atomic<HungShare::Holds> holds{HungShare::Holds::everything};
@@ -29,7 +28,7 @@ std::atomic<int> held{0};
 
 void hangBelow(const char* name)
 {
-    std::strncpy(folder, name, sizeof folder - 1);
+    folder.set(name);
     hangs = true;
 }
 
@@ -54,7 +53,7 @@ void wait()
 
 void hold(const char* path)
 {
-    if (hangs && systemCalls::liesBelow(path, folder) && hasBegun())
+    if (hangs && folder.holds(path) && hasBegun())
         wait();
 }
 
@@ -82,11 +81,10 @@ void holdAt(int at, const char* path, Hold&& holdPath)
 
 void holdReading(int file)
 {
-    if (!hangs || holds == HungShare::Holds::writings ||
-        !systemCalls::liesBelow(PathOfOpen(file).get(), folder))
+    if (!hangs || holds == HungShare::Holds::writings || !folder.holds(PathOfOpen(file).get()))
         return;
     if (holds != HungShare::Holds::secondReads || readsLeft-- <= 0)
-        hold(folder);
+        hold(folder.get());
 }
 
 void holdWriting(int file)

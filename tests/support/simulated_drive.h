@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -20,15 +21,27 @@
 class SimulatedDrives
 {
 public:
-    SimulatedDrives() { setenv(simulated::folderVariable, folder_.path().c_str(), 1); }
+    SimulatedDrives()
+    {
+        setenv(simulated::folderVariable, folder_.path().c_str(), 1);
+        std::at_quick_exit(remove); // which comes to no destructor
+    }
 
     Text statePath(int number) const { return folder_ / ("sr" + std::to_string(number)); }
 
 private:
+    static void remove();
+
     TemporaryFolder folder_;
 };
 
 inline const SimulatedDrives simulatedDrives;
+
+inline void SimulatedDrives::remove()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(simulatedDrives.folder_.path(), ignored);
+}
 
 class SimulatedDrive
 {

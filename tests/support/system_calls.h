@@ -6,11 +6,14 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <climits>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <list>
+#include <string>
 
 // Each library's own: what stands behind a call depends on who asks.
 namespace [[gnu::visibility("hidden")]] systemCalls
@@ -66,6 +69,24 @@ public:
 
 private:
     char path_[2 * PATH_MAX];
+};
+
+// The folder that a library is about, "" while there is none. Other threads' calls may still look at a name
+// while the next one is said, so none goes before the tests do.
+class Place
+{
+public:
+    void set(const std::string& folder)
+    {
+        static auto& names = *new std::list<std::string>;
+        path_ = names.emplace_back(folder).c_str();
+    }
+    void clear() { path_ = ""; }
+    const char* get() const { return path_; }
+    bool holds(const char* path) const { return liesBelow(path, get()); }
+
+private:
+    std::atomic<const char*> path_ = "";
 };
 
 }
