@@ -2,7 +2,6 @@
 #include "modules/sound/cubeb_client.h"
 
 #include "engines/audio/thread_priority.h"
-#include "modules/sound/standing_server.h"
 
 #include <algorithm>
 #include <cubeb/cubeb.h>
@@ -78,7 +77,7 @@ void CubebClient::leave()
 bool CubebClient::start(Playing& playing)
 {
     putBeforeOtherWork();
-    if (context_ == nullptr && cubeb_init(&context_, "Velmora", standingServer()) != CUBEB_OK)
+    if (context_ == nullptr && cubeb_init(&context_, "Velmora", nullptr) != CUBEB_OK)
         return false;
     cubeb_stream_params params{};
     params.format = CUBEB_SAMPLE_S16NE;

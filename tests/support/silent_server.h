@@ -35,7 +35,7 @@ public:
     // Who came is sent away, and so is everybody who comes.
     void refuse()
     {
-        shutdown(listener_, SHUT_RDWR);
+        close(std::exchange(listener_, -1));
         close(std::exchange(guest_, -1));
     }
 

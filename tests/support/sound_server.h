@@ -44,9 +44,9 @@ public:
     void hang() { process_->send(SIGSTOP); }
     void wakeUp() { process_->send(SIGCONT); }
 
-private:
     Text socket() const { return otherwise_.pulseSocket(); }
 
+private:
     bool answers() const
     {
         sockaddr_un address{};
