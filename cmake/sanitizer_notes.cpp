@@ -22,12 +22,13 @@ const char* __tsan_default_options() { return "die_after_fork=0"; }
 
 // Libraries are built without the thread sanitizer, which therefore sees none of the locks inside them. The
 // sound server's client hands used packets from one of its connections to the next by atomics of its own
-// making, and the C library keeps its time zone under a lock of its own. The sanitizer does not see the
-// locking of a timed mutex either, only its unlocking.
+// making, the C library keeps its time zone under a lock of its own, and libdbus takes locks of its own in a
+// circle, all on the toolkit's one thread for the bus. The sanitizer does not see the locking of a timed
+// mutex either, only its unlocking; in a module it does not know who unlocks.
 const char* __tsan_default_suppressions()
 {
     return "race:libQt6\nrace:libglib-2.0\nrace:libdbus-1\nrace:libburn\n"
            "race:pa_iochannel_read_with_ancil_data\nrace:pa_packet_new_data\nrace:tzset_internal\n"
-           "mutex:std::timed_mutex::unlock\n";
+           "deadlock:libdbus-1\nmutex:std::timed_mutex::unlock\nmutex:velmora-discs.so\n";
 }
 #endif
