@@ -26,9 +26,13 @@ constexpr FileKind kinds[] = {
 };
 // clang-format on
 
+thread_local QString nameForAll;
+
+QString nameOf(const QFileInfo& file) { return nameForAll.isEmpty() ? file.fileName() : nameForAll; }
+
 const char* pictureNameOf(const QFileInfo& file)
 {
-    const QString ending = file.suffix().toLower();
+    const QString ending = QFileInfo(nameOf(file)).suffix().toLower();
     for (const auto& kind : kinds)
         if (ending == QLatin1String(kind.ending))
             return kind.picture;
@@ -72,7 +76,7 @@ public:
 private:
     static QMimeType kindOf(const QFileInfo& file)
     {
-        return QMimeDatabase().mimeTypeForFile(file.fileName(), QMimeDatabase::MatchExtension);
+        return QMimeDatabase().mimeTypeForFile(nameOf(file), QMimeDatabase::MatchExtension);
     }
 
     QHash<QString, QIcon> pictures_; // made once: threads that look at folders ask for them
@@ -87,5 +91,9 @@ QAbstractFileIconProvider& filePictures()
     static auto* const pictures = new FilePictures;
     return *pictures;
 }
+
+PicturedAs::PicturedAs(const QString& name) { nameForAll = name; }
+
+PicturedAs::~PicturedAs() { nameForAll.clear(); }
 
 }

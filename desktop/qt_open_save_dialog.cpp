@@ -196,8 +196,9 @@ public:
     // Not where one is saved: the library would write over it unasked.
     void offerRawNames()
     {
-        if (folders_)
-            rawNames_.emplace(*folders_);
+        const auto* files = filesView();
+        if (folders_ && files)
+            rawNames_.emplace(*folders_, *files->selectionModel());
     }
 
     std::vector<Text> chosenPaths() const
@@ -216,7 +217,7 @@ public:
         if (!gate_.unanswered().isEmpty())
             return;
         const auto* name = findChild<QLineEdit*>("fileNameEdit");
-        const auto* files = findChild<QAbstractItemView*>("listView"); // the other shares its selection
+        const auto* files = filesView();
         if (name && files && !name->text().isEmpty())
             settle(*name, *files->selectionModel());
         if (standUnderRawNames(selectedFiles()))
@@ -232,6 +233,9 @@ private:
         auto* window = QApplication::activeWindow();
         return window && window->isVisible() ? window : nullptr;
     }
+
+    // The other view shares its selection.
+    QAbstractItemView* filesView() const { return findChild<QAbstractItemView*>("listView"); }
 
     // The list of completions would come again with each folder that is looked at. Closed alone, it may still
     // be where the keys go, and crashes with the next one.

@@ -237,7 +237,7 @@ bool FormWidget::eventFilter(QObject*, QEvent* event)
 // was dragged; a quick hand has moved on to another one by then.
 bool FormWidget::passOn(const QMouseEvent& press)
 {
-    if (grip_ || press.buttons() != press.button() || rect().contains(press.position().toPoint()))
+    if (grip_ || press.buttons() != press.button() || QRectF(rect()).contains(press.position()))
         return false;
     QWindow* meant = QGuiApplication::topLevelAt(press.globalPosition().toPoint());
     if (!meant || meant == windowHandle())

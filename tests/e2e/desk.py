@@ -153,7 +153,7 @@ class Desk:
             if name == "ASAN":
                 options.append("verify_asan_link_order=0")
             if name == "TSAN":
-                options.append("report_thread_leaks=0")
+                options += ["report_thread_leaks=0", "atexit_sleep_ms=0"]
             self.environment[f"{name}_OPTIONS"] = ":".join(filter(None, options))
 
     def sanitizer_words(self):

@@ -10,6 +10,7 @@
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMouseEvent>
@@ -79,6 +80,16 @@ public:
         return names;
     }
 
+    std::set<Text> chosenFiles() const
+    {
+        std::set<Text> names;
+        for (const auto& row : files_.selectionModel()->selectedRows())
+            names.insert(row.data().toString().toStdString());
+        return names;
+    }
+
+    const QFileSystemModel& model() const { return dynamic_cast<QFileSystemModel&>(*files_.model()); }
+
     // The next filter of the list, or the one before it.
     void turnFilter(Qt::Key direction)
     {
@@ -90,6 +101,8 @@ public:
     {
         finish([this] { static_cast<QDialog&>(dialog_).accept(); });
     }
+
+    void reject() { dialog_.reject(); }
 
 private:
     // With a yes to whether to overwrite. A dialog that refuses is left.
