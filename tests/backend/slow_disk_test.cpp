@@ -121,9 +121,10 @@ TEST_CASE("A file that the disk does not take for good is told of")
 TEST_CASE("A kill while the disk is behind leaves the list and the profile that were written last")
 {
     const Desk desk;
+    const TemporaryFolder ofKilled;
     Child child([&] {
         const ForcedDisk slow(500ms);
-        Desk own;
+        Desk own{.folder = TemporaryFolder(ofKilled.path())};
         own.list = desk.list;
         own.ini = desk.ini;
         for (int i = 0; i < 10; ++i) {

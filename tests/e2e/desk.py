@@ -49,8 +49,24 @@ def wait_for(condition, what, limit=LIMIT, pause=0.02):
         if time.monotonic() > end:
             for desk in Desk.open_desks:
                 desk.picture_of_failure()
-            raise Impatient(f"{what}: not within {limit:g} s") from missing
+            accounts = "\n".join(desk.account() for desk in Desk.open_desks)
+            raise Impatient(f"{what}: not within {limit:g} s\n{accounts}") from missing
         time.sleep(pause)
+
+
+def account_of(process):
+    """Whether it has ended, and how; or what each of its threads waits for: a number of the kernel's calls, where it knows."""
+    name = pathlib.Path(process.args[0]).name
+    if process.poll() is not None:
+        return f"{name} has ended: {process.returncode}"
+
+    def read(thread, what):
+        try:
+            return (thread / what).read_text().split(maxsplit=1)[0]
+        except (OSError, IndexError):
+            return "?"
+    threads = pathlib.Path(f"/proc/{process.pid}/task").glob("*")
+    return f"{name}: " + ", ".join(" ".join(read(thread, what) for what in ("comm", "wchan", "syscall")) for thread in threads)
 
 
 def die_with_parent():
@@ -135,11 +151,11 @@ class Desk:
         for ear_or_hand in filter(None, (self.reader, self.hand)):
             ear_or_hand.close()
         for process in reversed(self.processes):
+            if process is self.bus:
+                self._end_what_it_started()
             self.end(process)
         for recording in self.recordings:
             recording.file.close()
-        if self.bus:
-            self._end_group(self.bus)
         words = self.sanitizer_words()
         shutil.rmtree(self.folder, ignore_errors=True)
         if words:
@@ -166,13 +182,11 @@ class Desk:
     def wait_for(condition, what):
         return wait_for(condition, what)
 
-    # What the bus starts on demand belongs to its process group.
-    @staticmethod
-    def _end_group(leader):
-        try:
-            os.killpg(leader.pid, signal.SIGTERM)
-        except ProcessLookupError:
-            pass
+    def _end_what_it_started(self):
+        """What the bus starts on demand belongs to its process group, which bears its number. Once it has ended and was
+        waited for, the number may be another's."""
+        if self.bus.poll() is None:
+            os.killpg(self.bus.pid, signal.SIGTERM)
 
     def start_bus(self):
         read, write = os.pipe()
@@ -227,6 +241,12 @@ class Desk:
             self.screenshot(f"{name}.png")
         for kept in [*self.folder.glob("recording-*.raw"), *self.folder.glob("output.txt")]:
             shutil.copy(kept, f"{name}-{kept.name}")
+
+    def account(self):
+        """Of everything that was started here, and the last words of the program."""
+        output = self.folder / "output.txt"
+        said = output.read_text(errors="replace")[-2000:] if output.exists() else ""
+        return "\n".join([*map(account_of, self.processes), *filter(None, [said])])
 
     def record(self, latency=None):
         """In milliseconds."""
