@@ -2,6 +2,7 @@
 #include "toolkit/toolkit.h"
 
 #include "toolkit/accessibility.h"
+#include "toolkit/dialog_recall.h"
 #include "toolkit/form.h"
 #include "toolkit/form_widget.h"
 #include "toolkit/later.h"
@@ -28,6 +29,7 @@ struct Toolkit::Parts final : QObject, Post {
     bool eventFilter(QObject* object, QEvent* event) override
     {
         pace.saw(*object, *event);
+        recall.saw(*event);
         if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick)
             pressed(object);
         return false;
@@ -57,6 +59,7 @@ struct Toolkit::Parts final : QObject, Post {
 
     Toolkit& toolkit;
     Pace pace;
+    DialogRecall recall{*this};
     Skin skin;
     Form* active = nullptr;
     bool ending = false;

@@ -93,6 +93,24 @@ class Windows(WindowsCase):
             wait_for(lambda: self.app.framed(title), f"{title!r} is back")
         wait_for(lambda: self.desk.active_window() in (self.main, self.list), "the keys go to one of them")
 
+    def test_a_box_that_is_minimised_comes_back_when_the_keys_go_to_the_window_behind_it(self):
+        self.app.menu(self.main, "a")
+        self.app.press("About Velmora", "push button", "System Info...")
+        box = wait_for(lambda: self.app.framed("Velmora"), "the box shows")[0]
+        if "MINIMIZE" not in self.desk.run("xprop", "-id", box, "_NET_WM_ALLOWED_ACTIONS"):
+            self.skipTest("the window manager minimises no dialog")
+        self.app.process.send_signal(signal.SIGSTOP)  # or it might be back before it was seen to go
+        self.desk.run("xdotool", "windowminimize", box)
+        wait_for(lambda: not self.app.framed("Velmora"), "the box is minimised")
+        self.desk.run("xdotool", "windowactivate", self.main)
+        self.app.process.send_signal(signal.SIGCONT)
+        wait_for(lambda: self.app.framed("Velmora"), "the box is back")
+        wait_for(lambda: self.desk.active_window() == str(int(box, 16)), "the box has the keys")
+        self.assertTrue(self.app.framed("About Velmora"))
+        self.desk.hand("key", "Escape")
+        wait_for(lambda: not self.app.framed("Velmora"), "the box is answered")
+        self.app.escape("About Velmora")
+
     def test_a_drag_that_a_closing_window_cuts_off_leaves_the_pointer_free(self):
         self.list = self.show_list()
         x, y = self.app.grip(self.list, TITLE)
