@@ -106,8 +106,9 @@ TEST_CASE("A server that stands and refuses leads to no other that does not stan
 {
     const NoSound silence;
     SilentServer server(silence.pulseSocket());
+    bool came = false;
     std::thread refusing([&] {
-        server.await();
+        came = server.await();
         server.refuse();
     });
     const SharedMemoryWatch watch;
@@ -115,6 +116,7 @@ TEST_CASE("A server that stands and refuses leads to no other that does not stan
     const auto stream = anyStream();
     client.open(stream);
     refusing.join();
+    CHECK(came);
     CHECK(stream->hasFailed());
     CHECK(!watch.saw());
 }

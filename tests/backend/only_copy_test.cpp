@@ -45,11 +45,13 @@ TEST_CASE("A start while the first copy is ending goes on in its place")
     SilentServer bus(copies.folder / "socket");
     copies.environment.busAddress = "unix:path=" + copies.folder / "socket";
     std::optional<desktop::CopyLock> first(copies.environment);
+    bool isAsked = false;
     std::thread ending([&] {
-        bus.await(); // the first one is asked
+        isAsked = bus.await();
         first.reset();
     });
     const desktop::OnlyCopy copy(copies.environment);
     ending.join();
+    CHECK(isAsked);
     CHECK(copies.inTheWay() == "this process");
 }
